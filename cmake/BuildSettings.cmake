@@ -1,0 +1,33 @@
+# Compiler settings shared by every target of the project.
+#
+# Results have to be the same bytes on every x86-64 machine: no contraction into fused
+# multiply-adds, no fast-math, no -march beyond the baseline.
+
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+add_library(tessarin_settings INTERFACE)
+target_compile_options(tessarin_settings INTERFACE
+    -ffp-contract=off
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" # the last one that matches is applied
+    "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/="
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${TESSARIN_WARNINGS_AS_ERRORS}>:-Werror>)
+
+if(TESSARIN_SANITIZE)
+    target_compile_options(tessarin_settings INTERFACE
+        -fsanitize=${TESSARIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(tessarin_settings INTERFACE -fsanitize=${TESSARIN_SANITIZE})
+endif()
+if(TESSARIN_COVERAGE)
+    target_compile_options(tessarin_settings INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(tessarin_settings INTERFACE --coverage)
+endif()
