@@ -1,0 +1,84 @@
+#include "support/AllocationFailures.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+thread_local long g_nCountdown = -1;
+thread_local bool g_bHappened = false;
+thread_local TestSupport::EFailure g_eFailure = TestSupport::EFailure::eThrow;
+
+bool FailsNow() {
+    if (g_nCountdown < 0)
+        return false;
+    if (g_nCountdown-- > 0)
+        return false;
+    g_bHappened = true;
+    return true;
+}
+
+void* AllocateOrNull(std::size_t nSize) noexcept {
+    return FailsNow() ? nullptr : std::malloc(nSize > 0 ? nSize : 1);
+}
+
+void* AllocateOrThrow(std::size_t nSize) {
+    void* p = AllocateOrNull(nSize);
+    if (p == nullptr && g_eFailure == TestSupport::EFailure::eThrow)
+        throw std::bad_alloc();
+    return p;
+}
+
+} // namespace
+
+namespace TestSupport {
+
+ClFailAllocation::ClFailAllocation(long nAfter, EFailure eFailure) {
+    g_bHappened = false;
+    g_eFailure = eFailure;
+    g_nCountdown = nAfter;
+}
+
+ClFailAllocation::~ClFailAllocation() {
+    g_nCountdown = -1;
+    g_eFailure = EFailure::eThrow;
+}
+
+bool ClFailAllocation::Happened() {
+    return g_bHappened;
+}
+
+} // namespace TestSupport
+
+// The replaceable allocation functions of the whole test program.
+
+void* operator new(std::size_t nSize) {
+    return AllocateOrThrow(nSize);
+}
+void* operator new[](std::size_t nSize) {
+    return AllocateOrThrow(nSize);
+}
+void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(nSize);
+}
+void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
+    return AllocateOrNull(nSize);
+}
+void operator delete(void* p) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, std::size_t) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, std::size_t) noexcept {
+    std::free(p);
+}
+void operator delete(void* p, const std::nothrow_t&) noexcept {
+    std::free(p);
+}
+void operator delete[](void* p, const std::nothrow_t&) noexcept {
+    std::free(p);
+}
