@@ -1,0 +1,330 @@
+#include "Tools/FileStream.h"
+
+#include "support/AllocationFailures.h"
+#include "support/TestStreams.h"
+#include "support/Throws.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <random>
+#include <unistd.h>
+
+using TestSupport::Bytes;
+
+namespace {
+
+constexpr unsigned int cnRefused = 0xFFFFFFFFu;
+const char* const cszFullDevice = "/dev/full"; // takes bytes and fails to store them
+
+/// Tests that keep files: each has a name of its own, which is removed at the end.
+class FileStream : public testing::Test {
+protected:
+    FileStream()
+        : m_Name(testing::TempDir() + "FileStreamTest." + std::to_string(getpid()) + ".bin") {}
+    ~FileStream() override { std::remove(m_Name.c_str()); }
+
+    const char* Name() const { return m_Name.c_str(); }
+    std::wstring WideName() const { return {m_Name.begin(), m_Name.end()}; }
+
+    void Put(const std::string& Content) { std::ofstream(m_Name, std::ios::binary) << Content; }
+    std::string Get() const {
+        std::ifstream File(m_Name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(File), {}};
+    }
+
+    std::string m_Name;
+};
+
+/// The words of an exception of the system: behind the reason, or the whole where there is none.
+std::string LastLine(const ClException& e) {
+    const std::string Comment = e.What();
+    return Comment.substr(Comment.rfind('\n') + 1);
+}
+
+std::string Reason(const ClException& e) {
+    const std::string Comment = e.What();
+    return Comment.substr(0, Comment.find('\n'));
+}
+
+} // namespace
+
+// Files
+
+TEST_F(FileStream, WritesAndReadsAFile) {
+    ClFileStream Stream(Name(), "wb");
+    EXPECT_EQ(Stream.WriteRaw("letters", 7), 7u);
+    EXPECT_EQ(Stream.Pos(), 7u);
+    Stream.Close();
+    EXPECT_EQ(Get(), "letters");
+
+    EXPECT_TRUE(Stream.Open(Name(), "rb"));
+    char acText[10] = {};
+    EXPECT_EQ(Stream.Size(), 7u);
+    EXPECT_EQ(Stream.ReadRaw(acText, 3), 3u);
+    EXPECT_EQ(Stream.Pos(), 3u);
+    EXPECT_EQ(Stream.ReadRaw(acText, 10), 4u);
+    EXPECT_STREQ(acText, "ters");
+}
+
+TEST_F(FileStream, TheSizeLeavesThePosition) {
+    Put("letters");
+    ClFileStream Stream(Name(), "rb");
+    Stream.Seek(2, 0);
+    EXPECT_EQ(Stream.Size(), 7u);
+    EXPECT_EQ(Stream.Pos(), 2u);
+}
+
+TEST_F(FileStream, SeeksFromTheStartThePositionAndTheEnd) {
+    Put("letters");
+    ClFileStream Stream(Name(), "rb");
+    EXPECT_TRUE(Stream.IsSeekable());
+    EXPECT_EQ(Stream.Seek(3, 0), 0u);
+    EXPECT_EQ(Stream.Seek(-1, 1), 0u);
+    EXPECT_EQ(Stream.Pos(), 2u);
+    EXPECT_EQ(Stream.Seek(-3, 2), 0u);
+    EXPECT_EQ(Stream.Pos(), 4u);
+}
+
+TEST_F(FileStream, RefusesBadTargetsAndStaysWhereItIs) {
+    Put("letters");
+    ClFileStream Stream(Name(), "rb");
+    Stream.Seek(3, 0);
+    for (const int nWhence : {-1, 3, 4, 1000}) // 3 and 4 mean something to the system
+        EXPECT_EQ(Stream.Seek(0, nWhence), cnRefused);
+    EXPECT_EQ(Stream.Seek(-1, 0), cnRefused);
+    EXPECT_EQ(Stream.Seek(-8, 2), cnRefused);
+    EXPECT_EQ(Stream.Pos(), 3u);
+}
+
+TEST_F(FileStream, MixesReadingAndWriting) {
+    Put("letters");
+    ClFileStream Stream(Name(), "r+b");
+    char acText[4] = {};
+    Stream.ReadRaw(acText, 2);
+    Stream.WriteRaw("TT", 2);
+    Stream.ReadRaw(acText, 3);
+    EXPECT_STREQ(acText, "ers");
+    Stream.WriteRaw("!", 1);
+    Stream.Close();
+    EXPECT_EQ(Get(), "leTTers!");
+}
+
+TEST_F(FileStream, WritesBitsToAFileThatCannotBeRead) {
+    ClFileStream Stream(Name(), "wb");
+    Stream.WriteBits(5, 3);
+    Stream.Close();
+    EXPECT_EQ(Get(), "\xA0");
+}
+
+TEST_F(FileStream, TheDestructorWritesPendingBits) {
+    { ClFileStream(Name(), "wb").WriteBits(5, 3); }
+    EXPECT_EQ(Get(), "\xA0");
+}
+
+TEST_F(FileStream, RandomNumbersSurvive) {
+    std::mt19937_64 Random(5);
+    ClFileStream Stream(Name(), "w+b");
+    std::vector<unsigned long> aNumbers(1000);
+    for (unsigned long& nNumber : aNumbers)
+        Stream.WriteAutoSwap(nNumber = Random());
+    Stream.Seek(0, 0);
+    for (const unsigned long nNumber : aNumbers) {
+        unsigned long nRead = 0;
+        EXPECT_EQ(Stream.ReadAutoSwap(nRead), 8u);
+        EXPECT_EQ(nRead, nNumber);
+    }
+}
+
+// Without a file
+
+TEST_F(FileStream, AnswersNothingWithoutAFile) {
+    ClFileStream Stream;
+    char cByte = 'x';
+    EXPECT_EQ(Stream.Pos(), 0u);
+    EXPECT_EQ(Stream.Size(), 0u);
+    EXPECT_EQ(Stream.ReadRaw(&cByte, 1), 0u);
+    EXPECT_EQ(Stream.WriteRaw(&cByte, 1), 0u);
+    EXPECT_EQ(Stream.Seek(0, 0), cnRefused);
+    EXPECT_STREQ(Stream.Name(), "No file open");
+    EXPECT_NO_THROW(Stream.Close());
+}
+
+TEST_F(FileStream, NeedsNoMemoryForEmptyTransfers) {
+    ClFileStream Stream(Name(), "w+b");
+    EXPECT_EQ(Stream.WriteRaw(nullptr, 0), 0u);
+    EXPECT_EQ(Stream.ReadRaw(nullptr, 0), 0u);
+}
+
+// Opening
+
+TEST_F(FileStream, NullTextsAreRefused) {
+    ClFileStream Stream;
+    EXPECT_THROWS(Stream.Open(static_cast<const char*>(nullptr), "rb"), ClException, -44,
+                  "szName is NULL");
+    EXPECT_THROWS(Stream.Open(Name(), nullptr), ClException, -44, "szMode is NULL");
+    EXPECT_THROWS(ClFileStream(static_cast<const char*>(nullptr), "rb"), ClException, -44,
+                  "szName is NULL");
+}
+
+TEST_F(FileStream, AFileThatDoesNotOpenIsNamedWithTheReason) {
+    try {
+        ClFileStream Stream(Name(), "rb");
+        FAIL() << "nothing was thrown";
+    } catch (const ClExFilesystem& e) {
+        EXPECT_EQ(e.Number(), -200);
+        EXPECT_EQ(LastLine(e), m_Name);
+        EXPECT_EQ(Reason(e), std::strerror(ENOENT));
+    }
+}
+
+TEST_F(FileStream, ADirectoryIsNoFile) {
+    const std::string Directory = testing::TempDir();
+    for (const char* szMode : {"rb", "wb"}) {
+        try {
+            ClFileStream Stream(Directory.c_str(), szMode);
+            FAIL() << "nothing was thrown";
+        } catch (const ClExFilesystem& e) {
+            EXPECT_EQ(e.Number(), -200);
+            EXPECT_EQ(LastLine(e), Directory);
+            EXPECT_EQ(Reason(e), std::strerror(EISDIR));
+        }
+    }
+}
+
+TEST_F(FileStream, TheModeIsPassedOnAsItStands) {
+    Put("a");
+    ClFileStream Stream(Name(), "ab");
+    Stream.WriteRaw("b", 1);
+    Stream.Close();
+    EXPECT_EQ(Get(), "ab");
+    EXPECT_NUMBER(Stream.Open(Name(), "nonsense"), -200);
+}
+
+TEST_F(FileStream, TheNameOutlivesTheFile) {
+    ClFileStream Stream(Name(), "wb");
+    EXPECT_STREQ(Stream.Name(), Name());
+    Stream.Close();
+    EXPECT_STREQ(Stream.Name(), Name());
+}
+
+TEST_F(FileStream, AFailedOpenLeavesNoFileAndNoName) {
+    ClFileStream Stream(Name(), "wb");
+    Stream.WriteRaw("a", 1);
+    EXPECT_NUMBER(Stream.Open((m_Name + ".missing").c_str(), "rb"), -200);
+    EXPECT_STREQ(Stream.Name(), "No file open");
+    EXPECT_EQ(Stream.Size(), 0u);
+    EXPECT_EQ(Get(), "a");
+}
+
+TEST_F(FileStream, OpenClosesTheFormerFileAndForgetsBits) {
+    Put("\xFF\xFF");
+    ClFileStream Stream(Name(), "rb");
+    unsigned int nValue = 0;
+    Stream.ReadBits(nValue, 3);
+    Stream.Open(Name(), "rb");
+    EXPECT_EQ(Stream.BitPos(), 0u);
+    EXPECT_NO_THROW(Stream.CheckBitPosByteAlignment());
+}
+
+TEST_F(FileStream, OpensItsOwnNameAgain) {
+    ClFileStream Stream(Name(), "wb");
+    Stream.WriteRaw("a", 1);
+    EXPECT_TRUE(Stream.Open(Stream.Name(), "rb"));
+    EXPECT_STREQ(Stream.Name(), Name());
+    EXPECT_EQ(Stream.Size(), 1u);
+}
+
+TEST_F(FileStream, MissingMemoryLeavesNoFileOpen) {
+    TestSupport::FailEachAllocation([this] {
+        ClFileStream Stream;
+        try {
+            Stream.Open(Name(), "wb");
+        } catch (...) {
+            EXPECT_STREQ(Stream.Name(), "No file open");
+            throw;
+        }
+    });
+    const std::wstring Wide = WideName();
+    TestSupport::FailEachAllocation([&Wide] { ClFileStream Stream(Wide.c_str(), L"wb"); });
+}
+
+// Wide names
+
+TEST_F(FileStream, OpensWideNames) {
+    m_Name += "\xE2\x82\xAC"; // the euro sign
+    std::wstring Wide = WideName();
+    Wide.replace(Wide.size() - 3, 3, L"\u20AC");
+    ClFileStream Stream(Wide.c_str(), L"wb");
+    EXPECT_STREQ(Stream.Name(), Name());
+    Stream.WriteRaw("a", 1);
+    Stream.Close();
+    EXPECT_EQ(Get(), "a");
+}
+
+TEST_F(FileStream, OpensWideNamesThatGrowByConversion) {
+    std::wstring Wide = WideName();
+    for (int i = 0; i < 40; ++i) {
+        Wide += static_cast<wchar_t>(0x1F600); // four bytes each
+        m_Name += "\xF0\x9F\x98\x80";
+    }
+    ClFileStream Stream(Wide.c_str(), L"wb");
+    EXPECT_STREQ(Stream.Name(), Name());
+}
+
+TEST_F(FileStream, WideTextsThatAreNullOrDoNotConvertAreRefused) {
+    const wchar_t aBad[] = {0xD800, 0}; // half a surrogate pair
+    const wchar_t* const szNull = nullptr;
+    ClFileStream Stream;
+    for (const wchar_t* szBad : {szNull, aBad}) {
+        EXPECT_THROWS(Stream.Open(szBad, L"rb"), ClException, -37,
+                      "the szName parameter is invalid.");
+        EXPECT_THROWS(Stream.Open(WideName().c_str(), szBad), ClException, -37,
+                      "the szMode parameter is invalid.");
+        EXPECT_THROWS(Stream.Open(szBad, szBad), ClException, -37,
+                      "the szName parameter is invalid.");
+    }
+}
+
+TEST_F(FileStream, AnEmptyWideNameIsNoFile) {
+    EXPECT_NUMBER(ClFileStream(L"", L"rb"), -200);
+}
+
+TEST_F(FileStream, AWideOpenThatFailsClosesTheFormerFile) {
+    ClFileStream Stream(Name(), "wb");
+    Stream.WriteRaw("a", 1);
+    EXPECT_NUMBER(Stream.Open(static_cast<const wchar_t*>(nullptr), L"rb"), -37);
+    EXPECT_STREQ(Stream.Name(), "No file open");
+    EXPECT_EQ(Get(), "a");
+}
+
+// Closing
+
+TEST_F(FileStream, AFileThatCannotBeClosedSaysSoAndIsReleased) {
+    if (access(cszFullDevice, W_OK) != 0)
+        GTEST_SKIP() << "no device that is always full";
+    ClFileStream Stream(cszFullDevice, "wb");
+    EXPECT_EQ(Stream.WriteRaw("a", 1), 1u); // into the buffer of the C library
+    EXPECT_THROWS(Stream.Close(), ClExStream, -204, "ClFileStream::Close. Failed to Close");
+    EXPECT_EQ(Stream.WriteRaw("a", 1), 0u);
+    EXPECT_NO_THROW(Stream.Close());
+}
+
+TEST_F(FileStream, TheDestructorSwallowsAFailureToClose) {
+    if (access(cszFullDevice, W_OK) != 0)
+        GTEST_SKIP() << "no device that is always full";
+    EXPECT_NO_THROW(ClFileStream(cszFullDevice, "wb").WriteRaw("a", 1));
+}
+
+TEST_F(FileStream, BitsThatCannotBeWrittenReleaseTheFileAllTheSame) {
+    Put("");
+    ClFileStream Stream(Name(), "rb");
+    Stream.WriteBits(1, 1);
+    EXPECT_THROWS(Stream.Close(), ClExStreamFailToWrite, -202,
+                  "Fail to write BitBuffer into stream");
+    EXPECT_EQ(Stream.Seek(0, 0), cnRefused);
+    EXPECT_EQ(Stream.BitPos(), 0u);
+    EXPECT_NO_THROW(Stream.Close());
+}
