@@ -1,0 +1,170 @@
+// Numeric parameters as texts: formats, sizes, and formats that do not fit.
+
+#include "Tools/NumericFormat.h"
+#include "Tools/ParameterNumeric.h"
+#include "support/ParameterText.h"
+
+#include <limits>
+
+namespace {
+
+using TestSupport::DefaultText;
+using TestSupport::ValueText;
+
+/// The text of a value of type `T`, with a format of its own if one is given.
+template <class T>
+std::string Printed(T value, const char* pFormat = Vek::ClNumericFormat<T>::Format,
+                    int nPrecision = 6) {
+    TpParameterNumeric<T> parameter;
+    parameter.Bind(&value);
+    parameter.SetFormat(pFormat);
+    parameter.SetPrecision(nPrecision);
+    return ValueText(parameter);
+}
+
+/// Whether a value of type `T` can be printed with the format.
+template <class T>
+bool CanPrint(const char* pFormat) {
+    T value = T();
+    TpParameterNumeric<T> parameter;
+    parameter.Bind(&value);
+    parameter.SetFormat(pFormat);
+    char szText[64];
+    unsigned long nSize = sizeof szText;
+    return parameter.GetValue(szText, nSize);
+}
+
+TEST(ParameterFormat, HasAFormatAndAPrefixPerType) {
+    EXPECT_STREQ(Vek::ClNumericFormat<char>::Format, "%d");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned char>::Format, "%u");
+    EXPECT_STREQ(Vek::ClNumericFormat<short>::Format, "%hd");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned short>::Format, "%hu");
+    EXPECT_STREQ(Vek::ClNumericFormat<int>::Format, "%d");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned int>::Format, "%u");
+    EXPECT_STREQ(Vek::ClNumericFormat<long>::Format, "%ld");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned long>::Format, "%lu");
+    EXPECT_STREQ(Vek::ClNumericFormat<long long>::Format, "%lld");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned long long>::Format, "%llu");
+    EXPECT_STREQ(Vek::ClNumericFormat<float>::Format, "%f");
+    EXPECT_STREQ(Vek::ClNumericFormat<double>::Format, "%f");
+    EXPECT_STREQ(Vek::ClNumericFormat<char>::Prefix, "");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned char>::Prefix, "");
+    EXPECT_STREQ(Vek::ClNumericFormat<short>::Prefix, "h");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned short>::Prefix, "h");
+    EXPECT_STREQ(Vek::ClNumericFormat<int>::Prefix, "");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned int>::Prefix, "");
+    EXPECT_STREQ(Vek::ClNumericFormat<long>::Prefix, "l");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned long>::Prefix, "l");
+    EXPECT_STREQ(Vek::ClNumericFormat<long long>::Prefix, "ll");
+    EXPECT_STREQ(Vek::ClNumericFormat<unsigned long long>::Prefix, "ll");
+    EXPECT_STREQ(Vek::ClNumericFormat<float>::Prefix, "");
+    EXPECT_STREQ(Vek::ClNumericFormat<double>::Prefix, "");
+}
+
+TEST(ParameterFormat, PrintsTheEndsOfEachType) {
+    EXPECT_EQ(Printed<char>(-128), "-128");
+    EXPECT_EQ(Printed<unsigned char>(255), "255");
+    EXPECT_EQ(Printed<short>(-32768), "-32768");
+    EXPECT_EQ(Printed<unsigned short>(65535), "65535");
+    EXPECT_EQ(Printed<int>(std::numeric_limits<int>::min()), "-2147483648");
+    EXPECT_EQ(Printed<unsigned int>(4294967295u), "4294967295");
+    EXPECT_EQ(Printed<long>(std::numeric_limits<long>::min()), "-9223372036854775808");
+    EXPECT_EQ(Printed<unsigned long>(18446744073709551615u), "18446744073709551615");
+    EXPECT_EQ(Printed<long long>(9223372036854775807), "9223372036854775807");
+    EXPECT_EQ(Printed<unsigned long long>(18446744073709551615u), "18446744073709551615");
+    EXPECT_EQ(Printed<float>(0.5f), "0.500000");
+    EXPECT_EQ(Printed<double>(-1.25), "-1.250000");
+}
+
+TEST(ParameterFormat, PrintsWithThePrecisionForAStar) {
+    EXPECT_EQ(Printed<double>(1.23456, "%.*f", 2), "1.23");
+    EXPECT_EQ(Printed<double>(1.23456, "%.*f"), "1.234560");
+    EXPECT_EQ(Printed<double>(1.23456, "%.1f", 4), "1.2");
+    EXPECT_EQ(Printed<int>(7, "%.*d", 3), "007");
+}
+
+TEST(ParameterFormat, PrintsTextAroundTheNumber) {
+    EXPECT_EQ(Printed<double>(50.0, "%.0f %% of %%"), "50 % of %");
+    EXPECT_EQ(Printed<int>(65, "<%c>"), "<A>");
+}
+
+TEST(ParameterFormat, UsesTheFormatOfTheTypeWhenItsOwnIsCleared) {
+    TpParameterNumeric<long> parameter;
+    parameter.SetFormat(nullptr);
+    EXPECT_EQ(parameter.GetFormat(), nullptr);
+    EXPECT_EQ(Printed<long>(3, nullptr), "3");
+}
+
+TEST(ParameterFormat, TakesItsOwnFormatAsFormat) {
+    TpParameterNumeric<double> parameter;
+    parameter.SetFormat("%.3f");
+    parameter.SetFormat(parameter.GetFormat());
+    EXPECT_STREQ(parameter.GetFormat(), "%.3f");
+}
+
+TEST(ParameterFormat, PrintsTheDefault) {
+    double dValue = 1.0;
+    TpParameterNumeric<double> parameter;
+    parameter.Bind(&dValue);
+    parameter.SetDefault(2.0);
+    EXPECT_EQ(DefaultText(parameter), "2.000000");
+}
+
+TEST(ParameterFormat, ReportsTheSizeForANullBuffer) {
+    long nValue = 123;
+    TpParameterNumeric<long> parameter;
+    parameter.Bind(&nValue);
+    unsigned long nSize = 3;
+    EXPECT_FALSE(parameter.GetValue(nullptr, nSize));
+    EXPECT_EQ(nSize, 4u);
+    EXPECT_TRUE(parameter.GetValue(nullptr, nSize));
+    EXPECT_EQ(nSize, 4u);
+}
+
+TEST(ParameterFormat, WritesNothingIntoABufferThatIsTooSmall) {
+    long nValue = 123;
+    TpParameterNumeric<long> parameter;
+    parameter.Bind(&nValue);
+    char szText[8] = "???????";
+    unsigned long nSize = 3;
+    EXPECT_FALSE(parameter.GetValue(szText, nSize));
+    EXPECT_EQ(nSize, 4u);
+    EXPECT_STREQ(szText, "???????");
+}
+
+TEST(ParameterFormat, ReportsTheSizeNeededForALargerBuffer) {
+    long nValue = 123;
+    TpParameterNumeric<long> parameter;
+    parameter.Bind(&nValue);
+    char szText[8] = "???????";
+    unsigned long nSize = 8;
+    EXPECT_TRUE(parameter.GetValue(szText, nSize));
+    EXPECT_EQ(nSize, 4u);
+    EXPECT_STREQ(szText, "123");
+    EXPECT_EQ(szText[4], '?');
+}
+
+TEST(ParameterFormat, AnswersFalseWherePrintfFails) {
+    EXPECT_FALSE(CanPrint<int>("%2147483648d")); // longer than an int can tell
+}
+
+TEST(ParameterFormat, AnswersFalseForAFormatThatDoesNotTakeTheValue) {
+    for (const char* pFormat :
+         {"", "text", "%s", "%n", "%d%d", "%f", "%ld", "%*.*d", "* %d", "%", "%l", "%jd", "100 %"})
+        EXPECT_FALSE(CanPrint<int>(pFormat)) << pFormat;
+    for (const char* pFormat : {"%d", "%f", "%lf", "%Lf", "%s", "%ln"})
+        EXPECT_FALSE(CanPrint<long>(pFormat)) << pFormat;
+    for (const char* pFormat : {"%d", "%Lf", "%s", "%f%f", "%.*"})
+        EXPECT_FALSE(CanPrint<double>(pFormat)) << pFormat;
+}
+
+TEST(ParameterFormat, AcceptsTheFormatsOfAType) {
+    for (const char* pFormat : {"%d", "%5i", "%-5u|", "0x%02X", "%+d", "%o"})
+        EXPECT_TRUE(CanPrint<int>(pFormat)) << pFormat;
+    for (const char* pFormat : {"%ld", "%lx", "%.*lu", "%lld"})
+        EXPECT_TRUE(CanPrint<long>(pFormat)) << pFormat;
+    for (const char* pFormat : {"%f", "%e", "%G", "%a", "%10.3f", "%.*f", "%#g"})
+        EXPECT_TRUE(CanPrint<double>(pFormat)) << pFormat;
+}
+
+} // namespace
