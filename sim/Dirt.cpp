@@ -1,0 +1,123 @@
+#include "sim/Dirt.h"
+
+#include "Tools/Exception.h"
+#include "Tools/SourcePosition.h"
+#include "sim/Elementary.h"
+#include "sim/Random.h"
+
+#include <cmath>
+
+namespace sim {
+
+namespace {
+
+/// Half the size of the area that a sensor can see, millimetres.
+constexpr double g_dReachX = 10.3;
+constexpr double g_dReachY = 13.4;
+
+enum ESubject : std::uint64_t { eSubjectSpeck = 1, eSubjectHair, eSubjectSmudge };
+
+void Check(const ClDirtSettings& Settings) {
+    for (const int nCount : {Settings.m_nSpecks, Settings.m_nHairs, Settings.m_nSmudges})
+        if (nCount < 0 || nCount > 10000)
+            throw ClException("sim: dirt is counted from 0 to 10000", -35, false, VEK_HERE);
+    if (!(Settings.m_dSpeckSize > 0.0 && Settings.m_dSpeckSize <= 5.0))
+        throw ClException("sim: a speck has up to 5 mm", -35, false, VEK_HERE);
+}
+
+ClPoint Anywhere(ClRandom& Random) {
+    const double x = Random.Around(0.0, g_dReachX);
+    return {x, Random.Around(0.0, g_dReachY)};
+}
+
+/// Runs `Paint(nColumn, nRow, dx, dy)` over the samples around a centre.
+template <class TpPaint>
+void ForWindow(const ClPoint& Centre, double dReach, TpPaint Paint) {
+    const ClWindow Window(Centre, dReach, dReach);
+    for (int nRow = Window.m_nTop; nRow < Window.m_nBottom; ++nRow) {
+        for (int nColumn = Window.m_nLeft; nColumn < Window.m_nRight; ++nColumn) {
+            const ClPoint p = ClPlate::Position(nColumn, nRow);
+            Paint(nColumn, nRow, p.x - Centre.x, p.y - Centre.y);
+        }
+    }
+}
+
+/// A grain: a disc whose radius wobbles with the direction.
+void PaintSpeck(ClPlate& Plate, double dLargest, ClRandom& Random) {
+    const ClPoint Centre = Anywhere(Random);
+    const double u = Random.Uniform();
+    const double dRadius = 0.5 * dLargest * (0.25 + 0.75 * u * u * u);
+    const double dDarkness = Random.Uniform(0.25, 0.85);
+    const ClNoiseField Wobble(Random.Next(), 0.8);
+    ForWindow(Centre, 1.6 * dRadius + 0.05, [&](int nColumn, int nRow, double dx, double dy) {
+        const double d = std::sqrt(dx * dx + dy * dy);
+        const double dEdge = d > 0.0 ? dRadius * (1.0 + 0.5 * Wobble.At(dx / d, dy / d)) : dRadius;
+        const double dCoverage = SmoothStep(-0.02, 0.02, dEdge - d);
+        Plate.DarkenTo(nColumn, nRow, 1.0 - dDarkness * dCoverage);
+    });
+}
+
+/// One piece of a hair: a disc that is drawn so densely along the curve that a line results.
+void PaintHairPiece(ClPlate& Plate, const ClPoint& Centre, double dHalfWidth, double dDarkness) {
+    ForWindow(Centre, dHalfWidth + 0.03, [&](int nColumn, int nRow, double dx, double dy) {
+        const double dInside = dHalfWidth - std::sqrt(dx * dx + dy * dy);
+        Plate.DarkenTo(nColumn, nRow, 1.0 - dDarkness * SmoothStep(-0.02, 0.02, dInside));
+    });
+}
+
+void PaintHair(ClPlate& Plate, ClRandom& Random) {
+    const ClPoint From = Anywhere(Random);
+    const double dLength = Random.Uniform(2.0, 6.0);
+    const double dHeading = Random.Uniform(0.0, 2.0 * g_dPi);
+    const double dCurl = Random.Around(0.0, 2.5);
+    const double dHalfWidth = Random.Uniform(0.025, 0.055);
+    const double dDarkness = Random.Uniform(0.25, 0.75);
+    ClPoint p = From;
+    constexpr double dStep = 0.015;
+    const int nSteps = static_cast<int>(dLength / dStep);
+    for (int n = 0; n < nSteps; ++n) {
+        // The curl grows along the hair, like that of a lash.
+        const double t = static_cast<double>(n) / nSteps;
+        const double dDirection = dHeading + dCurl * t * t;
+        p.x += dStep * Cosine(dDirection);
+        p.y += dStep * Sine(dDirection);
+        PaintHairPiece(Plate, p, dHalfWidth, dDarkness);
+    }
+}
+
+/// A stain without an edge, streaked by the finger or cloth that left it.
+void PaintSmudge(ClPlate& Plate, ClRandom& Random) {
+    const ClPoint Centre = Anywhere(Random);
+    const double dRadius = Random.Uniform(0.5, 2.5);
+    const double dFlatness = Random.Uniform(1.0, 2.5);
+    const double dDarkness = Random.Uniform(0.02, 0.12);
+    const double dHeading = Random.Uniform(0.0, g_dPi);
+    const double c = Cosine(dHeading);
+    const double s = Sine(dHeading);
+    const ClNoiseField Streaks(Random.Next(), 0.5);
+    ForWindow(Centre, dRadius, [&](int nColumn, int nRow, double dx, double dy) {
+        const double u = c * dx + s * dy;
+        const double v = (c * dy - s * dx) * dFlatness;
+        const double d = std::sqrt(u * u + v * v) / dRadius;
+        const double dFading = 1.0 - SmoothStep(0.0, 1.0, d);
+        const double dStreak = 0.65 + 0.35 * Streaks.At(0.25 * u, v);
+        Plate.Darken(nColumn, nRow, dDarkness * dFading * dStreak);
+    });
+}
+
+} // namespace
+
+void PaintDirt(ClPlate& Plate, const ClDirtSettings& Settings, std::uint64_t nSeed) {
+    Check(Settings);
+    ClRandom Smudge(nSeed, eSubjectSmudge);
+    for (int n = 0; n < Settings.m_nSmudges; ++n)
+        PaintSmudge(Plate, Smudge);
+    ClRandom Speck(nSeed, eSubjectSpeck);
+    for (int n = 0; n < Settings.m_nSpecks; ++n)
+        PaintSpeck(Plate, Settings.m_dSpeckSize, Speck);
+    ClRandom Hair(nSeed, eSubjectHair);
+    for (int n = 0; n < Settings.m_nHairs; ++n)
+        PaintHair(Plate, Hair);
+}
+
+} // namespace sim

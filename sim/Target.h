@@ -1,0 +1,56 @@
+#pragma once
+
+/// The two plates that are laid on the platen to calibrate and to measure: the dot target and the
+/// ruled plate.
+
+#include "sim/Plate.h"
+#include "sim/Raster.h"
+
+#include <array>
+#include <vector>
+
+namespace sim {
+
+constexpr double g_dPitch = 2.0;       ///< millimetres from dot to dot
+constexpr double g_dDotDiameter = 0.8; ///< millimetres
+constexpr int g_nDots = 75;
+/// Dots per column, from the left; all columns begin at the same row.
+constexpr std::array<int, 7> g_aColumnLengths{10, 11, 11, 11, 11, 11, 10};
+
+/// The centres of the ideal pattern, column by column, each from the top: millimetres from the
+/// middle of the pattern's bounding box.
+std::vector<ClPoint> DotPattern();
+
+/// How a plate lies on the platen and how it is printed.
+struct ClTargetSettings {
+    double m_dRotation = 0.0;  ///< degrees clockwise about the plate's middle, below 45
+    double m_dShiftX = 0.0;    ///< millimetres to the right; large values cut the plate off
+    double m_dShiftY = 0.0;    ///< millimetres down
+    double m_dRowSlant = 0.0;  ///< degrees by which rows slope down while columns stay upright
+    double m_dContrast = 0.76; ///< share of the light that the print takes, 0 to 1
+    double m_dDotDiameter = g_dDotDiameter; ///< millimetres
+    std::vector<int> m_aMissing;            ///< pattern indices, 0 to 74, of dots not printed
+    std::vector<ClPoint> m_aExtra;          ///< further dots, pattern millimetres
+    double m_dLineSpacing = 2.0;            ///< of the ruled plate, millimetres
+    double m_dLineWidth = 0.15;             ///< of the ruled plate, millimetres
+};
+
+/// Pattern millimetres to platen millimetres; the settings are not checked.
+ClPoint PlatenFromPattern(const ClTargetSettings& Settings, const ClPoint& Pattern);
+
+/// Prints the dots. Returns the true centres of the 75 pattern dots on the platen in pattern
+/// order, missing ones included. Throws -35 for settings out of range.
+std::vector<ClPoint> PaintDots(ClPlate& Plate, const ClTargetSettings& Settings);
+
+/// A straight line on the platen, from end to end.
+struct ClLine {
+    ClPoint m_From;
+    ClPoint m_To;
+};
+
+/// Prints the rules: vertical lines over the full height, then horizontal ones over the full
+/// width of the target frame's size. Returns their middle lines on the platen, vertical ones from
+/// the left first, then the horizontal ones from the top. Throws -35 for settings out of range.
+std::vector<ClLine> PaintRules(ClPlate& Plate, const ClTargetSettings& Settings);
+
+} // namespace sim

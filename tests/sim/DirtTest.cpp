@@ -1,0 +1,96 @@
+#include "sim/Dirt.h"
+
+#include "support/Throws.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+using sim::ClDirtSettings;
+using sim::ClPlate;
+
+namespace {
+
+std::vector<double> Reflectances(const ClPlate& Plate) {
+    std::vector<double> aValues;
+    for (int y = 0; y < ClPlate::ms_nHeight; ++y)
+        for (int x = 0; x < ClPlate::ms_nWidth; ++x)
+            aValues.push_back(Plate.Reflectance(ClPlate::Position(x, y)));
+    return aValues;
+}
+
+std::vector<double> Painted(const ClDirtSettings& Settings, std::uint64_t nSeed) {
+    ClPlate Plate;
+    sim::PaintDirt(Plate, Settings, nSeed);
+    return Reflectances(Plate);
+}
+
+/// Square millimetres darker than the limit.
+double DarkArea(const std::vector<double>& aValues, double dLimit) {
+    int nCount = 0;
+    for (const double d : aValues)
+        nCount += d < dLimit;
+    return nCount * 0.02 * 0.02;
+}
+
+} // namespace
+
+TEST(SimDirt, LeavesThePlateCleanByDefault) {
+    for (const double d : Painted(ClDirtSettings(), 1))
+        ASSERT_EQ(d, 1.0);
+}
+
+TEST(SimDirt, SpecksAreSmallAndDark) {
+    ClDirtSettings Settings;
+    Settings.m_nSpecks = 50;
+    const std::vector<double> aValues = Painted(Settings, 3);
+    const double dArea = DarkArea(aValues, 0.8);
+
+    // Radii lie between a quarter of half the size, 0.025 mm, and 1.5 times half the size.
+    EXPECT_GT(dArea, 20 * M_PI * 0.025 * 0.025);
+    EXPECT_LT(dArea, 50 * M_PI * 0.15 * 0.15);
+}
+
+TEST(SimDirt, HairsAreLongAndThin) {
+    ClDirtSettings Settings;
+    Settings.m_nHairs = 8;
+    const double dArea = DarkArea(Painted(Settings, 3), 0.9);
+
+    // 2 to 6 mm long and 0.05 to 0.11 mm wide; some may leave the plate.
+    EXPECT_GT(dArea, 4 * 2.0 * 0.05);
+    EXPECT_LT(dArea, 8 * 6.0 * 0.15);
+}
+
+TEST(SimDirt, SmudgesAreLargeAndPale) {
+    ClDirtSettings Settings;
+    Settings.m_nSmudges = 3;
+    const std::vector<double> aValues = Painted(Settings, 3);
+
+    EXPECT_GT(DarkArea(aValues, 0.995), 0.5);
+    EXPECT_EQ(DarkArea(aValues, 0.6), 0.0);
+}
+
+TEST(SimDirt, IsTheSameForASeedAndDifferentForAnother) {
+    ClDirtSettings Settings;
+    Settings.m_nSpecks = 10;
+    Settings.m_nHairs = 1;
+    Settings.m_nSmudges = 1;
+
+    EXPECT_EQ(Painted(Settings, 5), Painted(Settings, 5));
+    EXPECT_NE(Painted(Settings, 5), Painted(Settings, 6));
+}
+
+TEST(SimDirt, RefusesSettingsOutOfRange) {
+    ClPlate Plate;
+    ClDirtSettings Negative;
+    Negative.m_nHairs = -1;
+    ClDirtSettings Many;
+    Many.m_nSpecks = 10001;
+    ClDirtSettings Size;
+    Size.m_dSpeckSize = 0.0;
+
+    EXPECT_NUMBER(sim::PaintDirt(Plate, Negative, 1), -35);
+    EXPECT_NUMBER(sim::PaintDirt(Plate, Many, 1), -35);
+    EXPECT_NUMBER(sim::PaintDirt(Plate, Size, 1), -35);
+}
