@@ -1,0 +1,76 @@
+#include "apps/qk7/Advice.h"
+
+#include "TessarinCalibrateSDK.h"
+
+namespace qk7 {
+
+namespace {
+
+const char* ForOption(long nNumber) {
+    if (nNumber != QMT_ERROR_PARAM_IS_MISSING)
+        return "";
+    return " Use DynamicFingerMask=true|false, SensitiveMode=true|false, MaskIsOutput=true|false, "
+           "PrecalculatedData=true|false or GeometricCalibrate=ThinPlateSpline|oddLines|off.";
+}
+
+const char* ForCalibration(long nNumber) {
+    switch (nNumber) {
+    case QMT_ERROR_UNEXPECTED_SIGNATURE:
+        return " It is no calibration block; \"qk7 info\" tells what it is.";
+    case QMT_ERROR_UNEXPECTED_EOF:
+        return " It is cut off; restore it, or generate the calibration anew.";
+    case QMT_ERROR_CURRUPT_DATA:
+        return " It is damaged; restore it, or generate the calibration anew.";
+    case QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE:
+        return " Its points allow no smooth mapping; generate the calibration anew.";
+    default:
+        return "";
+    }
+}
+
+const char* ForPrecalculated(long nNumber) {
+    switch (nNumber) {
+    case QMT_ERROR_UNEXPECTED_SIGNATURE:
+        return " It does not belong to this calibration block, or is cut off; make it with "
+               "\"qk7 precalculate\".";
+    case QMT_ERROR_CURRUPT_DATA:
+        return " It is damaged; make it anew with \"qk7 precalculate\".";
+    default:
+        return "";
+    }
+}
+
+const char* ForCapture(long nNumber) {
+    switch (nNumber) {
+    case QMT_ERROR_BITMAP_PLANE:
+    case QMT_ERROR_BITMAP_BITCOUNT:
+        return " Save it as an 8-bit grey bitmap.";
+    case QMT_ERROR_BITMAP_COMPRESSION:
+        return " Save it without compression.";
+    case QMT_ERROR_BITMAP_HEADERSIZE:
+        return " It is no bitmap, or has another header than the one of 40 bytes; save it as a "
+               "Windows 3 bitmap.";
+    case QMT_ERROR_INVALID_OPTIONS_SETTING:
+        return " Add -O DynamicFingerMask=false.";
+    default:
+        return "";
+    }
+}
+
+} // namespace
+
+std::string Advice(EHanded eHanded, long nNumber) {
+    switch (eHanded) {
+    case EHanded::eOption:
+        return ForOption(nNumber);
+    case EHanded::eCalibration:
+        return ForCalibration(nNumber);
+    case EHanded::ePrecalculated:
+        return ForPrecalculated(nNumber);
+    case EHanded::eCapture:
+        return ForCapture(nNumber);
+    }
+    return "";
+}
+
+} // namespace qk7

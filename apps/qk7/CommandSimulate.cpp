@@ -1,0 +1,189 @@
+/// `qk7 simulate`: the files of a simulated scanner, to try the other commands on.
+
+#include "apps/qk7/Commands.h"
+#include "apps/qk7/File.h"
+#include "apps/qk7/Progress.h"
+
+#include "sim/BitmapBlock.h"
+#include "sim/Capture.h"
+#include "sim/Record.h"
+
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+namespace qk7 {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct StCall {
+    std::uint64_t m_nSeed = 1;
+    unsigned int m_nCount = 1;
+    std::vector<std::string> m_aKinds = {"loop"};
+    std::string m_Output;
+    bool m_bTruth = false;
+};
+
+std::string PathIn(const StCall& Call, const std::string& Name) {
+    return (std::filesystem::path(Call.m_Output) / Name).string();
+}
+
+/// One capture to make.
+struct StOrder {
+    std::string m_File;
+    sim::EKind m_eKind;
+    std::uint64_t m_nSeed;
+};
+
+/// The captures of a kind carry its name, with a number behind it where there are several. The
+/// number is also the capture's seed, so that more captures leave the first ones as they were.
+void AddOrders(std::vector<StOrder>& rOrders, const std::string& Kind, unsigned int nCount) {
+    sim::EKind eKind = sim::EKind::eTarget;
+    sim::KindFromName(Kind, eKind); // the parser lets only kinds through
+    for (unsigned int i = 1; i <= nCount; ++i)
+        rOrders.push_back({Kind + (nCount > 1 ? "_" + std::to_string(i) : "") + ".bmp", eKind, i});
+}
+
+/// The two plates once each, then the kinds that were asked for, each once.
+std::vector<StOrder> OrdersOf(const StCall& Call) {
+    std::vector<StOrder> orders;
+    std::vector<std::string> done = {"target", "ruled"};
+    for (const std::string& plate : done)
+        AddOrders(orders, plate, 1);
+    for (const std::string& kind : Call.m_aKinds) {
+        if (std::find(done.begin(), done.end(), kind) != done.end())
+            continue;
+        AddOrders(orders, kind, Call.m_nCount);
+        done.push_back(kind);
+    }
+    return orders;
+}
+
+Json JsonOf(const sim::ClDistortionSettings& Settings) {
+    return {{"rotation_degrees", Settings.m_dRotation},
+            {"row_slant_degrees", Settings.m_dRowSlant},
+            {"column_lean_degrees", Settings.m_dColumnLean},
+            {"shift_mm", {Settings.m_dShiftX, Settings.m_dShiftY}},
+            {"trapezoid_per_mm", {Settings.m_dTrapezoidX, Settings.m_dTrapezoidY}},
+            {"bow_per_mm", Settings.m_dBow},
+            {"barrel_per_mm2", Settings.m_dBarrel}};
+}
+
+Json JsonOf(const sim::ClLightSettings& Settings) {
+    return {{"bright", Settings.m_dBright},
+            {"tilt", {Settings.m_dTiltX, Settings.m_dTiltY}},
+            {"vignette", Settings.m_dVignette},
+            {"top_edge", Settings.m_dTopEdge},
+            {"lower_corners", Settings.m_dCorners}};
+}
+
+Json JsonOf(const sim::ClSensorSettings& Settings) {
+    return {{"blur_pixels", {Settings.m_dBlurX, Settings.m_dBlurY}},
+            {"noise", Settings.m_dNoise},
+            {"line_noise", Settings.m_dLineNoise},
+            {"column_gain", Settings.m_dColumnGain}};
+}
+
+Json JsonOf(const sim::ClScanner& Scanner) {
+    const sim::ClScannerSettings& settings = Scanner.Settings();
+    return {{"seed", Scanner.Seed()},
+            {"raw_width", settings.m_nRawWidth},
+            {"raw_height", settings.m_nRawHeight},
+            {"distortion", JsonOf(settings.m_Distortion)},
+            {"light", JsonOf(settings.m_Light)},
+            {"sensor", JsonOf(settings.m_Sensor)}};
+}
+
+Json PointJson(const sim::ClPoint& Point) {
+    return Json::array({Point.x, Point.y});
+}
+
+/// What is true about a capture: dots in pixels of the capture, lines in pixels of the corrected
+/// frame.
+Json JsonOf(const StOrder& Order, const sim::ClCapture& Capture) {
+    Json json = {
+        {"file", Order.m_File}, {"kind", sim::KindName(Order.m_eKind)}, {"seed", Order.m_nSeed}};
+    for (const sim::ClPoint& dot : Capture.m_aDots)
+        json["dots_in_capture"].push_back(PointJson(dot));
+    for (const sim::ClLine& line : Capture.m_aLines)
+        json["lines_in_frame"].push_back({PointJson(line.m_From), PointJson(line.m_To)});
+    return json;
+}
+
+Json WriteCaptures(const sim::ClScanner& Scanner, const StCall& Call) {
+    const std::vector<StOrder> orders = OrdersOf(Call);
+    ClProgress progress(orders.size());
+    Json truths = Json::array();
+    for (const StOrder& order : orders) {
+        progress.Begin(order.m_File);
+        const sim::ClCapture capture = sim::CaptureKind(Scanner, order.m_eKind, order.m_nSeed);
+        const Bytes file = sim::BitmapFile(capture.m_Raw);
+        WriteFile(PathIn(Call, order.m_File), {&file});
+        truths.push_back(JsonOf(order, capture));
+        progress.Done();
+    }
+    return truths;
+}
+
+void RunSimulate(const StCall& Call) {
+    const sim::ClScanner scanner(Call.m_nSeed);
+    MakeDirectory(Call.m_Output);
+    const Bytes record = sim::RecordBlock(scanner);
+    WriteFile(PathIn(Call, "scanner.cal"), {&record});
+    const Json captures = WriteCaptures(scanner, Call);
+    if (!Call.m_bTruth)
+        return;
+    const Json truth = {{"scanner", JsonOf(scanner)}, {"captures", captures}};
+    const std::string text = truth.dump(2) + "\n";
+    const Bytes bytes(text.begin(), text.end());
+    WriteFile(PathIn(Call, "truth.json"), {&bytes});
+}
+
+std::vector<std::string> KindNames() {
+    std::vector<std::string> names;
+    for (const sim::ClKindEntry& entry : sim::g_aKinds)
+        names.push_back(entry.m_szName);
+    return names;
+}
+
+std::string KindHelp() {
+    std::string help = "Further captures, each with a name of its own; may be repeated:";
+    for (const sim::ClKindEntry& entry : sim::g_aKinds)
+        help += std::string("\n  ") + entry.m_szName + ": " + entry.m_szDescription;
+    return help;
+}
+
+} // namespace
+
+void AddSimulate(CLI::App& rApp) {
+    CLI::App* pCommand = rApp.add_subcommand(
+        "simulate", "Writes the captures and the calibration block of a simulated scanner");
+    const auto pCall = std::make_shared<StCall>();
+    pCommand->add_option("-s,--seed", pCall->m_nSeed, "Number of the scanner")
+        ->capture_default_str();
+    pCommand->add_option("-k,--kind", pCall->m_aKinds, KindHelp())
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(KindNames()).description(""))
+        ->type_name("KIND")
+        ->capture_default_str();
+    pCommand->add_option("-n,--count", pCall->m_nCount, "Captures of each further kind")
+        ->check(CLI::Range(1, 10000))
+        ->capture_default_str();
+    pCommand->add_flag("--truth", pCall->m_bTruth,
+                       "Write truth.json: the scanner's settings and the true places of dots and "
+                       "lines");
+    pCommand
+        ->add_option("-o,--output", pCall->m_Output,
+                     "Directory for target.bmp, ruled.bmp, scanner.cal and the further captures, "
+                     "made when missing")
+        ->required()
+        ->type_name("DIR");
+    pCommand->callback([pCall] { RunSimulate(*pCall); });
+}
+
+} // namespace qk7

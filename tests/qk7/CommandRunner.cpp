@@ -1,0 +1,135 @@
+#include "qk7/CommandRunner.h"
+
+#include "qk7/TestFiles.h"
+
+#include <chrono>
+#include <csignal>
+#include <stdexcept>
+#include <thread>
+
+#include <fcntl.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#ifndef QK7_BINARY
+#define QK7_BINARY "qk7"
+#endif
+
+namespace TestSupport {
+
+namespace {
+
+/// Where an output goes: to a file, or to an open descriptor in its place.
+struct StOutput {
+    std::string m_Path;
+    int m_nFile = -1;
+};
+
+void Redirect(const StOutput& Output, int nDescriptor) {
+    const int nFile = Output.m_nFile >= 0
+                          ? Output.m_nFile
+                          : open(Output.m_Path.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    if (dup2(nFile, nDescriptor) < 0)
+        _exit(125);
+}
+
+[[noreturn]] void Execute(const Arguments& arguments, const StOutput& Out, const StOutput& Err,
+                          const std::string& Folder) {
+    // The tool's path may be relative: it is opened before the directory changes.
+    const int nTool = open(QK7_BINARY, O_RDONLY | O_CLOEXEC);
+    Redirect(Out, STDOUT_FILENO);
+    Redirect(Err, STDERR_FILENO);
+    if (!Folder.empty() && chdir(Folder.c_str()) != 0)
+        _exit(126);
+    std::vector<char*> pointers = {const_cast<char*>("qk7")};
+    for (const std::string& argument : arguments)
+        pointers.push_back(const_cast<char*>(argument.c_str()));
+    pointers.push_back(nullptr);
+    fexecve(nTool, pointers.data(), environ);
+    _exit(127);
+}
+
+pid_t Start(const Arguments& arguments, const StOutput& Out, const StOutput& Err,
+            const std::string& Folder = "") {
+    const pid_t nChild = fork();
+    if (nChild < 0)
+        throw std::runtime_error("no process");
+    if (nChild == 0)
+        Execute(arguments, Out, Err, Folder);
+    return nChild;
+}
+
+StEnded Wait(pid_t nChild) {
+    int nStatus = 0;
+    waitpid(nChild, &nStatus, 0);
+    StEnded ended;
+    ended.m_nExit = WIFEXITED(nStatus) ? WEXITSTATUS(nStatus) : -1;
+    ended.m_nSignal = WIFSIGNALED(nStatus) ? WTERMSIG(nStatus) : 0;
+    return ended;
+}
+
+std::string ReadTerminal(int nMaster) {
+    std::string text;
+    char acPart[1024];
+    for (ssize_t nRead = 0; (nRead = read(nMaster, acPart, sizeof acPart)) > 0;)
+        text.append(acPart, static_cast<std::size_t>(nRead));
+    return text;
+}
+
+} // namespace
+
+StEnded Qk7(const Arguments& arguments, const std::string& Folder) {
+    const ClTemporaryFolder outputs;
+    StEnded ended = Wait(Start(arguments, {outputs / "out"}, {outputs / "err"}, Folder));
+    ended.m_Out = ToText(Get(outputs / "out"));
+    ended.m_Err = ToText(Get(outputs / "err"));
+    return ended;
+}
+
+StEnded Qk7Into(const std::string& Output, const Arguments& arguments) {
+    const ClTemporaryFolder outputs;
+    StEnded ended = Wait(Start(arguments, {Output}, {outputs / "err"}));
+    ended.m_Err = ToText(Get(outputs / "err"));
+    return ended;
+}
+
+StEnded Qk7IntoClosedPipe(const Arguments& arguments) {
+    const ClTemporaryFolder outputs;
+    int anEnds[2];
+    if (pipe2(anEnds, O_CLOEXEC) != 0)
+        throw std::runtime_error("no pipe");
+    close(anEnds[0]);
+    StEnded ended = Wait(Start(arguments, {"", anEnds[1]}, {outputs / "err"}));
+    close(anEnds[1]);
+    ended.m_Err = ToText(Get(outputs / "err"));
+    return ended;
+}
+
+StEnded Qk7AtTerminal(const Arguments& arguments) {
+    const ClTemporaryFolder outputs;
+    int nMaster = -1;
+    int nSlave = -1;
+    if (openpty(&nMaster, &nSlave, nullptr, nullptr, nullptr) != 0)
+        throw std::runtime_error("no terminal");
+    const pid_t nChild = Start(arguments, {outputs / "out"}, {"", nSlave});
+    close(nSlave); // the master ends when the child's copy does
+    const std::string text = ReadTerminal(nMaster);
+    close(nMaster);
+    StEnded ended = Wait(nChild);
+    ended.m_Err = text;
+    return ended;
+}
+
+StEnded Qk7Interrupted(const Arguments& arguments, int nSignal,
+                       const std::function<bool()>& ready) {
+    const ClTemporaryFolder outputs;
+    const pid_t nChild = Start(arguments, {outputs / "out"}, {outputs / "err"});
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+    while (!ready() && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    kill(nChild, nSignal);
+    return Wait(nChild);
+}
+
+} // namespace TestSupport
