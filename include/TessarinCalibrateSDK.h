@@ -42,7 +42,7 @@
 #ifndef TESSARIN_CALIBRATE_SDK_H
 #define TESSARIN_CALIBRATE_SDK_H
 
-#include <stddef.h>
+#include <stddef.h> /* NOLINT(modernize-deprecated-headers): C, too */
 
 #ifndef TESSARIN_CALIBRATE_API
 #if defined(__GNUC__)
