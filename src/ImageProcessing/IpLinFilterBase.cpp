@@ -1,0 +1,239 @@
+#include "ImageProcessing/IpLinFilterBase.h"
+
+#include "ImageProcessing/Kernels/LinearFilter.h"
+#include "ImageProcessing/PixelTypeDispatch.h"
+#include "Tools/Allocate.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+/// Fixed point: a tap of 1.0, and what a sum of products is divided by.
+constexpr double cdTapOne = 4095.0;
+constexpr long cnDivisor = 4096;
+
+/// Sums of taps that differ by less are kernels of one sign.
+constexpr double cdMixedSigns = 0.0001;
+
+} // namespace
+
+long ClIpLinFilterBase::Initialize() {
+    if (m_nFilterWidth < 0)
+        throw ClException("ClIpLinFilterBase::Initialize. Negative FilterWidth is not valid",
+                          QMT_ERROR_INTERNAL, true, VEK_HERE);
+    m_aFilter.Clear();
+    m_bSigned = false;
+    m_bPlanesFailed = false;
+    if (m_pInImage == nullptr || m_pOutImage == nullptr)
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    if (m_nFilterWidth == 0)
+        return 0;
+
+    m_nFilterWidth = LimitedWidth();
+    TpArrayStatic<double> aTaps;
+    aTaps.New(static_cast<unsigned long>(m_nFilterWidth));
+    std::fill(aTaps.Data(), aTaps.Data() + aTaps.Entries(), 0.0);
+    CalcFilter(aTaps, m_nFilterWidth);
+    TransferArray(aTaps, m_aFilter);
+    return 0;
+}
+
+/// The width, or the largest odd one below the filtered axes.
+long ClIpLinFilterBase::LimitedWidth() const {
+    long nLimit = std::numeric_limits<long>::max();
+    if ((m_nMode & ModeX) != 0)
+        nLimit = std::min(nLimit, static_cast<long>(m_pInImage->Width()) - 1);
+    if ((m_nMode & ModeY) != 0)
+        nLimit = std::min(nLimit, static_cast<long>(m_pInImage->Height()) - 1);
+    if (m_nFilterWidth <= nLimit)
+        return m_nFilterWidth;
+    return std::max(1L, nLimit % 2 == 0 ? nLimit - 1 : nLimit);
+}
+
+void ClIpLinFilterBase::TransferArray(TpArrayStatic<double>& rTaps, TpArrayStatic<long>& rFilter) {
+    double dPositive = 0.0;
+    double dNegative = 0.0;
+    double dTotal = 0.0;
+    for (unsigned long i = 0; i < rTaps.Entries(); ++i) {
+        dTotal += rTaps[i];
+        if (rTaps[i] > 0.0)
+            dPositive += rTaps[i];
+        else
+            dNegative -= rTaps[i];
+    }
+    m_bSigned = dNegative > 0.0;
+    const double dNorm =
+        dPositive - dTotal > cdMixedSigns ? 2.0 * std::max(dPositive, dNegative) : dTotal;
+    // A norm of 0 or not finite, which one tap makes, leaves no quotient but 0 and what becomes 0.
+    rFilter.New(rTaps.Entries());
+    for (unsigned long i = 0; i < rTaps.Entries(); ++i)
+        rFilter[i] = SampleFromDouble<long>(rTaps[i] / dNorm * cdTapOne);
+}
+
+long ClIpLinFilterBase::Process() {
+    if (m_nFilterWidth < 0)
+        return 0;
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    if (m_pInImage->DataType() != ClImage::eUInt8 && m_pInImage->DataType() != ClImage::eInt8)
+        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
+                          VEK_HERE);
+    if (m_nFilterWidth == 0)
+        return ClIpFilterBase::Process(); // copies
+    if (m_pInImage->SizeBytes() == 0 && m_pInImage != m_pOutImage) {
+        m_pOutImage->New(*m_pInImage); // throws, unless the output has no samples either
+        return 0;
+    }
+    return ProcessPlanes(); // a kernel of one tap is applied: it scales
+}
+
+long ClIpLinFilterBase::ProcessMultiPlane() {
+    const long nResult = ClIpFilterBase::ProcessMultiPlane();
+    m_bPlanesFailed = nResult != 0;
+    return nResult;
+}
+
+long ClIpLinFilterBase::Finalize(long nResult) {
+    if (nResult != 0 || m_bPlanesFailed || m_pInImage == nullptr || m_pOutImage == nullptr)
+        return 0;
+    constexpr unsigned char cnSignBit = 0x80;
+    ClImage& rOut = *m_pOutImage;
+    const bool bInSigned = ClImage::IsSigned(m_pInImage->DataType());
+    const bool bOutSigned = m_bSigned || bInSigned;
+    rOut.SetDataType(
+        static_cast<unsigned char>((rOut.DataType() & ~cnSignBit) | (bOutSigned ? cnSignBit : 0)));
+    if (bOutSigned != bInSigned && !ClImage::IsFloat(rOut.DataType())) {
+        const double dHalf = std::ldexp(1.0, 8 * rOut.BytesPerSample() - 1);
+        const double dShift = bOutSigned ? -dHalf : dHalf;
+        rOut.SetBlack(rOut.Black() + dShift);
+        rOut.SetWhite(rOut.White() + dShift);
+    }
+    return 0;
+}
+
+/// The taps, made ready for the lines of the input.
+Kernels::ClLinearFilter ClIpLinFilterBase::LineKernel() const {
+    return Kernels::ClLinearFilter(m_aFilter.Data(), static_cast<long>(m_aFilter.Entries()),
+                                   m_pInImage->Width());
+}
+
+// Along lines
+
+template <class T>
+void ClIpLinFilterBase::FilterX() const {
+    m_pOutImage->New(*m_pInImage);
+    Kernels::ClLinearFilter Kernel = LineKernel();
+    for (int y = 0; y < m_pInImage->Height(); ++y)
+        Kernel.FilterLine(m_pInImage->Line<T>(y), m_pOutImage->Line<T>(y));
+}
+
+long ClIpLinFilterBase::ProcessX() {
+    FilterX<unsigned char>();
+    return 0;
+}
+
+long ClIpLinFilterBase::ProcessSignedX() {
+    FilterX<signed char>();
+    return 0;
+}
+
+// Along columns
+
+/// Calls `filter(lines, out)` for each line of the output with the lines that its taps meet.
+template <class T, class FilterLines>
+void ClIpLinFilterBase::ForEachLine(FilterLines filter) const {
+    const long nHeight = m_pInImage->Height();
+    const long nTaps = static_cast<long>(m_aFilter.Entries());
+    auto pLines = Vek::NewArrayPtr<const T*>(m_aFilter.Entries());
+    for (long y = 0; y < nHeight; ++y) {
+        for (long i = 0; i < nTaps; ++i)
+            pLines[static_cast<std::size_t>(i)] = m_pInImage->Line<T>(
+                static_cast<int>(std::clamp(y + i - nTaps / 2, 0L, nHeight - 1)));
+        filter(pLines.get(), m_pOutImage->Line<T>(static_cast<int>(y)));
+    }
+}
+
+template <class T>
+void ClIpLinFilterBase::FilterY() const {
+    m_pOutImage->New(*m_pInImage);
+    const Kernels::ClLinearFilter Kernel = LineKernel();
+    ForEachLine<T>([&](const T* const* ppLines, T* pOut) { Kernel.FilterColumns(ppLines, pOut); });
+}
+
+long ClIpLinFilterBase::ProcessY() {
+    FilterY<unsigned char>();
+    return 0;
+}
+
+long ClIpLinFilterBase::ProcessSignedY() {
+    FilterY<signed char>();
+    return 0;
+}
+
+// Along both: one line of column sums, not a whole image in between
+
+template <class T>
+void ClIpLinFilterBase::FilterXY() const {
+    m_pOutImage->New(*m_pInImage);
+    Kernels::ClLinearFilter Kernel = LineKernel();
+    ForEachLine<T>([&](const T* const* ppLines, T* pOut) { Kernel.FilterBoth(ppLines, pOut); });
+}
+
+long ClIpLinFilterBase::ProcessXY() {
+    FilterXY<unsigned char>();
+    return 0;
+}
+
+long ClIpLinFilterBase::ProcessSignedXY() {
+    FilterXY<signed char>();
+    return 0;
+}
+
+// Along a direction per pixel, in steps of 1/256 pixel
+
+/// The sum of products along the line through the middle of pixel (`nX`, `nY`).
+template <class T>
+long ClIpLinFilterBase::SumAlong(long nX, long nY, long nStepX, long nStepY) const {
+    const long nTaps = static_cast<long>(m_aFilter.Entries());
+    const long nLastX = m_pInImage->Width() - 1;
+    const long nLastY = m_pInImage->Height() - 1;
+    unsigned long nSum = 0; // modulo 2^64: taps may be of any size
+    for (long i = 0; i < nTaps; ++i) {
+        const long nAt = i - nTaps / 2;
+        const long x = std::clamp((nX * 256 + 128 + nAt * nStepX) >> 8, 0L, nLastX);
+        const long y = std::clamp((nY * 256 + 128 + nAt * nStepY) >> 8, 0L, nLastY);
+        const long nSample = m_pInImage->Line<T>(static_cast<int>(y))[x];
+        nSum += static_cast<unsigned long>(m_aFilter[static_cast<unsigned long>(i)]) *
+                static_cast<unsigned long>(nSample);
+    }
+    return static_cast<long>(nSum);
+}
+
+template <class T>
+long ClIpLinFilterBase::FilterDirected(bool bOrtho) const {
+    const long nCheck = CheckDirectionImages();
+    if (nCheck != 0)
+        return nCheck;
+    m_pOutImage->New(*m_pInImage);
+    for (int y = 0; y < m_pInImage->Height(); ++y) {
+        const signed char* pDx = m_pInDxImage->Line<signed char>(y);
+        const signed char* pDy = m_pInDyImage->Line<signed char>(y);
+        T* pOut = m_pOutImage->Line<T>(y);
+        for (int x = 0; x < m_pInImage->Width(); ++x) {
+            const long nStepX = 2L * (bOrtho ? pDy[x] : pDx[x]);
+            const long nStepY = 2L * (bOrtho ? pDx[x] : -pDy[x]);
+            pOut[x] = static_cast<T>(SumAlong<T>(x, y, nStepX, nStepY) / cnDivisor);
+        }
+    }
+    return 0;
+}
+
+long ClIpLinFilterBase::ProcessDirected(bool bOrtho) {
+    return FilterDirected<unsigned char>(bOrtho);
+}
+
+long ClIpLinFilterBase::ProcessSignedDirected(bool bOrtho) {
+    return FilterDirected<signed char>(bOrtho);
+}
