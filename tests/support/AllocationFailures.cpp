@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -46,6 +47,14 @@ ClFailAllocation::~ClFailAllocation() {
 
 bool ClFailAllocation::Happened() {
     return g_bHappened;
+}
+
+long PauseFailures() {
+    return std::exchange(g_nCountdown, -1);
+}
+
+void ResumeFailures(long nPaused) {
+    g_nCountdown = nPaused;
 }
 
 } // namespace TestSupport

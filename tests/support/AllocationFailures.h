@@ -25,6 +25,11 @@ public:
     static bool Happened();
 };
 
+/// Injected failures as they stand, for helpers whose own allocations are no part of the work:
+/// counts none until they are resumed. Both are weak in helpers that work without this file, too.
+long PauseFailures();
+void ResumeFailures(long nPaused);
+
 /// Runs `work` with its first, second, third ... allocation failing until none fails. Each failed
 /// run has to end with a `ClExBadAlloc`, number -102, or `work` has to swallow it.
 template <class Work>

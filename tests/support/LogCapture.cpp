@@ -8,13 +8,20 @@
 
 namespace TestSupport {
 
+// Null in programs without injected failures.
+__attribute__((weak)) long PauseFailures();
+__attribute__((weak)) void ResumeFailures(long nPaused);
+
 namespace {
 thread_local ClLogCapture* g_pInnermost = nullptr;
 }
 
 void Record(long nLevel, const char* szText) {
+    const long nPaused = PauseFailures != nullptr ? PauseFailures() : -1;
     for (ClLogCapture* p = g_pInnermost; p != nullptr; p = p->m_pOuter)
         p->m_aLines.push_back({nLevel, szText});
+    if (ResumeFailures != nullptr)
+        ResumeFailures(nPaused);
 }
 
 ClLogCapture::ClLogCapture() : m_pOuter(g_pInnermost) {

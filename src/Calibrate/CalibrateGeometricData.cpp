@@ -1,0 +1,305 @@
+#include "Calibrate/CalibrateGeometricData.h"
+
+#include "Tools/CRC32.h"
+#include "Tools/LoggingFacility.h"
+#include "Tools/MD5.h"
+#include "Tools/Stream.h"
+#include "Tools/StreamContainer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+/// The layouts of the record; each adds to the one before it.
+enum ELayout : int {
+    eLayoutTargetResolution = 2,
+    eLayoutPlanes = 3, ///< from here on the target list stands before the actual lists
+    eLayoutBackground = 4,
+    eLayoutSourceResolution = 5,
+    eLayoutChecksum = 6, ///< the latest
+};
+
+/// 500 dots per inch, the target resolution of layouts that do not tell one.
+constexpr std::uint32_t cnDefaultPels = 19685;
+
+constexpr char cacOldType[4] = {'C', 'a', 'l', 0};
+constexpr char cacOldSubType[4] = {'L', 'm', 'v', 0};
+
+constexpr unsigned long cnPointSize = 8; // two 32-bit floats
+
+} // namespace
+
+ClCalibrateGeometricData::ClCalibrateGeometricData() {
+    std::memcpy(m_acSubType, "GEO", cnTagSize);
+    std::memcpy(m_acVersion, "006", cnTagSize);
+}
+
+ClCalibrateGeometricData::~ClCalibrateGeometricData() = default;
+
+bool ClCalibrateGeometricData::IsValid() const {
+    return m_nPlanes != 0;
+}
+
+void ClCalibrateGeometricData::Clear() {
+    m_nSourceWidth = m_nSourceHeight = m_nSourcePelsX = m_nSourcePelsY = 0;
+    m_nTargetWidth = m_nTargetHeight = m_nTargetPelsX = m_nTargetPelsY = 0;
+    m_nPlanes = 0;
+    m_nBackground = 0;
+    m_aTarget.Clear();
+    for (PointList& rList : m_aActual)
+        rList.Clear();
+}
+
+// Writing
+
+void ClCalibrateGeometricData::WriteStream(ClStream& rStream) {
+    const unsigned long nStart = rStream.Pos();
+    ClCalibrateDataBase::WriteStream(rStream);
+    for (const std::uint32_t nNumber :
+         {m_nSourceWidth, m_nSourceHeight, m_nSourcePelsX, m_nSourcePelsY, m_nTargetWidth,
+          m_nTargetHeight, m_nTargetPelsX, m_nTargetPelsY, m_nPlanes})
+        rStream.WriteAutoSwap(nNumber);
+    rStream.WriteAutoSwap(m_nBackground);
+    WriteArray(rStream, m_aTarget);
+    for (std::uint32_t p = 0; p < std::min(m_nPlanes, cnMaxPlanes); ++p)
+        WriteArray(rStream, m_aActual[p]);
+    WriteCRC(rStream, nStart, rStream.Pos());
+}
+
+void ClCalibrateGeometricData::WriteArray(ClStream& rStream, const PointList& rArray) {
+    rStream.WriteAutoSwap(static_cast<std::uint32_t>(rArray.Entries()));
+    for (unsigned long i = 0; i < rArray.Entries(); ++i) {
+        rStream.WriteAutoSwap(static_cast<float>(rArray[i].x));
+        rStream.WriteAutoSwap(static_cast<float>(rArray[i].y));
+    }
+}
+
+void ClCalibrateGeometricData::WriteCRC(ClStream& rStream, unsigned long nStart,
+                                        unsigned long nEnd) {
+    const std::uint32_t nChecksum = ChecksumOf(rStream, nStart, nEnd);
+    rStream.WriteAutoSwap(nChecksum);
+}
+
+/// The checksum of the bytes from `nStart` to `nEnd`; leaves the position at `nEnd`. It loads as
+/// many bytes as the whole stream has, so that on a strict stream a record can only stand at
+/// offset 0.
+std::uint32_t ClCalibrateGeometricData::ChecksumOf(ClStream& rStream, unsigned long nStart,
+                                                   unsigned long nEnd) {
+    TpArrayStatic<unsigned char> aBytes;
+    rStream.Seek(static_cast<long>(nStart), 0);
+    IO::Load(aBytes, rStream);
+    rStream.Seek(static_cast<long>(nEnd), 0);
+    if (nEnd < nStart || nEnd - nStart > aBytes.Entries())
+        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
+                                      VEK_HERE);
+    return ClCRC32().Get_CRC(aBytes.Data(), nEnd - nStart);
+}
+
+// Reading
+
+void ClCalibrateGeometricData::ReadStream(ClStream& rStream) {
+    const unsigned long nStart = rStream.Pos();
+    const int nLayout = ReadTags(rStream);
+    ReadContent(rStream, nLayout);
+    if (nLayout >= eLayoutChecksum)
+        CheckCRC(rStream, nStart, rStream.Pos());
+}
+
+/// Reads the three tags, which may be those of the older records, and returns the layout.
+int ClCalibrateGeometricData::ReadTags(ClStream& rStream) {
+    char acTag[cnTagSize] = {};
+    rStream.Read(acTag, cnTagSize);
+    if (std::memcmp(acTag, m_acType, cnTagSize) != 0 &&
+        std::memcmp(acTag, cacOldType, cnTagSize) != 0)
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+
+    std::memset(acTag, 0, cnTagSize);
+    rStream.Read(acTag, cnTagSize);
+    const bool bOld = std::memcmp(acTag, cacOldSubType, cnTagSize) == 0;
+    if (!bOld && std::memcmp(acTag, m_acSubType, cnTagSize) != 0)
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+
+    std::memset(m_acReadVersion, 0, cnTagSize);
+    rStream.Read(m_acReadVersion, cnTagSize);
+    char szVersion[cnTagSize + 1] = {};
+    std::memcpy(szVersion, m_acReadVersion, cnTagSize);
+    if (bOld && std::strcmp(szVersion, "001") == 0)
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+    if (bOld && std::strcmp(szVersion, "002") == 0)
+        return 0;
+    return std::min(std::atoi(szVersion), static_cast<int>(eLayoutChecksum));
+}
+
+void ClCalibrateGeometricData::ReadContent(ClStream& rStream, int nLayout) {
+    rStream.ReadAutoSwap(m_nSourceWidth);
+    rStream.ReadAutoSwap(m_nSourceHeight);
+    m_nSourcePelsX = m_nSourcePelsY = 0;
+    if (nLayout >= eLayoutSourceResolution) {
+        rStream.ReadAutoSwap(m_nSourcePelsX);
+        rStream.ReadAutoSwap(m_nSourcePelsY);
+    }
+    rStream.ReadAutoSwap(m_nTargetWidth);
+    rStream.ReadAutoSwap(m_nTargetHeight);
+    m_nTargetPelsX = m_nTargetPelsY = cnDefaultPels;
+    m_nPlanes = 1;
+    if (nLayout >= eLayoutTargetResolution) {
+        rStream.ReadAutoSwap(m_nTargetPelsX);
+        rStream.ReadAutoSwap(m_nTargetPelsY);
+    }
+    if (nLayout >= eLayoutPlanes) {
+        rStream.ReadAutoSwap(m_nPlanes);
+        if (m_nPlanes > cnMaxPlanes)
+            throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
+    }
+    if (nLayout >= eLayoutBackground)
+        rStream.ReadAutoSwap(m_nBackground);
+
+    if (nLayout < eLayoutPlanes) {
+        ReadArray(rStream, m_aActual[0]);
+        ReadArray(rStream, m_aTarget);
+        return;
+    }
+    ReadArray(rStream, m_aTarget);
+    for (std::uint32_t p = 0; p < m_nPlanes; ++p)
+        ReadArray(rStream, m_aActual[p]);
+}
+
+void ClCalibrateGeometricData::ReadArray(ClStream& rStream, PointList& rArray) {
+    std::uint32_t nCount = 0;
+    rStream.ReadAutoSwap(nCount);
+    const unsigned long nPos = rStream.Pos();
+    const unsigned long nRest = rStream.Size() > nPos ? rStream.Size() - nPos : 0;
+    if (nCount > nRest / cnPointSize)
+        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
+                                      VEK_HERE);
+    rArray.SetEntries(nCount);
+    for (unsigned long i = 0; i < nCount; ++i) {
+        float fX = 0;
+        float fY = 0;
+        rStream.ReadAutoSwap(fX);
+        rStream.ReadAutoSwap(fY);
+        rArray[i] = ClVector(static_cast<double>(fX), static_cast<double>(fY));
+    }
+}
+
+void ClCalibrateGeometricData::CheckCRC(ClStream& rStream, unsigned long nStart,
+                                        unsigned long nEnd) {
+    const unsigned long nEntry = rStream.Pos();
+    const std::uint32_t nComputed = ChecksumOf(rStream, nStart, nEnd);
+    std::uint32_t nStored = 0;
+    rStream.ReadAutoSwap(nStored);
+    rStream.Seek(static_cast<long>(nEntry), 0);
+    if (nComputed != nStored)
+        throw ClException("Calibration Data currupt", QMT_ERROR_CURRUPT_DATA, true, VEK_HERE);
+}
+
+// Hash
+
+namespace {
+
+template <class T>
+void Digest(ClMD5::MD5_CTX& rContext, T value) {
+    unsigned char acBytes[sizeof(T)];
+    std::memcpy(acBytes, &value, sizeof(T));
+    ClMD5::Update(&rContext, acBytes, sizeof(T));
+}
+
+void Digest(ClMD5::MD5_CTX& rContext, const ClVector& rPoint) {
+    Digest(rContext, static_cast<float>(rPoint.x));
+    Digest(rContext, static_cast<float>(rPoint.y));
+}
+
+} // namespace
+
+void ClCalibrateGeometricData::GenerateHash(unsigned char* pHash) const {
+    ClMD5::MD5_CTX Context;
+    ClMD5::Init(&Context);
+    for (const std::uint32_t nNumber :
+         {m_nSourceWidth, m_nSourceHeight, m_nSourcePelsX, m_nSourcePelsY, m_nTargetWidth,
+          m_nTargetHeight, m_nTargetPelsX, m_nTargetPelsY, m_nPlanes})
+        Digest(Context, nNumber);
+    Digest(Context, m_nBackground);
+    for (unsigned long i = 0; i < m_aTarget.Entries(); ++i) {
+        Digest(Context, m_aTarget[i]);
+        for (std::uint32_t p = 0; p < std::min(m_nPlanes, cnMaxPlanes); ++p)
+            if (i < m_aActual[p].Entries())
+                Digest(Context, m_aActual[p][i]);
+    }
+    ClMD5::Final(pHash, &Context);
+}
+
+// Copy, comparison, log
+
+ClCalibrateGeometricData&
+ClCalibrateGeometricData::operator=(const ClCalibrateGeometricData& rOther) {
+    if (this == &rOther)
+        return *this;
+    ClCalibrateDataBase::operator=(rOther);
+    m_nSourceWidth = rOther.m_nSourceWidth;
+    m_nSourceHeight = rOther.m_nSourceHeight;
+    m_nSourcePelsX = rOther.m_nSourcePelsX;
+    m_nSourcePelsY = rOther.m_nSourcePelsY;
+    m_nTargetWidth = rOther.m_nTargetWidth;
+    m_nTargetHeight = rOther.m_nTargetHeight;
+    m_nTargetPelsX = rOther.m_nTargetPelsX;
+    m_nTargetPelsY = rOther.m_nTargetPelsY;
+    m_nPlanes = rOther.m_nPlanes;
+    m_nBackground = rOther.m_nBackground;
+    m_aTarget = rOther.m_aTarget;
+    for (std::uint32_t p = 0; p < cnMaxPlanes; ++p)
+        m_aActual[p] = rOther.m_aActual[p];
+    return *this;
+}
+
+bool ClCalibrateGeometricData::operator==(const ClCalibrateGeometricData& rOther) const {
+    if (ClCalibrateDataBase::operator==(rOther))
+        return false;
+    if (m_nSourceWidth != rOther.m_nSourceWidth || m_nSourceHeight != rOther.m_nSourceHeight ||
+        m_nSourcePelsX != rOther.m_nSourcePelsX || m_nSourcePelsY != rOther.m_nSourcePelsY ||
+        m_nTargetWidth != rOther.m_nTargetWidth || m_nTargetHeight != rOther.m_nTargetHeight ||
+        m_nTargetPelsX != rOther.m_nTargetPelsX || m_nTargetPelsY != rOther.m_nTargetPelsY ||
+        m_nPlanes != rOther.m_nPlanes || m_nBackground != rOther.m_nBackground)
+        return false;
+    if (!SamePoints(m_aTarget, rOther.m_aTarget))
+        return false;
+    for (std::uint32_t p = 0; p < std::min(m_nPlanes, cnMaxPlanes); ++p)
+        if (!SamePoints(m_aActual[p], rOther.m_aActual[p]))
+            return false;
+    return true;
+}
+
+bool ClCalibrateGeometricData::SamePoints(const PointList& rA, const PointList& rB) const {
+    if (rA.Entries() != rB.Entries())
+        return false;
+    for (unsigned long i = 0; i < rA.Entries(); ++i)
+        if (!(std::fabs(rA[i].x - rB[i].x) < ClVector::m_cdEpsilon) ||
+            !(std::fabs(rA[i].y - rB[i].y) < ClVector::m_cdEpsilon))
+            return false;
+    return true;
+}
+
+void ClCalibrateGeometricData::Log() const {
+    const unsigned long nCount = std::min(m_aTarget.Entries(), m_aActual[0].Entries());
+    for (unsigned long i = 0; i < nCount; ++i) {
+        char szLine[1024];
+        std::size_t nUsed = 0;
+        const auto Append = [&](int nWritten) {
+            if (nWritten > 0)
+                nUsed = std::min(nUsed + static_cast<std::size_t>(nWritten), sizeof szLine - 1);
+        };
+        Append(std::snprintf(szLine, sizeof szLine,
+                             "%d: Target(%7.3f, %7.3f) Actual0(%7.3f, %7.3f)", static_cast<int>(i),
+                             m_aTarget[i].x, m_aTarget[i].y, m_aActual[0][i].x, m_aActual[0][i].y));
+        if (i < m_aActual[1].Entries())
+            Append(std::snprintf(szLine + nUsed, sizeof szLine - nUsed, " Actual1(%7.3f, %7.3f)",
+                                 m_aActual[1][i].x, m_aActual[1][i].y));
+        if (i < m_aActual[2].Entries())
+            Append(std::snprintf(szLine + nUsed, sizeof szLine - nUsed, " Actual2(%7.3f, %7.3f)",
+                                 m_aActual[2][i].x, m_aActual[2][i].y));
+        VekLFLog(Vek::eLogTrace, "%s", szLine);
+    }
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+/// The form of a warp table, and the limits that keep hostile sizes from being allocated.
+
+#include <cstdint>
+
+namespace Warp {
+
+/// One table entry: an offset and 16 weights of 2 bytes.
+inline constexpr unsigned long cnEntrySize = 36;
+/// The offset of a pixel without source.
+inline constexpr std::int32_t cnNoSource = -1;
+/// A weight of 1.0.
+inline constexpr double cdWeightOne = 1024.0;
+
+/// Corrected images beyond these sizes do not exist on any scanner.
+inline constexpr std::uint32_t cnMaxTargetSide = 16384;
+inline constexpr std::uint64_t cnMaxTableBytes = std::uint64_t{512} << 20;
+
+inline constexpr std::uint64_t TableBytes(std::uint32_t nWidth, std::uint32_t nHeight,
+                                          std::uint32_t nPlanes, unsigned long nEntrySize) {
+    return std::uint64_t{nWidth} * nHeight * nPlanes * nEntrySize;
+}
+
+/// Whether a table for this target size may be made. The sides are tested first, so that the
+/// product cannot overflow.
+inline constexpr bool IsSizeAllowed(std::uint32_t nWidth, std::uint32_t nHeight,
+                                    std::uint32_t nPlanes) {
+    return nWidth <= cnMaxTargetSide && nHeight <= cnMaxTargetSide && nPlanes <= 3 &&
+           TableBytes(nWidth, nHeight, nPlanes, cnEntrySize) <= cnMaxTableBytes;
+}
+
+/// Bytes from one line of a capture to the next, as table offsets count them.
+inline constexpr std::uint64_t LineStride(std::uint32_t nWidth) {
+    return (std::uint64_t{nWidth} + 3) & ~std::uint64_t{3};
+}
+
+/// Whether 4 by 4 samples from this offset on are pixels of a capture of this size.
+inline constexpr bool IsOffsetInside(std::int32_t nOffset, std::uint32_t nWidth,
+                                     std::uint32_t nHeight) {
+    if (nOffset < 0 || nWidth < 4 || nHeight < 4)
+        return false;
+    const std::uint64_t nRow = static_cast<std::uint64_t>(nOffset) / LineStride(nWidth);
+    const std::uint64_t nColumn = static_cast<std::uint64_t>(nOffset) % LineStride(nWidth);
+    return nColumn + 4 <= nWidth && nRow + 4 <= nHeight;
+}
+
+} // namespace Warp
