@@ -1,0 +1,175 @@
+#include "TessarinCalibrateSDK/IpCalibrateLumivane2.h"
+
+#include "Calibrate/RecordLimits.h"
+#include "ImageProcessing/IpFilterBase.h"
+#include "ImageProcessing/IpUnsharpMasking.h"
+#include "Tools/Allocate.h"
+#include "Tools/FpImage.h"
+#include "Tools/LoggingFacility.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// The target frame of the scanner: pixels, and 500 dots per inch in pixels per metre.
+constexpr int cnFrameWidth = 320;
+constexpr int cnFrameHeight = 480;
+constexpr int cnFramePels = 19685;
+
+/// The low pass of the sharpening along the columns.
+constexpr double cdSharpenSigma = 0.9;
+
+/// A sub-processor's result becomes an exception of that number.
+void ThrowIfFailed(long nResult, long nLine) {
+    if (nResult != 0)
+        throw ClExTessarin(nResult, VEK_FILE, nLine);
+}
+
+} // namespace
+
+ClIpCalibrateLumivane2::ClIpCalibrateLumivane2() = default;
+
+ClIpCalibrateLumivane2::~ClIpCalibrateLumivane2() = default;
+
+ClProcessorBase* ClIpCalibrateLumivane2::Create() {
+    return Vek::NewObject<ClIpCalibrateLumivane2>();
+}
+
+const char* ClIpCalibrateLumivane2::Name() const {
+    return "ClIpCalibrateLumivane2";
+}
+
+bool ClIpCalibrateLumivane2::IsInitialized() const {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::IsInitialized() Enter");
+    const bool bInitialized = m_CalibrationData.m_nSourceHeight != 0 &&
+                              m_CalibrationData.m_nSourceWidth != 0 &&
+                              m_CalibrationData.m_aActual[0].Entries() != 0;
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::IsInitialized() Leaving");
+    return bInitialized;
+}
+
+void ClIpCalibrateLumivane2::Clear() {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Clear() Enter");
+    m_CalibrationData.Clear();
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Clear() Leaving");
+}
+
+void ClIpCalibrateLumivane2::CheckGrey(const ClImage& image) const {
+    if (image.Planes() != 1 || image.Content() != ClImage::eGrayscale)
+        throw ClExTessarin(QMT_ERROR_BITMAP_PLANE, VEK_HERE);
+}
+
+// One capture
+
+long ClIpCalibrateLumivane2::Process() {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Process() Enter");
+    if (m_pInImage == nullptr || m_pOutImage == nullptr)
+        throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
+    CheckGrey(*m_pInImage);
+
+    ClImage corrected;
+    CorrectGeometry(corrected);
+    if (m_bDynamicFingerMask)
+        throw ClException("Dynamic calibration is not part of this version",
+                          QMT_ERROR_INVALID_OPTIONS_SETTING, true, VEK_HERE);
+    *m_pOutImage = corrected;
+
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Process() Leaving(%d), %s", 0,
+             GetErrorDescriptionIntern(0));
+    return 0;
+}
+
+void ClIpCalibrateLumivane2::CorrectGeometry(ClImage& corrected) {
+    ClImage sharpened;
+    switch (m_eGeometricMode) {
+    case eGeometricOff:
+        corrected = *m_pInImage;
+        break;
+    case eOddLines:
+        Sharpen(sharpened);
+        sharpened.SetPelsX(static_cast<int>(m_CalibrationData.m_nSourcePelsX));
+        sharpened.SetPelsY(static_cast<int>(m_CalibrationData.m_nSourcePelsY));
+        CopyOddLineImage(sharpened, corrected);
+        break;
+    case eThinPlateSpline:
+        Sharpen(sharpened);
+        ApplyWarp(&sharpened, &corrected);
+        break;
+    default:
+        throw ClException("Invalid geometric calibration option", QMT_ERROR_INVALID_OPTIONS_SETTING,
+                          true, VEK_HERE);
+    }
+}
+
+void ClIpCalibrateLumivane2::Sharpen(ClImage& sharpened) {
+    ClIpUnsharpMasking unsharp;
+    unsharp.m_dGaussSigma = cdSharpenSigma;
+    unsharp.m_nMode = ClIpFilterBase::ModeY;
+    ThrowIfFailed(unsharp.ApplyParam(*m_pInImage, sharpened, 0), __LINE__);
+}
+
+void ClIpCalibrateLumivane2::ApplyWarp(ClImage* pIn, ClImage* pOut) {
+    if (!m_GeometricBicubic.HasTable()) // a preparation that failed leaves its numbers behind
+        m_GeometricBicubic.Reset();
+    m_GeometricBicubic.m_pInImage = pIn;
+    m_GeometricBicubic.m_pOutImage = pOut;
+    ThrowIfFailed(m_GeometricBicubic.Apply(), __LINE__);
+}
+
+void ClIpCalibrateLumivane2::CopyOddLineImage(ClImage& source, ClImage& destination) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CopyOddLineImage() Enter");
+    const int nHeight = source.Height() / 2;
+    if (nHeight < 1)
+        throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, true, VEK_HERE);
+    destination.NewWithType(ClImage::eUInt8, source.Width(), nHeight, 1, source.PelsX(),
+                            source.PelsY() / 2);
+    for (int y = 0; y < nHeight; ++y)
+        std::memcpy(destination.LineData(y), source.LineData(2 * y),
+                    static_cast<std::size_t>(destination.Width()));
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CopyOddLineImage() Leaving");
+}
+
+long ClIpCalibrateLumivane2::CutRescaleImage(ClImage& image) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CutRescaleImage() Enter");
+    ClImage frame(cnFrameWidth, cnFrameHeight, 1, cnFramePels, cnFramePels);
+    frame = static_cast<unsigned char>(255);
+    const int dx = (cnFrameWidth - image.Width()) / 2;
+    const int dy = (cnFrameHeight - image.Height()) / 2;
+    const int nWidth = std::clamp(image.Width(), 0, cnFrameWidth);
+    const int nHeight = std::clamp(image.Height(), 0, cnFrameHeight);
+    for (int y = 0; y < nHeight; ++y)
+        std::memcpy(frame.LineData(y + std::max(dy, 0)) + std::max(dx, 0),
+                    image.LineData(y + std::max(-dy, 0)) + std::max(-dx, 0),
+                    static_cast<std::size_t>(nWidth));
+    image.Swap(frame);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CutRescaleImage() Leaving");
+    return 0;
+}
+
+// Calibration data
+
+void ClIpCalibrateLumivane2::Setup() {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Setup() Enter");
+    if (m_pInImage == nullptr)
+        throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
+    CheckGrey(*m_pInImage);
+    m_GeometricBicubic.Reset();
+    throw ClException("Generating calibration data is not part of this version",
+                      QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, true, VEK_HERE);
+}
+
+double ClIpCalibrateLumivane2::Compare() {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Compare() Enter");
+    if (m_pInImage == nullptr)
+        throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
+    CheckGrey(*m_pInImage);
+    throw ClException("The accuracy check is not part of this version",
+                      QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, true, VEK_HERE);
+}
+
+void ClIpCalibrateLumivane2::CheckGeometricDataTarget(const ClCalibrateGeometricData& data) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CheckGeometricDataTarget() Enter");
+    CheckRecordLimits(data);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CheckGeometricDataTarget() Leaving");
+}

@@ -1,0 +1,91 @@
+#pragma once
+
+/// `ClIpCalibrateLumivane2`, the one object behind a calibration handle. It holds the options, the
+/// reference target, the calibration data of the scanner and the prepared warp, and strings the
+/// steps of a correction together: which run, in which order, on which images, and what sizes and
+/// resolutions become. The steps themselves belong to other classes.
+
+#include "Calibrate/CalibrateGeometricData.h"
+#include "Calibrate/IpCalibrateGeometricBicubic.h"
+#include "Tools/ProcessorBase.h"
+
+class ClImage;
+class ClStream;
+
+class ClIpCalibrateLumivane2 : public ClProcessorBase {
+public:
+    /// How the geometry is corrected.
+    enum EGeometricMode : int {
+        eGeometricOff = 0,
+        eOddLines = 1,
+        eThinPlateSpline = 2,
+    };
+
+    ClIpCalibrateLumivane2();
+    ~ClIpCalibrateLumivane2() override;
+
+    ClProcessorBase* Create() override;
+    const char* Name() const override;
+
+    /// Corrects `*m_pInImage` into `*m_pOutImage` by the options. Returns 0; throws -37 for a
+    /// missing image, -11 unless the input is one plane of grey values, -45 for options that
+    /// exclude each other, and what the steps throw or answer.
+    long Process() override;
+
+    /// Whether calibration data is there. It says nothing about the prepared table.
+    bool IsInitialized() const;
+
+    /// Drops the calibration data, and nothing else.
+    void Clear();
+
+    /// Derives the calibration data from a capture of the dot target in `*m_pInImage`.
+    void Setup();
+
+    /// Measures the geometric accuracy of a corrected image of the target in `*m_pInImage`:
+    /// percent of the distances within the limits.
+    double Compare();
+
+    /// Every second line of `source`, the first one included, at half its vertical resolution.
+    /// Throws "Image area must be positive" (-101) where nothing is left.
+    void CopyOddLineImage(ClImage& source, ClImage& destination);
+
+    /// Fits an image into 320 x 480 pixels at 500 dots per inch by cropping and by white borders,
+    /// about the centre. Returns 0.
+    long CutRescaleImage(ClImage& image);
+
+    /// Throws (-39) where the points of a record cannot be those of a scanner.
+    void CheckGeometricDataTarget(const ClCalibrateGeometricData& data);
+
+    /// The calibration block. Read() prepares the table too, unless it will be loaded.
+    void Read(ClStream& stream);
+    void Write(ClStream& stream);
+    /// A calibration block as reference target.
+    void ReadTarget(ClStream& stream);
+    /// The precalculated block: a header with the hash of the calibration data, and the table.
+    /// Reading throws -37 where no data was ever set, -40 for a header that is not that of a
+    /// block of these data, and what the table's record throws.
+    void ReadPrecalculatedData(ClStream& stream);
+    void WritePrecalculatedData(ClStream& stream);
+
+    ClImage* m_pInImage = nullptr;  ///< borrowed for one call
+    ClImage* m_pOutImage = nullptr; ///< borrowed for one call
+
+    double m_dDirtWarningLevel = 0.0;      ///< of the last dynamic calibration
+    double m_dDryFingerWarningLevel = 0.0; ///< of the last dynamic calibration
+
+    bool m_bSensitiveMode = false;
+    bool m_bDynamicFingerMask = true;
+    bool m_bPrecalculatedData = false;
+    EGeometricMode m_eGeometricMode = eThinPlateSpline;
+    bool m_bMaskIsOutput = false;
+
+    ClCalibrateGeometricData m_TargetData;      ///< reference target, or empty
+    ClCalibrateGeometricData m_CalibrationData; ///< the calibration of this scanner
+    ClIpCalibrateGeometricBicubic m_GeometricBicubic;
+
+private:
+    void CheckGrey(const ClImage& image) const;
+    void CorrectGeometry(ClImage& corrected);
+    void Sharpen(ClImage& sharpened);
+    void ApplyWarp(ClImage* pIn, ClImage* pOut);
+};

@@ -1,0 +1,261 @@
+// Handle, options and levels: the exported functions that never reach into the engine's work.
+
+#include "TessarinCalibrateSDK/CallFrame.h"
+
+#include <cstring>
+#include <memory>
+#include <new>
+#include <strings.h>
+
+namespace {
+
+constexpr char cacHead[4] = {'C', 'A', 'L', 0};
+constexpr char cacTail[4] = {'L', 'A', 'C', 0};
+
+/// Releases memory of the ordinary allocator in which no object was built.
+struct StRelease {
+    void operator()(void* p) const noexcept { ::operator delete(p); }
+};
+
+/// `new T` that works with an allocator that answers with null as well as with one that throws;
+/// null where it answered so.
+template <class T>
+T* Construct() {
+    std::unique_ptr<void, StRelease> pMemory(::operator new(sizeof(T)));
+    if (pMemory == nullptr)
+        return nullptr;
+    T* pObject = ::new (pMemory.get()) T();
+    pMemory.release();
+    return pObject;
+}
+
+/// A boolean option of the processor.
+struct StBoolOption {
+    const char* m_szKey;
+    bool ClIpCalibrateLumivane2::*m_pValue;
+};
+
+constexpr StBoolOption cDynamicFingerMask = {"DynamicFingerMask",
+                                             &ClIpCalibrateLumivane2::m_bDynamicFingerMask};
+constexpr StBoolOption cSensitiveMode = {"SensitiveMode",
+                                         &ClIpCalibrateLumivane2::m_bSensitiveMode};
+constexpr StBoolOption cMaskIsOutput = {"MaskIsOutput", &ClIpCalibrateLumivane2::m_bMaskIsOutput};
+constexpr StBoolOption cPrecalculatedData = {"PrecalculatedData",
+                                             &ClIpCalibrateLumivane2::m_bPrecalculatedData};
+constexpr StBoolOption caBoolOptions[] = {cDynamicFingerMask, cSensitiveMode, cMaskIsOutput,
+                                          cPrecalculatedData};
+constexpr const char* cszGeometricCalibrate = "GeometricCalibrate";
+
+bool BeginsWith(const char* szText, const char* szWord) {
+    return strncasecmp(szText, szWord, std::strlen(szWord)) == 0;
+}
+
+/// What stands behind the first equals sign and the blanks behind it. Throws -37 without one.
+const char* ValueOf(const char* option) {
+    const char* szValue = std::strchr(option, '=');
+    if (szValue == nullptr)
+        throw static_cast<long>(QMT_ERROR_PARAM_IS_MISSING);
+    do
+        ++szValue;
+    while (*szValue == ' ');
+    return szValue;
+}
+
+bool TryBoolOption(const char* option, const StBoolOption& Option, ClIpCalibrateLumivane2& rTo) {
+    return CheckBoolOption(option, Option.m_szKey, rTo.*Option.m_pValue);
+}
+
+/// Sets the one option that the text names. All are tried, in this order.
+long SetOption(ClIpCalibrateLumivane2& rProcessor, const char* option) {
+    bool bFound = TryBoolOption(option, cDynamicFingerMask, rProcessor);
+    bFound |= TryBoolOption(option, cSensitiveMode, rProcessor);
+    bFound |= CheckGeometricOption(option, rProcessor.m_eGeometricMode);
+    bFound |= TryBoolOption(option, cMaskIsOutput, rProcessor);
+    bFound |= TryBoolOption(option, cPrecalculatedData, rProcessor);
+    return bFound ? QMT_SUCCESS : QMT_ERROR_PARAM_IS_MISSING;
+}
+
+const char* GeometricText(ClIpCalibrateLumivane2::EGeometricMode eMode) {
+    switch (eMode) {
+    case ClIpCalibrateLumivane2::eGeometricOff:
+        return "off";
+    case ClIpCalibrateLumivane2::eOddLines:
+        return "oddLines";
+    default:
+        return "ThinPlateSpline";
+    }
+}
+
+/// The value of an option as text, null for an unknown key.
+const char* OptionText(const ClIpCalibrateLumivane2& rProcessor, const char* key) {
+    for (const StBoolOption& Option : caBoolOptions)
+        if (strcasecmp(key, Option.m_szKey) == 0)
+            return rProcessor.*Option.m_pValue ? "Enabled" : "Disabled";
+    if (strcasecmp(key, cszGeometricCalibrate) == 0)
+        return GeometricText(rProcessor.m_eGeometricMode);
+    return nullptr;
+}
+
+/// Copies a text by the size protocol.
+long AnswerText(const char* szText, char* value, unsigned long* valueSize) {
+    const unsigned long nNeeded = std::strlen(szText) + 1;
+    const bool bFits = nNeeded <= *valueSize;
+    *valueSize = nNeeded;
+    if (!bFits)
+        return QMT_ERROR_TEMPLATE_SIZE;
+    if (value != nullptr)
+        std::memcpy(value, szText, nNeeded);
+    return QMT_SUCCESS;
+}
+
+} // namespace
+
+extern "C" {
+
+long CheckHandle(void* handle, ClIpCalibrateLumivane2** processor) {
+    if (handle == nullptr)
+        return QMT_ERROR_NO_HANDLE;
+    if (processor == nullptr)
+        return QMT_ERROR_INVALID_HANDLE;
+    *processor = nullptr;
+    const auto* pRecord = static_cast<const CalibrateHandle_t*>(handle);
+    if (std::memcmp(pRecord->m_acHead, cacHead, sizeof cacHead) != 0 ||
+        std::memcmp(pRecord->m_acTail, cacTail, sizeof cacTail) != 0 ||
+        pRecord->m_pProcessor == nullptr)
+        return QMT_ERROR_INVALID_HANDLE;
+    *processor = pRecord->m_pProcessor;
+    return QMT_SUCCESS;
+}
+
+bool CheckBoolOption(const char* option, const char* key, bool& value) {
+    if (!BeginsWith(option, key))
+        return false;
+    const char* szValue = ValueOf(option);
+    if (BeginsWith(szValue, "true") || BeginsWith(szValue, "enable"))
+        value = true;
+    else if (BeginsWith(szValue, "false") || BeginsWith(szValue, "disable"))
+        value = false;
+    else
+        throw static_cast<long>(QMT_ERROR_PARAM_IS_MISSING);
+    return true;
+}
+
+bool CheckGeometricOption(const char* option, ClIpCalibrateLumivane2::EGeometricMode& mode) {
+    struct StWord {
+        const char* m_szWord;
+        ClIpCalibrateLumivane2::EGeometricMode m_eMode;
+    };
+    // "false" asks for no splines, not for no correction: only "off" turns the step out.
+    static constexpr StWord caWords[] = {
+        {"true", ClIpCalibrateLumivane2::eThinPlateSpline},
+        {"enable", ClIpCalibrateLumivane2::eThinPlateSpline},
+        {"false", ClIpCalibrateLumivane2::eOddLines},
+        {"disable", ClIpCalibrateLumivane2::eOddLines},
+        {"off", ClIpCalibrateLumivane2::eGeometricOff},
+        {"oddLines", ClIpCalibrateLumivane2::eOddLines},
+        {"ThinPlateSpline", ClIpCalibrateLumivane2::eThinPlateSpline},
+    };
+    if (!BeginsWith(option, cszGeometricCalibrate))
+        return false;
+    const char* szValue = ValueOf(option);
+    for (const StWord& Word : caWords)
+        if (BeginsWith(szValue, Word.m_szWord)) {
+            mode = Word.m_eMode;
+            return true;
+        }
+    throw static_cast<long>(QMT_ERROR_PARAM_IS_MISSING);
+}
+
+void* CalibrateCreate(void) {
+    VekLFLog(Vek::eLogTrace, "CalibrateCreate() Enter");
+    std::unique_ptr<CalibrateHandle_t> pRecord(Construct<CalibrateHandle_t>());
+    if (pRecord == nullptr) {
+        VekLFLog(Vek::eLogError,
+                 "CalibrateCreate() leaving: Couldn't create calibration CalibrateHandle_t!");
+        return nullptr;
+    }
+    pRecord->m_pProcessor = Construct<ClIpCalibrateLumivane2>();
+    if (pRecord->m_pProcessor == nullptr) {
+        VekLFLog(Vek::eLogError, "CalibrateCreate() leaving: Couldn't create calibration object!");
+        return nullptr;
+    }
+    std::memcpy(pRecord->m_acHead, cacHead, sizeof cacHead);
+    std::memcpy(pRecord->m_acTail, cacTail, sizeof cacTail);
+    VekLFLog(Vek::eLogTrace, "CalibrateCreate() Leaving");
+    return pRecord.release();
+}
+
+long CalibrateDelete(void** handle) {
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateDelete");
+    VekLFLog(Vek::eLogTrace, "CalibrateDelete(0x%p) Enter", static_cast<void*>(handle));
+    if (handle == nullptr)
+        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTRPTR);
+    ClIpCalibrateLumivane2* pProcessor = nullptr;
+    if (const long nCode = CheckHandle(*handle, &pProcessor))
+        return CallFrame::Leave(Texts, nCode);
+    return CallFrame::Run(Texts, [&] {
+        delete pProcessor;
+        delete static_cast<CalibrateHandle_t*>(*handle);
+        *handle = nullptr;
+        return QMT_SUCCESS;
+    });
+}
+
+long CalibrateSetOption(void* handle, const char* option) {
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetOption");
+    VekLFLog(Vek::eLogTrace, "CalibrateSetOption(0x%p, 0x%p) Enter", handle,
+             static_cast<const void*>(option));
+    ClIpCalibrateLumivane2* pProcessor = nullptr;
+    if (const long nCode = CheckHandle(handle, &pProcessor))
+        return CallFrame::Leave(Texts, nCode);
+    if (option == nullptr)
+        return CallFrame::Leave(Texts, QMT_ERROR_PARAM_IS_MISSING);
+    long nCode = QMT_SUCCESS;
+    try {
+        nCode = SetOption(*pProcessor, option);
+    } catch (long nThrown) {
+        nCode = nThrown;
+    }
+    return CallFrame::Leave(Texts, nCode);
+}
+
+long CalibrateGetOption(void* handle, const char* key, char* value, unsigned long* valueSize) {
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGetOption");
+    VekLFLog(Vek::eLogTrace, "CalibrateGetOption(0x%p, 0x%p, 0x%p, 0x%p) Enter", handle,
+             static_cast<const void*>(key), static_cast<void*>(value),
+             static_cast<void*>(valueSize));
+    ClIpCalibrateLumivane2* pProcessor = nullptr;
+    if (const long nCode = CheckHandle(handle, &pProcessor))
+        return CallFrame::Leave(Texts, nCode);
+    if (key == nullptr)
+        return CallFrame::Leave(Texts, QMT_ERROR_PARAM_IS_MISSING);
+    if (valueSize == nullptr)
+        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_SIZE_PTR);
+    const char* szText = OptionText(*pProcessor, key);
+    if (szText == nullptr)
+        return CallFrame::Leave(Texts, QMT_ERROR_PARAM_IS_MISSING);
+    return CallFrame::Leave(Texts, AnswerText(szText, value, valueSize));
+}
+
+long GetCalibrationWarningLevels(void* handle, double* dirtLevel, double* dryFingerLevel) {
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("GetCalibrationWarningLevels");
+    VekLFLog(Vek::eLogTrace, "GetCalibrationWarningLevels(0x%p, 0x%p, 0x%p) Enter", handle,
+             static_cast<void*>(dirtLevel), static_cast<void*>(dryFingerLevel));
+    ClIpCalibrateLumivane2* pProcessor = nullptr;
+    if (const long nCode = CheckHandle(handle, &pProcessor))
+        return CallFrame::Leave(Texts, nCode);
+    if (dirtLevel != nullptr)
+        *dirtLevel = pProcessor->m_dDirtWarningLevel;
+    if (dryFingerLevel != nullptr)
+        *dryFingerLevel = pProcessor->m_dDryFingerWarningLevel;
+    return CallFrame::Leave(Texts, QMT_SUCCESS);
+}
+
+const char* CalibrateGetErrorDescription(long code) {
+    const char* szText = GetErrorDescriptionIntern(code);
+    VekLFLog(Vek::eLogTrace, "CalibrateGetErrorDescription(%d): %s", static_cast<int>(code),
+             szText);
+    return szText;
+}
+
+} // extern "C"

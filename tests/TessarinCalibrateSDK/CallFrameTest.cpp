@@ -1,0 +1,168 @@
+// What becomes of an exception on its way out: its lines, their level and the status.
+
+#include "TessarinCalibrateSDK/CallFrame.h"
+
+#include "support/LogCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using TestSupport::ClLogCapture;
+using TestSupport::StLogLine;
+
+namespace {
+
+constexpr CallFrame::StTexts cTexts = TESSARIN_CALL_TEXTS("Function");
+
+struct StOutcome {
+    long m_nCode;
+    std::vector<StLogLine> m_aLines;
+    int m_nCleanups;
+};
+
+template <class Work>
+StOutcome OutcomeOf(Work work) {
+    StOutcome Outcome{};
+    const ClLogCapture Log;
+    Outcome.m_nCode = CallFrame::Run(cTexts, work, [&] {
+        ++Outcome.m_nCleanups;
+        VekLFLog(7, "cleanup");
+    });
+    Outcome.m_aLines = Log.Lines();
+    return Outcome;
+}
+
+/// An exception whose text is null.
+class ClMute : public std::exception {
+public:
+    const char* what() const noexcept override { return nullptr; }
+};
+
+} // namespace
+
+TEST(CallFrame, LeavesWithTheCodeOfTheWork) {
+    const StOutcome Success = OutcomeOf([] { return 0L; });
+    EXPECT_EQ(Success.m_nCode, 0);
+    EXPECT_EQ(Success.m_nCleanups, 0);
+    EXPECT_EQ(Success.m_aLines,
+              (std::vector<StLogLine>{{7, "Function() Leaving(0), No errors occurred."}}));
+
+    const StOutcome Failure = OutcomeOf([] { return -21L; });
+    EXPECT_EQ(Failure.m_nCode, -21);
+    EXPECT_EQ(Failure.m_nCleanups, 0);
+    EXPECT_EQ(Failure.m_aLines,
+              (std::vector<StLogLine>{
+                  {7, "Function() Leaving(-21), The size of the finger template is not valid."}}));
+}
+
+TEST(CallFrame, LogsErrorFileAndLeavingOfAnException) {
+    const StOutcome Outcome = OutcomeOf(
+        []() -> long { throw ClException("the words", -39, true, "Tools/Somewhere", 123); });
+    EXPECT_EQ(Outcome.m_nCode, -39);
+    EXPECT_EQ(Outcome.m_aLines,
+              (std::vector<StLogLine>{
+                  {7, "cleanup"},
+                  {3, "Function() Error: The input is corrupt; it can be a memoryblock or a "
+                      "file.\nthe words"},
+                  {3, "Function() File: Tools/Somewhere(123)"},
+                  {3, "Function() Leaving(-39), The input is corrupt; it can be a memoryblock or "
+                      "a file."}}));
+}
+
+TEST(CallFrame, TracesATargetThatCannotBeEvaluatedAtLevel7) {
+    const StOutcome Outcome =
+        OutcomeOf([]() -> long { throw ClException("crooked", -600, false, "Unknown", -1); });
+    const std::string Description = "The calibration failed to generate the calibrations data "
+                                    "from the given pattern.";
+    EXPECT_EQ(Outcome.m_nCode, -600);
+    EXPECT_EQ(Outcome.m_aLines,
+              (std::vector<StLogLine>{{7, "cleanup"},
+                                      {7, "Function() Error: " + Description + "\ncrooked"},
+                                      {7, "Function() File: Unknown(-1)"},
+                                      {7, "Function() Leaving(-600), " + Description}}));
+}
+
+TEST(CallFrame, LogsEveryOtherNumberAtLevel3) {
+    for (const long nNumber : {-1L, -2L, -101L, -599L, -601L, -701L, 0L, 600L, 5L}) {
+        const StOutcome Outcome =
+            OutcomeOf([=]() -> long { throw ClExTessarin(nNumber, "File", 1); });
+        EXPECT_EQ(Outcome.m_nCode, nNumber);
+        ASSERT_EQ(Outcome.m_aLines.size(), 4u);
+        for (std::size_t i = 1; i < 4; ++i)
+            EXPECT_EQ(Outcome.m_aLines[i].m_nLevel, 3) << nNumber;
+    }
+}
+
+TEST(CallFrame, TakesTheDescriptionOfTheNumberAnew) {
+    const StOutcome Outcome = OutcomeOf([]() -> long { throw ClExTessarin(-6, "File", 1); });
+    EXPECT_EQ(Outcome.m_nCode, -6);
+    EXPECT_EQ(Outcome.m_aLines.back().m_Text, "Function() Leaving(-6), Unknown error code.");
+}
+
+TEST(CallFrame, CatchesTheWholeFamilyByItsNumber) {
+    EXPECT_EQ(OutcomeOf([]() -> long { throw ClExBadAlloc("m", -102, false, "F", 1); }).m_nCode,
+              -102);
+    EXPECT_EQ(OutcomeOf([]() -> long { throw ClExStream("m", -204, false, "F", 1); }).m_nCode,
+              -204);
+    EXPECT_EQ(OutcomeOf([]() -> long { throw ClExSystem("m", "F", 1); }).m_nCode, -105);
+}
+
+TEST(CallFrame, AnswersOtherExceptionsWithInternalError) {
+    const StOutcome Outcome = OutcomeOf([]() -> long { throw std::runtime_error("strange"); });
+    EXPECT_EQ(Outcome.m_nCode, -101);
+    EXPECT_EQ(Outcome.m_nCleanups, 1);
+    EXPECT_EQ(Outcome.m_aLines,
+              (std::vector<StLogLine>{{7, "cleanup"},
+                                      {3, "Function() Error: strange"},
+                                      {3, "Function() Leaving(-101), Internal error."}}));
+    EXPECT_EQ(OutcomeOf([]() -> long { throw std::bad_alloc(); }).m_nCode, -101);
+}
+
+TEST(CallFrame, AnswersAnythingElseWithAFatalErrorAndCleansNothingUp) {
+    const StOutcome Outcome = OutcomeOf([]() -> long { throw 5; });
+    EXPECT_EQ(Outcome.m_nCode, -104);
+    EXPECT_EQ(Outcome.m_nCleanups, 0);
+    EXPECT_EQ(Outcome.m_aLines,
+              (std::vector<StLogLine>{
+                  {3, "Function() Leaving(-104), A fatal error has occurred. Process integrity "
+                      "may be corrupted. Terminate application."}}));
+    EXPECT_EQ(OutcomeOf([]() -> long { throw -37L; }).m_nCode, -104);
+}
+
+TEST(CallFrame, LogsExceptionsWithoutText) {
+    const StOutcome Standard = OutcomeOf([]() -> long { throw ClMute(); });
+    EXPECT_EQ(Standard.m_aLines[1].m_Text, "Function() Error: ");
+    const StOutcome Own = OutcomeOf([]() -> long {
+        ClException e(-39, false, nullptr, 4);
+        e.SetComment(nullptr);
+        throw e;
+    });
+    EXPECT_EQ(Own.m_nCode, -39);
+    EXPECT_EQ(Own.m_aLines[1].m_Text, "Function() Error: ");
+    EXPECT_EQ(Own.m_aLines[2].m_Text, "Function() File: Unknown(4)");
+}
+
+TEST(CallFrame, UnwindsTheWorkBeforeItCleansUp) {
+    std::string Order;
+    struct StLocal {
+        std::string& m_rOrder;
+        ~StLocal() { m_rOrder += "local "; }
+    };
+    CallFrame::Run(
+        cTexts,
+        [&]() -> long {
+            const StLocal Local{Order};
+            throw ClExTessarin(-39, "F", 1);
+        },
+        [&] { Order += "cleanup"; });
+    EXPECT_EQ(Order, "local cleanup");
+}
+
+TEST(CallFrame, RunsWithoutCleanup) {
+    EXPECT_EQ(CallFrame::Run(cTexts, [] { return 0L; }), 0);
+    EXPECT_EQ(CallFrame::Run(cTexts, []() -> long { throw ClExTessarin(-39, "F", 1); }), -39);
+}
