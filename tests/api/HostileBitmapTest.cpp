@@ -1,0 +1,240 @@
+// Bitmap blocks from anywhere: cut, flipped, with absurd headers, at the very end of memory.
+
+#include "api/Api.h"
+#include "support/GuardedMemory.h"
+#include "support/Records.h"
+
+#include <climits>
+
+using TestSupport::Bytes;
+using TestSupport::Capture;
+using TestSupport::ClApiHandle;
+using TestSupport::ClGuardedBlock;
+using TestSupport::PlausibleRecord;
+using TestSupport::RecordBlock;
+
+namespace {
+
+std::int64_t Field(const Bytes& aBlock, std::size_t nOffset, int nBytes) {
+    std::uint64_t nValue = 0;
+    for (int i = nBytes - 1; i >= 0; --i)
+        nValue = nValue << 8 | aBlock[nOffset + static_cast<std::size_t>(i)];
+    return static_cast<std::int64_t>(nValue);
+}
+
+std::int64_t SignedField(const Bytes& aBlock, std::size_t nOffset) {
+    return static_cast<std::int32_t>(Field(aBlock, nOffset, 4));
+}
+
+/// The size that a header implies; -1 where a part of it overflows 32 bits.
+std::int64_t ImpliedSize(const Bytes& aBlock) {
+    const std::int64_t nBits = Field(aBlock, 14, 2);
+    const std::int64_t nCompression = Field(aBlock, 16, 4);
+    const std::int64_t nUsed = Field(aBlock, 32, 4);
+    const std::int64_t nLineBits = nBits * SignedField(aBlock, 4) + 7;
+    const std::int64_t nStride = ((nLineBits >> 3) + 3) & ~std::int64_t{3};
+    const auto Overflows = [](std::int64_t n) { return n < INT_MIN || n > INT_MAX; };
+    if (Overflows(nLineBits) || Overflows(nStride))
+        return -1;
+    const std::int64_t nPixels = nStride * SignedField(aBlock, 8);
+    const std::int64_t nPalette = nBits <= 8          ? 4 * (nUsed != 0 ? nUsed : 1ll << nBits)
+                                  : nCompression == 3 ? 12
+                                                      : 4 * nUsed;
+    if (Overflows(nPixels) || nPalette > UINT_MAX)
+        return -1;
+    return 40 + std::int64_t{static_cast<std::uint32_t>(nPixels)} + nPalette;
+}
+
+/// The status that the tests in their order give for a block as a call takes it.
+long StatusOfBlock(const Bytes& aBlock, std::size_t nSize) {
+    if (nSize < 40)
+        return QMT_ERROR_TEMPLATE_SIZE;
+    if (aBlock[0] == 'B' && aBlock[1] == 'M')
+        return QMT_ERROR_BITMAP_UNEXPECTED_FILEHEADER;
+    if (Field(aBlock, 0, 4) != 40)
+        return QMT_ERROR_BITMAP_HEADERSIZE;
+    if (Field(aBlock, 12, 2) != 1)
+        return QMT_ERROR_BITMAP_PLANE;
+    if (Field(aBlock, 16, 4) > 3)
+        return QMT_ERROR_BITMAP_COMPRESSION;
+    const std::int64_t nBits = Field(aBlock, 14, 2);
+    if (nBits != 1 && nBits != 4 && nBits != 8 && nBits != 16 && nBits != 24 && nBits != 32)
+        return QMT_ERROR_BITMAP_BITCOUNT;
+    if (ImpliedSize(aBlock) != static_cast<std::int64_t>(nSize))
+        return QMT_ERROR_TEMPLATE_SIZE;
+    return QMT_SUCCESS;
+}
+
+/// The same with the tests on the image behind them.
+long StatusOfImage(const Bytes& aBlock, std::size_t nSize) {
+    if (const long nStatus = StatusOfBlock(aBlock, nSize))
+        return nStatus;
+    const std::int64_t nBits = Field(aBlock, 14, 2);
+    if (nBits != 8 && nBits != 24 && nBits != 32)
+        return QMT_ERROR_BITMAP_BITCOUNT;
+    if (Field(aBlock, 16, 4) != 0 || nBits != 8)
+        return QMT_ERROR_BITMAP_PLANE;
+    if (SignedField(aBlock, 4) < 1 || SignedField(aBlock, 8) < 1)
+        return QMT_ERROR_INTERNAL;
+    return QMT_SUCCESS;
+}
+
+/// Every call that takes a bitmap, on one block whose first `nReal` bytes exist.
+class ClVictim {
+public:
+    ClVictim() {
+        for (ClApiHandle* pHandle : {&m_Ready, &m_Odd, &m_Spline})
+            EXPECT_EQ(pHandle->SetData(RecordBlock(PlausibleRecord())), 0);
+        m_Ready.Set("GeometricCalibrate=off");
+        m_Odd.Set("GeometricCalibrate=oddLines");
+        m_aOut.resize(200000);
+    }
+
+    void Attack(const Bytes& aBlock, std::size_t nClaimed, std::size_t nReal) {
+        const ClGuardedBlock Guarded(aBlock, nReal);
+        unsigned char* pBlock = Guarded.Data();
+        const long nBlock = StatusOfBlock(aBlock, nClaimed);
+        const long nImage = StatusOfImage(aBlock, nClaimed);
+
+        EXPECT_EQ(Run(m_Ready, pBlock, nClaimed), nImage);
+        ExpectOneOf(Run(m_Odd, pBlock, nClaimed), nImage, QMT_ERROR_INTERNAL);
+        ExpectOneOf(Run(m_Spline, pBlock, nClaimed), nImage, QMT_ERROR_BITMAP_DIMENSION);
+
+        double dResult = 0;
+        const long nLevel = ContaminationDetection(m_Ready, pBlock, nClaimed, &dResult);
+        if (nBlock != 0) {
+            EXPECT_EQ(nLevel, nBlock);
+        }
+        EXPECT_EQ(nLevel == 0, dResult != 101.0);
+
+        EXPECT_EQ(CalibrateCheckEfts(m_Empty, pBlock, nClaimed, &dResult),
+                  nBlock != 0 ? nBlock : QMT_ERROR_NOT_INITIALIZED);
+        const long nEfts = CalibrateCheckEfts(m_Ready, pBlock, nClaimed, &dResult);
+        const long nGenerated = CalibrateGenerateData(m_Empty, pBlock, nClaimed);
+        if (nImage != 0) {
+            EXPECT_EQ(nEfts, nImage);
+            EXPECT_EQ(nGenerated, nImage);
+        } else {
+            EXPECT_NE(nGenerated, 0);
+        }
+    }
+    void Attack(const Bytes& aBlock) { Attack(aBlock, aBlock.size(), aBlock.size()); }
+
+private:
+    long Run(void* pHandle, unsigned char* pBlock, unsigned long nSize) {
+        unsigned long nOut = m_aOut.size();
+        return Calibrate(pHandle, pBlock, nSize, m_aOut.data(), &nOut);
+    }
+
+    /// A block that is good for one mode may be too small for another.
+    static void ExpectOneOf(long nStatus, long nExpected, long nOrElse) {
+        EXPECT_TRUE(nStatus == nExpected || (nExpected == 0 && nStatus == nOrElse))
+            << nStatus << " in place of " << nExpected;
+    }
+
+    ClApiHandle m_Ready;
+    ClApiHandle m_Odd;
+    ClApiHandle m_Spline;
+    ClApiHandle m_Empty;
+    Bytes m_aOut;
+};
+
+Bytes SmallPalette(int nWidth, int nHeight) {
+    TestSupport::StHead Head;
+    Head.m_nWidth = nWidth;
+    Head.m_nHeight = nHeight;
+    Head.m_nClrUsed = 2;
+    return Block(Head, {0, 0xFFFFFF}, NoisePixels(Head));
+}
+
+void Store(Bytes& rBlock, std::size_t nOffset, std::int64_t nValue, std::size_t nBytes) {
+    for (std::size_t i = 0; i < nBytes; ++i)
+        rBlock[nOffset + i] = static_cast<unsigned char>(nValue >> (8 * i));
+}
+
+} // namespace
+
+TEST(HostileBitmap, CutAtEveryByte) {
+    ClVictim Victim;
+    const Bytes aBlock = SmallPalette(7, 5);
+    for (std::size_t nSize = 0; nSize <= aBlock.size(); ++nSize)
+        Victim.Attack(aBlock, nSize, nSize);
+}
+
+TEST(HostileBitmap, WithEveryBitFlipped) {
+    ClVictim Victim;
+    const Bytes aBlock = SmallPalette(7, 5);
+    for (std::size_t nBit = 0; nBit < aBlock.size() * 8; ++nBit) {
+        Bytes aFlipped = aBlock;
+        aFlipped[nBit / 8] ^= static_cast<unsigned char>(1u << (nBit % 8));
+        Victim.Attack(aFlipped);
+    }
+}
+
+TEST(HostileBitmap, WithExtremeFields) {
+    ClVictim Victim;
+    const std::int64_t anExtremes[] = {
+        0,          1,          2,          3,          4,          5,          8,
+        39,         41,         255,        256,        257,        0x7FFF,     0x8000,
+        0xFFFF,     0x10000,    0x01000000, 0x0FFFFFFF, 0x10000000, 0x1FFFFFFF, 0x20000000,
+        0x3FFFFFFF, 0x40000000, 0x7FFFFFFF, 0x80000000, 0xC0000000, 0xFFFFFFFC, 0xFFFFFFFF};
+    for (const int nDepth : {8, 24})
+        for (const std::size_t nOffset : {0, 4, 8, 16, 20, 24, 28, 32, 36})
+            for (const std::int64_t nValue : anExtremes) {
+                Bytes aBlock = Capture(5, 3, nDepth);
+                Store(aBlock, nOffset, nValue, 4);
+                Victim.Attack(aBlock);
+            }
+    for (const std::size_t nOffset : {12, 14})
+        for (std::int64_t nValue = 0; nValue < 0x10000; nValue += nValue < 64 ? 1 : 4099) {
+            Bytes aBlock = Capture(5, 3);
+            Store(aBlock, nOffset, nValue, 2);
+            Victim.Attack(aBlock);
+        }
+}
+
+TEST(HostileBitmap, WithPairsOfExtremeSides) {
+    ClVictim Victim;
+    const std::int64_t anSides[] = {0,     1,       2,       -1,      -2,      -8,     65535,
+                                    65536, 1 << 28, 1 << 29, INT_MAX, INT_MIN, -65536, INT_MIN + 1};
+    for (const std::int64_t nWidth : anSides)
+        for (const std::int64_t nHeight : anSides)
+            for (const int nDepth : {1, 8, 32}) {
+                Bytes aBlock = Capture(5, 3, nDepth);
+                Store(aBlock, 4, nWidth, 4);
+                Store(aBlock, 8, nHeight, 4);
+                Victim.Attack(aBlock);
+                const std::int64_t nImplied = ImpliedSize(aBlock);
+                if (nImplied >= 40 && nImplied < 100000) { // give it what it asks for
+                    aBlock.resize(static_cast<std::size_t>(nImplied));
+                    Victim.Attack(aBlock);
+                }
+            }
+}
+
+// A negative height implies nearly 4 GiB; a caller who says that they are there is not asked for
+// more than header and palette.
+TEST(HostileBitmap, OfNegativeHeightIsReadNoFurtherThanItsPalette) {
+    ClVictim Victim;
+    Bytes aBlock = SmallPalette(4, 1);
+    aBlock.resize(48);
+    Store(aBlock, 8, -1, 4);
+    Victim.Attack(aBlock, 40 + 8 + 4294967292ul, aBlock.size());
+}
+
+TEST(HostileBitmap, WithEveryCompressionAndDepth) {
+    ClVictim Victim;
+    for (const int nDepth : {1, 4, 8, 16, 24, 32})
+        for (std::uint32_t nCompression = 0; nCompression < 6; ++nCompression)
+            for (const std::uint32_t nUsed : {0u, 1u, 3u, 300u}) {
+                TestSupport::StHead Head;
+                Head.m_nWidth = 9;
+                Head.m_nHeight = 3;
+                Head.m_nBits = nDepth;
+                Head.m_nCompression = nCompression;
+                Head.m_nClrUsed = nUsed;
+                Bytes aBlock = HeaderBytes(Head);
+                aBlock.resize(static_cast<std::size_t>(ImpliedSize(aBlock)), 0x5A);
+                Victim.Attack(aBlock);
+            }
+}
