@@ -1,0 +1,282 @@
+#include "ImageProcessing/IpFilterMid.h"
+
+#include "ImageProcessing/Kernels/Mean.h"
+#include "ImageProcessing/LocalTarget.h"
+#include "ImageProcessing/MeanWalk.h"
+#include "ImageProcessing/PixelTypeDispatch.h"
+#include "Tools/Allocate.h"
+#include "Tools/ParameterContainer.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr long cnNoDyImageLine = 316;
+
+/// Without a row in the catalogue, as in the frame.
+constexpr long cnUnknownMode = -6;
+
+} // namespace
+
+ClIpFilterMid::ClIpFilterMid() {
+    ClIpFilterMid::SetParametersToDefault();
+}
+
+ClProcessorBase* ClIpFilterMid::Create() {
+    return Vek::NewObject<ClIpFilterMid>();
+}
+
+const char* ClIpFilterMid::Name() const {
+    return "ClIpFilterMid";
+}
+
+void ClIpFilterMid::SetParametersToDefault() {
+    ClIpFilterBase::SetParametersToDefault();
+    m_pRemainder = nullptr;
+}
+
+void ClIpFilterMid::PublishParameters(ClParameterContainer& Container) {
+    ClIpFilterBase::PublishParameters(Container);
+    Container.Keep(&m_pRemainder);
+}
+
+long ClIpFilterMid::Initialize() {
+    m_nFilterWidth |= 1;
+    return 0;
+}
+
+long ClIpFilterMid::DoProcess() {
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    const unsigned char nType = m_pInImage->DataType();
+    if (nType == ClImage::eUInt8 || nType == ClImage::eInt8)
+        return ClIpFilterBase::DoProcess();
+    return DispatchPixelType(nType, [this](auto Tag) {
+        using T = typename decltype(Tag)::Type;
+        return ProcessT<T>();
+    });
+}
+
+// The window
+
+long ClIpFilterMid::Half() const {
+    return std::max(m_nFilterWidth, 0L) / 2;
+}
+
+bool ClIpFilterMid::IsWiderThanImage(long nAxes) const {
+    const long nWindow = 2 * Half() + 1;
+    return ((nAxes & ModeX) != 0 && nWindow > m_pInImage->Width()) ||
+           ((nAxes & ModeY) != 0 && nWindow > m_pInImage->Height());
+}
+
+/// Calls `work(In, Half(), Out)` with an output like the input, or copies.
+template <class Work>
+long ClIpFilterMid::Run(long nAxes, Work work) {
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Out) {
+        if (IsWiderThanImage(nAxes)) {
+            Out = In;
+            return 0L;
+        }
+        Out.New(In);
+        if (In.SizeBytes() > 0)
+            work(In, Half(), Out);
+        return 0L;
+    });
+}
+
+// Bytes
+
+namespace {
+
+template <class T>
+void MeansOfBytes(const ClImage& In, long nHalfX, long nHalfY, ClImage& Out) {
+    Kernels::MeanOfWindow(In.Line<const T>(0), In.LineStrideSamples(), In.Width(), In.Height(),
+                          nHalfX, nHalfY, Out.Line<T>(0), Out.LineStrideSamples());
+}
+
+} // namespace
+
+template <class T>
+long ClIpFilterMid::Filter(long nAxes) {
+    return Run(nAxes, [&](const ClImage& In, long nHalf, ClImage& Out) {
+        MeansOfBytes<T>(In, (nAxes & ModeX) != 0 ? nHalf : 0, (nAxes & ModeY) != 0 ? nHalf : 0,
+                        Out);
+    });
+}
+
+template <class T>
+long ClIpFilterMid::FilterXY() {
+    return Run(ModeXY, [&](const ClImage& In, long nHalf, ClImage& Out) {
+        const bool bThree = nHalf == 1;
+        if (m_pRemainder != nullptr && bThree)
+            Process3x3Remainder<T>(In, Out);
+        else if (m_pRemainder != nullptr)
+            ProcessXYRemainder<T>(In, nHalf, Out);
+        else if (bThree)
+            Process3x3<T>(In, Out);
+        else
+            MeansOfBytes<T>(In, nHalf, nHalf, Out);
+    });
+}
+
+template <class T>
+void ClIpFilterMid::Process3x3(const ClImage& In, ClImage& Out) const {
+    Kernels::Mean3x3(In.Line<const T>(0), In.LineStrideSamples(), In.Width(), In.Height(),
+                     Out.Line<T>(0), Out.LineStrideSamples());
+}
+
+template <class T>
+void ClIpFilterMid::ProcessXYRemainder(const ClImage& In, long nHalf, ClImage& Out) const {
+    ClImage Remainder; // may replace one of the other two
+    Remainder.NewWithType(ClImage::eDouble64, In.Width(), In.Height(), 1, In.PelsX(), In.PelsY());
+    WalkSquares<T>(In, nHalf, [&](long x, long y, long long nSum, long nCount) {
+        const T nMean = MeanSample<T>(nSum, nCount);
+        Out.Line<T>(static_cast<int>(y))[x] = nMean;
+        Remainder.Line<double>(static_cast<int>(y))[x] =
+            static_cast<double>(nSum) / static_cast<double>(nCount) - nMean;
+    });
+    m_pRemainder->Swap(Remainder);
+}
+
+/// The exact mean needs no form of its own.
+template <class T>
+void ClIpFilterMid::Process3x3Remainder(const ClImage& In, ClImage& Out) const {
+    ProcessXYRemainder<T>(In, 1, Out);
+}
+
+long ClIpFilterMid::ProcessX() {
+    return Filter<unsigned char>(ModeX);
+}
+
+long ClIpFilterMid::ProcessY() {
+    return Filter<unsigned char>(ModeY);
+}
+
+long ClIpFilterMid::ProcessXY() {
+    return FilterXY<unsigned char>();
+}
+
+long ClIpFilterMid::ProcessSignedX() {
+    return Filter<signed char>(ModeX);
+}
+
+long ClIpFilterMid::ProcessSignedY() {
+    return Filter<signed char>(ModeY);
+}
+
+long ClIpFilterMid::ProcessSignedXY() {
+    return FilterXY<signed char>();
+}
+
+// Along a direction per pixel
+
+namespace {
+
+struct StStep {
+    long m_nX, m_nY; ///< 1/256 pixel
+};
+
+StStep StepOf(long nDx, long nDy, bool bOrtho) {
+    return bOrtho ? StStep{2 * nDy, 2 * nDx} : StStep{2 * nDx, -2 * nDy};
+}
+
+/// The mean of the samples at most `nReach` steps away, none of which leaves the image: a step is
+/// one pixel at most on either axis.
+unsigned char MeanAlong(const ClImage& In, long x, long y, StStep Step, long nReach) {
+    const unsigned char* pIn = In.Data();
+    const long nStride = In.LineStrideBytes();
+    long nX = x * 256 + 128 - nReach * Step.m_nX;
+    long nY = y * 256 + 128 - nReach * Step.m_nY;
+    long nSum = 0;
+    for (long i = 0; i <= 2 * nReach; ++i) {
+        nSum += pIn[(nY >> 8) * nStride + (nX >> 8)];
+        nX += Step.m_nX;
+        nY += Step.m_nY;
+    }
+    return static_cast<unsigned char>(nSum / (2 * nReach + 1));
+}
+
+/// One line; `pDx` and `pDy` are the directions of its samples.
+void MeansAlong(const ClImage& In, int y, const signed char* pDx, const signed char* pDy,
+                bool bOrtho, long nHalf, unsigned char* pOut) {
+    const int nToEdgeY = std::min(y, In.Height() - 1 - y);
+    for (int x = 0; x < In.Width(); ++x) {
+        const int nToEdge = std::min({x, In.Width() - 1 - x, nToEdgeY});
+        pOut[x] = MeanAlong(In, x, y, StepOf(pDx[x], pDy[x], bOrtho),
+                            std::min(nHalf, static_cast<long>(nToEdge)));
+    }
+}
+
+} // namespace
+
+long ClIpFilterMid::ProcessDirected(bool bOrtho) {
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    if (m_pInDxImage != nullptr && m_pInDyImage == nullptr)
+        throw ClException("m_pInDyImage is not set", QMT_ERROR_BAD_POINTER, true, VEK_FILE,
+                          cnNoDyImageLine);
+    const long nCheck = CheckDirectionImages();
+    if (nCheck != 0)
+        return nCheck;
+    return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Out) {
+        Out.New(In);
+        for (int y = 0; y < In.Height() && In.SizeBytes() > 0; ++y)
+            MeansAlong(In, y, m_pInDxImage->Line<signed char>(y),
+                       m_pInDyImage->Line<signed char>(y), bOrtho, Half(), Out.LineData(y));
+        return 0L;
+    });
+}
+
+// Samples of other types
+
+template <class T>
+long ClIpFilterMid::ProcessT() {
+    switch (m_nMode) {
+    case ModeX:
+        return ProcessT_X<T>();
+    case ModeY:
+        return ProcessT_Y<T>();
+    case ModeXY:
+        return ProcessT_XY<T>();
+    case ModeDirected:
+    case ModeDirectedOrtho:
+        return QMT_ERROR_FORMAT_NOTSUPPORTED;
+    default:
+        throw ClExTessarin(cnUnknownMode, VEK_HERE);
+    }
+}
+
+template <class T>
+long ClIpFilterMid::ProcessT_X() {
+    return Run(ModeX, [](const ClImage& In, long nHalf, ClImage& Out) {
+        for (int y = 0; y < In.Height(); ++y)
+            WalkMeans<T>(In.Line<const T>(y), 1, In.Width(), nHalf, Out.Line<T>(y), 1);
+    });
+}
+
+template <class T>
+long ClIpFilterMid::ProcessT_Y() {
+    return Run(ModeY, [](const ClImage& In, long nHalf, ClImage& Out) {
+        for (int x = 0; x < In.Width(); ++x)
+            WalkMeans<T>(In.Line<const T>(0) + x, In.LineStrideSamples(), In.Height(), nHalf,
+                         Out.Line<T>(0) + x, Out.LineStrideSamples());
+    });
+}
+
+template <class T>
+long ClIpFilterMid::ProcessT_XY() {
+    return Run(ModeXY, [](const ClImage& In, long nHalf, ClImage& Out) {
+        WalkSquares<T>(In, nHalf, [&](long x, long y, TpSumOf<T> sum, long nCount) {
+            Out.Line<T>(static_cast<int>(y))[x] = MeanSample<T>(sum, nCount);
+        });
+    });
+}
+
+long ClIpFilterMid::ApplyParam(ClImage& In, ClImage& Out, long nWidth) {
+    m_pInImage = &In;
+    m_pOutImage = &Out;
+    m_nFilterWidth = nWidth;
+    return Apply();
+}

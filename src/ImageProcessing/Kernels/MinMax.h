@@ -1,0 +1,26 @@
+#pragma once
+
+/// The largest or smallest 8-bit sample of a sliding window, along lines or along columns of a
+/// plane of `nWidth` by `nHeight` samples.
+///
+/// The window of sample i runs from i - nHalf to i + nHalf and is cut at the ends. Lines are
+/// `nInStride` and `nOutStride` samples apart; `nHalf` is not negative. Input and output do not
+/// overlap. Throws `ClExBadAlloc` (-102).
+///
+/// The templates exist for `unsigned char` and `signed char`.
+
+#include <cstddef>
+
+namespace Kernels {
+
+enum class EExtreme { eMin, eMax };
+
+template <EExtreme eKind, class T>
+void ExtremeAlongLines(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight,
+                       long nHalf, T* pOut, std::ptrdiff_t nOutStride);
+
+template <EExtreme eKind, class T>
+void ExtremeAlongColumns(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight,
+                         long nHalf, T* pOut, std::ptrdiff_t nOutStride);
+
+} // namespace Kernels
