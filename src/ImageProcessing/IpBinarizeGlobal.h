@@ -1,0 +1,56 @@
+#pragma once
+
+/// `ClIpBinarizeGlobal`, the comparison of every sample with one threshold:
+///
+///     out = black where threshold > in, else white
+///
+/// For integer types the threshold is rounded up to the next integer, which decides the same, and
+/// limited to the type. What is not set, that is not a number, comes from the input's range: black
+/// and white are its ends, the threshold is its middle.
+
+#include "ImageProcessing/Ip1to1Base.h"
+#include "Tools/MathConst.h"
+
+class ClIpBinarizeGlobal : public NewIpBase::ClIp1to1Base {
+public:
+    /// Admits all eight pixel types.
+    ClIpBinarizeGlobal();
+
+    using ClProcessorBase::QueryParameters;
+
+    ClProcessorBase* Create() override;
+    const char* Name() const override;
+    void SetParametersToDefault() override;
+    void PublishParameters(ClParameterContainer& Container) override;
+    void QueryParameters(ClParameterInterface& List) override;
+    /// "Thr<threshold> [<black>;<white>]", with 4 digits behind the point for an input of a
+    /// floating-point type. Throws "String-Length exceeded available size" (-101).
+    long ParameterString(char* pBuffer, unsigned long nSize) override;
+
+    /// True with an input for which both checks hold, else the answer of the base.
+    bool CanApply() override;
+    /// Returns -35 where a check fails, -101 for an unknown pixel type.
+    long DoProcess(ClImage& rIn, ClImage& rOut) override;
+    /// White from the threshold of this run on, else black.
+    double GetValue(ClImage& rIn, ClImage& rOut, double dValue) override;
+
+    /// Whether black, white and threshold, as far as they are set, lie between the ends of the
+    /// input's range, whichever of these is the greater.
+    virtual bool CheckBlackWhite();
+    virtual bool CheckThreshold();
+
+    long ApplyParam(ClImage& rIn, ClImage& rOut, double dThreshold);
+    using ClIp1to1Base::ApplyParam;
+
+    double m_dThreshold = MathConst::cdNaN;
+    double m_dBlack = MathConst::cdNaN;
+    double m_dWhite = MathConst::cdNaN;
+    double m_dThresholdUsed = MathConst::cdNaN; ///< in force during one run
+    double m_dBlackUsed = MathConst::cdNaN;
+    double m_dWhiteUsed = MathConst::cdNaN;
+
+private:
+    bool IsUnsetOrInRange(double dValue) const;
+    template <class T>
+    void Binarize(const ClImage& rIn, ClImage& rOut) const;
+};

@@ -1,0 +1,55 @@
+#include "ImageProcessing/IpLookUpTableBase.h"
+
+#include "ImageProcessing/Kernels/LookUp.h"
+#include "Tools/Exception.h"
+
+ClIpLookUpTableBase::ClIpLookUpTableBase() {
+    ClIpLookUpTableBase::SetParametersToDefault();
+}
+
+void ClIpLookUpTableBase::SetParametersToDefault() {}
+
+void ClIpLookUpTableBase::CalculateLuT() {}
+
+long ClIpLookUpTableBase::Initialize() {
+    CalculateLuT();
+    return 0;
+}
+
+long ClIpLookUpTableBase::CheckInImage() const {
+    if (m_pInImage == nullptr || m_pInImage->Data() == nullptr)
+        return QMT_ERROR_PARAM_IS_MISSING;
+    if (m_pInImage->DataType() != ClImage::eUInt8)
+        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
+                          VEK_HERE);
+    return 0;
+}
+
+ClImage& ClIpLookUpTableBase::PrepareOutImage() const {
+    if (m_pOutImage == nullptr || m_pOutImage == m_pInImage)
+        return *m_pInImage;
+    m_pOutImage->New(*m_pInImage);
+    return *m_pOutImage;
+}
+
+long ClIpLookUpTableBase::Process() {
+    const long nResult = CheckInImage();
+    if (nResult != 0)
+        return nResult;
+    ClImage& Out = PrepareOutImage();
+    const long nSamples = static_cast<long>(m_pInImage->Width()) * m_pInImage->Planes();
+    for (int y = 0; y < m_pInImage->Height(); ++y)
+        Kernels::LookUpLine(m_pInImage->LineData(y), nSamples, m_aLuT, Out.LineData(y));
+    m_bLuTValid = true;
+    return 0;
+}
+
+long ClIpLookUpTableBase::ApplyParam(ClImage& In, ClImage& Out) {
+    m_pInImage = &In;
+    m_pOutImage = &Out;
+    return Apply();
+}
+
+long ClIpLookUpTableBase::ApplyParam(ClImage& InOut) {
+    return ApplyParam(InOut, InOut);
+}

@@ -1,0 +1,171 @@
+#include "ImageProcessing/IpLookUpTableBase.h"
+
+#include "Tools/Allocate.h"
+#include "support/AllocationFailures.h"
+#include "support/Images.h"
+#include "support/Throws.h"
+
+namespace {
+
+using TestSupport::BlankImage;
+using TestSupport::ClTestImage;
+using TestSupport::ExpectSameImage;
+using TestSupport::Img;
+using TestSupport::Pixels;
+using TestSupport::RandomImage;
+using TestSupport::Rows;
+
+/// out = 7 in + 3, in the low 8 bits.
+class ClIpProbe : public ClIpLookUpTableBase {
+public:
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpProbe>(); }
+    const char* Name() const override { return "ClIpProbe"; }
+    void CalculateLuT() override {
+        ++m_nCalls;
+        for (int i = 0; i < 256; ++i)
+            m_aLuT[i] = static_cast<unsigned char>(7 * i + 3);
+    }
+    int m_nCalls = 0;
+};
+
+/// An operator that leaves the table alone.
+class ClIpPlain : public ClIpLookUpTableBase {
+public:
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpPlain>(); }
+    const char* Name() const override { return "ClIpPlain"; }
+};
+
+/// The probe's result, as an image like the input.
+ClTestImage Mapped(const ClTestImage& In) {
+    ClTestImage out(In);
+    for (int y = 0; y < In.Height(); ++y)
+        for (int x = 0; x < In.Width(); ++x)
+            for (int p = 0; p < In.Planes(); ++p)
+                TestSupport::SetSample(
+                    out, x, y, p, static_cast<int>(7 * TestSupport::Sample(In, x, y, p) + 3) & 255);
+    return out;
+}
+
+TEST(IpLookUpTableBase, BeginsWithoutImagesAndWithoutAValidTable) {
+    ClIpProbe ip;
+    EXPECT_EQ(ip.m_pInImage, nullptr);
+    EXPECT_EQ(ip.m_pOutImage, nullptr);
+    EXPECT_FALSE(ip.m_bLuTValid);
+}
+
+TEST(IpLookUpTableBase, CalculatesTheTableOnceAtTheStartOfARun) {
+    ClIpProbe ip;
+    EXPECT_EQ(ip.Initialize(), 0);
+    EXPECT_EQ(ip.m_nCalls, 1);
+    ClTestImage in = Img({{1, 2}});
+    ClImage out;
+    EXPECT_EQ(ip.ApplyParam(in, out), 0);
+    EXPECT_EQ(ip.m_nCalls, 2);
+    EXPECT_TRUE(ip.m_bLuTValid);
+    EXPECT_EQ(Pixels(out), Rows({{10, 17}}));
+}
+
+TEST(IpLookUpTableBase, ReplacesEverySampleOfEveryPlane) {
+    for (int nPlanes = 1; nPlanes <= 5; ++nPlanes)
+        for (int nWidth : {1, 2, 5, 16, 33}) {
+            ClTestImage in = RandomImage(ClImage::eUInt8, nWidth, 7, nPlanes, 3);
+            in.SetAttribute(4);
+            const ClTestImage before(in);
+            ClIpProbe ip;
+            ClImage out;
+            EXPECT_EQ(ip.ApplyParam(in, out), 0);
+            ExpectSameImage(out, Mapped(before));
+            ExpectSameImage(in, before);
+        }
+}
+
+TEST(IpLookUpTableBase, WorksInPlace) {
+    ClTestImage image = RandomImage(ClImage::eUInt8, 11, 5, 3, 4);
+    const ClTestImage before(image);
+    ClIpProbe ip;
+    EXPECT_EQ(ip.ApplyParam(image), 0);
+    ExpectSameImage(image, Mapped(before));
+    EXPECT_EQ(ip.m_pOutImage, &image);
+}
+
+TEST(IpLookUpTableBase, WorksInPlaceWithoutAnOutputAndRemembersNone) {
+    ClTestImage image = RandomImage(ClImage::eUInt8, 11, 5, 1, 5);
+    const ClTestImage before(image);
+    ClIpProbe ip;
+    ip.m_pInImage = &image;
+    EXPECT_EQ(ip.Apply(), 0);
+    ExpectSameImage(image, Mapped(before));
+    EXPECT_EQ(ip.m_pOutImage, nullptr);
+}
+
+TEST(IpLookUpTableBase, LeavesTheInputAloneWhereTheOutputSharesItsPixels) {
+    ClTestImage in = RandomImage(ClImage::eUInt8, 6, 6, 1, 6);
+    const ClTestImage before(in);
+    ClImage out;
+    out.Attach(in);
+    ClIpProbe ip;
+    EXPECT_EQ(ip.ApplyParam(in, out), 0);
+    ExpectSameImage(in, before);
+    ExpectSameImage(out, Mapped(before));
+}
+
+TEST(IpLookUpTableBase, UsesTheTableAsItIsWhereNothingCalculatesIt) {
+    ClIpPlain ip;
+    for (int i = 0; i < 256; ++i)
+        ip.m_aLuT[i] = static_cast<unsigned char>(255 - i);
+    ClTestImage in = Img({{0, 1, 254, 255}});
+    ClImage out;
+    EXPECT_EQ(ip.ApplyParam(in, out), 0);
+    EXPECT_EQ(Pixels(out), Rows({{255, 254, 1, 0}}));
+    EXPECT_TRUE(ip.m_bLuTValid);
+}
+
+TEST(IpLookUpTableBase, DefaultsChangeNothing) {
+    ClTestImage in = Img({{1}});
+    ClIpProbe ip;
+    ip.ApplyParam(in);
+    ip.SetParametersToDefault();
+    EXPECT_EQ(ip.m_pInImage, &in);
+    EXPECT_EQ(ip.m_aLuT[1], 10);
+}
+
+TEST(IpLookUpTableBase, ReportsAMissingInput) {
+    ClIpProbe ip;
+    EXPECT_EQ(ip.Apply(), -37);
+    EXPECT_EQ(ip.Process(), -37);
+    ClImage out;
+    ip.m_pOutImage = &out;
+    EXPECT_EQ(ip.Apply(), -37);
+    ClImage empty;
+    EXPECT_EQ(ip.ApplyParam(empty, out), -37);
+    TestSupport::ExpectEmptyImage(out);
+}
+
+TEST(IpLookUpTableBase, RefusesOtherPixelTypesBeforeTheOutputChanges) {
+    for (unsigned char nType : TestSupport::caPixelTypes) {
+        if (nType == ClImage::eUInt8)
+            continue;
+        ClTestImage in = BlankImage(nType, 3, 3);
+        const ClTestImage before(in);
+        ClTestImage out = Img({{1, 2, 3}});
+        ClIpProbe ip;
+        EXPECT_THROWS(ip.ApplyParam(in, out), ClException, -101,
+                      "Image Type is not the assigned type");
+        EXPECT_EQ(Pixels(out), Rows({{1, 2, 3}}));
+        EXPECT_THROWS(ip.ApplyParam(in), ClException, -101, "Image Type is not the assigned type");
+        ExpectSameImage(in, before);
+    }
+}
+
+TEST(IpLookUpTableBase, KeepsTheInputWhenMemoryIsMissing) {
+    ClTestImage in = RandomImage(ClImage::eUInt8, 6, 6, 3, 6);
+    const ClTestImage before(in);
+    TestSupport::FailEachAllocation([&] {
+        ClIpProbe ip;
+        ClImage out;
+        ip.ApplyParam(in, out);
+    });
+    ExpectSameImage(in, before);
+}
+
+} // namespace

@@ -1,0 +1,90 @@
+#include "ImageProcessing/Kernels/LocalStretch.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+
+/// One sample, from the definition: the quotient truncated, the product rounded down.
+int Stretched(int nFrom, int nSpan, int n) {
+    const double dFactor = std::trunc(16711680.0 / nSpan);
+    return static_cast<int>(std::clamp(std::floor(dFactor * (n - nFrom) / 65536.0), 0.0, 255.0));
+}
+
+int Defined(int n, int nMin, int nMax, long nMinContrast, int nLow, int nHigh) {
+    const int d = nMax - nMin;
+    return d > nMinContrast && d + 1 != 0 ? Stretched(nMin, d + 1, n)
+                                          : Stretched(nLow, nHigh - nLow + 1, n);
+}
+
+/// Values of a byte from 0 on, and 255. Steps of 3 and of 5 meet in every difference.
+std::vector<int> Values(int nStep) {
+    std::vector<int> aValues;
+    for (int i = 0; i < 255; i += nStep)
+        aValues.push_back(i);
+    aValues.push_back(255);
+    return aValues;
+}
+
+void ExpectDefinition(long nMinContrast, int nLow, int nHigh) {
+    SCOPED_TRACE(testing::Message() << nMinContrast << ' ' << nLow << ' ' << nHigh);
+    Bytes aIn;
+    Bytes aMin;
+    Bytes aMax;
+    Bytes aExpected;
+    for (int nMin : Values(3))
+        for (int nMax : Values(5))
+            for (int n : {0, 1, 60, 128, 254, 255}) {
+                aIn.push_back(static_cast<unsigned char>(n));
+                aMin.push_back(static_cast<unsigned char>(nMin));
+                aMax.push_back(static_cast<unsigned char>(nMax));
+                aExpected.push_back(
+                    static_cast<unsigned char>(Defined(n, nMin, nMax, nMinContrast, nLow, nHigh)));
+            }
+    const Kernels::ClLocalStretch Stretch(nMinContrast, static_cast<unsigned char>(nLow),
+                                          static_cast<unsigned char>(nHigh));
+    Bytes aOut(aIn.size() + 1, 77);
+    Stretch.StretchLine(aIn.data(), aMin.data(), aMax.data(), static_cast<long>(aIn.size()),
+                        aOut.data());
+    EXPECT_EQ(aOut.back(), 77);
+    aOut.pop_back();
+    EXPECT_EQ(aOut, aExpected);
+    Stretch.StretchLine(aIn.data(), aMin.data(), aMax.data(), static_cast<long>(aIn.size()),
+                        aIn.data());
+    EXPECT_EQ(aIn, aExpected) << "in place";
+}
+
+TEST(LocalStretchKernel, EqualsItsDefinitionForEveryContrast) {
+    for (long n : {5L, 0L, 1L, 100L, 254L, 255L, 1000L, std::numeric_limits<long>::max()})
+        ExpectDefinition(n, 30, 200);
+}
+
+TEST(LocalStretchKernel, EqualsItsDefinitionForNegativeContrasts) {
+    for (long n : {-1L, -2L, -3L, -100L, -255L, -256L, std::numeric_limits<long>::min()})
+        ExpectDefinition(n, 30, 200);
+}
+
+TEST(LocalStretchKernel, EqualsItsDefinitionForEveryGlobalRange) {
+    for (int nLow : {0, 1, 128, 255})
+        for (int nHigh : {nLow, 255})
+            ExpectDefinition(5, nLow, nHigh);
+}
+
+TEST(LocalStretchKernel, CanBeComputedByHand) {
+    const Bytes aIn = {60, 50, 71, 40, 110};
+    const Bytes aMin(5, 50);
+    const Bytes aMax(5, 70);
+    Bytes aOut(5);
+    Kernels::ClLocalStretch(5, 0, 255).StretchLine(aIn.data(), aMin.data(), aMax.data(), 5,
+                                                   aOut.data());
+    // 16711680 / 21 = 795794; 10 of it are 7957940, and 65536 goes 121 times into that
+    EXPECT_EQ(aOut, Bytes({121, 0, 254, 0, 255}));
+}
+
+} // namespace

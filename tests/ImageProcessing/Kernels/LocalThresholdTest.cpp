@@ -1,0 +1,111 @@
+#include "ImageProcessing/Kernels/LocalThreshold.h"
+
+#include "support/AllocationFailures.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<unsigned char>;
+using Lines = std::vector<Bytes>;
+
+Lines RandomLines(std::size_t nLines, std::size_t nWidth, unsigned nSeed) {
+    std::mt19937 random(nSeed);
+    Lines aLines(nLines, Bytes(nWidth));
+    for (Bytes& aLine : aLines)
+        for (unsigned char& n : aLine)
+            n = static_cast<unsigned char>(random());
+    return aLines;
+}
+
+/// The comparison of one pixel, from its definition.
+unsigned char Defined(const Lines& aLines, long nWidth, long nSize, long nOffset, long x,
+                      int nPixel) {
+    const long nFirst = std::max(0L, x - nSize / 2);
+    const long nLast = std::min(nWidth - 1, x + nSize / 2);
+    long nSum = 0;
+    for (const Bytes& aLine : aLines)
+        for (long i = nFirst; i <= nLast; ++i)
+            nSum += aLine[static_cast<std::size_t>(i)];
+    const bool bWhole = x >= nSize / 2 && x + nSize / 2 < nWidth;
+    const long nColumns = bWhole ? nSize : nLast - nFirst + 1;
+    const long nArea = static_cast<long>(aLines.size()) * nColumns;
+    return (nPixel + nOffset) * nArea > nSum ? 200 : 100;
+}
+
+TEST(LocalThresholdKernel, EqualsItsDefinitionForEveryWidthAndWindow) {
+    for (long nWidth : {1L, 2L, 3L, 8L, 13L, 32L})
+        for (long nSize = 1; nSize <= nWidth; ++nSize)
+            for (long nOffset : {0L, 3L, -40L}) {
+                const auto nSigned = static_cast<std::size_t>(nWidth);
+                const Lines aLines = RandomLines(3, nSigned, static_cast<unsigned>(nSize));
+                Kernels::ClLocalThreshold Threshold(nWidth, nSize, nOffset, 100, 200);
+                for (const Bytes& aLine : aLines)
+                    Threshold.AddLine(aLine.data());
+                Bytes aOut(nSigned + 1, 77);
+                Threshold.ThresholdLine(aLines[1].data(), aOut.data());
+                EXPECT_EQ(aOut.back(), 77);
+                for (long x = 0; x < nWidth; ++x) {
+                    const auto i = static_cast<std::size_t>(x);
+                    EXPECT_EQ(aOut[i], Defined(aLines, nWidth, nSize, nOffset, x, aLines[1][i]))
+                        << nWidth << ' ' << nSize << ' ' << nOffset << ' ' << x;
+                }
+            }
+}
+
+TEST(LocalThresholdKernel, ForgetsRemovedLines) {
+    const Lines aLines = RandomLines(5, 19, 9);
+    const Lines aKept = {aLines[2], aLines[4]};
+    Kernels::ClLocalThreshold Threshold(19, 5, 1, 100, 200);
+    for (const Bytes& aLine : aLines)
+        Threshold.AddLine(aLine.data());
+    for (std::size_t i : {0u, 3u, 1u})
+        Threshold.RemoveLine(aLines[i].data());
+    Bytes aOut(19);
+    Threshold.ThresholdLine(aLines[4].data(), aOut.data());
+    for (long x = 0; x < 19; ++x)
+        EXPECT_EQ(aOut[static_cast<std::size_t>(x)],
+                  Defined(aKept, 19, 5, 1, x, aLines[4][static_cast<std::size_t>(x)]));
+}
+
+TEST(LocalThresholdKernel, DecidesForOffsetsBeyondAllPixels) {
+    const Lines aLines = {Bytes(9, 0), Bytes(9, 255)};
+    constexpr long nMax = std::numeric_limits<long>::max();
+    for (long nOffset : {256L, 257L, 1L << 40, nMax})
+        for (const Bytes& aLine : aLines) {
+            Kernels::ClLocalThreshold Up(9, 3, nOffset, 100, 200);
+            Kernels::ClLocalThreshold Down(9, 3, -nOffset, 100, 200);
+            Up.AddLine(aLines[1].data());
+            Down.AddLine(aLines[0].data());
+            Bytes aOut(9);
+            Up.ThresholdLine(aLine.data(), aOut.data());
+            EXPECT_EQ(aOut, Bytes(9, 200)) << nOffset;
+            Down.ThresholdLine(aLine.data(), aOut.data());
+            EXPECT_EQ(aOut, Bytes(9, 100)) << nOffset;
+        }
+}
+
+TEST(LocalThresholdKernel, SeesADifferenceOfOneGreyValueInAHugeSum) {
+    Kernels::ClLocalThreshold Threshold(3, 3, 0, 100, 200);
+    const Bytes aLine = {255, 255, 255};
+    const Bytes aDarker = {255, 254, 255};
+    Threshold.AddLine(aDarker.data());
+    for (int i = 1; i < 3000000; ++i) // sums of columns beyond 2^29, of the window beyond 2^31
+        Threshold.AddLine(aLine.data());
+    Bytes aOut(3);
+    Threshold.ThresholdLine(aLine.data(), aOut.data());
+    EXPECT_EQ(aOut, Bytes({200, 200, 200}));
+    Threshold.RemoveLine(aDarker.data());
+    Threshold.ThresholdLine(aLine.data(), aOut.data());
+    EXPECT_EQ(aOut, Bytes({100, 100, 100}));
+}
+
+TEST(LocalThresholdKernel, ReportsMissingMemory) {
+    TestSupport::FailEachAllocation([] { Kernels::ClLocalThreshold(100, 3, 0, 0, 255); });
+}
+
+} // namespace
