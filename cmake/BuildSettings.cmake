@@ -17,6 +17,7 @@ endif()
 add_library(tessarin_settings INTERFACE)
 target_compile_options(tessarin_settings INTERFACE
     -ffp-contract=off
+    -fno-tree-slp-vectorize # GCC 12 drops the rounding of two neighbouring doubles to float with it
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" # the last one that matches is applied
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/="
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
