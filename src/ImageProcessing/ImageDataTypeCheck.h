@@ -7,10 +7,17 @@
 #include "Tools/FpImage.h"
 #include "Tools/ProcessorBase.h"
 
+#include <iterator>
+
 namespace NewIpBase {
 
 class ClImageDataTypeCheck {
 public:
+    /// For operators that take every pixel type.
+    static constexpr ClImage::EDataType m_caAllTypes[] = {
+        ClImage::eUInt8,  ClImage::eInt8,  ClImage::eUInt16,  ClImage::eInt16,
+        ClImage::eUInt32, ClImage::eInt32, ClImage::eFloat32, ClImage::eDouble64};
+
     virtual ~ClImageDataTypeCheck();
 
     /// Throws where an image is missing or its type is not admitted, usually by
@@ -20,6 +27,7 @@ public:
     /// Admits a type, once. Throws `ClExBadAlloc` (-102).
     void EnableDataType(ClImage::EDataType eType);
     void EnableDataType(const ClImage::EDataType* pTypes, unsigned long nCount);
+    void EnableAllTypes() { EnableDataType(m_caAllTypes, std::size(m_caAllTypes)); }
 
     /// An empty list admits nothing.
     bool CheckIfTypeAllowed(ClImage::EDataType eType) const;

@@ -1,6 +1,5 @@
 #include "ImageProcessing/IpBinarizeGlobal.h"
 
-#include "ImageProcessing/AllPixelTypes.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/SampleWalk.h"
 #include "ImageProcessing/SettingsText.h"
@@ -34,7 +33,7 @@ auto ThresholdOf(double dThreshold) {
 } // namespace
 
 ClIpBinarizeGlobal::ClIpBinarizeGlobal() {
-    EnableDataType(caAllPixelTypes, cnAllPixelTypes);
+    EnableAllTypes();
     ClIpBinarizeGlobal::SetParametersToDefault();
 }
 

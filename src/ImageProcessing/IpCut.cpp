@@ -1,6 +1,5 @@
 #include "ImageProcessing/IpCut.h"
 
-#include "ImageProcessing/AllPixelTypes.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "Tools/Allocate.h"
 
@@ -26,7 +25,7 @@ long Inside(int nSize, long nBorder) {
 } // namespace
 
 ClIpCut::ClIpCut() {
-    EnableDataType(caAllPixelTypes, cnAllPixelTypes);
+    EnableAllTypes();
     ClIpCut::SetParametersToDefault();
 }
 

@@ -1,6 +1,5 @@
 #include "ImageProcessing/IpImageExtension.h"
 
-#include "ImageProcessing/AllPixelTypes.h"
 #include "ImageProcessing/Histogram.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpJoinPlanes.h"
@@ -48,7 +47,7 @@ void CheckOffset(int nOffset, int nExtension, const char* szText, long nLine) {
 } // namespace
 
 ClIpImageExtension::ClIpImageExtension() {
-    EnableDataType(caAllPixelTypes, cnAllPixelTypes);
+    EnableAllTypes();
     ClIpImageExtension::SetParametersToDefault();
 }
 

@@ -1,0 +1,99 @@
+#include "ImageProcessing/Kernels/Arithmetic.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+namespace {
+
+using Line = std::vector<unsigned char>;
+using KernelFunction = void (*)(const unsigned char*, const unsigned char*, long, unsigned char*);
+using Definition = int (*)(int, int);
+
+struct StKernel {
+    const char* m_szName;
+    KernelFunction m_pKernel;
+    Definition m_pDefinition;
+};
+
+constexpr StKernel caKernels[] = {
+    {"AddCutLine", Kernels::AddCutLine, [](int a, int b) { return std::min(255, a + b); }},
+    {"AddHalfLine", Kernels::AddHalfLine, [](int a, int b) { return (a + b) / 2; }},
+    {"SubtractLine", Kernels::SubtractLine, [](int a, int b) { return std::max(0, a - b); }},
+    {"MaxLine", Kernels::MaxLine, [](int a, int b) { return std::max(a, b); }}};
+
+Line Defined(const StKernel& Kernel, const Line& a, const Line& b) {
+    Line out(a.size());
+    for (std::size_t i = 0; i < a.size(); ++i)
+        out[i] = static_cast<unsigned char>(Kernel.m_pDefinition(a[i], b[i]));
+    return out;
+}
+
+Line RandomLine(long nSamples, unsigned nSeed) {
+    std::mt19937 random(nSeed);
+    Line line(static_cast<std::size_t>(nSamples));
+    std::generate(line.begin(), line.end(), [&] { return static_cast<unsigned char>(random()); });
+    return line;
+}
+
+TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamples) {
+    Line a;
+    Line b;
+    for (int i = 0; i < 65536; ++i) {
+        a.push_back(static_cast<unsigned char>(i >> 8));
+        b.push_back(static_cast<unsigned char>(i));
+    }
+    for (const StKernel& Kernel : caKernels) {
+        Line out(a.size());
+        Kernel.m_pKernel(a.data(), b.data(), 65536, out.data());
+        EXPECT_EQ(out, Defined(Kernel, a, b)) << Kernel.m_szName;
+    }
+}
+
+TEST(Arithmetic, EqualsItsDefinitionOnLinesOfEveryLength) {
+    for (const StKernel& Kernel : caKernels)
+        for (long nSamples = 0; nSamples < 70; ++nSamples) {
+            const Line a = RandomLine(nSamples, 1);
+            const Line b = RandomLine(nSamples, 2);
+            Line out(a.size() + 1, 77);
+            Kernel.m_pKernel(a.data(), b.data(), nSamples, out.data());
+            EXPECT_EQ(out.back(), 77) << Kernel.m_szName;
+            out.pop_back();
+            EXPECT_EQ(out, Defined(Kernel, a, b)) << Kernel.m_szName << " of " << nSamples;
+        }
+}
+
+TEST(Arithmetic, ReadsAndWritesAtEveryAlignment) {
+    const Line a = RandomLine(50, 1);
+    const Line b = RandomLine(50, 2);
+    const auto part = [](const Line& From, long n) {
+        return Line(From.begin() + n, From.begin() + n + 40);
+    };
+    for (const StKernel& Kernel : caKernels)
+        for (long nA = 0; nA < 4; ++nA)
+            for (long nB = 0; nB < 4; ++nB) {
+                Line out(50, 77);
+                Kernel.m_pKernel(a.data() + nA, b.data() + nB, 40, out.data() + 1);
+                EXPECT_EQ(part(out, 1), Defined(Kernel, part(a, nA), part(b, nB)))
+                    << Kernel.m_szName;
+                EXPECT_EQ(out[0], 77);
+                EXPECT_EQ(out[41], 77);
+            }
+}
+
+TEST(Arithmetic, WritesOverEitherOfItsLines) {
+    for (const StKernel& Kernel : caKernels) {
+        const Line a = RandomLine(50, 1);
+        const Line b = RandomLine(50, 2);
+        Line first = a;
+        Kernel.m_pKernel(first.data(), b.data(), 50, first.data());
+        EXPECT_EQ(first, Defined(Kernel, a, b)) << Kernel.m_szName;
+        Line second = b;
+        Kernel.m_pKernel(a.data(), second.data(), 50, second.data());
+        EXPECT_EQ(second, Defined(Kernel, a, b)) << Kernel.m_szName;
+    }
+}
+
+} // namespace
