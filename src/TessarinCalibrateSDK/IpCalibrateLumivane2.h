@@ -7,6 +7,7 @@
 
 #include "Calibrate/CalibrateGeometricData.h"
 #include "Calibrate/IpCalibrateGeometricBicubic.h"
+#include "ImageProcessing/IpRescale.h"
 #include "Tools/ProcessorBase.h"
 
 class ClImage;
@@ -82,6 +83,7 @@ public:
     ClCalibrateGeometricData m_TargetData;      ///< reference target, or empty
     ClCalibrateGeometricData m_CalibrationData; ///< the calibration of this scanner
     ClIpCalibrateGeometricBicubic m_GeometricBicubic;
+    ClIpRescale m_Rescale; ///< set to the target's resolution for those who derive; not applied
 
 private:
     void CheckGrey(const ClImage& image) const;

@@ -83,6 +83,14 @@ TEST(CalibrationBlocks, ReadPreparesTheTable) {
     EXPECT_EQ(Tested.m_GeometricBicubic.m_pOutImage, nullptr);
 }
 
+TEST(CalibrationBlocks, ReadSetsTheRescalerToTheTargetsResolution) {
+    Engine Tested;
+    Read(Tested, RecordBlock(PlausibleRecord()));
+    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsX, 19685);
+    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsY, 19685);
+    EXPECT_EQ(Tested.m_Rescale.m_eMode, ClIpRescale::ModeBiCubic);
+}
+
 TEST(CalibrationBlocks, ReadLeavesTheTableToAPrecalculatedBlock) {
     Engine Tested;
     Tested.m_bPrecalculatedData = true;
