@@ -52,8 +52,8 @@ void Require(benchmark::State& state, long nStatus) {
 void SetDataPreparesTheTable(benchmark::State& state) {
     void* handle = CalibrateCreate();
     for (auto _ : state)
-        Require(state, CalibrateSetData(handle, Scanner().m_Record.data(),
-                                        Scanner().m_Record.size()));
+        Require(state,
+                CalibrateSetData(handle, Scanner().m_Record.data(), Scanner().m_Record.size()));
     CalibrateDelete(&handle);
 }
 BENCHMARK(SetDataPreparesTheTable)->Unit(benchmark::kMillisecond);
@@ -63,8 +63,8 @@ void SetDataAndPrecalculatedData(benchmark::State& state) {
     void* handle = CalibrateCreate();
     Require(state, CalibrateSetOption(handle, "PrecalculatedData=true"));
     for (auto _ : state) {
-        Require(state, CalibrateSetData(handle, Scanner().m_Record.data(),
-                                        Scanner().m_Record.size()));
+        Require(state,
+                CalibrateSetData(handle, Scanner().m_Record.data(), Scanner().m_Record.size()));
         Require(state, CalibrateSetPrecalculatedData(handle, Scanner().m_Precalculated.data(),
                                                      Scanner().m_Precalculated.size()));
     }

@@ -66,9 +66,8 @@ void MakeSheet(const char* szOut, const std::vector<StTile>& aTiles) {
         nWidth += Tile.m_nWidth + cnGap;
         nHeight = std::max(nHeight, Tile.m_nHeight + 2 * cnGap);
     }
-    std::vector<unsigned char> aSheet(static_cast<std::size_t>(nWidth) *
-                                          static_cast<std::size_t>(nHeight),
-                                      cnPaper);
+    std::vector<unsigned char> aSheet(
+        static_cast<std::size_t>(nWidth) * static_cast<std::size_t>(nHeight), cnPaper);
     int nLeft = cnGap;
     for (const StTile& Tile : aTiles) {
         for (int y = 0; y < Tile.m_nHeight; ++y)

@@ -63,7 +63,7 @@ std::vector<unsigned char> RandomTable(std::size_t nEntries) {
         const auto nOffset = static_cast<std::int32_t>((i / 320) * 2 * 392 + i % 320);
         std::memcpy(&aTable[i * cnEntrySize], &nOffset, sizeof nOffset);
         for (int w = 0; w < 16; ++w) {
-            const auto nWeight = static_cast<std::int16_t>(Random() % 256) ;
+            const auto nWeight = static_cast<std::int16_t>(Random() % 256);
             std::memcpy(&aTable[i * cnEntrySize + 4 + 2 * static_cast<std::size_t>(w)], &nWeight,
                         sizeof nWeight);
         }

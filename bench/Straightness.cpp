@@ -68,8 +68,8 @@ std::vector<ClVector> SeeLine(const sim::ClScanner& Scanner, bool bVertical, dou
     std::vector<ClVector> aPoints;
     const int nLength = bVertical ? cnHeight : cnWidth;
     for (int i = cnMargin; i < nLength - cnMargin; ++i) {
-        const sim::ClPoint Raw = Scanner.RawFromFrame(
-            bVertical ? sim::ClPoint{dAt, double(i)} : sim::ClPoint{double(i), dAt});
+        const sim::ClPoint Raw = Scanner.RawFromFrame(bVertical ? sim::ClPoint{dAt, double(i)}
+                                                                : sim::ClPoint{double(i), dAt});
         aPoints.emplace_back(Raw.x * sim::g_dFrameDpi / sim::g_dRawDpiX,
                              Raw.y * sim::g_dFrameDpi / sim::g_dRawDpiY);
     }
@@ -89,7 +89,8 @@ ClStraightness MeasureStraightness(const sim::ClScanner& Scanner, const sim::ClC
     for (const sim::ClLine& rLine : Capture.m_aLines) {
         const bool bVertical =
             std::fabs(rLine.m_To.y - rLine.m_From.y) > std::fabs(rLine.m_To.x - rLine.m_From.x);
-        (bVertical ? aVertical : aHorizontal).push_back(bVertical ? rLine.m_From.x : rLine.m_From.y);
+        (bVertical ? aVertical : aHorizontal)
+            .push_back(bVertical ? rLine.m_From.x : rLine.m_From.y);
     }
     ClStraightness Result;
     for (const bool bVertical : {true, false})

@@ -43,8 +43,7 @@ public:
     Bytes correct(Bytes& capture) {
         Bytes corrected(capture.size());
         unsigned long size = corrected.size();
-        long status =
-            Calibrate(m_handle, capture.data(), capture.size(), corrected.data(), &size);
+        long status = Calibrate(m_handle, capture.data(), capture.size(), corrected.data(), &size);
         if (status == QMT_ERROR_TEMPLATE_SIZE && size > corrected.size()) {
             corrected.resize(size); // the size needed has been told
             status = Calibrate(m_handle, capture.data(), capture.size(), corrected.data(), &size);

@@ -12,8 +12,7 @@ std::string WithChecksum(const std::uint8_t* pData, std::size_t nSize) {
     std::string Block(reinterpret_cast<const char*>(pData), nSize);
     if (nSize < 16)
         return Block;
-    const std::uint32_t nChecksum =
-        ClCRC32().Get_CRC(const_cast<std::uint8_t*>(pData), nSize - 4);
+    const std::uint32_t nChecksum = ClCRC32().Get_CRC(const_cast<std::uint8_t*>(pData), nSize - 4);
     for (std::size_t i = 0; i < 4; ++i)
         Block[nSize - 4 + i] = static_cast<char>(nChecksum >> (24 - 8 * i));
     return Block;

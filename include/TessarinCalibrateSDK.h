@@ -258,9 +258,8 @@ TESSARIN_CALIBRATE_API long GetCalibrationWarningLevels(void* handle, double* di
  *         QMT_ERROR_OUT_OF_MEMORY            at any point
  *         QMT_SUCCESS
  */
-TESSARIN_CALIBRATE_API long Calibrate(void* handle, unsigned char* bitmap,
-                                      unsigned long bitmapSize, unsigned char* outBitmap,
-                                      unsigned long* outBitmapSize);
+TESSARIN_CALIBRATE_API long Calibrate(void* handle, unsigned char* bitmap, unsigned long bitmapSize,
+                                      unsigned char* outBitmap, unsigned long* outBitmapSize);
 
 /**
  * Measures on a raw capture of the empty platen how contaminated the sensor is. Needs no
@@ -313,8 +312,7 @@ TESSARIN_CALIBRATE_API long CalibrateCheckEfts(void* handle, unsigned char* bitm
  *         QMT_SUCCESS
  * After every failure but the first three the handle holds no calibration data.
  */
-TESSARIN_CALIBRATE_API long CalibrateSetData(void* handle, unsigned char* data,
-                                             unsigned long size);
+TESSARIN_CALIBRATE_API long CalibrateSetData(void* handle, unsigned char* data, unsigned long size);
 
 /**
  * Gives the calibration block of the handle, a little more than 1 KiB, for the application to
