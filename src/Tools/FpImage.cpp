@@ -177,7 +177,7 @@ void ClImage::NewWithType(unsigned char nType, int nWidth, int nHeight, int nPla
         ThrowAreaNotPositive();
     const std::int64_t nStride = StrideBytes(nType, nWidth, nPlanes);
     const std::int64_t nSize = nStride * nHeight;
-    if (m_pData.use_count() == 1 && static_cast<std::int64_t>(m_nBufferSize) == nSize)
+    if (m_pData.use_count() <= 1 && static_cast<std::int64_t>(m_nBufferSize) == nSize)
         return;
     if (nHeight < 1 || nStride < 1)
         ThrowAreaNotPositive();
