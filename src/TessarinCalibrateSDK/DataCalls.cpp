@@ -35,6 +35,26 @@ long AnswerBlock(const ClMemStream& Stream, const char* szFormat, unsigned char*
     return QMT_SUCCESS;
 }
 
+/// The common course of the calls that take a data block. Whatever fails behind the argument
+/// tests drops the calibration data.
+template <class ReadBlock>
+long SetBlock(const CallFrame::StTexts& Texts, void* handle, const unsigned char* data,
+              unsigned long size, ReadBlock readBlock) {
+    ClIpCalibrateLumivane2* pProcessor = nullptr;
+    if (const long nCode = CheckHandle(handle, &pProcessor))
+        return CallFrame::Leave(Texts, nCode);
+    if (data == nullptr)
+        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTR);
+    return CallFrame::Run(
+        Texts,
+        [&] {
+            ClMemStream Stream(data, size);
+            readBlock(*pProcessor, Stream);
+            return QMT_SUCCESS;
+        },
+        [&] { pProcessor->Clear(); });
+}
+
 /// The common course of the two calls that give a block.
 template <class WriteBlock>
 long GetBlock(const CallFrame::StTexts& Texts, const char* szSizesFormat, void* handle,
@@ -62,20 +82,11 @@ long CalibrateSetReferenceData(void* handle, unsigned char* data, unsigned long 
     static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetRefferenceData");
     VekLFLog(Vek::eLogTrace, "CalibrateSetRefferenceData(0x%p, 0x%p, %d) Enter", handle,
              static_cast<void*>(data), static_cast<int>(size));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (data == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTR);
-    return CallFrame::Run(
-        Texts,
-        [&] {
-            pProcessor->Clear();
-            ClMemStream Stream(static_cast<const unsigned char*>(data), size);
-            pProcessor->ReadTarget(Stream);
-            return QMT_SUCCESS;
-        },
-        [&] { pProcessor->Clear(); });
+    return SetBlock(Texts, handle, data, size,
+                    [](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
+                        rProcessor.Clear();
+                        rProcessor.ReadTarget(rStream);
+                    });
 }
 
 long CalibrateGenerateData(void* handle, unsigned char* bitmap, unsigned long bitmapSize) {
@@ -108,42 +119,24 @@ long CalibrateSetData(void* handle, unsigned char* data, unsigned long size) {
     static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetData");
     VekLFLog(Vek::eLogTrace, "CalibrateSetData(0x%p, 0x%p, %d) Enter", handle,
              static_cast<void*>(data), static_cast<int>(size));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (data == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTR);
-    return CallFrame::Run(
-        Texts,
-        [&] {
-            pProcessor->Clear();
-            ClMemStream Stream(static_cast<const unsigned char*>(data), size);
-            pProcessor->Read(Stream);
+    return SetBlock(
+        Texts, handle, data, size, [&](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
+            rProcessor.Clear();
+            rProcessor.Read(rStream);
             LogVersion("CalibrateSetData() Version of calibration data is %s", data, size);
-            return QMT_SUCCESS;
-        },
-        [&] { pProcessor->Clear(); });
+        });
 }
 
 long CalibrateSetPrecalculatedData(void* handle, unsigned char* data, unsigned long size) {
     static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetPrecalculatedData");
     VekLFLog(Vek::eLogTrace, "CalibrateSetPrecalculatedData(0x%p, 0x%p, %d) Enter", handle,
              static_cast<void*>(data), static_cast<int>(size));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (data == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTR);
-    return CallFrame::Run(
-        Texts,
-        [&] {
-            ClMemStream Stream(static_cast<const unsigned char*>(data), size);
-            pProcessor->ReadPrecalculatedData(Stream);
+    return SetBlock(
+        Texts, handle, data, size, [&](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
+            rProcessor.ReadPrecalculatedData(rStream); // a data block loaded before stays
             LogVersion("CalibrateSetPrecalculatedData() Version of calibration data is %s", data,
                        size);
-            return QMT_SUCCESS;
-        },
-        [&] { pProcessor->Clear(); });
+        });
 }
 
 long CalibrateGetData(void* handle, unsigned char* data, unsigned long* size) {
