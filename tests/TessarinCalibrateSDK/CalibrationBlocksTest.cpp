@@ -86,8 +86,10 @@ TEST(CalibrationBlocks, ReadPreparesTheTable) {
 TEST(CalibrationBlocks, ReadSetsTheRescalerToTheTargetsResolution) {
     Engine Tested;
     Read(Tested, RecordBlock(PlausibleRecord()));
-    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsX, 19685);
-    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsY, 19685);
+    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsX,
+              static_cast<int>(Tested.m_CalibrationData.m_nTargetPelsX));
+    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsY,
+              static_cast<int>(Tested.m_CalibrationData.m_nTargetPelsY));
     EXPECT_EQ(Tested.m_Rescale.m_eMode, ClIpRescale::ModeBiCubic);
 }
 
