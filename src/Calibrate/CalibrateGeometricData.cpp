@@ -131,7 +131,9 @@ int ClCalibrateGeometricData::ReadTags(ClStream& rStream) {
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
     if (bOld && std::strcmp(szVersion, "002") == 0)
         return 0;
-    return std::min(std::atoi(szVersion), static_cast<int>(eLayoutChecksum));
+    // What is no number reads as layout 0, as it always has.
+    const int nLayout = std::atoi(szVersion); // NOLINT(cert-err34-c)
+    return std::min(nLayout, static_cast<int>(eLayoutChecksum));
 }
 
 void ClCalibrateGeometricData::ReadContent(ClStream& rStream, int nLayout) {

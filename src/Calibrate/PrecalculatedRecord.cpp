@@ -94,7 +94,7 @@ void ClIpCalibrateGeometricBase::LoadTags(ClStream& rStream) const {
     CheckTag(rStream, cacSubType);
     char szVersion[5] = {};
     rStream.Read(szVersion, 4);
-    if (std::atoi(szVersion) != 1)
+    if (std::atoi(szVersion) != 1) // NOLINT(cert-err34-c): 0 for what is no number
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
 }
 

@@ -82,7 +82,7 @@ void ClIpCalibrateLumivane2::ReadPrecalculatedData(ClStream& stream) {
     CheckTag(stream, cacSubType);
     char szVersion[5] = {};
     stream.Read(szVersion, 4);
-    if (std::atoi(szVersion) != cnHeaderVersion)
+    if (std::atoi(szVersion) != cnHeaderVersion) // NOLINT(cert-err34-c): 0 for what is no number
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
 
     unsigned char acStored[ClCalibrateGeometricData::cnHashSize] = {};

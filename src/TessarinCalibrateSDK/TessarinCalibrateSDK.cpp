@@ -25,7 +25,7 @@ T* Construct() {
     if (pMemory == nullptr)
         return nullptr;
     T* pObject = ::new (pMemory.get()) T();
-    pMemory.release();
+    static_cast<void>(pMemory.release()); // the object has it now
     return pObject;
 }
 

@@ -18,7 +18,7 @@ namespace Vek {
 /// `new T[nCount]`, default-initialised: numbers are not cleared.
 template <class T>
 T* NewArray(std::size_t nCount) {
-    if (nCount > static_cast<std::size_t>(-1) / 2 / sizeof(T))
+    if (nCount > static_cast<std::size_t>(-1) / 2 / sizeof(T)) // NOLINT(bugprone-sizeof-expression)
         ThrowBadAlloc();
     T* pArray = new (std::nothrow) T[nCount];
     if (pArray == nullptr)
