@@ -72,7 +72,7 @@ public:
         if constexpr (std::is_floating_point_v<Sum>)
             return m_Clip(sum * 0.5);
         else
-            return m_Clip(static_cast<double>(sum / 2));
+            return m_Clip(static_cast<double>(sum / 2)); // NOLINT(bugprone-integer-division)
     }
     LineKernel EightBitKernel() const {
         return m_Clip.IsEightBit() ? Kernels::AddHalfLine : nullptr;
