@@ -279,7 +279,7 @@ TESSARIN_CALIBRATE_API long ContaminationDetection(void* handle, unsigned char* 
 
 /**
  * Measures the geometric accuracy of a corrected image of the dot target: the percentage of dot
- * distances within the limits of the EFTS image quality specification.
+ * distances within the limits that the EFTS sets for image quality.
  *
  * @param bitmap     bitmap block of the corrected image
  * @param bitmapSize bytes of the block
