@@ -10,7 +10,7 @@
 
 namespace {
 
-/// The line that exceptions about an unknown mode name, here and in the rank filters.
+/// The line that exceptions about an unknown mode name.
 constexpr long cnUnknownModeLine = 178;
 
 /// Numbers without a row in the catalogue; applications know it by its "Unknown error code.".
