@@ -17,12 +17,26 @@ constexpr double g_dReachY = 13.4;
 
 enum ESubject : std::uint64_t { eSubjectSpeck = 1, eSubjectHair, eSubjectSmudge };
 
+void CheckSize(double dDiameter) {
+    if (!(dDiameter > 0.0 && dDiameter <= 5.0))
+        throw ClException("sim: a speck has up to 5 mm", -35, false, VEK_HERE);
+}
+
+void CheckPlaced(const ClPlacedSpeck& Speck) {
+    CheckSize(Speck.m_dDiameter);
+    if (!std::isfinite(Speck.m_Centre.x) || !std::isfinite(Speck.m_Centre.y))
+        throw ClException("sim: a speck's place is not finite", -35, false, VEK_HERE);
+    if (!(Speck.m_dDarkness >= 0.0 && Speck.m_dDarkness <= 1.0))
+        throw ClException("sim: a speck's darkness is not from 0 to 1", -35, false, VEK_HERE);
+}
+
 void Check(const ClDirtSettings& Settings) {
     for (const int nCount : {Settings.m_nSpecks, Settings.m_nHairs, Settings.m_nSmudges})
         if (nCount < 0 || nCount > 10000)
             throw ClException("sim: dirt is counted from 0 to 10000", -35, false, VEK_HERE);
-    if (!(Settings.m_dSpeckSize > 0.0 && Settings.m_dSpeckSize <= 5.0))
-        throw ClException("sim: a speck has up to 5 mm", -35, false, VEK_HERE);
+    CheckSize(Settings.m_dSpeckSize);
+    for (const ClPlacedSpeck& Speck : Settings.m_aPlaced)
+        CheckPlaced(Speck);
 }
 
 ClPoint Anywhere(ClRandom& Random) {
@@ -57,12 +71,15 @@ void PaintSpeck(ClPlate& Plate, double dLargest, ClRandom& Random) {
     });
 }
 
-/// One piece of a hair: a disc that is drawn so densely along the curve that a line results.
-void PaintHairPiece(ClPlate& Plate, const ClPoint& Centre, double dHalfWidth, double dDarkness) {
-    ForWindow(Centre, dHalfWidth + 0.03, [&](int nColumn, int nRow, double dx, double dy) {
-        const double dInside = dHalfWidth - std::sqrt(dx * dx + dy * dy);
+void PaintDisc(ClPlate& Plate, const ClPoint& Centre, double dRadius, double dDarkness) {
+    ForWindow(Centre, dRadius + 0.03, [&](int nColumn, int nRow, double dx, double dy) {
+        const double dInside = dRadius - std::sqrt(dx * dx + dy * dy);
         Plate.DarkenTo(nColumn, nRow, 1.0 - dDarkness * SmoothStep(-0.02, 0.02, dInside));
     });
+}
+
+void PaintPlaced(ClPlate& Plate, const ClPlacedSpeck& Speck) {
+    PaintDisc(Plate, Speck.m_Centre, 0.5 * Speck.m_dDiameter, Speck.m_dDarkness);
 }
 
 void PaintHair(ClPlate& Plate, ClRandom& Random) {
@@ -81,7 +98,8 @@ void PaintHair(ClPlate& Plate, ClRandom& Random) {
         const double dDirection = dHeading + dCurl * t * t;
         p.x += dStep * Cosine(dDirection);
         p.y += dStep * Sine(dDirection);
-        PaintHairPiece(Plate, p, dHalfWidth, dDarkness);
+        // Discs so dense along the curve that a line results.
+        PaintDisc(Plate, p, dHalfWidth, dDarkness);
     }
 }
 
@@ -118,6 +136,8 @@ void PaintDirt(ClPlate& Plate, const ClDirtSettings& Settings, std::uint64_t nSe
     ClRandom Hair(nSeed, eSubjectHair);
     for (int n = 0; n < Settings.m_nHairs; ++n)
         PaintHair(Plate, Hair);
+    for (const ClPlacedSpeck& Placed : Settings.m_aPlaced)
+        PaintPlaced(Plate, Placed);
 }
 
 } // namespace sim

@@ -20,14 +20,19 @@ constexpr double g_dFrameWidthMm = g_nFrameWidth * 25.4 / g_dFrameDpi;
 constexpr double g_dFrameHeightMm = g_nFrameHeight * 25.4 / g_dFrameDpi;
 
 void Check(const ClTargetSettings& Settings) {
-    if (!(std::fabs(Settings.m_dRotation) < 45.0) || !(std::fabs(Settings.m_dRowSlant) < 45.0))
-        throw ClException("sim: an angle is not below 45 degrees", -35, false, VEK_HERE);
+    for (const double dAngle : {Settings.m_dRotation, Settings.m_dRowSlant, Settings.m_dColumnLean})
+        if (!(std::fabs(dAngle) < 45.0))
+            throw ClException("sim: an angle is not below 45 degrees", -35, false, VEK_HERE);
     if (!(Settings.m_dContrast >= 0.0 && Settings.m_dContrast <= 1.0))
         throw ClException("sim: contrast is not from 0 to 1", -35, false, VEK_HERE);
     if (!(Settings.m_dDotDiameter > 0.0 && Settings.m_dDotDiameter <= 5.0))
         throw ClException("sim: a dot has up to 5 mm", -35, false, VEK_HERE);
     if (!(Settings.m_dLineSpacing >= 0.1) || !(Settings.m_dLineWidth > 0.0))
         throw ClException("sim: rules are too close or too thin", -35, false, VEK_HERE);
+}
+
+double Tangent(double dDegrees) {
+    return Sine(dDegrees * g_dRadians) / Cosine(dDegrees * g_dRadians);
 }
 
 /// The share of a sample that lies inside an edge at signed distance `dInside` (millimetres,
@@ -110,12 +115,11 @@ std::vector<ClPoint> DotPattern() {
 }
 
 ClPoint PlatenFromPattern(const ClTargetSettings& Settings, const ClPoint& Pattern) {
-    const double dSlant =
-        Sine(Settings.m_dRowSlant * g_dRadians) / Cosine(Settings.m_dRowSlant * g_dRadians);
     const double c = Cosine(Settings.m_dRotation * g_dRadians);
     const double s = Sine(Settings.m_dRotation * g_dRadians);
-    const double y = Pattern.y + dSlant * Pattern.x;
-    return {c * Pattern.x - s * y + Settings.m_dShiftX, s * Pattern.x + c * y + Settings.m_dShiftY};
+    const double x = Pattern.x + Tangent(Settings.m_dColumnLean) * Pattern.y;
+    const double y = Pattern.y + Tangent(Settings.m_dRowSlant) * Pattern.x;
+    return {c * x - s * y + Settings.m_dShiftX, s * x + c * y + Settings.m_dShiftY};
 }
 
 std::vector<ClPoint> PaintDots(ClPlate& Plate, const ClTargetSettings& Settings) {
@@ -131,6 +135,15 @@ std::vector<ClPoint> PaintDots(ClPlate& Plate, const ClTargetSettings& Settings)
     for (const ClPoint& Extra : Settings.m_aExtra)
         PaintDot(Plate, Settings, PlatenFromPattern(Settings, Extra));
     return aDots;
+}
+
+ClPoint BesideDot(const ClTargetSettings& Settings, int nDot, double dDistance, double dHeading) {
+    if (nDot < 0 || nDot >= g_nDots)
+        throw ClException("sim: dots count from 0 to 74", -35, false, VEK_HERE);
+    const ClPoint Dot = DotPattern()[static_cast<std::size_t>(nDot)];
+    const double dAngle = dHeading * g_dRadians;
+    return PlatenFromPattern(
+        Settings, {Dot.x + dDistance * Cosine(dAngle), Dot.y + dDistance * Sine(dAngle)});
 }
 
 std::vector<ClLine> PaintRules(ClPlate& Plate, const ClTargetSettings& Settings) {

@@ -23,11 +23,12 @@ std::vector<ClPoint> DotPattern();
 
 /// How a plate lies on the platen and how it is printed.
 struct ClTargetSettings {
-    double m_dRotation = 0.0;  ///< degrees clockwise about the plate's middle, below 45
-    double m_dShiftX = 0.0;    ///< millimetres to the right; large values cut the plate off
-    double m_dShiftY = 0.0;    ///< millimetres down
-    double m_dRowSlant = 0.0;  ///< degrees by which rows slope down while columns stay upright
-    double m_dContrast = 0.76; ///< share of the light that the print takes, 0 to 1
+    double m_dRotation = 0.0;   ///< degrees clockwise about the plate's middle, below 45
+    double m_dShiftX = 0.0;     ///< millimetres to the right; large values cut the plate off
+    double m_dShiftY = 0.0;     ///< millimetres down
+    double m_dRowSlant = 0.0;   ///< degrees by which rows slope down while columns stay upright
+    double m_dColumnLean = 0.0; ///< degrees by which columns lean right going down, rows level
+    double m_dContrast = 0.76;  ///< share of the light that the print takes, 0 to 1
     double m_dDotDiameter = g_dDotDiameter; ///< millimetres
     std::vector<int> m_aMissing;            ///< pattern indices, 0 to 74, of dots not printed
     std::vector<ClPoint> m_aExtra;          ///< further dots, pattern millimetres
@@ -41,6 +42,11 @@ ClPoint PlatenFromPattern(const ClTargetSettings& Settings, const ClPoint& Patte
 /// Prints the dots. Returns the true centres of the 75 pattern dots on the platen in pattern
 /// order, missing ones included. Throws -35 for settings out of range.
 std::vector<ClPoint> PaintDots(ClPlate& Plate, const ClTargetSettings& Settings);
+
+/// Where on the platen lies what is `dDistance` millimetres away from a pattern dot's centre, in a
+/// direction of the pattern: degrees clockwise from its right. Throws -35 for a dot outside 0 to
+/// 74.
+ClPoint BesideDot(const ClTargetSettings& Settings, int nDot, double dDistance, double dHeading);
 
 /// A straight line on the platen, from end to end.
 struct ClLine {

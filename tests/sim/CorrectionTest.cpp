@@ -7,6 +7,8 @@
 #include "sim/Capture.h"
 #include "sim/Record.h"
 
+#include "support/RuledPlate.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -14,10 +16,11 @@
 #include <cstring>
 
 using sim::ClCapture;
-using sim::ClLine;
 using sim::ClRaster;
 using sim::ClScanner;
 using sim::ClScannerSettings;
+using TestSupport::WorstAnywhere;
+using TestSupport::WorstInside;
 
 namespace {
 
@@ -48,66 +51,6 @@ ClScannerSettings Quiet(std::uint64_t nSeed) {
     Settings.m_Sensor.m_dLineNoise = 0.0;
     Settings.m_Sensor.m_dColumnGain = 0.0;
     return Settings;
-}
-
-/// How far the dark middle near a point of a vertical rule lies from that point, pixels.
-double OffsetAcross(const ClRaster& Image, double x, int y) {
-    double dWeight = 0.0;
-    double dSum = 0.0;
-    for (int i = static_cast<int>(x) - 6; i <= static_cast<int>(x) + 7; ++i) {
-        const double dDark = std::max(0, 225 - Image.At(i, y));
-        dWeight += dDark;
-        dSum += dDark * i;
-    }
-    return dSum / dWeight - x;
-}
-
-double OffsetDown(const ClRaster& Image, int x, double y) {
-    double dWeight = 0.0;
-    double dSum = 0.0;
-    for (int j = static_cast<int>(y) - 6; j <= static_cast<int>(y) + 7; ++j) {
-        const double dDark = std::max(0, 225 - Image.At(x, j));
-        dWeight += dDark;
-        dSum += dDark * j;
-    }
-    return dSum / dWeight - y;
-}
-
-/// The largest offset of the rules inside a rectangle about the middle of the frame, half sizes in
-/// pixels, looked at midway between their crossings.
-double WorstOffset(const ClRaster& Image, const std::vector<ClLine>& aLines, double dHalfWidth,
-                   double dHalfHeight) {
-    constexpr std::size_t nVertical = 9;
-    const auto IsInside = [&](double x, double y) {
-        return std::fabs(x - 160.0) < dHalfWidth && std::fabs(y - 240.0) < dHalfHeight;
-    };
-    double dWorst = 0.0;
-    for (std::size_t v = 0; v < nVertical; ++v) {
-        for (std::size_t h = nVertical; h + 1 < aLines.size(); ++h) {
-            const double x = aLines[v].m_From.x;
-            const double y = 0.5 * (aLines[h].m_From.y + aLines[h + 1].m_From.y);
-            if (IsInside(x, y))
-                dWorst = std::max(dWorst, std::fabs(OffsetAcross(Image, x, static_cast<int>(y))));
-        }
-    }
-    for (std::size_t h = nVertical; h < aLines.size(); ++h) {
-        for (std::size_t v = 0; v + 1 < nVertical; ++v) {
-            const double x = 0.5 * (aLines[v].m_From.x + aLines[v + 1].m_From.x);
-            const double y = aLines[h].m_From.y;
-            if (IsInside(x, y))
-                dWorst = std::max(dWorst, std::fabs(OffsetDown(Image, static_cast<int>(x), y)));
-        }
-    }
-    return dWorst;
-}
-
-/// Inside the dots of the pattern, and in all of the frame but its border.
-double WorstInside(const ClRaster& Image, const std::vector<ClLine>& aLines) {
-    return WorstOffset(Image, aLines, 6.2 * 500.0 / 25.4, 10.2 * 500.0 / 25.4);
-}
-
-double WorstAnywhere(const ClRaster& Image, const std::vector<ClLine>& aLines) {
-    return WorstOffset(Image, aLines, 152.0, 232.0);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -71,6 +72,53 @@ TEST(SimDirt, SmudgesAreLargeAndPale) {
     EXPECT_EQ(DarkArea(aValues, 0.6), 0.0);
 }
 
+// Expectations by hand: a disc of 0.8 mm that takes 0.6 of the light removes pi / 4 * 0.64 * 0.6
+// square millimetres of it, and its centroid is its centre.
+TEST(SimDirt, PlacedSpecksHaveTheirCentreTheirAreaAndTheirDarkness) {
+    ClDirtSettings Settings;
+    Settings.m_aPlaced = {{{3.1, -7.3}, 0.8, 0.6}};
+    const std::vector<double> aValues = Painted(Settings, 1);
+    double dTaken = 0.0, dX = 0.0, dY = 0.0;
+    double dDarkest = 1.0;
+    for (int y = 0; y < ClPlate::ms_nHeight; ++y)
+        for (int x = 0; x < ClPlate::ms_nWidth; ++x) {
+            const double d = aValues[static_cast<std::size_t>(y) * ClPlate::ms_nWidth +
+                                     static_cast<std::size_t>(x)];
+            dTaken += 1.0 - d;
+            dX += (1.0 - d) * ClPlate::Position(x, y).x;
+            dY += (1.0 - d) * ClPlate::Position(x, y).y;
+            dDarkest = std::min(dDarkest, d);
+        }
+
+    EXPECT_NEAR(dTaken * 0.02 * 0.02, M_PI / 4 * 0.64 * 0.6, 0.002);
+    EXPECT_NEAR(dX / dTaken, 3.1, 1e-3);
+    EXPECT_NEAR(dY / dTaken, -7.3, 1e-3);
+    EXPECT_NEAR(dDarkest, 0.4, 1e-6);
+}
+
+TEST(SimDirt, PlacedSpecksLeaveTheOtherDirtWhereItWas) {
+    ClDirtSettings Settings;
+    Settings.m_nSpecks = 20;
+    Settings.m_nHairs = 2;
+    const std::vector<double> aWithout = Painted(Settings, 7);
+    Settings.m_aPlaced = {{{0.0, 0.0}, 1.0, 1.0}};
+    const std::vector<double> aWith = Painted(Settings, 7);
+
+    for (int y = 0; y < ClPlate::ms_nHeight; ++y)
+        for (int x = 0; x < ClPlate::ms_nWidth; ++x) {
+            const sim::ClPoint p = ClPlate::Position(x, y);
+            const double d = std::hypot(p.x, p.y);
+            const auto n =
+                static_cast<std::size_t>(y) * ClPlate::ms_nWidth + static_cast<std::size_t>(x);
+            if (d > 0.53) {
+                ASSERT_EQ(aWith[n], aWithout[n]) << x << " " << y;
+            }
+            if (d < 0.47) {
+                ASSERT_EQ(aWith[n], 0.0) << x << " " << y;
+            }
+        }
+}
+
 TEST(SimDirt, IsTheSameForASeedAndDifferentForAnother) {
     ClDirtSettings Settings;
     Settings.m_nSpecks = 10;
@@ -93,4 +141,22 @@ TEST(SimDirt, RefusesSettingsOutOfRange) {
     EXPECT_NUMBER(sim::PaintDirt(Plate, Negative, 1), -35);
     EXPECT_NUMBER(sim::PaintDirt(Plate, Many, 1), -35);
     EXPECT_NUMBER(sim::PaintDirt(Plate, Size, 1), -35);
+}
+
+TEST(SimDirt, RefusesPlacedSpecksOutOfRange) {
+    ClPlate Plate;
+    const double dNaN = std::nan("");
+    for (const sim::ClPlacedSpeck& Speck :
+         std::vector<sim::ClPlacedSpeck>{{{0.0, 0.0}, 0.0, 0.5},
+                                         {{0.0, 0.0}, 5.1, 0.5},
+                                         {{0.0, 0.0}, dNaN, 0.5},
+                                         {{dNaN, 0.0}, 0.2, 0.5},
+                                         {{0.0, HUGE_VAL}, 0.2, 0.5},
+                                         {{0.0, 0.0}, 0.2, -0.1},
+                                         {{0.0, 0.0}, 0.2, 1.1},
+                                         {{0.0, 0.0}, 0.2, dNaN}}) {
+        ClDirtSettings Settings;
+        Settings.m_aPlaced = {Speck};
+        EXPECT_NUMBER(sim::PaintDirt(Plate, Settings, 1), -35);
+    }
 }

@@ -158,6 +158,54 @@ TEST(SimTarget, LiesOnThePlatenAsTold) {
     EXPECT_NEAR(Slanted.y, 1.0 + 2.0 * std::tan(18.0 * M_PI / 180.0), 1e-12);
 }
 
+TEST(SimTarget, ColumnsLeanWhileRowsStayLevel) {
+    ClTargetSettings Settings;
+    Settings.m_dColumnLean = 18.0;
+    const ClPoint Right = sim::PlatenFromPattern(Settings, {2.0, 0.0});
+    const ClPoint Below = sim::PlatenFromPattern(Settings, {2.0, 3.0});
+
+    EXPECT_NEAR(Right.x, 2.0, 1e-12);
+    EXPECT_NEAR(Right.y, 0.0, 1e-12);
+    EXPECT_NEAR(Below.x, 2.0 + 3.0 * std::tan(18.0 * M_PI / 180.0), 1e-12);
+    EXPECT_NEAR(Below.y, 3.0, 1e-12);
+}
+
+// Slant and lean at once, seen by an ideal scanner of 492.706 x 1009.287 dots per inch whose
+// platen's middle is the middle of 390 x 1052 pixels.
+TEST(SimTarget, ShearedDotsAreWhereTheMatrixPutsThem) {
+    const ClScanner Scanner(1, ClScannerSettings());
+    ClTargetSettings Settings;
+    Settings.m_dRowSlant = 6.0;
+    Settings.m_dColumnLean = -3.0;
+    const ClCapture Capture = Target(Scanner, Settings);
+    const std::vector<ClPoint> aPattern = sim::DotPattern();
+
+    for (std::size_t n = 0; n < aPattern.size(); ++n) {
+        const double x = aPattern[n].x + std::tan(-3.0 * M_PI / 180.0) * aPattern[n].y;
+        const double y = aPattern[n].y + std::tan(6.0 * M_PI / 180.0) * aPattern[n].x;
+        const ClBlob Blob(Capture.m_Raw, Capture.m_aDots[n], 230.0);
+        EXPECT_NEAR(Blob.m_Centre.x, 195.0 + x * 492.706 / 25.4, 0.03);
+        EXPECT_NEAR(Blob.m_Centre.y, 526.0 + y * 1009.287 / 25.4, 0.03);
+    }
+}
+
+// On a plate turned by 30 degrees clockwise, right is (cos 30, sin 30) and below (-sin 30, cos 30).
+TEST(SimTarget, BesideADotIsToldInThePatternsDirections) {
+    ClTargetSettings Settings;
+    Settings.m_dRotation = 30.0;
+    Settings.m_dShiftX = 0.5;
+    // Dot 37 is the pattern's middle: column 3, row 5.
+    const ClPoint Right = sim::BesideDot(Settings, 37, 2.0, 0.0);
+    const ClPoint Below = sim::BesideDot(Settings, 37, 2.0, 90.0);
+
+    EXPECT_NEAR(Right.x, 0.5 + std::sqrt(3.0), 1e-12);
+    EXPECT_NEAR(Right.y, 1.0, 1e-12);
+    EXPECT_NEAR(Below.x, 0.5 - 1.0, 1e-12);
+    EXPECT_NEAR(Below.y, std::sqrt(3.0), 1e-12);
+    EXPECT_NUMBER(sim::BesideDot(Settings, -1, 1.0, 0.0), -35);
+    EXPECT_NUMBER(sim::BesideDot(Settings, 75, 1.0, 0.0), -35);
+}
+
 TEST(SimTarget, MayBeCutOffByTheEdgeOfTheCapture) {
     const ClScanner Scanner(1, ClScannerSettings());
     ClTargetSettings Settings;
@@ -222,6 +270,8 @@ TEST(SimTarget, RefusesSettingsOutOfRange) {
     sim::ClPlate Plate;
     ClTargetSettings Angle;
     Angle.m_dRowSlant = 45.0;
+    ClTargetSettings Lean;
+    Lean.m_dColumnLean = -45.0;
     ClTargetSettings Contrast;
     Contrast.m_dContrast = 1.1;
     ClTargetSettings Diameter;
@@ -230,6 +280,7 @@ TEST(SimTarget, RefusesSettingsOutOfRange) {
     Spacing.m_dLineSpacing = 0.05;
 
     EXPECT_NUMBER(sim::PaintDots(Plate, Angle), -35);
+    EXPECT_NUMBER(sim::PaintDots(Plate, Lean), -35);
     EXPECT_NUMBER(sim::PaintDots(Plate, Contrast), -35);
     EXPECT_NUMBER(sim::PaintDots(Plate, Diameter), -35);
     EXPECT_NUMBER(sim::PaintRules(Plate, Spacing), -35);
