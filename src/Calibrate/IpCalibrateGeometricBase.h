@@ -31,6 +31,9 @@ public:
     void Calibrate() override;
 
     bool HasTable() const { return m_pTable != nullptr; }
+    /// Whether a preparation or a loading has begun and not come to its end: numbers without a
+    /// table, which a run would take for prepared ones. Reset() ends that state.
+    bool IsUnfinished() const { return m_nSourceWidth != 0 && !HasTable(); }
 
     /// The precalculated record at the stream's position, numbers in the stream's byte order, the
     /// table in that of the host. A block is foreign data: Load() throws -40 for wrong tags,

@@ -1,13 +1,28 @@
 #pragma once
 
-/// What a calibration record has to satisfy before anything is computed from it: counts, sizes
-/// and finite coordinates. Records come from wherever the application kept them.
+/// What a calibration record has to satisfy before its geometry is looked at: counts, sizes and
+/// finite coordinates. Records come from wherever the application kept them.
 
-class ClCalibrateGeometricData;
+#include "Calibrate/CalibrateGeometricData.h"
+#include "Calibrate/DotPattern.h"
 
-/// Dots of the target pattern; every record has a point for each.
-inline constexpr unsigned long cnPatternPoints = 75;
+namespace RecordLimits {
 
-/// Throws "Target data is corrupt", "Target and Source arrays must have same size!" or "Source
-/// data is corrupt" (-39).
-void CheckRecordLimits(const ClCalibrateGeometricData& rData);
+bool IsFinite(const ClCalibrateGeometricData::PointList& rPoints);
+
+/// The pattern's count of finite target points, and a size that a table may have; else
+/// RefuseTarget().
+void CheckTarget(const ClCalibrateGeometricData& rData);
+/// As many points as target points in every list in use, then finite ones; else the text of
+/// CheckCount() or RefuseSource().
+void CheckSource(const ClCalibrateGeometricData& rData);
+
+/// Throws "Target and Source arrays must have same size!" (-39).
+void CheckCount(const ClCalibrateGeometricData::PointList& rSource,
+                const ClCalibrateGeometricData::PointList& rTarget);
+/// Logs and throws "Target data is corrupt" (-39).
+[[noreturn]] void RefuseTarget();
+/// Logs and throws "Source data is corrupt" (-39).
+[[noreturn]] void RefuseSource();
+
+} // namespace RecordLimits

@@ -1,6 +1,5 @@
 #include "Calibrate/RecordLimits.h"
 
-#include "Calibrate/CalibrateGeometricData.h"
 #include "support/LogCapture.h"
 #include "support/Records.h"
 #include "support/Throws.h"
@@ -20,7 +19,8 @@ constexpr float cfInfinity = std::numeric_limits<float>::infinity();
 void Check(const StRecord& Record) {
     ClCalibrateGeometricData Data;
     Fill(Record, Data);
-    CheckRecordLimits(Data);
+    RecordLimits::CheckTarget(Data);
+    RecordLimits::CheckSource(Data);
 }
 
 void ExpectTargetRefused(const StRecord& Record, const char* szWhat) {

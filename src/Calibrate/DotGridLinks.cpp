@@ -1,0 +1,218 @@
+// Which candidates are neighbours. Dots of the pattern have partners one pitch away in up to eight
+// directions, dirt has them by accident only: blobs are linked that stand about a pitch apart, of
+// rivals for one direction the better stays, and what has fewer than two partners is no dot.
+//
+// Every pair is tested. A capture has some hundred blobs, for which sorting them into cells would
+// cost more than it saves.
+
+#include "Calibrate/DotDirection.h"
+#include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "Tools/Allocate.h"
+#include "Tools/LoggingFacility.h"
+
+#include <algorithm>
+#include <cmath>
+
+using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
+using ClDot = ClBase::ClDot;
+
+namespace {
+
+constexpr unsigned long cnFewestNeighbours = 2;
+
+/// The pitch in the capture, and by how much a step may miss it. Pixels.
+struct StSpacing {
+    explicit StSpacing(const ClBase& rBase)
+        : m_dPitchX(rBase.m_dSourceDpiX / 25.4 * rBase.m_dPitch),
+          m_dPitchY(rBase.m_dSourceDpiY / 25.4 * rBase.m_dPitch),
+          m_dTolX(m_dPitchX * rBase.m_dPitchTolerance),
+          m_dTolY(m_dPitchY * rBase.m_dPitchTolerance) {}
+
+    double m_dPitchX;
+    double m_dPitchY;
+    double m_dTolX;
+    double m_dTolY;
+};
+
+/// How far a step along one axis is from no step, where it is a small one, or from one pitch.
+double StepError(double dStep, double dPitch, double dTolerance) {
+    const double dLength = std::fabs(dStep);
+    return dLength <= dTolerance ? dLength : std::fabs(dLength - dPitch);
+}
+
+/// One pitch away in x, in y or in both; two blobs at one place are no neighbours.
+bool IsNeighbourStep(const ClVector& rStep, const StSpacing& rSpacing) {
+    const bool bFits =
+        StepError(rStep.x, rSpacing.m_dPitchX, rSpacing.m_dTolX) < rSpacing.m_dTolX &&
+        StepError(rStep.y, rSpacing.m_dPitchY, rSpacing.m_dTolY) < rSpacing.m_dTolY;
+    const bool bSamePlace =
+        std::fabs(rStep.x) < rSpacing.m_dTolX && std::fabs(rStep.y) < rSpacing.m_dTolY;
+    return bFits && !bSamePlace;
+}
+
+void MakeDots(ClBase::DotGrid& rGrid, const ClBase::ComponentsArray_t& rComponents) {
+    rGrid.Reserve(rComponents.Entries());
+    for (unsigned long i = 0; i < rComponents.Entries(); ++i) {
+        ClDot* pDot = Vek::NewObject<ClDot>(rComponents[i]);
+        pDot->m_nIndex = static_cast<std::int32_t>(i);
+        rGrid.Append(pDot);
+    }
+}
+
+void Refuse(ClDot& rDot, ClDot::EStatus eStatus) {
+    rDot.m_bValid = false;
+    rDot.m_nStatus = eStatus;
+}
+
+/// Every test is made: the last that fails gives the status.
+void TestShape(ClDot& rDot, const ClBase& rBase) {
+    if (!(rDot.m_dEccentricity >= rBase.m_dMinEccentricity))
+        Refuse(rDot, ClDot::eEccentricityTooSmall);
+    if (rDot.m_dEccentricity > rBase.m_dMaxEccentricity)
+        Refuse(rDot, ClDot::eEccentricityTooBig);
+    if (!(rDot.m_dArea >= rBase.m_dMinArea))
+        Refuse(rDot, ClDot::eAreaTooSmall);
+    if (rDot.m_dArea > rBase.m_dMaxArea)
+        Refuse(rDot, ClDot::eAreaTooBig);
+}
+
+/// A link is found from its earlier end, which links both: the lists come out in grid order.
+void LinkNeighbours(const ClBase::DotGrid& rGrid, const StSpacing& rSpacing) {
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
+        if (!rGrid[i]->m_bValid)
+            continue;
+        for (unsigned long j = i + 1; j < rGrid.Entries(); ++j)
+            if (rGrid[j]->m_bValid &&
+                IsNeighbourStep(rGrid[j]->m_vPos - rGrid[i]->m_vPos, rSpacing))
+                rGrid[i]->AddDot(rGrid[j], true);
+    }
+}
+
+/// Where the neighbour of each sector should stand.
+struct StExpected {
+    explicit StExpected(const StSpacing& rSpacing) {
+        const double x = rSpacing.m_dPitchX;
+        const double y = rSpacing.m_dPitchY;
+        const ClVector avOffsets[DotDirection::cnSectors] = {{x, 0},  {x, y},   {0, y},  {-x, y},
+                                                             {-x, 0}, {-x, -y}, {0, -y}, {x, -y}};
+        std::copy(std::begin(avOffsets), std::end(avOffsets), m_avOffsets);
+    }
+
+    ClVector m_avOffsets[DotDirection::cnSectors];
+};
+
+/// Unlinks all but the best neighbour of each sector; of equally good ones the first stays. A
+/// neighbour exactly between two sectors stays and competes with none.
+void KeepFittingNeighbours(ClDot& rDot, const StExpected& rExpected) {
+    ClDot* apBest[DotDirection::cnSectors] = {};
+    double adBest[DotDirection::cnSectors] = {};
+    ClBase::DotGrid aLosers;
+    for (unsigned long n = 0; n < rDot.m_aNeighbours.Entries(); ++n) {
+        const long k = rDot.GetNeighbourDirection(static_cast<long>(n));
+        if (k >= DotDirection::cnSectors)
+            continue;
+        ClDot* pNeighbour = rDot.m_aNeighbours[n];
+        const ClVector vOffset = pNeighbour->m_vPos - rDot.m_vPos;
+        const double dDistance = (vOffset - rExpected.m_avOffsets[k]).Length();
+        if (apBest[k] != nullptr)
+            aLosers.Append(dDistance >= adBest[k] ? pNeighbour : apBest[k]);
+        if (apBest[k] == nullptr || !(dDistance >= adBest[k])) {
+            apBest[k] = pNeighbour;
+            adBest[k] = dDistance;
+        }
+    }
+    for (unsigned long n = 0; n < aLosers.Entries(); ++n)
+        rDot.Remove(aLosers[n]);
+}
+
+/// How far a direction is from the nearest multiple of 45 degrees, -pi/8 to pi/8.
+double OffSector(double dAngle) {
+    return std::remainder(dAngle, DotDirection::cdSector);
+}
+
+void KeepStraightNeighbours(ClDot& rDot, const ClBase& rBase) {
+    const unsigned long nCount = rDot.m_aNeighbours.Entries();
+    if (nCount == 0)
+        return;
+    const auto pAngles = Vek::NewArrayPtr<double>(nCount);
+    const auto pSorted = Vek::NewArrayPtr<double>(nCount);
+    for (unsigned long n = 0; n < nCount; ++n) {
+        pAngles[n] = DotDirection::AngleOf(rDot.m_aNeighbours[n]->m_vPos - rDot.m_vPos);
+        pSorted[n] = OffSector(pAngles[n]);
+    }
+    const double dRotation = rBase.GetMedian(pSorted.get(), static_cast<long>(nCount));
+    for (unsigned long n = nCount; n-- > 0;)
+        if (std::fabs(OffSector(pAngles[n] - dRotation)) > rBase.m_dAngleTolerance)
+            rDot.m_aNeighbours.Remove(n);
+}
+
+} // namespace
+
+void ClBase::BuildGrid(DotGrid& rGrid, const ComponentsArray_t& rComponents) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildGrid() Enter");
+    ReleaseDots(rGrid);
+    MakeDots(rGrid, rComponents);
+    SortXY(rGrid);
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        TestShape(*rGrid[i], *this);
+    LinkNeighbours(rGrid, StSpacing(*this));
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildGrid() Leaving");
+}
+
+void ClBase::RemoveLessNeighbours(DotGrid& rGrid) {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours() Enter");
+    bool bChanged = true;
+    while (bChanged) {
+        bChanged = false;
+        for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+            if (rGrid[i]->m_bValid && rGrid[i]->m_aNeighbours.Entries() < cnFewestNeighbours) {
+                RemoveGridPoint(rGrid, static_cast<long>(i));
+                rGrid[i]->m_nStatus = ClDot::eTooFewNeighbours;
+                bChanged = true;
+            }
+    }
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours() Leaving");
+}
+
+void ClBase::ReduceToFittingNeighbours(DotGrid& rGrid) {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::ReduceToFittingNeighbours() Enter");
+    const StExpected Expected{StSpacing(*this)};
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        KeepFittingNeighbours(*rGrid[i], Expected);
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::ReduceToFittingNeighbours() Leaving");
+}
+
+void ClBase::RemoveGridPoint(DotGrid& rGrid, long n) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::RemoveGridPoint() Enter");
+    ClDot* pRemoved = rGrid[static_cast<unsigned long>(n)];
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        rGrid[i]->Remove(pRemoved);
+    pRemoved->m_bValid = false;
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::RemoveGridPoint() Leaving");
+}
+
+void ClBase::RemoveWrongAngleNeighbours(DotGrid& rGrid) {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveWrongAngleNeighbours() Enter");
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        KeepStraightNeighbours(*rGrid[i], *this);
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveWrongAngleNeighbours() Leaving");
+}
+
+double ClBase::GetMedian(double* pValues, long nCount) const {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetMedian() Enter");
+    double dMedian = 0.0;
+    if (nCount > 0) {
+        // What is not a number goes last: it has no order that a sort could live with.
+        std::sort(pValues, pValues + nCount,
+                  [](double dA, double dB) { return std::isnan(dB) ? !std::isnan(dA) : dA < dB; });
+        dMedian = pValues[nCount / 2];
+    }
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetMedian() Leaving");
+    return dMedian;
+}

@@ -1,0 +1,121 @@
+// What is left of the candidates is matched against the ideal pattern at the capture's resolution,
+// laid centre on centre. The first match is made with dirt still pulling the centre; its unmatched
+// dots are left out of the second.
+
+#include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "Tools/LoggingFacility.h"
+
+using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
+using ClDot = ClBase::ClDot;
+
+namespace {
+
+/// Beyond these no dot is nearest. Pixels.
+constexpr double cdFarFromIdeal = 10000.0;
+constexpr double cdFarFromOrigin = 50000.0;
+
+/// The valid dot nearest to a place, the first of equals, or null.
+ClDot* NearestDot(const ClBase::DotGrid& rGrid, const ClVector& rPlace, double dBelow) {
+    ClDot* pNearest = nullptr;
+    double dBest = dBelow;
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
+        const double dDistance = (rGrid[i]->m_vPos - rPlace).Length();
+        if (rGrid[i]->m_bValid && dDistance < dBest) {
+            dBest = dDistance;
+            pNearest = rGrid[i];
+        }
+    }
+    return pNearest;
+}
+
+/// Of several ideal points that choose one dot the last stays.
+void Match(const ClBase::DotGrid& rGrid, const ClBase::PointList& rIdeal) {
+    for (unsigned long i = 0; i < rIdeal.Entries(); ++i) {
+        ClDot* pDot = NearestDot(rGrid, rIdeal[i], cdFarFromIdeal);
+        if (pDot != nullptr)
+            pDot->m_vTarget = rIdeal[i];
+    }
+}
+
+/// A negative x says that there is no match, wherever it came from.
+bool IsUnmatched(const ClDot& rDot) {
+    return rDot.m_bValid && rDot.m_vTarget.x < 0.0;
+}
+
+void MoveOntoGrid(const ClBase& rBase, ClBase::PointList& rIdeal, const ClBase::DotGrid& rGrid) {
+    const ClVector vCentre = rBase.GetCentreOfGrid(rGrid);
+    rBase.MoveArray(rIdeal, vCentre - rBase.GetCentreOfVectorArray(rIdeal));
+}
+
+void MarkUnmatched(const ClBase::DotGrid& rGrid) {
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        if (IsUnmatched(*rGrid[i]))
+            rGrid[i]->m_nStatus = ClDot::eNoIdealPoint;
+}
+
+void ForgetMatches(const ClBase::DotGrid& rGrid) {
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
+        if (rGrid[i]->m_nStatus == ClDot::eNoIdealPoint)
+            rGrid[i]->m_nStatus = ClDot::eClean;
+        rGrid[i]->m_vTarget = {-1.0, -1.0};
+    }
+}
+
+void RemoveUnmatched(ClBase& rBase, ClBase::DotGrid& rGrid) {
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        if (IsUnmatched(*rGrid[i])) {
+            rBase.RemoveGridPoint(rGrid, static_cast<long>(i));
+            rGrid[i]->m_nStatus = ClDot::eNoIdealPoint;
+        }
+}
+
+void MatchTwice(ClBase& rBase, ClBase::DotGrid& rGrid) {
+    ClBase::PointList aIdeal;
+    rBase.BuildTarget(aIdeal, rBase.m_dSourceDpiX, rBase.m_dSourceDpiY, 0.0, 0.0);
+    MoveOntoGrid(rBase, aIdeal, rGrid);
+    Match(rGrid, aIdeal);
+    MarkUnmatched(rGrid);
+    MoveOntoGrid(rBase, aIdeal, rGrid);
+    ForgetMatches(rGrid);
+    Match(rGrid, aIdeal);
+    RemoveUnmatched(rBase, rGrid);
+}
+
+} // namespace
+
+void ClBase::AssociatePoints(DotGrid& rGrid, PointList& rActual) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::AssociatePoints() Enter");
+    RemoveLessNeighbours(rGrid);
+    ReduceToFittingNeighbours(rGrid);
+    RemoveLessNeighbours(rGrid);
+    GridRemoveBadPoints(rGrid);
+    GridToArray(rGrid, rActual);
+    if (m_pOutDebugImage != nullptr)
+        GridToDebugImage(rGrid, *m_pOutDebugImage);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::AssociatePoints() Leaving");
+}
+
+void ClBase::GridRemoveBadPoints(DotGrid& rGrid) {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::GridRemoveBadPoints() Enter");
+    if (rGrid.Entries() > 0)
+        MatchTwice(*this, rGrid);
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::GridRemoveBadPoints() Leaving");
+}
+
+// Asked for every dot and its neighbours, so that two lines each would bury the rest of the trace.
+ClDot* ClBase::RetrieveDot(const DotGrid& rGrid, int nX, int nY) const {
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        if (rGrid[i]->m_vGrid.x == nX && rGrid[i]->m_vGrid.y == nY)
+            return rGrid[i];
+    return nullptr;
+}
+
+ClDot* ClBase::GetBottumLeftDot(const DotGrid& rGrid) const {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot() Enter");
+    ClDot* pDot = NearestDot(rGrid, {0.0, 0.0}, cdFarFromOrigin);
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot() Leaving");
+    return pDot;
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+/// The dot pattern of the target plate: seven columns of dots, all beginning at the same row. The
+/// two lower corners are missing, which tells how the plate lies. Lists of its points go column by
+/// column from the left, each from the top.
+
+#include "Tools/Array.h"
+
+#include <algorithm>
+#include <iterator>
+
+/// Dots of the target pattern; every record has a point for each.
+inline constexpr unsigned long cnPatternPoints = 75;
+
+namespace DotPattern {
+
+/// Dots per column, from the left.
+inline constexpr int canColumnLengths[] = {10, 11, 11, 11, 11, 11, 10};
+
+inline void GetColumnLengths(TpArrayStatic<int>& rLengths) {
+    rLengths.New(std::size(canColumnLengths));
+    std::copy(std::begin(canColumnLengths), std::end(canColumnLengths), rLengths.Data());
+}
+
+} // namespace DotPattern

@@ -1,0 +1,258 @@
+#include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+
+#include "Calibrate/DotGridOwner.h"
+#include "Calibrate/RecordLimits.h"
+#include "ImageProcessing/ImageParameters.h"
+#include "ImageProcessing/IpBinarizeLocal2.h"
+#include "ImageProcessing/IpInvert.h"
+#include "ImageProcessing/IpSplitPlanes.h"
+#include "ImageProcessing/PixelTypeDispatch.h"
+#include "Tools/LoggingFacility.h"
+#include "Tools/MathConst.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using DotGrid = ClIpCalibrateGeometricBuildRefPointsBase::DotGrid;
+using PointList = ClIpCalibrateGeometricBuildRefPointsBase::PointList;
+using ClDot = ClIpCalibrateGeometricBuildRefPointsBase::ClDot;
+
+constexpr double cdPelsPerDpi = 39.37007874015748;
+/// What turns the resolutions of a reference record back into dots per inch. It is the rounder
+/// number on purpose: measured references have always been read with it.
+constexpr double cdReferencePelsPerDpi = 39.37;
+/// Side of the threshold's window in pitches, per millimetre and dot per inch: 1.1 / 25.4.
+constexpr double cdWindowFactor = 0.043307086614173235;
+
+void CheckResult(long nResult) {
+    if (nResult != 0)
+        throw ClExTessarin(nResult, VEK_HERE);
+}
+
+void CheckReference(const ClCalibrateGeometricData& rData) {
+    if (rData.m_aTarget.Entries() != cnPatternPoints || !RecordLimits::IsFinite(rData.m_aTarget) ||
+        rData.m_nTargetPelsX == 0 || rData.m_nTargetPelsY == 0)
+        RecordLimits::RefuseTarget();
+}
+
+/// A mean that is not a number where nothing was counted.
+ClVector Mean(const ClVector& rSum, unsigned long nCount) {
+    if (nCount == 0)
+        return {MathConst::cdNaN, MathConst::cdNaN};
+    const auto dCount = static_cast<double>(nCount);
+    return {rSum.x / dCount, rSum.y / dCount};
+}
+
+/// Whether a dot stands before another along an axis. Equal places keep the order of the
+/// components, and what is not a number stands last, so that every input has an order.
+template <double ClVector::*pAxis>
+bool StandsBefore(const ClDot* pA, const ClDot* pB) {
+    const double a = pA->m_vPos.*pAxis;
+    const double b = pB->m_vPos.*pAxis;
+    if (a < b || a > b)
+        return a < b;
+    if (std::isnan(a) != std::isnan(b))
+        return std::isnan(b);
+    return pA->m_nIndex < pB->m_nIndex;
+}
+
+bool CmpDotX(const ClDot* pA, const ClDot* pB) {
+    return StandsBefore<&ClVector::x>(pA, pB);
+}
+
+bool CmpDotY(const ClDot* pA, const ClDot* pB) {
+    return StandsBefore<&ClVector::y>(pA, pB);
+}
+
+bool IsClean(const ClDot& rDot) {
+    return rDot.m_nStatus == ClDot::eClean;
+}
+
+/// The x about which the column that starts at `nStart` stands: the mean of its clean dots, or
+/// its first dot's without any.
+double ColumnCentre(const DotGrid& rGrid, unsigned long nStart, double dHalfPitch) {
+    double dReference = rGrid[nStart]->m_vPos.x;
+    double dSum = 0.0;
+    unsigned long nClean = 0;
+    for (unsigned long i = nStart; i < rGrid.Entries(); ++i) {
+        const ClDot& rDot = *rGrid[i];
+        if (!(std::fabs(rDot.m_vPos.x - dReference) < dHalfPitch))
+            break;
+        if (!IsClean(rDot))
+            continue;
+        if (nClean == 0)
+            dReference = rDot.m_vPos.x;
+        dSum += rDot.m_vPos.x;
+        ++nClean;
+    }
+    return nClean > 0 ? dSum / static_cast<double>(nClean) : dReference;
+}
+
+/// One behind the last dot of a column, which has one dot at least.
+unsigned long ColumnEnd(const DotGrid& rGrid, unsigned long nStart, double dHalfPitch) {
+    const double dCentre = ColumnCentre(rGrid, nStart, dHalfPitch);
+    unsigned long nEnd = nStart;
+    while (nEnd < rGrid.Entries() && rGrid[nEnd]->m_vPos.x - dCentre < dHalfPitch)
+        ++nEnd;
+    return std::max(nEnd, nStart + 1);
+}
+
+} // namespace
+
+ClIpCalibrateGeometricBuildRefPointsBase::ClIpCalibrateGeometricBuildRefPointsBase() = default;
+
+void ClIpCalibrateGeometricBuildRefPointsBase::PublishParameters(ClParameterContainer& Container) {
+    AddInImage(Container, "pInImage", m_pInImage);
+    AddOutImage(Container, "pOutDebugImage", m_pOutDebugImage);
+}
+
+long ClIpCalibrateGeometricBuildRefPointsBase::Process() {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::Process() Enter");
+    if (m_pInImage == nullptr)
+        throw ClException("ClIpCalibrateGeometricBuildRefPointsBase m_pInImage is NULL",
+                          QMT_ERROR_PARAM_IS_MISSING, true, VEK_HERE);
+    if (m_pOutData == nullptr)
+        throw ClException("ClIpCalibrateGeometricBuildRefPointsBase m_pOutData is NULL",
+                          QMT_ERROR_PARAM_IS_MISSING, true, VEK_HERE);
+    if (m_pRefData != nullptr)
+        m_pRefData->Log();
+    m_pOutData->Clear();
+    // An image without planes goes the way of one plane: the first operator refuses it.
+    const auto nPlanes = static_cast<std::uint32_t>(std::clamp(
+        m_pInImage->Planes(), 1, static_cast<int>(ClCalibrateGeometricData::cnMaxPlanes)));
+    LocateDots(nPlanes);
+    BuildTarget(m_pOutData->m_aTarget, m_dTargetDpiX, m_dTargetDpiY, 0.0, 0.0);
+    CenterTarget(m_pOutData->m_aTarget, m_pOutData->m_aActual, nPlanes);
+    FillRecord(nPlanes);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::Process() Leaving");
+    return 0;
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::LocateDots(std::uint32_t nPlanes) {
+    ClImage aPlanes[ClCalibrateGeometricData::cnMaxPlanes];
+    if (nPlanes > 1)
+        CheckResult(ClIpSplitPlanes().ApplyParam(*m_pInImage, &aPlanes[0], &aPlanes[1], &aPlanes[2],
+                                                 nullptr));
+    if (m_pOutDebugImage != nullptr)
+        m_pOutDebugImage->New(*m_pInImage);
+    ClDotGridOwner Owner;
+    for (std::uint32_t p = 0; p < nPlanes; ++p) {
+        LocatePoints(nPlanes > 1 ? aPlanes[p] : *m_pInImage, Owner.m_aGrid);
+        AssociatePoints(Owner.m_aGrid, m_pOutData->m_aActual[p]);
+    }
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::FillRecord(std::uint32_t nPlanes) {
+    const auto toPels = [](double dDpi) {
+        return SampleFromDouble<std::uint32_t>(dDpi * cdPelsPerDpi);
+    };
+    ClCalibrateGeometricData& rData = *m_pOutData;
+    rData.m_nSourceWidth = static_cast<std::uint32_t>(m_pInImage->Width());
+    rData.m_nSourceHeight = static_cast<std::uint32_t>(m_pInImage->Height());
+    rData.m_nSourcePelsX = toPels(m_dSourceDpiX);
+    rData.m_nSourcePelsY = toPels(m_dSourceDpiY);
+    rData.m_nTargetWidth = static_cast<std::uint32_t>(m_nTargetWidth);
+    rData.m_nTargetHeight = static_cast<std::uint32_t>(m_nTargetHeight);
+    rData.m_nPlanes = nPlanes;
+    rData.m_nTargetPelsX = toPels(m_dTargetDpiX);
+    rData.m_nTargetPelsY = toPels(m_dTargetDpiY);
+    rData.m_nBackground = m_bBrightDots ? 0 : 255;
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints(ClImage& rImage, DotGrid& rGrid) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints() Enter");
+    ClImage Binary;
+    ClIpBinarizeLocal2 Binarize;
+    Binarize.m_nAboveValue = m_bBrightDots ? 0 : 255; // dots become 0, what a region is made of
+    Binarize.m_nBelowValue = m_bBrightDots ? 255 : 0;
+    CheckResult(Binarize.ApplyParam(
+        rImage, Binary, SampleFromDouble<long>(cdWindowFactor * m_dPitch * m_dSourceDpiX),
+        SampleFromDouble<long>(cdWindowFactor * m_dPitch * m_dSourceDpiY),
+        SampleFromDouble<long>(m_bBrightDots ? -m_dBinarizeOffset : m_dBinarizeOffset)));
+    ClImage Inverted;
+    if (m_bBrightDots)
+        CheckResult(ClIpInvert().ApplyParam(rImage, Inverted));
+    ComponentsArray_t Components;
+    ClIpConnectedComponent2 Measure;
+    Measure.m_pInImage = &Binary;
+    Measure.m_pInImageGrey = m_bBrightDots ? &Inverted : &rImage;
+    Measure.m_pOutImage = m_pOutLabelImage;
+    Measure.m_pComponents = &Components;
+    CheckResult(Measure.Apply());
+    BuildGrid(rGrid, Components);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints() Leaving");
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget(PointList& rTarget, double dDpiX,
+                                                           double dDpiY, double dOffsetX,
+                                                           double dOffsetY) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget() Enter");
+    if (m_pRefData == nullptr) {
+        BuildTargetPoints(rTarget, dDpiX, dDpiY, dOffsetX, dOffsetY);
+    } else {
+        CheckReference(*m_pRefData);
+        const double dScaleX = dDpiX * cdReferencePelsPerDpi / m_pRefData->m_nTargetPelsX;
+        const double dScaleY = dDpiY * cdReferencePelsPerDpi / m_pRefData->m_nTargetPelsY;
+        rTarget = m_pRefData->m_aTarget;
+        for (unsigned long i = 0; i < rTarget.Entries(); ++i) {
+            rTarget[i].x = rTarget[i].x * dScaleX + dOffsetX;
+            rTarget[i].y = rTarget[i].y * dScaleY + dOffsetY;
+        }
+    }
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget() Leaving");
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::SortXY(DotGrid& rGrid) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::SortXY() Enter");
+    const double dHalfPitch = m_cdHalfPitchFactor * m_dSourceDpiX * m_dPitch;
+    ClDot** const pDots = rGrid.Data();
+    std::stable_sort(pDots, pDots + rGrid.Entries(), CmpDotX);
+    for (unsigned long nStart = 0; nStart < rGrid.Entries();) {
+        const unsigned long nEnd = ColumnEnd(rGrid, nStart, dHalfPitch);
+        std::stable_sort(pDots + nStart, pDots + nEnd, CmpDotY);
+        nStart = nEnd;
+    }
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::SortXY() Leaving");
+}
+
+ClVector ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid(const DotGrid& rGrid) const {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid() Enter");
+    ClVector vSum;
+    unsigned long nCount = 0;
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
+        if (!rGrid[i]->m_bValid || !IsClean(*rGrid[i]))
+            continue;
+        vSum = vSum + rGrid[i]->m_vPos;
+        ++nCount;
+    }
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid() Leaving");
+    return Mean(vSum, nCount);
+}
+
+ClVector
+ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray(const PointList& rArray) const {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray() Enter");
+    ClVector vSum;
+    for (unsigned long i = 0; i < rArray.Entries(); ++i)
+        vSum = vSum + rArray[i];
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray() Leaving");
+    return Mean(vSum, rArray.Entries());
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::MoveArray(PointList& rArray,
+                                                         const ClVector& rMove) const {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::MoveArray() Enter");
+    for (unsigned long i = 0; i < rArray.Entries(); ++i)
+        rArray[i] = rArray[i] + rMove;
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::MoveArray() Leaving");
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::ReleaseDots(DotGrid& rGrid) {
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        delete rGrid[i];
+    rGrid.Clear();
+}

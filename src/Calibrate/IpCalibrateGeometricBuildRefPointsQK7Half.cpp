@@ -1,0 +1,60 @@
+#include "Calibrate/IpCalibrateGeometricBuildRefPointsQK7Half.h"
+
+#include "Calibrate/DotPattern.h"
+#include "Tools/Allocate.h"
+#include "Tools/LoggingFacility.h"
+
+// A round dot is round here, and has half of the raw capture's lines.
+ClIpCalibrateGeometricBuildRefPointsQK7Half::ClIpCalibrateGeometricBuildRefPointsQK7Half() {
+    m_dPitchTolerance = 0.21;
+    m_dMinEccentricity = 0.0;
+    m_dMaxEccentricity = 0.35;
+    m_dMinArea = 100.0;
+    m_dMaxArea = 350.0;
+    m_dSourceDpiY = 504.743;
+}
+
+ClProcessorBase* ClIpCalibrateGeometricBuildRefPointsQK7Half::Create() {
+    return Vek::NewObject<ClIpCalibrateGeometricBuildRefPointsQK7Half>();
+}
+
+const char* ClIpCalibrateGeometricBuildRefPointsQK7Half::Name() const {
+    return "ClIpCalibrateGeometricBuildRefPointsQK7Half";
+}
+
+void ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints(PointList& rTarget,
+                                                                    double dDpiX, double dDpiY,
+                                                                    double dOffsetX,
+                                                                    double dOffsetY) {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints() Enter");
+    BuildPatternPoints(rTarget, dDpiX, dDpiY, dOffsetX, dOffsetY);
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints() Leaving");
+}
+
+void ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray(DotGrid& rGrid, PointList& rPoints) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray() Enter");
+    TakeDots(
+        rGrid, rPoints, [](ClDot& rDot) { rDot.m_dWeight = 0.0; },
+        "Not the expected Dot count found.");
+    TpArrayStatic<int> aLengths;
+    DotPattern::GetColumnLengths(aLengths);
+    CheckLinesOf(aLengths, rPoints);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray() Leaving");
+}
+
+void ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths(
+    TpArrayStatic<int>& rLengths) {
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths() Enter");
+    DotPattern::GetColumnLengths(rLengths);
+    VekLFLog(Vek::eLogTrace,
+             "ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths() Leaving");
+}
+
+void ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget(PointList& rTarget, PointList&) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget() Enter");
+    MoveByPitch(rTarget);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget() Leaving");
+}

@@ -1,0 +1,91 @@
+// Where the pattern stands in the corrected image. It is built in that image's upper left corner;
+// a spline from there into the capture tells where the borders of the corrected image would be
+// taken from, and the pattern moves until they lie evenly about the capture's middle. Estimating
+// in floats is enough: the result is one translation, which the final spline follows exactly.
+
+#include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "Calibrate/RecordLimits.h"
+#include "Tools/FpImage.h"
+#include "Tools/LoggingFacility.h"
+
+#include <algorithm>
+
+namespace {
+
+using PointList = ClIpCalibrateGeometricBuildRefPointsBase::PointList;
+
+constexpr double cdMillimetresPerInch = 25.4;
+
+struct StExtent {
+    ClVector m_vMin;
+    ClVector m_vMax;
+};
+
+StExtent ExtentOf(const PointList& rPoints) {
+    StExtent Extent{rPoints[0], rPoints[0]};
+    for (unsigned long i = 1; i < rPoints.Entries(); ++i) {
+        Extent.m_vMin.x = std::min(Extent.m_vMin.x, rPoints[i].x);
+        Extent.m_vMin.y = std::min(Extent.m_vMin.y, rPoints[i].y);
+        Extent.m_vMax.x = std::max(Extent.m_vMax.x, rPoints[i].x);
+        Extent.m_vMax.y = std::max(Extent.m_vMax.y, rPoints[i].y);
+    }
+    return Extent;
+}
+
+} // namespace
+
+void ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget(PointList& rTarget, PointList* pActual,
+                                                            unsigned int) {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget() Enter");
+    if (pActual != nullptr)
+        RecordLimits::CheckCount(*pActual, rTarget); // the spline reads both lists side by side
+    Spline spline;
+    spline.Setup(static_cast<long>(rTarget.Entries()), rTarget.Data(),
+                 pActual != nullptr ? pActual->Data() : nullptr);
+    MoveArray(rTarget, m_bCenterByBorders ? MoveByBorders(spline) : MoveByExtent(rTarget));
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget() Leaving");
+}
+
+ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByBorders(Spline& rSpline) const {
+    if (m_pInImage == nullptr)
+        throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
+    const double dTop = GetBorderDelta(rSpline, 0, 0, m_nTargetWidth, false);
+    const double dBottom = GetBorderDelta(rSpline, 0, m_nTargetHeight, m_nTargetWidth, false);
+    const double dLeft = GetBorderDelta(rSpline, 0, 0, m_nTargetHeight, true);
+    const double dRight = GetBorderDelta(rSpline, m_nTargetWidth, 0, m_nTargetHeight, true);
+    const double dMiddleX = m_pInImage->Width() / 2.0;
+    const double dMiddleY = m_pInImage->Height() / 2.0;
+    return {(m_dTargetDpiX / m_dSourceDpiX) * ((dLeft + dRight) / 2 - dMiddleX),
+            (m_dTargetDpiY / m_dSourceDpiY) * ((dTop + dBottom) / 2 - dMiddleY)};
+}
+
+ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByExtent(const PointList& rTarget) const {
+    const double dHalfX = m_dPitch * m_dTargetDpiX * m_cdHalfPitchFactor;
+    const double dHalfY = m_dPitch * m_dTargetDpiY * m_cdHalfPitchFactor;
+    const double dBelow = (m_dPitch / 2 + m_dBottomMargin) * m_dTargetDpiY / cdMillimetresPerInch;
+    const StExtent Extent = ExtentOf(rTarget);
+    const double dMinX = Extent.m_vMin.x - dHalfX;
+    const double dMaxX = Extent.m_vMax.x + dHalfX;
+    const double dMinY = Extent.m_vMin.y - dHalfY;
+    const double dMaxY = Extent.m_vMax.y + dBelow;
+    const int nMiddleX = m_nTargetWidth / 2; // whole pixels here, unlike the capture's middle
+    const int nMiddleY = m_nTargetHeight / 2;
+    return {nMiddleX - (dMinX + dMaxX) / 2, nMiddleY - (dMinY + dMaxY) / 2};
+}
+
+double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(Spline& rSpline, int nX, int nY,
+                                                                int nLength, bool bVertical) const {
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta() Enter");
+    float sum = 0.0F;
+    for (long i = 0; i < nLength; ++i) {
+        const long nStepX = bVertical ? nX : nX + i;
+        const long nStepY = bVertical ? nY + i : nY;
+        float x = 0.0F;
+        float y = 0.0F;
+        rSpline.Transform(static_cast<float>(nStepX), static_cast<float>(nStepY), &x, &y);
+        sum += bVertical ? x : y;
+    }
+    const float mean = nLength > 0 ? sum / static_cast<float>(nLength) : 0.0F;
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta() Leaving");
+    return static_cast<double>(mean);
+}
