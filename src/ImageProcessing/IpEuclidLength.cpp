@@ -22,8 +22,7 @@ unsigned char ScaledLength(int dx, int dy, double dScale) {
 } // namespace
 
 ClIpEuclidLength::ClIpEuclidLength() {
-    static const bool bBuilt = (InitializeTabs(), true); // one thread builds, the others wait
-    static_cast<void>(bBuilt);
+    InitializeTabsOnce();
     ClIpEuclidLength::SetParametersToDefault();
 }
 
@@ -33,6 +32,11 @@ ClProcessorBase* ClIpEuclidLength::Create() {
 
 const char* ClIpEuclidLength::Name() const {
     return "ClIpEuclidLength";
+}
+
+void ClIpEuclidLength::InitializeTabsOnce() {
+    static const bool bBuilt = (InitializeTabs(), true); // one thread builds, the others wait
+    static_cast<void>(bBuilt);
 }
 
 void ClIpEuclidLength::InitializeTabs() {
@@ -69,4 +73,17 @@ void ClIpEuclidLength::SetOutImageSign() {
     m_pOutImage->SetBlack(m_pOutImage->Black() + dMove);
     m_pOutImage->SetWhite(m_pOutImage->White() + dMove);
     m_pOutImage->SetDataType(static_cast<unsigned char>(nType & 0x7F));
+}
+
+void ClIpEuclidLength::MakeCppFilesFromTabs(const char* pPath) {
+    constexpr unsigned long cnEntries = 256 * 256;
+    InitializeTabsOnce();
+    std::FILE* pFile = DumpHeader("IpEuclidLengthTabs.cpp", pPath, false);
+    std::fputs("#include \"ImageProcessing/IpEuclidLength.h\"\n\n", pFile);
+    std::fputs("bool ClIpEuclidLength::m_bIsInitialized = true;\n\n", pFile);
+    std::fputs("unsigned char ClIpEuclidLength::m_tabSigned[256][256] = {\n", pFile);
+    DumpTab(pFile, &m_tabSigned[0][0], cnEntries);
+    std::fputs("\nunsigned char ClIpEuclidLength::m_tabUnsigned[256][256] = {\n", pFile);
+    DumpTab(pFile, &m_tabUnsigned[0][0], cnEntries);
+    DumpClose(pFile);
 }

@@ -7,11 +7,13 @@
 ///
 /// so that the longest vectors, 254 and 255, use the full byte. The type of input 1 decides. A
 /// root per pixel would cost more than all the rest: two tables hold every answer, 64 KiB each.
-/// They are built when the first object of the process is, once, whichever threads are first.
+/// They are built when the first object of the process is, once, whichever threads are first. A
+/// source file that MakeCppFilesFromTabs() writes can take the place of building them.
 
 #include "ImageProcessing/IpArithmetic2to1Base.h"
+#include "Tools/DumpTabsToFile.h"
 
-class ClIpEuclidLength : public ClIpArithmetic2to1Base {
+class ClIpEuclidLength : public ClIpArithmetic2to1Base, public ClDumpTabsToFile {
 public:
     ClIpEuclidLength();
 
@@ -26,7 +28,12 @@ public:
     /// any other. The output of a run is `eUInt8` with the range 0 to 255.
     void SetOutImageSign() override;
 
+    /// Writes "IpEuclidLengthTabs.cpp" into the directory `pPath`: both tables, and the flag that
+    /// says so, as definitions of the class data. Throws as DumpHeader() and DumpClose().
+    static void MakeCppFilesFromTabs(const char* pPath);
+
 private:
+    static void InitializeTabsOnce();
     static void InitializeTabs();
 
     static bool m_bIsInitialized;
