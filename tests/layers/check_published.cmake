@@ -1,17 +1,19 @@
 cmake_minimum_required(VERSION 3.23)
 
-# Holds that no operator is forgotten: each processor class of src/ImageProcessing is named in one
-# of the tests that compare published parameters and the common answers of a processor.
+# Holds that no processor is forgotten: each processor class of src/ImageProcessing and
+# src/FingerCoding is named in one of the tests that compare published parameters and the common
+# answers of a processor.
 #   cmake -DROOT=... -P check_published.cmake
 
-file(GLOB tests "${ROOT}/tests/ImageProcessing/Published*Test.cpp")
+file(GLOB tests "${ROOT}/tests/ImageProcessing/Published*Test.cpp"
+    "${ROOT}/tests/FingerCoding/Published*Test.cpp")
 set(tested "")
 foreach(test IN LISTS tests)
     file(READ "${test}" text)
     string(APPEND tested "${text}")
 endforeach()
 
-file(GLOB headers "${ROOT}/src/ImageProcessing/Ip*.h")
+file(GLOB headers "${ROOT}/src/ImageProcessing/Ip*.h" "${ROOT}/src/FingerCoding/Ip*.h")
 set(count 0)
 foreach(header IN LISTS headers)
     file(READ "${header}" text)
@@ -25,6 +27,6 @@ foreach(header IN LISTS headers)
     endif()
 endforeach()
 if(count LESS 25)
-    message(FATAL_ERROR "only ${count} processors found below ${ROOT}/src/ImageProcessing")
+    message(FATAL_ERROR "only ${count} processors found below ${ROOT}/src")
 endif()
 message(STATUS "${count} processors are compared")

@@ -1,0 +1,56 @@
+#pragma once
+
+/// What the two detectors of a finger, by brightness and by contrast, do alike: running their
+/// sub-processors, painting a frame into an 8-bit image of one plane, and turning an area in
+/// square millimetres into pixels.
+
+#include "ImageProcessing/MaskArithmetic.h"
+#include "Tools/Exception.h"
+#include "Tools/FpImage.h"
+#include "Tools/ProcessorBase.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <utility>
+
+namespace FingerDetector {
+
+/// Throws `ClExTessarin` with the number of a sub-processor that has failed: a mask made of half
+/// the steps would look like one.
+inline void Require(long nResult) {
+    if (nResult != 0)
+        throw ClExTessarin(nResult, VEK_HERE);
+}
+
+/// Runs `Sub.ApplyParam(arguments...)`, timed where the owner is.
+template <class Processor, class... Arguments>
+void Run(const ClProcessorBase& Owner, Processor&& Sub, Arguments&&... arguments) {
+    Sub.Timer(Owner.IsTimerEnabled());
+    Require(Sub.ApplyParam(std::forward<Arguments>(arguments)...));
+}
+
+/// trunc((sqrt(dMM2) * 100.0 * dPelsPer100thMM)^2), evaluated as written; 0 for what is no area.
+inline std::int64_t PixelsOfArea(double dMM2, double dPelsPer100thMM) {
+    const double dSide = std::sqrt(dMM2) * 100.0 * dPelsPer100thMM;
+    return Mask::Truncated(dSide * dSide);
+}
+
+/// Paints the outermost `nWidth` lines and columns. Where a line is not painted whole, its right
+/// end gets a value of its own, which wins where both ends meet. Line padding stays.
+inline void PaintFrame(ClImage& Image, long nWidth, unsigned char nValue, unsigned char nRight) {
+    const long nLines = Image.Height();
+    const long nBorder = std::max(nWidth, 0L);
+    const auto nLineBytes = static_cast<std::size_t>(Image.Width());
+    const auto nSideBytes = static_cast<std::size_t>(std::min<long>(Image.Width(), nBorder));
+    for (int y = 0; y < nLines; ++y) {
+        unsigned char* pLine = Image.LineData(y);
+        const bool bWhole = y < nBorder || y >= nLines - nBorder;
+        std::memset(pLine, nValue, bWhole ? nLineBytes : nSideBytes);
+        if (!bWhole)
+            std::memset(pLine + nLineBytes - nSideBytes, nRight, nSideBytes);
+    }
+}
+
+} // namespace FingerDetector

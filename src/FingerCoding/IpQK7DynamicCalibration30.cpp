@@ -1,0 +1,193 @@
+#include "FingerCoding/IpQK7DynamicCalibration30.h"
+
+#include "FingerCoding/IpQK7FunctionalityCheck.h"
+#include "ImageProcessing/Histogram.h"
+#include "ImageProcessing/IpAdd.h"
+#include "ImageProcessing/IpFilterMid.h"
+#include "ImageProcessing/IpStretchRangeGlobal.h"
+#include "ImageProcessing/IpStretchRangeLocal.h"
+#include "ImageProcessing/IpSubtract.h"
+#include "ImageProcessing/LocalTarget.h"
+#include "Tools/Allocate.h"
+#include "Tools/FpImage.h"
+
+#include <TessarinCalibrateSDK.h>
+
+#include <cstdint>
+#include <numeric>
+
+namespace {
+
+constexpr unsigned char cnWhite = 255;
+
+constexpr double cdRidgeDist = 11.7; ///< pixels, at 500 dots per inch
+
+/// Shares of the samples that the global stretch sets aside.
+constexpr double cdDarkPart = 0.001;
+constexpr double cdDarkPartSensitive = 0.05;
+constexpr double cdBrightPart = 0.005;
+
+/// A capture of no greater range shows no finger.
+constexpr int cnLargestRangeWithoutFinger = 96;
+
+constexpr long cnLocalWidth = 23; ///< surroundings of the local stretch, pixels
+
+constexpr double cdSaturated = 255.0;
+constexpr long cnFarWidth = 53;     ///< what is far from the finger, pixels
+constexpr double cdFarMask = 250.0; ///< least mean of the mask over that width
+
+constexpr double cdUnusableDirt = 2000.0;
+constexpr double cdRejectedDirt = 100.0; ///< reported for a capture that is of no use
+
+/// The share of the saturated samples: a large white background is not to pull the upper limit up
+/// to 255.
+double WhitePart(const ClHistogram& Histogram) {
+    const std::int64_t nTotal =
+        std::accumulate(Histogram.m_anCount, Histogram.m_anCount + cnWhite + 1, std::int64_t{0});
+    return static_cast<double>(Histogram.m_anCount[cnWhite]) / static_cast<double>(nTotal);
+}
+
+void CheckCapture(const ClImage& Capture) {
+    if (Capture.DataType() != ClImage::eUInt8)
+        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, false,
+                          "Unknown", -1);
+}
+
+} // namespace
+
+ClIpQK7DynamicCalibration30::ClIpQK7DynamicCalibration30() {
+    FillDirtWeights();
+}
+
+ClProcessorBase* ClIpQK7DynamicCalibration30::Create() {
+    return Vek::NewObject<ClIpQK7DynamicCalibration30>();
+}
+
+const char* ClIpQK7DynamicCalibration30::Name() const {
+    return "ClIpQK7DynamicCalibration30";
+}
+
+void ClIpQK7DynamicCalibration30::Dump(const ClImage& Image, const char* szFileName) const {
+    if (m_bDumpImages)
+        Image.Store(szFileName);
+}
+
+long ClIpQK7DynamicCalibration30::Process() {
+    if (m_pInImage == nullptr || m_pOutImage == nullptr)
+        return QMT_ERROR_PARAM_IS_MISSING;
+    CheckCapture(*m_pInImage);
+    ClImage Capture; // the mask may be written over the input
+    Capture.Attach(*m_pInImage);
+    return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage&, ClImage& Out) {
+        Correct(Capture, Out);
+        return 0L;
+    });
+}
+
+void ClIpQK7DynamicCalibration30::Correct(ClImage& Capture, ClImage& Out) {
+    Dump(Capture, "C:\\01_InImage.kpf");
+    ClImage Stretched;
+    const int nRange = StretchGlobally(Capture, Stretched);
+    ClImage Mask;
+    ClImage Prob;
+    bool bFinger = FindFinger(Capture, Stretched, nRange, Mask, Prob);
+    if (m_pOutMaskImage != nullptr)
+        *m_pOutMaskImage = Mask;
+    StretchLocally(Stretched);
+    WhitenBackground(Mask, Stretched, Out);
+    KeepCleanBackground(Capture, Mask);
+    ClHistogram Histogram;
+    Histogram.Create(Mask);
+    if (Histogram.GetColorCount() == 1)
+        bFinger = false;
+    m_dDirtWarningLevel = CalcDirtWarningLevel(Capture, Mask);
+    StoreDefects(Capture);
+    m_dDryFingerWarningLevel = bFinger ? CalcDryFingerWarningLevel(Prob, Mask) : 0.0;
+    if (m_dDirtWarningLevel < cdUnusableDirt && bFinger)
+        return;
+    m_dDirtWarningLevel = cdRejectedDirt;
+    Out = cnWhite;
+}
+
+/// The result is the range that was stretched: negative where all samples are saturated.
+int ClIpQK7DynamicCalibration30::StretchGlobally(ClImage& Capture, ClImage& Stretched) {
+    ClIpStretchRangeGlobal Stretch;
+    Stretch.Timer(IsTimerEnabled());
+    ClHistogram Histogram;
+    Histogram.Create(Capture);
+    const double dBright = WhitePart(Histogram) + cdBrightPart;
+    const double dDark = m_bSensitiveMode ? cdDarkPartSensitive : cdDarkPart;
+    Histogram.GetNoiseFreeRange(dDark, dBright, Stretch.m_nOldRangeFrom, Stretch.m_nOldRangeTo);
+    Stretch.ApplyParam(Capture, Stretched);
+    Dump(Stretched, "C:\\02_GloballyStretchedImage.kpf");
+    return int{Stretch.m_nOldRangeTo} - int{Stretch.m_nOldRangeFrom};
+}
+
+/// Without a finger the mask is all background, and there are no probabilities.
+bool ClIpQK7DynamicCalibration30::FindFinger(ClImage& Capture, ClImage& Stretched, int nRange,
+                                             ClImage& Mask, ClImage& Prob) {
+    const bool bSeek = nRange > cnLargestRangeWithoutFinger || m_bSensitiveMode;
+    const bool bFinger = bSeek && BuildMaskImage(Stretched, cdRidgeDist, Mask, Prob) == 0;
+    if (!bFinger) {
+        Mask.New(Capture);
+        Mask = cnWhite;
+    }
+    Dump(Mask, "C:\\03_MaskImage_orig.kpf");
+    return bFinger;
+}
+
+void ClIpQK7DynamicCalibration30::StretchLocally(ClImage& Stretched) {
+    ClImage Min;
+    ClImage Max;
+    ClIpStretchRangeLocal Stretch;
+    Stretch.Timer(IsTimerEnabled());
+    Stretch.m_nFilterWidth = cnLocalWidth;
+    Stretch.m_nSubSampleRate = 1;
+    Stretch.m_bUseMinSmoothing = true;
+    Stretch.m_bUseMaxSmoothing = true;
+    if (m_bDumpImages) {
+        Stretch.m_pOptOutMinImage = &Min;
+        Stretch.m_pOptOutMaxImage = &Max;
+    }
+    Stretch.ApplyParam(Stretched, Stretched);
+    Dump(Min, "C:\\07_MinImage.kpf");
+    Dump(Max, "C:\\08_MaxImage.kpf");
+    Dump(Stretched, "C:\\09_StretchedImage.kpf");
+}
+
+void ClIpQK7DynamicCalibration30::WhitenBackground(ClImage& Mask, ClImage& Stretched,
+                                                   ClImage& Out) {
+    ClIpAdd Add;
+    Add.Timer(IsTimerEnabled());
+    Add.m_eMode = ClIpAdd::ModeCut;
+    Add.ApplyParam(Mask, Stretched, Out, ClImage::eTypeDefault);
+    Dump(Out, "C:\\10_OutImage.kpf");
+}
+
+/// Leaves 255 in the mask where dirt can be measured: away from the finger, from what is saturated
+/// and from the frame of the sensor.
+void ClIpQK7DynamicCalibration30::KeepCleanBackground(ClImage& Capture, ClImage& Mask) {
+    ClImage Bright;
+    Binarize(Capture, cdSaturated, Bright);
+    ClIpSubtract Subtract;
+    Subtract.Timer(IsTimerEnabled());
+    Subtract.ApplyParam(Mask, Bright, Mask, ClImage::eTypeDefault);
+    Dump(Mask, "C:\\11b_ExtendedMaskImage.kpf");
+    ClImage Far;
+    ClIpFilterMid Mid;
+    Mid.Timer(IsTimerEnabled());
+    Mid.ApplyParam(Mask, Far, cnFarWidth);
+    Binarize(Far, cdFarMask, Far);
+    ClIpQK7FunctionalityCheck::FadeSensorBorder(Far, Mask);
+    Dump(Mask, "C:\\11c_FadedMaskImageForDirtMeasurement.kpf");
+}
+
+void ClIpQK7DynamicCalibration30::StoreDefects(ClImage& Capture) {
+    if (!m_bDumpImages && !m_bDumpDefectImage)
+        return;
+    ClImage Defects;
+    ClIpQK7FunctionalityCheck Check;
+    Check.Timer(IsTimerEnabled());
+    Check.ApplyParam(Capture, Defects, ClImage::eTypeDefault);
+    Defects.Store("C:\\12_DefectImage.kpf");
+}

@@ -1,0 +1,175 @@
+#include "FingerCoding/IpQK7FunctionalityCheck.h"
+
+#include "ImageProcessing/Histogram.h"
+#include "ImageProcessing/ImageParameters.h"
+#include "ImageProcessing/IpAbs.h"
+#include "ImageProcessing/IpFilterGauss.h"
+#include "ImageProcessing/IpFilterMid.h"
+#include "ImageProcessing/IpInvert.h"
+#include "ImageProcessing/IpScale.h"
+#include "ImageProcessing/IpSetBorder.h"
+#include "ImageProcessing/IpStretchRangeGlobal.h"
+#include "ImageProcessing/IpSubtract.h"
+#include "Tools/Allocate.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+constexpr double cdGain = 3.0;
+constexpr double cdFineSigma = 1.5;
+constexpr long cnCoarseWidth = 51;
+constexpr unsigned char cnFullDefect = 64; ///< the difference that becomes white
+
+constexpr unsigned char cnMasked = 255;
+constexpr long cnFrameWidth = 15;
+constexpr int cnTopLines = 25;
+constexpr int cnCornerLines = 100;
+constexpr int cnCornerWidth = 60;
+constexpr long cnMaskBlurWidth = 21;
+
+constexpr double cdWeightOfWhitePixel = 0.5;
+constexpr double cdWeightOfMean = 10.0;
+constexpr double cdHighestLevel = 100.0;
+
+/// The same samples read as unsigned ones: -128 becomes 128, and the range moves up with it.
+void ReadAsUnsigned(ClImage& Image) {
+    const unsigned char nType = Image.DataType();
+    if (!ClImage::IsSigned(nType) || ClImage::IsFloat(nType))
+        return;
+    const double dShift = std::ldexp(1.0, Image.BytesPerSample() * 8 - 1);
+    Image.SetBlack(Image.Black() + dShift);
+    Image.SetWhite(Image.White() + dShift);
+    Image.SetDataType(static_cast<unsigned char>(nType & 0x7F));
+}
+
+void PaintCorners(ClImage& Mask) {
+    const int nFirstLine = Mask.Height() - cnCornerLines;
+    for (int i = std::max(0, -nFirstLine); i < cnCornerLines; ++i) {
+        const int nPixels = std::min(i * cnCornerWidth / cnCornerLines, Mask.Width());
+        unsigned char* pLine = Mask.LineData(nFirstLine + i);
+        std::fill_n(pLine, nPixels, cnMasked);
+        std::fill_n(pLine + Mask.Width() - nPixels, nPixels, cnMasked);
+    }
+}
+
+void PaintFirstLines(ClImage& Mask) {
+    for (int y = 0; y < std::min(cnTopLines, Mask.Height()); ++y)
+        std::fill_n(Mask.LineData(y), Mask.Width(), cnMasked);
+}
+
+} // namespace
+
+ClIpQK7FunctionalityCheck::ClIpQK7FunctionalityCheck() {
+    m_bInPlace = false;
+    m_bUseLUT = false;
+    ClIpQK7FunctionalityCheck::SetParametersToDefault();
+}
+
+ClProcessorBase* ClIpQK7FunctionalityCheck::Create() {
+    return Vek::NewObject<ClIpQK7FunctionalityCheck>();
+}
+
+const char* ClIpQK7FunctionalityCheck::Name() const {
+    return "ClIpQK7FunctionalityCheck";
+}
+
+void ClIpQK7FunctionalityCheck::SetParametersToDefault() {
+    ClIp1to1Base::SetParametersToDefault();
+    m_nNoise = 5;
+    m_dOutDefectWarningLevel = 0.0;
+}
+
+void ClIpQK7FunctionalityCheck::QueryParameters(ClParameterInterface& List) {
+    ClIp1to1Base::QueryParameters(List);
+    AddNumber(List, "dOutDefectWarningLevel", m_dOutDefectWarningLevel, "Out: DefectWarningLevel",
+              0.0, 0.0, ClParameterInterface::eOut);
+}
+
+long ClIpQK7FunctionalityCheck::ParameterString(char* pBuffer, unsigned long nSize) {
+    if (pBuffer == nullptr)
+        nSize = 0;
+    const long nLength = std::snprintf(pBuffer, nSize, "Noise %d Defect %.1f", int{m_nNoise},
+                                       m_dOutDefectWarningLevel);
+    if (nSize > 0)
+        pBuffer[nSize - 1] = '\0';
+    return nLength;
+}
+
+// The run
+
+long ClIpQK7FunctionalityCheck::DoProcess(ClImage& In, ClImage& Out) {
+    ClImage Inverted; // dirt becomes light
+    ClIpInvert Invert;
+    Invert.Timer(IsTimerEnabled());
+    Invert.ApplyParam(In, Inverted);
+    ClImage Stressed;
+    StressDefects(Inverted, Stressed);
+    FadeSensorBorder(Stressed, Out);
+    m_dOutDefectWarningLevel = CalcDefectWarningLevel(Out);
+    return 0;
+}
+
+void ClIpQK7FunctionalityCheck::StressDefects(ClImage& In, ClImage& Out) {
+    const bool bTimed = IsTimerEnabled();
+    ClImage Scaled;
+    ClIpScale Scale;
+    Scale.Timer(bTimed);
+    Scale.ApplyParam(In, Scaled, cdGain);
+    ClImage Fine;
+    ClIpFilterGauss Gauss;
+    Gauss.Timer(bTimed);
+    Gauss.ApplyParam(Scaled, Fine, cdFineSigma, 0);
+    ClImage Coarse;
+    ClIpFilterMid Mid;
+    Mid.Timer(bTimed);
+    Mid.ApplyParam(Scaled, Coarse, cnCoarseWidth);
+    ClImage Delta;
+    ClIpSubtract Subtract;
+    Subtract.Timer(bTimed);
+    Subtract.ApplyParam(Fine, Coarse, Delta, ClImage::eInt8);
+    ClImage Absolute;
+    ClIpAbs Abs;
+    Abs.Timer(bTimed);
+    Abs.ApplyParam(Delta, Absolute);
+    ReadAsUnsigned(Absolute);
+    ClIpStretchRangeGlobal Stretch;
+    Stretch.Timer(bTimed);
+    Stretch.m_nOldRangeFrom = m_nNoise;
+    Stretch.m_nOldRangeTo = cnFullDefect;
+    Stretch.ApplyParam(Absolute, Out);
+}
+
+void ClIpQK7FunctionalityCheck::FadeSensorBorder(ClImage& In, ClImage& Out) {
+    ClImage Sensor;
+    BuildSensorMask(In, Sensor);
+    ClImage Blurred;
+    ClIpFilterMid Mid;
+    Mid.Timer(false);
+    Mid.ApplyParam(Sensor, Blurred, cnMaskBlurWidth);
+    ClIpSubtract Subtract;
+    Subtract.Timer(false);
+    Subtract.ApplyParam(In, Blurred, Out, ClImage::eTypeDefault);
+}
+
+void ClIpQK7FunctionalityCheck::BuildSensorMask(ClImage& In, ClImage& Out) {
+    ClImage Mask; // `Out` may be `In`
+    Mask.New(In);
+    Mask = static_cast<unsigned char>(0);
+    ClIpSetBorder SetBorder;
+    SetBorder.Timer(false);
+    SetBorder.ApplyParam(Mask, cnFrameWidth, cnMasked);
+    PaintCorners(Mask);
+    PaintFirstLines(Mask);
+    Out.Swap(Mask);
+}
+
+double ClIpQK7FunctionalityCheck::CalcDefectWarningLevel(ClImage& Image) {
+    ClHistogram Histogram;
+    Histogram.Create(Image);
+    const double dLevel = Histogram.m_anCount[255] * cdWeightOfWhitePixel +
+                          Histogram.GetGreyMid(0, 255) * cdWeightOfMean;
+    return std::min(dLevel, cdHighestLevel);
+}

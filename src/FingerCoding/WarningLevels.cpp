@@ -1,0 +1,115 @@
+// The weights of dirt and the warning levels. The two levels differ in scale, and are to: dryness
+// is a score from 0 to 100, dirt an open sum, so that a larger background shows more of it.
+
+#include "FingerCoding/IpQK7DynamicCalibration30.h"
+#include "FingerCoding/IpQK7FunctionalityCheck.h"
+#include "ImageProcessing/IpInvert.h"
+#include "ImageProcessing/IpSubtract.h"
+#include "Tools/Exception.h"
+#include "Tools/FpImage.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace {
+
+constexpr int cnPale = 205;     ///< grey values from here on are no dirt
+constexpr int cnDecision = 128; ///< of a probability
+constexpr int cnWhite = 255;
+
+constexpr double cdDirtPerSum = 0.000392156862745098; ///< 1 / 2550
+constexpr double cdHealthyExcess = 5.0;               ///< grey values
+constexpr double cdDryPerExcess = 2.0;
+constexpr double cdDriest = 100.0;
+
+constexpr double cdDirt2PerSum = 0.0005;
+constexpr double cdLeastDirt2 = 100.0;
+
+/// Images that are walked as a pair, by the line stride of the second one.
+void CheckPair(const ClImage& Image, const ClImage& Mask) {
+    if (Image.DataType() != ClImage::eUInt8 || Mask.DataType() != ClImage::eUInt8)
+        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
+                          VEK_HERE);
+    if (Image.Planes() != 1 || Mask.Planes() != 1)
+        throw ClExTessarin(QMT_ERROR_BITMAP_PLANE, VEK_HERE);
+    if (Image.Width() != Mask.Width() || Image.Height() != Mask.Height())
+        throw ClExTessarin(QMT_ERROR_BITMAP_DIMENSION, VEK_HERE);
+    if (Image.Data() == nullptr || Mask.Data() == nullptr)
+        throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
+}
+
+/// `visit(image sample, mask sample)` for every pixel; nothing without lines.
+template <class Visit>
+void ForEachPair(const ClImage& Image, const ClImage& Mask, Visit visit) {
+    if (Image.Height() < 1 || Mask.Height() < 1)
+        return;
+    CheckPair(Image, Mask);
+    for (int y = 0; y < Mask.Height(); ++y) {
+        const unsigned char* pImage = Image.LineData(y);
+        const unsigned char* pMask = Mask.LineData(y);
+        for (int x = 0; x < Mask.Width(); ++x)
+            visit(int{pImage[x]}, int{pMask[x]});
+    }
+}
+
+std::uint64_t SampleSum(const ClImage& Image) {
+    std::uint64_t nSum = 0;
+    for (int y = 0; y < Image.Height(); ++y) {
+        const unsigned char* pLine = Image.LineData(y);
+        for (int x = 0; x < Image.Width(); ++x)
+            nSum += pLine[x];
+    }
+    return nSum;
+}
+
+} // namespace
+
+/// Quadratic in the darkness: a faint shade of the background counts for nothing, a black speck
+/// for much. weight[v] = min(255, max(205 - v, 0)^2 / 255), truncated.
+void ClIpQK7DynamicCalibration30::FillDirtWeights() {
+    for (int v = 0; v <= cnWhite; ++v) {
+        const int nDark = std::max(cnPale - v, 0);
+        m_aDirtWeights[v] = static_cast<unsigned char>(std::min(255, nDark * nDark / 255));
+    }
+}
+
+double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel(ClImage& In, ClImage& Mask) {
+    std::uint64_t nMaskSum = 0;
+    std::uint64_t nWeighted = 0;
+    ForEachPair(In, Mask, [&](int nIn, int nMask) {
+        nMaskSum += static_cast<unsigned>(nMask);
+        nWeighted += static_cast<unsigned>(nMask * m_aDirtWeights[nIn]);
+    });
+    return nMaskSum == 0 ? 0.0 : static_cast<double>(nWeighted) * cdDirtPerSum;
+}
+
+double ClIpQK7DynamicCalibration30::CalcDryFingerWarningLevel(ClImage& Prob, ClImage& Mask) {
+    std::uint64_t nWeights = 0;
+    std::uint64_t nExcess = 0;
+    ForEachPair(Prob, Mask, [&](int nProb, int nMask) {
+        const int nWeight = cnWhite - nMask;
+        nWeights += static_cast<unsigned>(nWeight);
+        nExcess += static_cast<unsigned>(std::max(nProb - cnDecision, 0) * nWeight);
+    });
+    if (nWeights == 0)
+        return 0.0;
+    const double dRatio = static_cast<double>(nExcess) / static_cast<double>(nWeights);
+    return std::clamp(cdDryPerExcess * (dRatio - cdHealthyExcess), 0.0, cdDriest);
+}
+
+double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel2(ClImage& In, ClImage& Mask) {
+    ClImage Defects;
+    ClIpQK7FunctionalityCheck Check;
+    Check.Timer(IsTimerEnabled());
+    Check.m_nNoise = 0;
+    Check.ApplyParam(In, Defects, ClImage::eTypeDefault);
+    ClImage Inverted;
+    ClIpInvert Invert;
+    Invert.Timer(IsTimerEnabled());
+    Invert.ApplyParam(Mask, Inverted);
+    ClImage Rest;
+    ClIpSubtract Subtract;
+    Subtract.Timer(IsTimerEnabled());
+    Subtract.ApplyParam(Defects, Inverted, Rest, ClImage::eTypeDefault);
+    return std::max(cdDirt2PerSum * static_cast<double>(SampleSum(Rest)), cdLeastDirt2);
+}

@@ -1,0 +1,81 @@
+#include "FingerCoding/FingerDetector.h"
+
+#include "ImageProcessing/IpOffset.h"
+#include "support/Images.h"
+#include "support/Throws.h"
+
+#include <climits>
+#include <limits>
+
+namespace {
+
+using namespace TestSupport;
+
+TEST(FingerDetector, TurnsSquareMillimetresIntoPixels) {
+    EXPECT_EQ(FingerDetector::PixelsOfArea(0.0, 0.19685), 0);
+    EXPECT_EQ(FingerDetector::PixelsOfArea(1.0, 0.19685), 387); // 19.685^2 = 387.499...
+    EXPECT_EQ(FingerDetector::PixelsOfArea(16.0, 0.09842), 1549);
+    EXPECT_EQ(FingerDetector::PixelsOfArea(4.0, 0.5), 10000);
+}
+
+TEST(FingerDetector, CountsNoPixelsForWhatIsNoArea) {
+    EXPECT_EQ(FingerDetector::PixelsOfArea(-1.0, 0.2), 0);
+    EXPECT_EQ(FingerDetector::PixelsOfArea(std::numeric_limits<double>::quiet_NaN(), 0.2), 0);
+    EXPECT_EQ(FingerDetector::PixelsOfArea(std::numeric_limits<double>::infinity(), 0.0), 0);
+}
+
+TEST(FingerDetector, CountsMoreThanAnyImageForAnEndlessArea) {
+    for (double d : {1e300, std::numeric_limits<double>::infinity()})
+        EXPECT_GT(FingerDetector::PixelsOfArea(d, 0.2), std::int64_t{INT_MAX});
+}
+
+TEST(FingerDetector, PaintsAFrameByItsDefinition) {
+    for (int w = 1; w <= 6; ++w)
+        for (int h = 1; h <= 6; ++h)
+            for (long nBorder : {LONG_MIN, -1L, 0L, 1L, 2L, 3L, 6L, 7L, 1L << 33, LONG_MAX}) {
+                const ClTestImage in = RandomImage(ClImage::eUInt8, w, h, 1, 4);
+                ClTestImage image = in;
+                FingerDetector::PaintFrame(image, nBorder, 200, 100);
+                for (int y = 0; y < h; ++y) {
+                    const bool bWhole = y < nBorder || h - 1 - y < nBorder;
+                    for (int x = 0; x < w; ++x) {
+                        const bool bRight = !bWhole && w - 1 - x < nBorder;
+                        const bool bLeft = bWhole || x < nBorder;
+                        const double d = bRight ? 100.0 : bLeft ? 200.0 : Sample(in, x, y);
+                        EXPECT_EQ(Sample(image, x, y), d) << w << h << nBorder;
+                    }
+                    for (int i = w; i < image.LineStrideBytes(); ++i)
+                        EXPECT_EQ(image.LineData(y)[i], cnPaddingByte);
+                }
+            }
+}
+
+TEST(FingerDetector, PaintsNothingOnAnEmptyImage) {
+    ClTestImage image;
+    FingerDetector::PaintFrame(image, 3, 1, 2);
+    ExpectEmptyImage(image);
+}
+
+/// Answers what it is told.
+class ClIpAnswer : public ClProcessorBase {
+public:
+    ClProcessorBase* Create() override { return nullptr; }
+    const char* Name() const override { return "ClIpAnswer"; }
+    long Process() override { return m_nAnswer; }
+    long ApplyParam(long nAnswer) {
+        m_nAnswer = nAnswer;
+        return Apply();
+    }
+
+    long m_nAnswer = 0;
+};
+
+TEST(FingerDetector, ThrowsTheResultOfASubProcessor) {
+    ClIpAnswer owner;
+    ClIpAnswer sub;
+    FingerDetector::Run(owner, sub, 0L);
+    EXPECT_NUMBER(FingerDetector::Run(owner, sub, -35L), -35);
+    EXPECT_NUMBER(FingerDetector::Run(owner, ClIpAnswer(), -14L), -14);
+}
+
+} // namespace

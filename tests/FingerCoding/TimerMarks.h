@@ -1,0 +1,35 @@
+#pragma once
+
+/// The runs of processors, in the order in which they end, as the timer of the process sees them.
+
+#include "Tools/ProfileTimer.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace TestSupport {
+
+/// The timer of the process while it lives.
+class ClTimerMarks : public ClProfileTimer {
+public:
+    ClTimerMarks() { g_pProfileTimer = this; }
+    ClTimerMarks(const ClTimerMarks&) = delete;
+    ClTimerMarks& operator=(const ClTimerMarks&) = delete;
+    ~ClTimerMarks() override { g_pProfileTimer = nullptr; }
+
+    void TimerStop(const char* pFormat, ...) override {
+        char szText[600];
+        va_list arguments;
+        va_start(arguments, pFormat);
+        std::vsnprintf(szText, sizeof szText, pFormat, arguments);
+        va_end(arguments);
+        const std::string Text = szText;
+        m_aNames.push_back(Text.substr(0, Text.find(' ')));
+    }
+
+    std::vector<std::string> m_aNames;
+};
+
+} // namespace TestSupport
