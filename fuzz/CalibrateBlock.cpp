@@ -1,4 +1,4 @@
-// Calibrate() with any bytes as bitmap block, in every geometric mode.
+// Any bytes as bitmap block: Calibrate() in every geometric mode, and the measuring calls.
 
 #include "Harness.h"
 
@@ -34,7 +34,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
         Run(handle, block);
     }
     double dResult = 0.0;
-    Fuzz::RequireStatus(ContaminationDetection(handle, block.Data(), block.Size(), &dResult));
+    const long nMeasured = ContaminationDetection(handle, block.Data(), block.Size(), &dResult);
+    Fuzz::RequireStatus(nMeasured);
+    Fuzz::Require(nMeasured == 0 ? dResult >= 0.0 && dResult <= 100.0 : dResult == 101.0,
+                  "a contamination is a level, or told as not measured");
     Fuzz::RequireStatus(CalibrateCheckEfts(handle, block.Data(), block.Size(), &dResult));
     Fuzz::RequireStatus(CalibrateGenerateData(handle, block.Data(), block.Size()));
     return 0;

@@ -1,6 +1,7 @@
 // Runs a harness over every file of a corpus, and over mutations of each: truncated, with bytes
 // replaced, with 32-bit numbers replaced by extreme values. The mutations come from a fixed
-// generator, so that a failure is the same on every machine.
+// generator, so that a failure is the same on every machine. Their number can be told for harnesses
+// that take long.
 
 #include "Harness.h"
 
@@ -13,7 +14,7 @@
 
 namespace {
 
-constexpr int cnMutations = 400;
+constexpr int cnUsualMutations = 400;
 
 /// xorshift64*, which is enough to choose bytes with.
 class ClRandom {
@@ -68,10 +69,11 @@ std::string ReadFile(const std::filesystem::path& Path) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: %s CORPUS\n", argv[0]);
+    if (argc != 2 && argc != 3) {
+        std::fprintf(stderr, "usage: %s CORPUS [MUTATIONS]\n", argv[0]);
         return 2;
     }
+    const int nMutations = argc == 3 ? std::atoi(argv[2]) : cnUsualMutations;
     std::vector<std::filesystem::path> aFiles;
     for (const auto& Entry : std::filesystem::directory_iterator(argv[1]))
         aFiles.push_back(Entry.path());
@@ -85,9 +87,9 @@ int main(int argc, char** argv) {
         const std::string Bytes = ReadFile(Path);
         Run(Bytes);
         ClRandom Random(Bytes.size() * 7919 + 1);
-        for (int i = 0; i < cnMutations; ++i)
+        for (int i = 0; i < nMutations; ++i)
             Run(Mutate(Bytes, Random));
     }
-    std::printf("%zu inputs and %d mutations of each\n", aFiles.size(), cnMutations);
+    std::printf("%zu inputs and %d mutations of each\n", aFiles.size(), nMutations);
     return 0;
 }

@@ -252,8 +252,13 @@ TESSARIN_CALIBRATE_API long GetCalibrationWarningLevels(void* handle, double* di
  *         QMT_ERROR_TEMPLATE_SIZE            bitmapSize differs from what the header implies
  *         QMT_ERROR_BITMAP_BITCOUNT          1, 4 or 16 bits
  *         QMT_ERROR_BITMAP_PLANE             compressed, or 24 or 32 bits
- *         QMT_ERROR_INTERNAL                 width or height below 1
+ *         QMT_ERROR_INTERNAL                 width or height below 1; a single line with oddLines
+ *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  ThinPlateSpline without a prepared table, as with
+ *                                            PrecalculatedData, and the points allow no smooth
+ *                                            mapping
  *         QMT_ERROR_BITMAP_DIMENSION         ThinPlateSpline and not the size of the scanner
+ *         QMT_ERROR_BITMAP_PELS              DynamicFingerMask, and the calibration data have no
+ *                                            resolution at which a finger could be sought
  *         QMT_ERROR_TEMPLATE_SIZE            *outBitmapSize was too small; it holds the size needed
  *         QMT_ERROR_OUT_OF_MEMORY            at any point
  *         QMT_SUCCESS
@@ -262,26 +267,36 @@ TESSARIN_CALIBRATE_API long Calibrate(void* handle, unsigned char* bitmap, unsig
                                       unsigned char* outBitmap, unsigned long* outBitmapSize);
 
 /**
- * Measures on a raw capture of the empty platen how contaminated the sensor is. Needs no
- * calibration data and looks at no option.
+ * Measures on a raw capture of the empty platen how contaminated the sensor is: everything but
+ * the frame of the sensor that differs from its surroundings counts, whatever the light. The level
+ * goes from 0.0, nothing found, to 100.0; each pixel that differs strongly adds 0.5, and weaker
+ * differences add by their mean. Needs no calibration data and looks at no option.
  *
- * @param bitmap     bitmap block as for Calibrate()
+ * @param bitmap     bitmap block as for Calibrate(), of any size in pixels; a finger on it counts
+ *                   as contamination
  * @param bitmapSize bytes of the block
  * @param result     receives the level; 101.0 on every failure but a null result
  * @return QMT_ERROR_TEMPLATE_SIZE_PTR  result is null
  *         QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_BITMAP_PTR         bitmap is null
- *         then the statuses of a bitmap block, as for Calibrate()
- *         QMT_SUCCESS
+ *         the statuses of a bitmap block, up to its size, as for Calibrate()
+ *         QMT_ERROR_BITMAP_BITCOUNT    1, 4 or 16 bits
+ *         QMT_ERROR_INTERNAL           24 or 32 bits; width or height below 1
+ *         QMT_ERROR_OUT_OF_MEMORY      at any point
+ *         QMT_SUCCESS                  also for a compressed block, in which nothing is found
  */
 TESSARIN_CALIBRATE_API long ContaminationDetection(void* handle, unsigned char* bitmap,
                                                    unsigned long bitmapSize, double* result);
 
 /**
- * Measures the geometric accuracy of a corrected image of the dot target: the percentage of dot
- * distances within the limits that the EFTS sets for image quality.
+ * Measures the geometric accuracy of a corrected image of the dot target: the percentage of all
+ * 2775 distances between two dots that keep the limits which the EFTS sets for image quality at
+ * 500 dots per inch, 0.35 pixels below a distance of 35 pixels and 1 percent from there on. What
+ * is right is the target of the calibration data; where it lies in the image plays no part. Looks
+ * at no option and changes nothing.
  *
- * @param bitmap     bitmap block of the corrected image
+ * @param bitmap     bitmap block of the corrected image: as Calibrate() gives it for a capture of
+ *                   the target, with DynamicFingerMask=false
  * @param bitmapSize bytes of the block
  * @param result     receives the percentage, 0.0 to 100.0; left alone on failure
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
@@ -290,7 +305,10 @@ TESSARIN_CALIBRATE_API long ContaminationDetection(void* handle, unsigned char* 
  *         the statuses of a bitmap block, up to its size, as for Calibrate()
  *         QMT_ERROR_NOT_INITIALIZED    no calibration data
  *         the further statuses of a bitmap block
- *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the dots of the target were not found
+ *         QMT_ERROR_CURRUPT_DATA       the target of the calibration data has no resolution
+ *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the target was not found, not complete or too
+ *                                                 crooked
+ *         QMT_ERROR_OUT_OF_MEMORY
  *         QMT_SUCCESS
  */
 TESSARIN_CALIBRATE_API long CalibrateCheckEfts(void* handle, unsigned char* bitmap,
@@ -306,7 +324,10 @@ TESSARIN_CALIBRATE_API long CalibrateCheckEfts(void* handle, unsigned char* bitm
  *         QMT_ERROR_TEMPLATE_PTR          data is null; the data loaded before stays
  *         QMT_ERROR_UNEXPECTED_SIGNATURE  tags or version are not those of a calibration block
  *         QMT_ERROR_UNEXPECTED_EOF        the block ends early
- *         QMT_ERROR_CURRUPT_DATA          checksum, counts or points are wrong
+ *         QMT_ERROR_CURRUPT_DATA          checksum, counts or points are wrong: the target points
+ *                                         are not the pattern's within 10 pixels, or a step from
+ *                                         dot to dot in the capture differs from the mean step by
+ *                                         more than 30 percent
  *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the points allow no smooth mapping
  *         QMT_ERROR_OUT_OF_MEMORY
  *         QMT_SUCCESS
@@ -325,6 +346,7 @@ TESSARIN_CALIBRATE_API long CalibrateSetData(void* handle, unsigned char* data, 
  *         QMT_ERROR_NOT_INITIALIZED    no calibration data
  *         QMT_ERROR_TEMPLATE_SIZE      *size was too small; it holds the size needed
  *         QMT_ERROR_TEMPLATE_PTR       data is null; *size holds the size needed
+ *         QMT_ERROR_OUT_OF_MEMORY      at any point
  *         QMT_SUCCESS
  */
 TESSARIN_CALIBRATE_API long CalibrateGetData(void* handle, unsigned char* data,
@@ -355,9 +377,11 @@ TESSARIN_CALIBRATE_API long CalibrateGetPrecalculatedData(void* handle, unsigned
                                                           unsigned long* size);
 
 /**
- * Gives the measured geometry of one target plate, a calibration block, to be used by the next
- * CalibrateGenerateData() in place of the ideal pattern. The calibration data of the handle is
- * dropped in any case.
+ * Gives the measured geometry of one target plate, the target points of a calibration block, to be
+ * used by every later CalibrateGenerateData() of the handle in place of the ideal pattern. The
+ * calibration data of the handle is dropped in any case. Whether the points are those of a target
+ * is asked when they are used. After a failure the reference holds what was read of the block:
+ * give another one before generating.
  *
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_TEMPLATE_PTR          data is null; nothing is dropped
@@ -369,15 +393,24 @@ TESSARIN_CALIBRATE_API long CalibrateSetReferenceData(void* handle, unsigned cha
                                                       unsigned long size);
 
 /**
- * Derives the calibration data of a scanner from a capture of the dot target.
+ * Derives the calibration data of a scanner from a capture of the dot target: dark dots on bright
+ * ground, 7 columns of 10, 11, 11, 11, 11, 11 and 10 dots of 0.8 mm, 2 mm apart. The warp table is
+ * prepared, too, whatever the option PrecalculatedData says. CalibrateGetData() and
+ * CalibrateGetPrecalculatedData() then give the blocks to keep with the scanner.
  *
- * @param bitmap     bitmap block of the capture
- * @param bitmapSize bytes of the block
+ * @param bitmap     bitmap block of the capture: 8 bits, one plane, not compressed, about 493 x
+ *                   1009 dots per inch whatever its header says. Its size in pixels becomes that
+ *                   of all captures of the scanner.
+ * @param bitmapSize bytes of the block; must be exactly what its header implies
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_BITMAP_PTR  bitmap is null; the data loaded before stays
  *         the statuses of a bitmap block, as for Calibrate()
  *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the target was not found, not complete or too
- *                               crooked
+ *                                                 crooked; the log has the words
+ *         QMT_ERROR_CURRUPT_DATA  the reference of CalibrateSetReferenceData() is not that of a
+ *                                 target
+ *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the reference allows no smooth mapping
+ *         QMT_ERROR_OUT_OF_MEMORY
  *         QMT_SUCCESS
  * After every failure but the first three the handle holds no calibration data.
  */

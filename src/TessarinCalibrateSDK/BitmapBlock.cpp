@@ -53,7 +53,12 @@ void Attach(const ClBitmap& Bitmap, ClImage& Image) {
         throw ClException("bitmap bit depth not supported\n", QMT_ERROR_BITMAP_BITCOUNT, true,
                           VEK_HERE);
     Image.Attach(Bitmap);
-    if (Image.Planes() == 1 && (Image.Width() < 1 || Image.Height() < 1))
+    if (Image.Planes() == 1)
+        CheckArea(Image);
+}
+
+void CheckArea(const ClImage& Image) {
+    if (Image.Planes() > 0 && (Image.Width() < 1 || Image.Height() < 1))
         throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, true, VEK_HERE);
 }
 

@@ -23,4 +23,7 @@ long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& Bitmap);
 /// decision.
 void Attach(const ClBitmap& Bitmap, ClImage& Image);
 
+/// Throws "Image area must be positive" (-101) for planes without pixels, whatever their number.
+void CheckArea(const ClImage& Image);
+
 } // namespace BitmapBlock

@@ -56,9 +56,7 @@ void ClIpCalibrateLumivane2::Read(ClStream& stream) {
     m_GeometricBicubic.m_pOutImage = nullptr;
     if (!m_bPrecalculatedData)
         ApplyWarp(nullptr, nullptr); // without images it prepares the table
-    m_Rescale.m_nNewPelsX = static_cast<int>(m_CalibrationData.m_nTargetPelsX);
-    m_Rescale.m_nNewPelsY = static_cast<int>(m_CalibrationData.m_nTargetPelsY);
-    m_Rescale.m_eMode = ClIpRescale::ModeBiCubic;
+    RescaleToTarget();
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Read() Leaving");
 }
 

@@ -1,5 +1,6 @@
 // The exported functions that take a bitmap and work on it.
 
+#include "FingerCoding/IpQK7FunctionalityCheck.h"
 #include "TessarinCalibrateSDK/BitmapBlock.h"
 #include "TessarinCalibrateSDK/CallFrame.h"
 #include "Tools/FpImage.h"
@@ -83,14 +84,21 @@ long ContaminationDetection(void* handle, unsigned char* bitmap, unsigned long b
         return CallFrame::Leave(Texts, nCode);
     if (bitmap == nullptr)
         return CallFrame::Leave(Texts, QMT_ERROR_BITMAP_PTR);
-    return CallFrame::Run(Texts, [&]() -> long {
+    return CallFrame::Run(Texts, [&] {
         ClBitmap Bitmap;
         if (const long nCode = BitmapBlock::Copy(bitmap, bitmapSize, Bitmap))
             return nCode;
         ClImage In;
+        ClImage Out;
         BitmapBlock::Attach(Bitmap, In);
-        throw ClException("Contamination detection is not part of this version", QMT_ERROR_INTERNAL,
-                          true, VEK_HERE);
+        BitmapBlock::CheckArea(In);
+        ClIpQK7FunctionalityCheck Check;
+        Check.m_pInImage = &In;
+        Check.m_pOutImage = &Out;
+        Check.Apply(); // without pixels, of a compressed block, nothing is found
+        *result = Check.m_dOutDefectWarningLevel;
+        VekLFLog(Vek::eLogTrace, "Result of contamination detection is %6.2f", *result);
+        return QMT_SUCCESS;
     });
 }
 

@@ -1,6 +1,6 @@
 #include "TessarinCalibrateSDK/IpCalibrateLumivane2.h"
 
-#include "Calibrate/RecordLimits.h"
+#include "Calibrate/IpCalibrateGeometricBuildRefPointsQK7.h"
 #include "ImageProcessing/IpFilterBase.h"
 #include "ImageProcessing/IpUnsharpMasking.h"
 #include "Tools/Allocate.h"
@@ -70,10 +70,11 @@ long ClIpCalibrateLumivane2::Process() {
 
     ClImage corrected;
     CorrectGeometry(corrected);
+    m_DynamicCalibration.m_pInImage = &corrected;
     if (m_bDynamicFingerMask)
-        throw ClException("Dynamic calibration is not part of this version",
-                          QMT_ERROR_INVALID_OPTIONS_SETTING, true, VEK_HERE);
-    *m_pOutImage = corrected;
+        CorrectBrightness();
+    else
+        *m_pOutImage = corrected;
 
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Process() Leaving(%d), %s", 0,
              GetErrorDescriptionIntern(0));
@@ -102,6 +103,14 @@ void ClIpCalibrateLumivane2::CorrectGeometry(ClImage& corrected) {
     }
 }
 
+void ClIpCalibrateLumivane2::CorrectBrightness() {
+    ClImage scratch; // takes the calibrated image where the caller asks for the mask
+    m_DynamicCalibration.m_pOutImage = m_bMaskIsOutput ? &scratch : m_pOutImage;
+    m_DynamicCalibration.m_pOutMaskImage = m_bMaskIsOutput ? m_pOutImage : nullptr;
+    m_DynamicCalibration.m_bSensitiveMode = m_bSensitiveMode;
+    ThrowIfFailed(m_DynamicCalibration.Apply(), __LINE__);
+}
+
 void ClIpCalibrateLumivane2::Sharpen(ClImage& sharpened) {
     ClIpUnsharpMasking unsharp;
     unsharp.m_dGaussSigma = cdSharpenSigma;
@@ -110,7 +119,7 @@ void ClIpCalibrateLumivane2::Sharpen(ClImage& sharpened) {
 }
 
 void ClIpCalibrateLumivane2::ApplyWarp(ClImage* pIn, ClImage* pOut) {
-    if (!m_GeometricBicubic.HasTable()) // a preparation that failed leaves its numbers behind
+    if (m_GeometricBicubic.IsUnfinished())
         m_GeometricBicubic.Reset();
     m_GeometricBicubic.m_pInImage = pIn;
     m_GeometricBicubic.m_pOutImage = pOut;
@@ -155,21 +164,32 @@ void ClIpCalibrateLumivane2::Setup() {
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
     CheckGrey(*m_pInImage);
     m_GeometricBicubic.Reset();
-    throw ClException("Generating calibration data is not part of this version",
-                      QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, true, VEK_HERE);
+    LocateTarget();
+    m_CalibrationData.Log();
+    m_GeometricBicubic.m_pData = &m_CalibrationData;
+    ApplyWarp(nullptr, nullptr); // without images it prepares the table
+    RescaleToTarget();
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Setup() Leaving");
 }
 
-double ClIpCalibrateLumivane2::Compare() {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Compare() Enter");
-    if (m_pInImage == nullptr)
-        throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
-    CheckGrey(*m_pInImage);
-    throw ClException("The accuracy check is not part of this version",
-                      QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, true, VEK_HERE);
+void ClIpCalibrateLumivane2::LocateTarget() {
+    ClIpCalibrateGeometricBuildRefPointsQK7 builder;
+    builder.m_bBrightDots = !builder.m_bBrightDots; // the target is printed dark on bright
+    builder.m_pInImage = m_pInImage;
+    builder.m_pRefData = m_TargetData.m_aTarget.Entries() != 0 ? &m_TargetData : nullptr;
+    builder.m_pOutData = &m_CalibrationData;
+    ThrowIfFailed(builder.Apply(), __LINE__);
+}
+
+void ClIpCalibrateLumivane2::RescaleToTarget() {
+    m_Rescale.m_nNewPelsX = static_cast<int>(m_CalibrationData.m_nTargetPelsX);
+    m_Rescale.m_nNewPelsY = static_cast<int>(m_CalibrationData.m_nTargetPelsY);
+    m_Rescale.m_eMode = ClIpRescale::ModeBiCubic;
 }
 
 void ClIpCalibrateLumivane2::CheckGeometricDataTarget(const ClCalibrateGeometricData& data) {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CheckGeometricDataTarget() Enter");
-    CheckRecordLimits(data);
+    ClIpCalibrateGeometricBuildRefPointsQK7 builder;
+    builder.ValidateCalibrationData(data);
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CheckGeometricDataTarget() Leaving");
 }

@@ -7,6 +7,7 @@
 
 #include "Calibrate/CalibrateGeometricData.h"
 #include "Calibrate/IpCalibrateGeometricBicubic.h"
+#include "FingerCoding/IpQK7DynamicCalibration30.h"
 #include "ImageProcessing/IpRescale.h"
 #include "Tools/ProcessorBase.h"
 
@@ -39,11 +40,15 @@ public:
     /// Drops the calibration data, and nothing else.
     void Clear();
 
-    /// Derives the calibration data from a capture of the dot target in `*m_pInImage`.
+    /// Derives the calibration data from a capture of the dot target in `*m_pInImage`, on the
+    /// reference target if there is one, and prepares the table. Throws -37 for a missing input,
+    /// -11 unless it is one plane of grey values, -600 where the target was not found, not complete
+    /// or too crooked, -39 for a reference target that is none; the calibration data is then
+    /// partly filled.
     void Setup();
 
     /// Measures the geometric accuracy of a corrected image of the target in `*m_pInImage`:
-    /// percent of the distances within the limits.
+    /// percent of the distances between dots that keep the limits. Throws as Setup().
     double Compare();
 
     /// Every second line of `source`, the first one included, at half its vertical resolution.
@@ -71,8 +76,8 @@ public:
     ClImage* m_pInImage = nullptr;  ///< borrowed for one call
     ClImage* m_pOutImage = nullptr; ///< borrowed for one call
 
-    double m_dDirtWarningLevel = 0.0;      ///< of the last dynamic calibration
-    double m_dDryFingerWarningLevel = 0.0; ///< of the last dynamic calibration
+    /// Its levels stay as the last run left them.
+    ClIpQK7DynamicCalibration30 m_DynamicCalibration;
 
     bool m_bSensitiveMode = false;
     bool m_bDynamicFingerMask = true;
@@ -90,4 +95,7 @@ private:
     void CorrectGeometry(ClImage& corrected);
     void Sharpen(ClImage& sharpened);
     void ApplyWarp(ClImage* pIn, ClImage* pOut);
+    void CorrectBrightness();
+    void LocateTarget();
+    void RescaleToTarget();
 };

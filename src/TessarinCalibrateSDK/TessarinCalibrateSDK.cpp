@@ -245,9 +245,9 @@ long GetCalibrationWarningLevels(void* handle, double* dirtLevel, double* dryFin
     if (const long nCode = CheckHandle(handle, &pProcessor))
         return CallFrame::Leave(Texts, nCode);
     if (dirtLevel != nullptr)
-        *dirtLevel = pProcessor->m_dDirtWarningLevel;
+        *dirtLevel = pProcessor->m_DynamicCalibration.m_dDirtWarningLevel;
     if (dryFingerLevel != nullptr)
-        *dryFingerLevel = pProcessor->m_dDryFingerWarningLevel;
+        *dryFingerLevel = pProcessor->m_DynamicCalibration.m_dDryFingerWarningLevel;
     return CallFrame::Leave(Texts, QMT_SUCCESS);
 }
 

@@ -84,12 +84,12 @@ TEST(CalibrationBlocks, ReadPreparesTheTable) {
 }
 
 TEST(CalibrationBlocks, ReadSetsTheRescalerToTheTargetsResolution) {
+    StRecord Record = PlausibleRecord();
+    Record.m_nTargetPelsY = 2470; // of 2461: the pattern is still the same within its tolerance
     Engine Tested;
-    Read(Tested, RecordBlock(PlausibleRecord()));
-    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsX,
-              static_cast<int>(Tested.m_CalibrationData.m_nTargetPelsX));
-    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsY,
-              static_cast<int>(Tested.m_CalibrationData.m_nTargetPelsY));
+    Read(Tested, RecordBlock(Record));
+    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsX, 2461);
+    EXPECT_EQ(Tested.m_Rescale.m_nNewPelsY, 2470);
     EXPECT_EQ(Tested.m_Rescale.m_eMode, ClIpRescale::ModeBiCubic);
 }
 
@@ -174,8 +174,7 @@ TEST(CalibrationBlocks, ReadChecksTheRecordBeforeItPrepares) {
 
 TEST(CalibrationBlocks, ReadPassesTheSplinesFailures) {
     StRecord Record = PlausibleRecord();
-    for (TestSupport::StPoint& Point : Record.m_aTarget)
-        Point = {10, 10};
+    Record.m_aTarget[1] = Record.m_aTarget[0]; // near enough to the pattern, and no mapping
     Engine Tested;
     EXPECT_NUMBER(Read(Tested, RecordBlock(Record)), -600);
 }
@@ -199,6 +198,18 @@ TEST(CalibrationBlocks, ReadTargetFillsTheReferenceAlone) {
     EXPECT_FALSE(Tested.IsInitialized());
     EXPECT_EQ(Tested.m_GeometricBicubic.m_pData, nullptr);
     EXPECT_FALSE(Tested.m_GeometricBicubic.HasTable());
+}
+
+TEST(CalibrationBlocks, ReadTargetLeavesDataAndTable) {
+    Engine Tested;
+    Read(Tested, RecordBlock(PlausibleRecord()));
+    const Bytes aTable = WrittenPrecalculated(Tested);
+    StRecord Reference = PlausibleRecord();
+    Reference.m_aTarget[7].x += 1.0f;
+    ReadTarget(Tested, RecordBlock(Reference));
+    EXPECT_EQ(Written(Tested), RecordBlock(PlausibleRecord()));
+    EXPECT_EQ(WrittenPrecalculated(Tested), aTable);
+    EXPECT_EQ(Tested.m_TargetData.m_aTarget[7].x, static_cast<double>(Reference.m_aTarget[7].x));
 }
 
 TEST(CalibrationBlocks, FailedReadTargetKeepsWhatWasRead) {

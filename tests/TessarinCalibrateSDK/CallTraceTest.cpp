@@ -170,6 +170,30 @@ TEST(CallTrace, Calibrate) {
                  "Calibrate/IpCalibrateGeometricBase");
 }
 
+TEST(CallTrace, CalibrateLeavesTwoLinesForArgumentsThatItRefuses) {
+    StOwn Own;
+    Own.Load();
+    Bytes aIn = Capture();
+    Bytes aOut(100000);
+    unsigned long nSize = aOut.size();
+    const auto Expect = [&](long nCode, Bytes* pIn, Bytes* pOut, unsigned long* pSize) {
+        unsigned char* pInData = pIn != nullptr ? pIn->data() : nullptr;
+        unsigned char* pOutData = pOut != nullptr ? pOut->data() : nullptr;
+        EXPECT_EQ(LinesOf([&] { Calibrate(Own.Handle(), pInData, aIn.size(), pOutData, pSize); }),
+                  (Lines{Trace(Printed("Calibrate(0x%p, 0x%p, %d, 0x%p, 0x%p) Enter", Own.Handle(),
+                                       static_cast<void*>(pInData), static_cast<int>(aIn.size()),
+                                       static_cast<void*>(pOutData), static_cast<void*>(pSize))),
+                         Leaving("Calibrate", nCode)}));
+    };
+    Expect(-10, nullptr, &aOut, &nSize);
+    Expect(-10, &aIn, &aIn, &nSize);
+    Expect(-24, &aIn, &aOut, nullptr);
+    Expect(-10, &aIn, nullptr, &nSize);
+    Own.m_Processor.m_bDynamicFingerMask = true;
+    Own.m_Processor.m_eGeometricMode = ClIpCalibrateLumivane2::eGeometricOff;
+    Expect(-45, &aIn, &aOut, &nSize);
+}
+
 TEST(CallTrace, CalibrateShowsTheEngineAtWork) {
     StOwn Own;
     Own.Load();
@@ -222,6 +246,10 @@ TEST(CallTrace, CalibrateCheckEfts) {
     const auto Run = [&](double* pResult) {
         return LinesOf([&] { CalibrateCheckEfts(Own.Handle(), aIn.data(), aIn.size(), pResult); });
     };
+    EXPECT_EQ(LinesOf([&] { CalibrateCheckEfts(Own.Handle(), nullptr, 5, nullptr); }),
+              (Lines{Trace(Printed("CalibrateCheckEfts(0x%p, 0x%p, %d, 0x%p) Enter", Own.Handle(),
+                                   Null(), 5, Null())),
+                     Leaving("CalibrateCheckEfts", -10)}));
     EXPECT_EQ(Run(nullptr), (Lines{Trace(Entered(nullptr)), Leaving("CalibrateCheckEfts", -23)}));
     EXPECT_EQ(Run(&dResult), (Lines{Trace(Entered(&dResult)), Leaving("CalibrateCheckEfts", -2)}));
     aIn.push_back(0);
@@ -277,7 +305,8 @@ TEST(CallTrace, SetDataShowsTheVersionOfAnyLayout) {
     };
     EXPECT_EQ(VersionLine(RecordBlock(PlausibleRecord(), 3)),
               Trace("CalibrateSetData() Version of calibration data is 003"));
-    EXPECT_EQ(VersionLine(RecordBlock(PlausibleRecord(), 0, "002", "Cal", "Lmv")),
+    const TestSupport::StRecord Old = PlausibleRecord(390, 1052, 320, 480, 19685);
+    EXPECT_EQ(VersionLine(RecordBlock(Old, 0, "002", "Cal", "Lmv")),
               Trace("CalibrateSetData() Version of calibration data is 002"));
     EXPECT_EQ(VersionLine(RecordBlock(PlausibleRecord(), 5, "5")),
               Trace("CalibrateSetData() Version of calibration data is 5"));
@@ -338,6 +367,27 @@ TEST(CallTrace, SetAndGetPrecalculatedData) {
                                    Own.Handle(), Null(), static_cast<void*>(&nSize))),
                      Trace(Printed("CalibrateGetPrecalculatedData OldSize=0 NewSize=%d", nBlock)),
                      Leaving("CalibrateGetPrecalculatedData", -21)}));
+}
+
+TEST(CallTrace, GetPrecalculatedData) {
+    StOwn Own;
+    const std::string Name = "CalibrateGetPrecalculatedData";
+    unsigned long nSize = 100000;
+    const auto Run = [&](unsigned long* pSize) {
+        return LinesOf([&] { CalibrateGetPrecalculatedData(Own.Handle(), nullptr, pSize); });
+    };
+    const auto Entered = [&](unsigned long* pSize) {
+        return Trace(Printed("CalibrateGetPrecalculatedData(0x%p, 0x%p, 0x%p) Enter", Own.Handle(),
+                             Null(), static_cast<void*>(pSize)));
+    };
+    EXPECT_EQ(Run(nullptr), (Lines{Entered(nullptr), Leaving(Name, -24)}));
+    EXPECT_EQ(Run(&nSize), (Lines{Entered(&nSize), Leaving(Name, -2)}));
+    Bytes aRecord = RecordBlock(PlausibleRecord());
+    CalibrateSetData(Own.Handle(), aRecord.data(), aRecord.size());
+    EXPECT_EQ(
+        Run(&nSize), // 40 x 60 entries behind header, hash and record, an end magic
+        (Lines{Entered(&nSize), Trace("CalibrateGetPrecalculatedData OldSize=100000 NewSize=86526"),
+               Leaving(Name, -20)}));
 }
 
 TEST(CallTrace, GenerateData) {

@@ -271,6 +271,30 @@ TEST(Handle, WarningLevelsAreThoseOfTheProcessor) {
     EXPECT_EQ(GetCalibrationWarningLevels(&Own.m_Record, &dDirt, &dDry), 0);
     EXPECT_EQ(dDirt, 0.0);
     EXPECT_EQ(dDry, 0.0);
+    Own.m_Processor.m_DynamicCalibration.m_dDirtWarningLevel = 1234.5;
+    Own.m_Processor.m_DynamicCalibration.m_dDryFingerWarningLevel = 6.75;
+    EXPECT_EQ(GetCalibrationWarningLevels(&Own.m_Record, &dDirt, &dDry), 0);
+    EXPECT_EQ(dDirt, 1234.5);
+    EXPECT_EQ(dDry, 6.75);
+}
+
+TEST(Handle, WarningLevelsMayBeAskedForOneByOne) {
+    StOwnHandle Own;
+    Own.m_Processor.m_DynamicCalibration.m_dDirtWarningLevel = 1234.5;
+    Own.m_Processor.m_DynamicCalibration.m_dDryFingerWarningLevel = 6.75;
+    double dDirt = -1;
+    double dDry = -1;
+    EXPECT_EQ(GetCalibrationWarningLevels(&Own.m_Record, &dDirt, nullptr), 0);
+    EXPECT_EQ(dDirt, 1234.5);
+    EXPECT_EQ(GetCalibrationWarningLevels(&Own.m_Record, nullptr, &dDry), 0);
+    EXPECT_EQ(dDry, 6.75);
     EXPECT_EQ(GetCalibrationWarningLevels(&Own.m_Record, nullptr, nullptr), 0);
+}
+
+TEST(Handle, WarningLevelsWithoutAHandleAreLeft) {
+    double dDirt = -1;
+    double dDry = -2;
     EXPECT_EQ(GetCalibrationWarningLevels(nullptr, &dDirt, &dDry), -42);
+    EXPECT_EQ(dDirt, -1);
+    EXPECT_EQ(dDry, -2);
 }

@@ -200,4 +200,12 @@ TEST(IpCalibrateLumivane2Images, RecordsAreChecked) {
     Data.m_aActual[0][3].y = std::numeric_limits<double>::infinity();
     EXPECT_THROWS(Engine.CheckGeometricDataTarget(Data), ClException, -39,
                   "Source data is corrupt");
+    Fill(PlausibleRecord(), Data);
+    Data.m_aTarget[3].y += 11.0; // pixels
+    EXPECT_THROWS(Engine.CheckGeometricDataTarget(Data), ClException, -39,
+                  "Target data is corrupt");
+    Fill(PlausibleRecord(), Data);
+    Data.m_aActual[0][3].y += 4.0; // of a step of 10.8
+    EXPECT_THROWS(Engine.CheckGeometricDataTarget(Data), ClException, -39,
+                  "Source data is corrupt");
 }

@@ -301,6 +301,111 @@ TEST(IpCalibrateLumivane2, InputIsUnchanged) {
     }
 }
 
+// The dynamic step. A capture of one grey value shows no finger: image and mask are white.
+
+namespace {
+
+struct StDynamic : StReady {
+    StDynamic() : StReady(Engine::eOddLines) {
+        m_In = static_cast<unsigned char>(100);
+        m_Engine.m_bDynamicFingerMask = true;
+    }
+
+    const ClIpQK7DynamicCalibration30& Step() const { return m_Engine.m_DynamicCalibration; }
+};
+
+bool IsWhite(const ClImage& Image) {
+    for (int y = 0; y < Image.Height(); ++y)
+        for (int x = 0; x < Image.Width(); ++x)
+            if (Image.LineData(y)[x] != 255)
+                return false;
+    return Image.Width() > 0;
+}
+
+} // namespace
+
+TEST(IpCalibrateLumivane2, DynamicStepGivesTheImage) {
+    StDynamic Ready;
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    EXPECT_EQ(Ready.Step().m_pOutImage, &Ready.m_Out);
+    EXPECT_EQ(Ready.Step().m_pOutMaskImage, nullptr);
+    EXPECT_EQ(Ready.m_Out.Height(), 66);
+    EXPECT_TRUE(IsWhite(Ready.m_Out));
+    EXPECT_EQ(Ready.Step().m_dDirtWarningLevel, 100.0);
+}
+
+TEST(IpCalibrateLumivane2, DynamicStepGivesTheMaskWhereItIsAskedFor) {
+    StDynamic Ready;
+    Ready.m_Engine.m_bMaskIsOutput = true;
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    EXPECT_EQ(Ready.Step().m_pOutMaskImage, &Ready.m_Out);
+    EXPECT_NE(Ready.Step().m_pOutImage, &Ready.m_Out); // it is dropped
+    EXPECT_EQ(Ready.m_Out.Height(), 66);
+    EXPECT_TRUE(IsWhite(Ready.m_Out));
+}
+
+TEST(IpCalibrateLumivane2, DynamicStepLeavesTheMaskOfAnEarlierRun) {
+    StDynamic Ready;
+    ClImage Mask;
+    Ready.m_Engine.m_bMaskIsOutput = true;
+    Ready.m_Engine.m_pOutImage = &Mask;
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    Mask = static_cast<unsigned char>(77);
+    Ready.m_Engine.m_bMaskIsOutput = false;
+    Ready.m_Engine.m_pOutImage = &Ready.m_Out;
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    EXPECT_EQ(Mask.LineData(65)[47], 77);
+    EXPECT_TRUE(IsWhite(Ready.m_Out));
+}
+
+TEST(IpCalibrateLumivane2, DynamicStepFollowsTheSensitiveMode) {
+    StDynamic Ready;
+    for (const bool bSensitive : {true, false, true}) {
+        Ready.m_Engine.m_bSensitiveMode = bSensitive;
+        ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+        EXPECT_EQ(Ready.Step().m_bSensitiveMode, bSensitive);
+    }
+    Ready.m_Engine.m_bDynamicFingerMask = false;
+    Ready.m_Engine.m_bSensitiveMode = false;
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    EXPECT_TRUE(Ready.Step().m_bSensitiveMode); // as the last run left it
+}
+
+TEST(IpCalibrateLumivane2, DynamicStepHasItsInputWhetherOrNotItRuns) {
+    for (const bool bDynamic : {false, true}) {
+        StDynamic Ready;
+        Ready.m_Engine.m_bDynamicFingerMask = bDynamic;
+        int nHeight = 0;
+        ClLogCapture Log;
+        Log.m_OnLine = [&](const TestSupport::StLogLine& Line) {
+            if (Line.m_Text.find("ClIpCalibrateQK7::Process() Leaving") == 0 &&
+                Ready.Step().m_pInImage != nullptr)
+                nHeight = Ready.Step().m_pInImage->Height();
+        };
+        ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+        EXPECT_EQ(nHeight, 66);
+    }
+}
+
+// The log function takes the output away behind the test for it: the step answers that it is
+// missing, and does not throw.
+TEST(IpCalibrateLumivane2, AnswersOfAStepAreThrown) {
+    StDynamic Ready;
+    ClLogCapture Log;
+    Log.m_OnLine = [&](const TestSupport::StLogLine& Line) {
+        if (Line.m_Text == "ClIpCalibrateQK7::CopyOddLineImage() Leaving")
+            Ready.m_Engine.m_pOutImage = nullptr;
+    };
+    try {
+        Ready.m_Engine.Apply();
+        ADD_FAILURE();
+    } catch (const ClExTessarin& e) {
+        EXPECT_EQ(e.Number(), -37);
+        EXPECT_STREQ(e.File(), "TessarinCalibrateSDK/IpCalibrateLumivane2");
+    }
+    EXPECT_TRUE(Ready.m_Engine.IsInitialized());
+}
+
 // Trace
 
 TEST(IpCalibrateLumivane2, TracesARunInModeOff) {

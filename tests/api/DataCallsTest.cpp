@@ -132,11 +132,31 @@ TEST(CalibrateSetData, OfPointsWithoutAMappingLeavesNothing) {
     StRecord Record = PlausibleRecord();
     Record.m_aTarget[1] = Record.m_aTarget[0];
     StLoaded Handle;
-    const long nStatus = Handle.SetData(RecordBlock(Record));
-    EXPECT_TRUE(nStatus == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE ||
-                nStatus == QMT_ERROR_CURRUPT_DATA)
-        << nStatus;
+    EXPECT_EQ(Handle.SetData(RecordBlock(Record)), QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE);
     EXPECT_FALSE(Handle.IsReady());
+}
+
+TEST(CalibrateSetData, OfImplausiblePointsLeavesNothing) {
+    StRecord TargetOff = PlausibleRecord(390, 1052, 320, 480, 19685);
+    TargetOff.m_aTarget[30].y += 11.0f; // pixels
+    StRecord ActualOff = PlausibleRecord();
+    ActualOff.m_aActual[0][30].y += 4.0f; // of a step of 10.8
+    StRecord Mirrored = PlausibleRecord();
+    for (TestSupport::StPoint& Point : Mirrored.m_aActual[0])
+        Point.x = 48.0f - Point.x;
+    for (const StRecord& Record : {TargetOff, ActualOff, Mirrored}) {
+        StLoaded Handle;
+        EXPECT_EQ(Handle.SetData(RecordBlock(Record)), QMT_ERROR_CURRUPT_DATA);
+        EXPECT_FALSE(Handle.IsReady());
+    }
+}
+
+TEST(CalibrateSetData, TakesATargetThatIsShiftedAsAWhole) {
+    StRecord Record = PlausibleRecord();
+    for (TestSupport::StPoint& Point : Record.m_aTarget)
+        Point = {Point.x + 100.0f, Point.y - 100.0f};
+    ClApiHandle Handle;
+    EXPECT_EQ(Handle.SetData(RecordBlock(Record)), 0);
 }
 
 TEST(CalibrateSetData, TakesBytesBehindTheBlock) {

@@ -59,6 +59,12 @@ void StoreBig(Bytes& rBlock, std::size_t nOffset, std::uint32_t nValue) {
         rBlock[nOffset + i] = static_cast<unsigned char>(nValue >> (24 - 8 * i));
 }
 
+/// A record that a layout can store: without a resolution of the target, its pattern is that of
+/// 500 dots per inch.
+StRecord OfLayout(int nLayout) {
+    return nLayout < 2 ? PlausibleRecord(390, 1052, 320, 480, 19685) : PlausibleRecord();
+}
+
 const std::uint32_t canExtremes[] = {
     0,          1,          2,          3,          4,          74,         75,         76,
     150,        255,        16384,      16385,      0xFFFF,     0x10000,    0x1FFFFFFF, 0x20000000,
@@ -122,7 +128,7 @@ TEST(HostileRecord, WithExtremeNumbersUnderARightChecksum) {
 TEST(HostileRecord, WithExtremeCountsUnderARightChecksum) {
     ClVictim Victim;
     for (int nLayout = 0; nLayout <= 6; ++nLayout) {
-        const Bytes aBlock = RecordBlock(PlausibleRecord(), nLayout);
+        const Bytes aBlock = RecordBlock(OfLayout(nLayout), nLayout);
         const std::size_t nSecond = aBlock.size() - (nLayout == 6 ? 4 : 0) - 75 * 8 - 4;
         for (const std::size_t nOffset : {nSecond - 75 * 8 - 4, nSecond})
             for (const std::uint32_t nValue : canExtremes) {

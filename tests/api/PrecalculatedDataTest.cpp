@@ -64,6 +64,20 @@ TEST(CalibratePrecalculatedData, IsPreparedByTheFirstRunWhereItIsMissing) {
     EXPECT_EQ(Handle.PrecalculatedData(), StLoaded().PrecalculatedData());
 }
 
+TEST(CalibratePrecalculatedData, ThatIsMissingFailsTheRunsOfPointsWithoutAMapping) {
+    StRecord Record = PlausibleRecord();
+    Record.m_aTarget[1] = Record.m_aTarget[0];
+    ClApiHandle Handle;
+    Handle.Set("PrecalculatedData=true");
+    ASSERT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+    for (int i = 0; i < 2; ++i) {
+        long nStatus = 0;
+        Handle.Corrected(Capture(i == 0 ? 48 : 5, 132), &nStatus); // before the size is looked at
+        EXPECT_EQ(nStatus, QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE);
+        EXPECT_TRUE(Handle.IsReady());
+    }
+}
+
 TEST(CalibratePrecalculatedData, WithoutATableIsRefused) {
     StWaiting Handle;
     const Bytes aBlock = Handle.PrecalculatedData();

@@ -58,5 +58,7 @@ extern "C" long VekLFLog(long level, const char* format, ...) {
     std::vsnprintf(szText, sizeof szText, format, arguments);
     va_end(arguments);
     TestSupport::Record(level, szText);
+    if (TestSupport::g_pInnermost->m_OnLine)
+        TestSupport::g_pInnermost->m_OnLine({level, szText});
     return 0;
 }

@@ -2,6 +2,7 @@
 
 /// The trace of the library, kept: this test program has a `VekLFLog` of its own.
 
+#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -33,6 +34,9 @@ public:
     /// The texts of one level, or of all levels for 0.
     std::vector<std::string> Texts(long nLevel = 0) const;
     bool Contains(const std::string& Text) const;
+
+    /// Called behind each line, with it; what it throws comes out of the place that logged.
+    std::function<void(const StLogLine&)> m_OnLine;
 
 private:
     friend void Record(long nLevel, const char* szText);
