@@ -40,70 +40,102 @@ double LargestDistance(const std::vector<ClVector>& aPoints) {
     return dLargest;
 }
 
-bool IsCrossing(const std::vector<double>& aCrossings, double dAt) {
-    return std::any_of(aCrossings.begin(), aCrossings.end(),
-                       [&](double d) { return std::fabs(d - dAt) < cnHalfWindow; });
+bool IsVertical(const sim::ClLine& Line) {
+    return std::fabs(Line.m_To.y - Line.m_From.y) > std::fabs(Line.m_To.x - Line.m_From.x);
 }
 
-/// Centres of one line in the corrected image; where other lines cross it, it has none.
-std::vector<ClVector> FollowLine(const unsigned char* pImage, bool bVertical, double dAt,
-                                 const std::vector<double>& aCrossings) {
-    std::vector<ClVector> aPoints;
-    const int nFrom = static_cast<int>(std::lround(dAt)) - cnHalfWindow;
+sim::ClPoint PointOn(const sim::ClLine& Line, double t) {
+    return {Line.m_From.x + t * (Line.m_To.x - Line.m_From.x),
+            Line.m_From.y + t * (Line.m_To.y - Line.m_From.y)};
+}
+
+/// Where along a line its coordinate of the running axis is `d`: 0 at its beginning, 1 at its end.
+double ParameterAt(const sim::ClLine& Line, double d) {
+    return IsVertical(Line) ? (d - Line.m_From.y) / (Line.m_To.y - Line.m_From.y)
+                            : (d - Line.m_From.x) / (Line.m_To.x - Line.m_From.x);
+}
+
+/// Whether one of the lines of the other direction passes near a place.
+bool IsCrossed(const std::vector<sim::ClLine>& aLines, bool bVertical, const sim::ClPoint& Place) {
+    return std::any_of(aLines.begin(), aLines.end(), [&](const sim::ClLine& Other) {
+        if (IsVertical(Other) == bVertical)
+            return false;
+        const sim::ClPoint p = PointOn(Other, ParameterAt(Other, bVertical ? Place.x : Place.y));
+        return std::fabs(bVertical ? p.y - Place.y : p.x - Place.x) < cnHalfWindow;
+    });
+}
+
+/// Whether the window across a line stays inside the image.
+bool HasWindow(bool bVertical, const sim::ClPoint& Place) {
+    const double dAcross = bVertical ? Place.x : Place.y;
+    return dAcross > cnMargin + cnHalfWindow &&
+           dAcross < (bVertical ? cnWidth : cnHeight) - cnMargin - cnHalfWindow;
+}
+
+/// The places of a line at which it can be followed, one per pixel along it; none where its window
+/// leaves the image anywhere.
+std::vector<sim::ClPoint> PlacesOf(const sim::ClLine& Line,
+                                   const std::vector<sim::ClLine>& aLines) {
+    const bool bVertical = IsVertical(Line);
     const int nLength = bVertical ? cnHeight : cnWidth;
+    std::vector<sim::ClPoint> aPlaces;
     for (int i = cnMargin; i < nLength - cnMargin; ++i) {
-        if (IsCrossing(aCrossings, i))
-            continue;
+        const sim::ClPoint Place = PointOn(Line, ParameterAt(Line, i));
+        if (!HasWindow(bVertical, Place))
+            return {};
+        if (!IsCrossed(aLines, bVertical, Place))
+            aPlaces.push_back(Place);
+    }
+    return aPlaces;
+}
+
+/// Centres of one line in the corrected image.
+std::vector<ClVector> FollowLine(const unsigned char* pImage, bool bVertical,
+                                 const std::vector<sim::ClPoint>& aPlaces) {
+    std::vector<ClVector> aPoints;
+    for (const sim::ClPoint& Place : aPlaces) {
+        const int nFrom =
+            static_cast<int>(std::lround(bVertical ? Place.x : Place.y)) - cnHalfWindow;
+        const int nAlong = static_cast<int>(std::lround(bVertical ? Place.y : Place.x));
         const unsigned char* pFirst =
-            bVertical ? pImage + i * cnWidth + nFrom : pImage + nFrom * cnWidth + i;
+            bVertical ? pImage + nAlong * cnWidth + nFrom : pImage + nFrom * cnWidth + nAlong;
         const double dCentre = DarkCentre(pFirst, bVertical ? 1 : cnWidth, nFrom);
         if (std::isfinite(dCentre))
-            aPoints.push_back(bVertical ? ClVector(dCentre, i) : ClVector(i, dCentre));
+            aPoints.push_back(bVertical ? ClVector(dCentre, nAlong) : ClVector(nAlong, dCentre));
     }
     return aPoints;
 }
 
 /// The same line where the scanner sees it, in the scale of the corrected image.
-std::vector<ClVector> SeeLine(const sim::ClScanner& Scanner, bool bVertical, double dAt) {
+std::vector<ClVector> SeeLine(const sim::ClScanner& Scanner, const sim::ClLine& PlatenLine,
+                              const sim::ClLine& Line, const std::vector<sim::ClPoint>& aPlaces) {
     std::vector<ClVector> aPoints;
-    const int nLength = bVertical ? cnHeight : cnWidth;
-    for (int i = cnMargin; i < nLength - cnMargin; ++i) {
-        const sim::ClPoint Raw = Scanner.RawFromFrame(bVertical ? sim::ClPoint{dAt, double(i)}
-                                                                : sim::ClPoint{double(i), dAt});
+    for (const sim::ClPoint& Place : aPlaces) {
+        const double t = ParameterAt(Line, IsVertical(Line) ? Place.y : Place.x);
+        const sim::ClPoint Raw = Scanner.RawFromPlaten(PointOn(PlatenLine, t));
         aPoints.emplace_back(Raw.x * sim::g_dFrameDpi / sim::g_dRawDpiX,
                              Raw.y * sim::g_dFrameDpi / sim::g_dRawDpiY);
     }
     return aPoints;
 }
 
-bool IsInside(double dAt, int nLength) {
-    return dAt > cnMargin + cnHalfWindow && dAt < nLength - cnMargin - cnHalfWindow;
-}
-
 } // namespace
 
-ClStraightness MeasureStraightness(const sim::ClScanner& Scanner, const sim::ClCapture& Capture,
+ClStraightness MeasureStraightness(const sim::ClScanner& Scanner,
+                                   const std::vector<sim::ClLine>& aPlatenLines,
+                                   const std::vector<sim::ClLine>& aLines,
                                    const unsigned char* pCorrected) {
-    std::vector<double> aVertical;
-    std::vector<double> aHorizontal;
-    for (const sim::ClLine& rLine : Capture.m_aLines) {
-        const bool bVertical =
-            std::fabs(rLine.m_To.y - rLine.m_From.y) > std::fabs(rLine.m_To.x - rLine.m_From.x);
-        (bVertical ? aVertical : aHorizontal)
-            .push_back(bVertical ? rLine.m_From.x : rLine.m_From.y);
-    }
     ClStraightness Result;
-    for (const bool bVertical : {true, false})
-        for (const double dAt : bVertical ? aVertical : aHorizontal) {
-            if (!IsInside(dAt, bVertical ? cnWidth : cnHeight))
-                continue;
-            const auto aSeen = SeeLine(Scanner, bVertical, dAt);
-            const auto aFollowed =
-                FollowLine(pCorrected, bVertical, dAt, bVertical ? aHorizontal : aVertical);
-            Result.m_dBefore = std::max(Result.m_dBefore, LargestDistance(aSeen));
-            Result.m_dAfter = std::max(Result.m_dAfter, LargestDistance(aFollowed));
-            ++Result.m_nLines;
-        }
+    for (std::size_t n = 0; n < aLines.size(); ++n) {
+        const std::vector<sim::ClPoint> aPlaces = PlacesOf(aLines[n], aLines);
+        if (aPlaces.empty())
+            continue;
+        const auto aSeen = SeeLine(Scanner, aPlatenLines[n], aLines[n], aPlaces);
+        const auto aFollowed = FollowLine(pCorrected, IsVertical(aLines[n]), aPlaces);
+        Result.m_dBefore = std::max(Result.m_dBefore, LargestDistance(aSeen));
+        Result.m_dAfter = std::max(Result.m_dAfter, LargestDistance(aFollowed));
+        ++Result.m_nLines;
+    }
     return Result;
 }
 
