@@ -1,5 +1,7 @@
 #include "apps/qk7/Advice.h"
 
+#include "apps/qk7/BitmapInfo.h"
+
 #include "TessarinCalibrateSDK.h"
 
 namespace qk7 {
@@ -40,7 +42,7 @@ const char* ForPrecalculated(long nNumber) {
     }
 }
 
-const char* ForCapture(long nNumber) {
+const char* ForBitmap(long nNumber) {
     switch (nNumber) {
     case QMT_ERROR_BITMAP_PLANE:
     case QMT_ERROR_BITMAP_BITCOUNT:
@@ -67,10 +69,24 @@ std::string Advice(EHanded eHanded, long nNumber) {
         return ForCalibration(nNumber);
     case EHanded::ePrecalculated:
         return ForPrecalculated(nNumber);
-    case EHanded::eCapture:
-        return ForCapture(nNumber);
+    case EHanded::eBitmap:
+        return ForBitmap(nNumber);
     }
     return "";
+}
+
+std::string BitmapAdvice(long nNumber, const Bytes& Block) {
+    try {
+        const StBitmapInfo info = ReadBitmapInfo(Block);
+        if (nNumber == QMT_ERROR_TEMPLATE_SIZE && info.m_nImpliedBytes)
+            return " Its header asks for " + std::to_string(*info.m_nImpliedBytes) +
+                   " bytes of header, palette and pixels; it has " +
+                   std::to_string(info.m_nBlockBytes) + ".";
+    } catch (const ClFailure& cutOff) {
+        if (nNumber == QMT_ERROR_TEMPLATE_SIZE)
+            return std::string(" It ") + cutOff.what() + ".";
+    }
+    return Advice(EHanded::eBitmap, nNumber);
 }
 
 } // namespace qk7

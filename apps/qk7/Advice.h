@@ -9,10 +9,13 @@
 namespace qk7 {
 
 /// What the library was handed when it answered with the status.
-enum class EHanded { eOption, eCalibration, ePrecalculated, eCapture };
+enum class EHanded { eOption, eCalibration, ePrecalculated, eBitmap };
 
 /// A sentence with a blank in front, or nothing where there is nothing to do.
 std::string Advice(EHanded eHanded, long nNumber);
+
+/// The same for a bitmap, with what its own header says about the status.
+std::string BitmapAdvice(long nNumber, const Bytes& Block);
 
 /// Runs `work`, which hands the library what is named `Subject`. A status becomes a `ClFailure`
 /// with a complete message: "x.cal: -39 The input is corrupt; ... It is damaged; restore it ...".
@@ -22,6 +25,16 @@ auto Handing(EHanded eHanded, const std::string& Subject, Work work) {
         return work();
     } catch (const ClLibraryError& error) {
         throw ClFailure(Subject, error.what() + Advice(eHanded, error.Number()));
+    }
+}
+
+/// The same for work on a bitmap block.
+template <class Work>
+auto HandingBitmap(const std::string& Subject, const Bytes& Block, Work work) {
+    try {
+        return work();
+    } catch (const ClLibraryError& error) {
+        throw ClFailure(Subject, error.what() + BitmapAdvice(error.Number(), Block));
     }
 }
 

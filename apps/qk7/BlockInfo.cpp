@@ -231,6 +231,16 @@ std::uint64_t PrecalculatedBytes(const StFrame& Target, std::uint32_t nPlanes) {
     return cnHeaderBytes + EntriesOf(Target, nPlanes) * cnEntrySize + 4;
 }
 
+std::size_t ExpectedPrecalculatedBytes(const Bytes& Calibration) {
+    try {
+        const StCalibrationInfo info = ReadCalibrationInfo(Calibration);
+        return std::min<std::size_t>(PrecalculatedBytes(info.m_Target, info.m_nPlanes),
+                                     cnFileLimit);
+    } catch (const ClFailure&) {
+        return 1;
+    }
+}
+
 std::uint32_t Checksum(const unsigned char* pData, std::size_t nSize) {
     std::uint32_t nCrc = 0xFFFFFFFFU;
     for (std::size_t i = 0; i < nSize; ++i) {

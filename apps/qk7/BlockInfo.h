@@ -82,6 +82,9 @@ StPrecalculatedInfo ReadPrecalculatedInfo(const Bytes& Block);
 
 /// The bytes of a precalculated block with a table for this frame and number of planes.
 std::uint64_t PrecalculatedBytes(const StFrame& Target, std::uint32_t nPlanes);
+/// The bytes of the precalculated block of a calibration block, no more than the tool handles; 1
+/// where the block is not readable.
+std::size_t ExpectedPrecalculatedBytes(const Bytes& Calibration);
 
 /// CRC-32/BZIP2: polynomial 0x04C11DB7, most significant bit first, start all ones, inverted.
 std::uint32_t Checksum(const unsigned char* pData, std::size_t nSize);

@@ -5,6 +5,7 @@
 #include "apps/qk7/BlockInfo.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
+#include "apps/qk7/FileReport.h"
 #include "apps/qk7/Handle.h"
 #include "apps/qk7/Progress.h"
 
@@ -29,6 +30,8 @@ struct StCall {
     std::vector<std::string> m_aOptions;
     std::vector<std::string> m_aInputs;
     std::string m_Output;
+    bool m_bVerbose = false;
+    bool m_bJson = false;
 };
 
 /// What is known about the scanner without asking the library; empty frames when nothing is.
@@ -106,38 +109,49 @@ std::string Pixels(std::int64_t nWidth, std::int64_t nHeight) {
     return std::to_string(nWidth) + " x " + std::to_string(nHeight);
 }
 
-/// What the capture's own header says about the status, else the general advice.
 std::string CaptureAdvice(long nNumber, const Bytes& Capture, const StScanner& Scanner) {
-    try {
-        const StBitmapInfo info = ReadBitmapInfo(Capture);
-        if (nNumber == QMT_ERROR_BITMAP_DIMENSION)
-            return " It has " + Pixels(info.m_nWidth, info.m_nHeight) +
-                   " pixels; this calibration is for captures of " +
-                   Pixels(Scanner.m_Source.m_nWidth, Scanner.m_Source.m_nHeight) + ".";
-        if (nNumber == QMT_ERROR_TEMPLATE_SIZE && info.m_nImpliedBytes)
-            return " Its header asks for " + std::to_string(*info.m_nImpliedBytes) +
-                   " bytes of header, palette and pixels; it has " +
-                   std::to_string(info.m_nBlockBytes) + ".";
-    } catch (const ClFailure& cutOff) {
-        if (nNumber == QMT_ERROR_TEMPLATE_SIZE)
-            return std::string(" It ") + cutOff.what() + ".";
-    }
-    return Advice(EHanded::eCapture, nNumber);
+    if (nNumber != QMT_ERROR_BITMAP_DIMENSION)
+        return BitmapAdvice(nNumber, Capture);
+    const StBitmapInfo info = ReadBitmapInfo(Capture);
+    return " It has " + Pixels(info.m_nWidth, info.m_nHeight) +
+           " pixels; this calibration is for captures of " +
+           Pixels(Scanner.m_Source.m_nWidth, Scanner.m_Source.m_nHeight) + ".";
 }
 
 void CalibrateFile(const ClHandle& Handle, const StScanner& Scanner, const std::string& Input,
                    const std::string& Output) {
-    Bytes capture = ReadFile(Input);
-    RemoveFileHeader(capture);
+    const Bytes capture = ReadBlock(Input);
     try {
-        const Bytes result = Handle.Calibrate(capture, ExpectedBytes(Scanner, capture.size()));
-        const Bytes header = FileHeaderFor(result);
-        WriteFile(Output, {&header, &result});
+        WriteBlock(Output, Handle.Calibrate(capture, ExpectedBytes(Scanner, capture.size())));
     } catch (const ClLibraryError& error) {
         throw ClFailure(Input, error.what() + CaptureAdvice(error.Number(), capture, Scanner));
     } catch (const std::bad_alloc& error) {
         throw ClFailure(Input, WordsOf(error));
     }
+}
+
+/// A dynamic calibration leaves levels, other work leaves those of an earlier capture.
+void AddLevels(const ClHandle& Handle, const std::string& Input, const std::string& Output,
+               ClFileReport& rReport) {
+    Json json = {{"file", Input}, {"output", Output}};
+    if (!Handle.IsEnabled("DynamicFingerMask")) {
+        json["dirt_level"] = nullptr;
+        json["dry_finger_level"] = nullptr;
+        rReport.Add(Input + ": no levels, as DynamicFingerMask is off\n", json);
+        return;
+    }
+    const StLevels levels = Handle.Levels();
+    json["dirt_level"] = levels.m_dDirt;
+    json["dry_finger_level"] = levels.m_dDryFinger;
+    rReport.Add(Input + ": dirt level " + Hundredths(levels.m_dDirt) + ", dry finger level " +
+                    Hundredths(levels.m_dDryFinger) + "\n",
+                json);
+}
+
+EForm FormOf(const StCall& Call) {
+    if (Call.m_bJson)
+        return EForm::eJson;
+    return Call.m_bVerbose ? EForm::eText : EForm::eSilent;
 }
 
 void RunCalibrate(const StCall& Call) {
@@ -146,19 +160,21 @@ void RunCalibrate(const StCall& Call) {
     const StScanner scanner = Prepare(Call, handle);
     if (IsFolder(Call))
         MakeDirectory(Call.m_Output);
-    ClFailures failures("calibrate");
+    ClFileReport report("calibrate", FormOf(Call));
     ClProgress progress(outputs.size());
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        progress.Begin(Call.m_aInputs[i]);
+        const std::string& input = Call.m_aInputs[i];
+        progress.Begin(input);
         try {
-            CalibrateFile(handle, scanner, Call.m_aInputs[i], outputs[i]);
+            CalibrateFile(handle, scanner, input, outputs[i]);
+            AddLevels(handle, input, outputs[i], report);
         } catch (const std::exception& error) {
-            failures.Add(error, &progress);
+            report.AddFailure(input, error, &progress);
         }
         progress.Done();
     }
     progress.Clear();
-    failures.End();
+    report.End();
 }
 
 } // namespace
@@ -189,6 +205,10 @@ void AddCalibrate(CLI::App& rApp) {
                      "whose files are named after the captures")
         ->required()
         ->type_name("OUT");
+    pCommand->add_flag("-v,--verbose", pCall->m_bVerbose,
+                       "Print the dirt level and the dry finger level of each capture");
+    pCommand->add_flag("--json", pCall->m_bJson,
+                       "Print the levels as an array with an object for each capture");
     pCommand->callback([pCall] { RunCalibrate(*pCall); });
 }
 

@@ -1,19 +1,16 @@
 /// `qk7 info`: tells what stands in calibration blocks, precalculated blocks and bitmaps.
 
 #include "apps/qk7/Commands.h"
-#include "apps/qk7/Console.h"
+#include "apps/qk7/FileReport.h"
 #include "apps/qk7/InfoReport.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <memory>
 
 namespace qk7 {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct StCall {
     std::vector<std::string> m_aFiles;
@@ -28,25 +25,18 @@ FileInfo ReadInfoOf(const std::string& Path, const Bytes& Content) {
     }
 }
 
-/// The text or the JSON of each file, in order. A file that fails has no text, but an object.
 void RunInfo(const StCall& Call) {
-    ClFailures failures("info");
-    std::string text;
-    Json json = Json::array();
+    ClFileReport report("info", Call.m_bJson ? EForm::eJson : EForm::eText);
     for (const std::string& path : Call.m_aFiles) {
         try {
             const Bytes content = ReadFile(path);
             const FileInfo info = ReadInfoOf(path, content);
-            text += TextOf(path, content.size(), info);
-            json.push_back(JsonOf(path, content.size(), info));
+            report.Add(TextOf(path, content.size(), info), JsonOf(path, content.size(), info));
         } catch (const std::exception& error) {
-            failures.Add(error);
-            json.push_back({{"file", path}, {"error", WordsOf(error)}});
+            report.AddFailure(path, error);
         }
     }
-    // A file name may be any bytes; JSON is UTF-8.
-    Print(Call.m_bJson ? json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n" : text);
-    failures.End();
+    report.End();
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include <algorithm>
 #include <memory>
 
 namespace qk7 {
@@ -19,23 +18,12 @@ struct StCall {
     std::string m_Output;
 };
 
-/// The size follows from the frame; 1 leaves the question to the library.
-std::size_t ExpectedBytes(const Bytes& Calibration) {
-    try {
-        const StCalibrationInfo info = ReadCalibrationInfo(Calibration);
-        return std::min<std::size_t>(PrecalculatedBytes(info.m_Target, info.m_nPlanes),
-                                     cnFileLimit);
-    } catch (const ClFailure&) {
-        return 1;
-    }
-}
-
 void RunPrecalculate(const StCall& Call) {
     const Bytes calibration = ReadFile(Call.m_Data);
     ClHandle handle;
     const Bytes table = Handing(EHanded::eCalibration, Call.m_Data, [&] {
         handle.SetData(calibration);
-        return handle.PrecalculatedData(ExpectedBytes(calibration));
+        return handle.PrecalculatedData(ExpectedPrecalculatedBytes(calibration));
     });
     WriteFile(Call.m_Output, {&table});
 }

@@ -7,13 +7,16 @@
 #include "sim/BitmapBlock.h"
 #include "sim/Capture.h"
 #include "sim/Record.h"
+#include "sim/TargetCases.h"
 
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace qk7 {
 
@@ -25,6 +28,7 @@ struct StCall {
     std::uint64_t m_nSeed = 1;
     unsigned int m_nCount = 1;
     std::vector<std::string> m_aKinds = {"loop"};
+    std::vector<std::string> m_aCases;
     std::string m_Output;
     bool m_bTruth = false;
 };
@@ -36,31 +40,60 @@ std::string PathIn(const StCall& Call, const std::string& Name) {
 /// One capture to make.
 struct StOrder {
     std::string m_File;
-    sim::EKind m_eKind;
+    std::string m_Kind;
+    std::optional<std::string> m_Case; ///< of the target
     std::uint64_t m_nSeed;
+    std::function<sim::ClCapture(const sim::ClScanner&)> m_Make;
 };
 
-/// The captures of a kind carry its name, with a number behind it where there are several. The
+/// The captures of a subject carry its name, with a number behind it where there are several. The
 /// number is also the capture's seed, so that more captures leave the first ones as they were.
-void AddOrders(std::vector<StOrder>& rOrders, const std::string& Kind, unsigned int nCount) {
+std::string FileName(const std::string& Subject, unsigned int nNumber, unsigned int nCount) {
+    return Subject + (nCount > 1 ? "_" + std::to_string(nNumber) : "") + ".bmp";
+}
+
+void AddKind(std::vector<StOrder>& rOrders, const std::string& Kind, unsigned int nCount) {
     sim::EKind eKind = sim::EKind::eTarget;
     sim::KindFromName(Kind, eKind); // the parser lets only kinds through
     for (unsigned int i = 1; i <= nCount; ++i)
-        rOrders.push_back({Kind + (nCount > 1 ? "_" + std::to_string(i) : "") + ".bmp", eKind, i});
+        rOrders.push_back(
+            {FileName(Kind, i, nCount), Kind, std::nullopt, i,
+             [=](const sim::ClScanner& scanner) { return sim::CaptureKind(scanner, eKind, i); }});
 }
 
-/// The two plates once each, then the kinds that were asked for, each once.
+void AddCase(std::vector<StOrder>& rOrders, const std::string& Case, unsigned int nCount) {
+    sim::ETargetCase eCase = sim::ETargetCase::ePlain;
+    sim::TargetCaseFromName(Case, eCase); // as above
+    for (unsigned int i = 1; i <= nCount; ++i)
+        rOrders.push_back({FileName("target_" + Case, i, nCount), "target", Case, i,
+                           [=](const sim::ClScanner& scanner) {
+                               return sim::CaptureTargetCase(scanner, eCase, i);
+                           }});
+}
+
+/// The names in their order, each once, without those in `aDone`.
+std::vector<std::string> EachOnce(const std::vector<std::string>& aNames,
+                                  std::vector<std::string> aDone) {
+    std::vector<std::string> once;
+    for (const std::string& name : aNames) {
+        if (std::find(aDone.begin(), aDone.end(), name) != aDone.end())
+            continue;
+        aDone.push_back(name);
+        once.push_back(name);
+    }
+    return once;
+}
+
+/// The two plates once each, then the kinds and the cases that were asked for, each once.
 std::vector<StOrder> OrdersOf(const StCall& Call) {
     std::vector<StOrder> orders;
-    std::vector<std::string> done = {"target", "ruled"};
-    for (const std::string& plate : done)
-        AddOrders(orders, plate, 1);
-    for (const std::string& kind : Call.m_aKinds) {
-        if (std::find(done.begin(), done.end(), kind) != done.end())
-            continue;
-        AddOrders(orders, kind, Call.m_nCount);
-        done.push_back(kind);
-    }
+    const std::vector<std::string> plates = {"target", "ruled"};
+    for (const std::string& plate : plates)
+        AddKind(orders, plate, 1);
+    for (const std::string& kind : EachOnce(Call.m_aKinds, plates))
+        AddKind(orders, kind, Call.m_nCount);
+    for (const std::string& name : EachOnce(Call.m_aCases, {}))
+        AddCase(orders, name, Call.m_nCount);
     return orders;
 }
 
@@ -106,8 +139,9 @@ Json PointJson(const sim::ClPoint& Point) {
 /// What is true about a capture: dots in pixels of the capture, lines in pixels of the corrected
 /// frame.
 Json JsonOf(const StOrder& Order, const sim::ClCapture& Capture) {
-    Json json = {
-        {"file", Order.m_File}, {"kind", sim::KindName(Order.m_eKind)}, {"seed", Order.m_nSeed}};
+    Json json = {{"file", Order.m_File}, {"kind", Order.m_Kind}, {"seed", Order.m_nSeed}};
+    if (Order.m_Case)
+        json["case"] = *Order.m_Case;
     for (const sim::ClPoint& dot : Capture.m_aDots)
         json["dots_in_capture"].push_back(PointJson(dot));
     for (const sim::ClLine& line : Capture.m_aLines)
@@ -121,7 +155,7 @@ Json WriteCaptures(const sim::ClScanner& Scanner, const StCall& Call) {
     Json truths = Json::array();
     for (const StOrder& order : orders) {
         progress.Begin(order.m_File);
-        const sim::ClCapture capture = sim::CaptureKind(Scanner, order.m_eKind, order.m_nSeed);
+        const sim::ClCapture capture = order.m_Make(Scanner);
         const Bytes file = sim::BitmapFile(capture.m_Raw);
         WriteFile(PathIn(Call, order.m_File), {&file});
         truths.push_back(JsonOf(order, capture));
@@ -144,16 +178,17 @@ void RunSimulate(const StCall& Call) {
     WriteFile(PathIn(Call, "truth.json"), {&bytes});
 }
 
-std::vector<std::string> KindNames() {
+template <class Entries>
+std::vector<std::string> NamesOf(const Entries& entries) {
     std::vector<std::string> names;
-    for (const sim::ClKindEntry& entry : sim::g_aKinds)
+    for (const auto& entry : entries)
         names.push_back(entry.m_szName);
     return names;
 }
 
-std::string KindHelp() {
-    std::string help = "Further captures, each with a name of its own; may be repeated:";
-    for (const sim::ClKindEntry& entry : sim::g_aKinds)
+template <class Entries>
+std::string HelpOf(std::string help, const Entries& entries) {
+    for (const auto& entry : entries)
         help += std::string("\n  ") + entry.m_szName + ": " + entry.m_szDescription;
     return help;
 }
@@ -166,12 +201,23 @@ void AddSimulate(CLI::App& rApp) {
     const auto pCall = std::make_shared<StCall>();
     pCommand->add_option("-s,--seed", pCall->m_nSeed, "Number of the scanner")
         ->capture_default_str();
-    pCommand->add_option("-k,--kind", pCall->m_aKinds, KindHelp())
+    pCommand
+        ->add_option("-k,--kind", pCall->m_aKinds,
+                     HelpOf("Further captures, each with a name of its own; may be repeated:",
+                            sim::g_aKinds))
         ->allow_extra_args(false)
-        ->check(CLI::IsMember(KindNames()).description(""))
+        ->check(CLI::IsMember(NamesOf(sim::g_aKinds)).description(""))
         ->type_name("KIND")
         ->capture_default_str();
-    pCommand->add_option("-n,--count", pCall->m_nCount, "Captures of each further kind")
+    pCommand
+        ->add_option("-c,--case", pCall->m_aCases,
+                     HelpOf("Further captures of the target, target_CASE.bmp, some of them such "
+                            "that \"qk7 generate\" refuses them; may be repeated:",
+                            sim::g_aTargetCases))
+        ->allow_extra_args(false)
+        ->check(CLI::IsMember(NamesOf(sim::g_aTargetCases)).description(""))
+        ->type_name("CASE");
+    pCommand->add_option("-n,--count", pCall->m_nCount, "Captures of each further kind and case")
         ->check(CLI::Range(1, 10000))
         ->capture_default_str();
     pCommand->add_flag("--truth", pCall->m_bTruth,

@@ -11,7 +11,10 @@ class App;
 namespace qk7 {
 
 void AddCalibrate(CLI::App& rApp);
+void AddCheck(CLI::App& rApp);
+void AddContamination(CLI::App& rApp);
 void AddErrors(CLI::App& rApp);
+void AddGenerate(CLI::App& rApp);
 void AddInfo(CLI::App& rApp);
 void AddPrecalculate(CLI::App& rApp);
 void AddSimulate(CLI::App& rApp);

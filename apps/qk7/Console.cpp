@@ -22,6 +22,12 @@ void PrintError(const std::string& Command, const std::string& Message) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+std::string Hundredths(double dValue) {
+    char szText[352]; // the largest double has 309 digits in front of the point
+    std::snprintf(szText, sizeof szText, "%.2f", dValue);
+    return szText;
+}
+
 std::string WordsOf(const std::exception& Error) {
     if (dynamic_cast<const std::bad_alloc*>(&Error) != nullptr)
         return "out of memory";

@@ -25,6 +25,9 @@ void Print(const std::string& Text);
 /// One line on standard error: "qk7 calibrate: message".
 void PrintError(const std::string& Command, const std::string& Message);
 
+/// A level or a percentage: "12.50".
+std::string Hundredths(double dValue);
+
 /// The words of an exception, for such a message.
 std::string WordsOf(const std::exception& Error);
 

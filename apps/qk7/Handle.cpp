@@ -2,6 +2,8 @@
 
 #include "TessarinCalibrateSDK.h"
 
+#include <cstring>
+
 namespace qk7 {
 
 namespace {
@@ -53,12 +55,34 @@ void ClHandle::SetOption(const std::string& Option) {
     Check(CalibrateSetOption(m_pHandle, Option.c_str()));
 }
 
+bool ClHandle::IsEnabled(const std::string& Key) const {
+    char szValue[16] = "";
+    unsigned long nSize = sizeof szValue;
+    Check(CalibrateGetOption(m_pHandle, Key.c_str(), szValue, &nSize));
+    return std::strcmp(szValue, "Enabled") == 0;
+}
+
 void ClHandle::SetData(const Bytes& Block) {
     Check(CalibrateSetData(m_pHandle, ReadOnly(Block), Block.size()));
 }
 
 void ClHandle::SetPrecalculatedData(const Bytes& Block) {
     Check(CalibrateSetPrecalculatedData(m_pHandle, ReadOnly(Block), Block.size()));
+}
+
+void ClHandle::SetReferenceData(const Bytes& Block) {
+    Check(CalibrateSetReferenceData(m_pHandle, ReadOnly(Block), Block.size()));
+}
+
+void ClHandle::GenerateData(const Bytes& Capture) {
+    Check(CalibrateGenerateData(m_pHandle, ReadOnly(Capture), Capture.size()));
+}
+
+Bytes ClHandle::Data() const {
+    constexpr std::size_t cnUsualBytes = 2048; // 75 pairs of points take 1.2 KiB
+    return Fetch(cnUsualBytes, [this](unsigned char* pData, unsigned long* pSize) {
+        return CalibrateGetData(m_pHandle, pData, pSize);
+    });
 }
 
 Bytes ClHandle::PrecalculatedData(std::size_t nExpected) const {
@@ -71,6 +95,24 @@ Bytes ClHandle::Calibrate(const Bytes& Capture, std::size_t nExpected) const {
     return Fetch(nExpected, [&](unsigned char* pData, unsigned long* pSize) {
         return ::Calibrate(m_pHandle, ReadOnly(Capture), Capture.size(), pData, pSize);
     });
+}
+
+StLevels ClHandle::Levels() const {
+    StLevels levels;
+    Check(GetCalibrationWarningLevels(m_pHandle, &levels.m_dDirt, &levels.m_dDryFinger));
+    return levels;
+}
+
+double ClHandle::CheckEfts(const Bytes& Corrected) const {
+    double dPercent = 0.0;
+    Check(CalibrateCheckEfts(m_pHandle, ReadOnly(Corrected), Corrected.size(), &dPercent));
+    return dPercent;
+}
+
+double ClHandle::Contamination(const Bytes& Capture) const {
+    double dLevel = 0.0;
+    Check(ContaminationDetection(m_pHandle, ReadOnly(Capture), Capture.size(), &dLevel));
+    return dLevel;
 }
 
 } // namespace qk7

@@ -1,5 +1,6 @@
 /// qk7: the command line tool of the calibration library, a capture application like any other.
-/// It knows the library by its public header alone.
+/// It works by the library's public header alone; only why a target was refused it finds out by
+/// looking inside.
 
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
@@ -12,7 +13,10 @@
 namespace {
 
 void AddCommands(CLI::App& rApp) {
+    qk7::AddGenerate(rApp);
+    qk7::AddCheck(rApp);
     qk7::AddCalibrate(rApp);
+    qk7::AddContamination(rApp);
     qk7::AddPrecalculate(rApp);
     qk7::AddInfo(rApp);
     qk7::AddErrors(rApp);

@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/TestFiles.h"
+#include "sim/TargetCases.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -81,6 +82,44 @@ TEST(Qk7Simulate, NumbersSeveralCapturesOfAKind) {
     EXPECT_NE(Get(two / "empty_2.bmp"), Get(two / "empty_1.bmp"));
 }
 
+TEST(Qk7Simulate, WritesEachCaseOfTheTargetOnceUnderItsName) {
+    const ClTemporaryFolder folder;
+
+    Simulate(folder.Path(),
+             {"-k", "target", "-c", "missing_dot", "-c", "plain", "-c", "missing_dot", "--truth"});
+
+    EXPECT_EQ(folder.Names(), (Names{"ruled.bmp", "scanner.cal", "target.bmp",
+                                     "target_missing_dot.bmp", "target_plain.bmp", "truth.json"}));
+    const json truth = json::parse(ToText(Get(folder / "truth.json")));
+    const json& capture = truth.at("captures").at(2);
+    EXPECT_EQ(capture.at("file"), "target_missing_dot.bmp");
+    EXPECT_EQ(capture.at("kind"), "target");
+    EXPECT_EQ(capture.at("case"), "missing_dot");
+    EXPECT_EQ(capture.at("dots_in_capture").size(), 75U);
+    EXPECT_FALSE(truth.at("captures").at(0).contains("case"));
+}
+
+TEST(Qk7Simulate, NumbersSeveralCapturesOfACase) {
+    const ClTemporaryFolder one;
+    const ClTemporaryFolder two;
+
+    Simulate(one.Path(), {"-k", "target", "-c", "noisy"});
+    Simulate(two.Path(), {"-k", "target", "-c", "noisy", "-n", "2"});
+
+    EXPECT_EQ(two.Names(), (Names{"ruled.bmp", "scanner.cal", "target.bmp", "target_noisy_1.bmp",
+                                  "target_noisy_2.bmp"}));
+    EXPECT_EQ(Get(two / "target_noisy_1.bmp"), Get(one / "target_noisy.bmp"));
+    EXPECT_NE(Get(two / "target_noisy_2.bmp"), Get(two / "target_noisy_1.bmp"));
+}
+
+TEST(Qk7Simulate, ListsEveryCaseInItsHelp) {
+    const std::string help = Qk7({"simulate", "--help"}).m_Out;
+
+    for (const sim::ClTargetCaseEntry& entry : sim::g_aTargetCases)
+        EXPECT_NE(help.find(std::string(entry.m_szName) + ": "), std::string::npos)
+            << entry.m_szName;
+}
+
 TEST(Qk7Simulate, GivesTheSameBytesForTheSameSeed) {
     const ClTemporaryFolder first;
     const ClTemporaryFolder second;
@@ -145,6 +184,16 @@ TEST(Qk7Simulate, WritesACalibrationBlockThatCorrectsItsCaptures) {
     EXPECT_EQ(ended.m_nExit, 0) << ended.m_Err;
     EXPECT_EQ(InfoOf(folder / "out/loop.bmp").at("width"), 320);
     EXPECT_EQ(InfoOf(folder / "out/ruled.bmp").at("height"), 480);
+}
+
+TEST(Qk7Simulate, WritesTargetsThatCanBeCalibratedWithAndOthers) {
+    const ClTemporaryFolder folder;
+    Simulate(folder.Path(), {"-s", "5", "-k", "target", "-c", "plain", "-c", "missing_dot"});
+
+    EXPECT_EQ(Qk7({"generate", folder / "target.bmp", "-o", folder / "a.cal"}).m_nExit, 0);
+    EXPECT_EQ(Qk7({"generate", folder / "target_plain.bmp", "-o", folder / "b.cal"}).m_nExit, 0);
+    EXPECT_EQ(Qk7({"generate", folder / "target_missing_dot.bmp", "-o", folder / "c.cal"}).m_nExit,
+              1);
 }
 
 TEST(Qk7Simulate, NamesADirectoryThatCannotBeMade) {

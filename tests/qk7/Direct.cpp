@@ -26,6 +26,15 @@ Handle HandleWith(qk7::Bytes Calibration, const std::vector<std::string>& option
     return handle;
 }
 
+/// The block that a call gives by the size protocol.
+qk7::Bytes Fetched(const Handle& handle, long (*get)(void*, unsigned char*, unsigned long*)) {
+    unsigned long nSize = 0;
+    EXPECT_EQ(get(handle.get(), nullptr, &nSize), QMT_ERROR_TEMPLATE_SIZE);
+    qk7::Bytes result(nSize);
+    EXPECT_EQ(get(handle.get(), result.data(), &nSize), QMT_SUCCESS);
+    return result;
+}
+
 } // namespace
 
 long DirectStatus(const qk7::Bytes& Calibration, const qk7::Bytes& Capture,
@@ -51,13 +60,49 @@ qk7::Bytes DirectlyCalibrated(const qk7::Bytes& Calibration, const qk7::Bytes& C
 }
 
 qk7::Bytes DirectlyPrecalculated(const qk7::Bytes& Calibration) {
+    return Fetched(HandleWith(Calibration, {}), CalibrateGetPrecalculatedData);
+}
+
+qk7::Bytes DirectlyGenerated(const qk7::Bytes& Target, const qk7::Bytes& Reference) {
+    const Handle handle(CalibrateCreate());
+    qk7::Bytes target = Target;
+    qk7::Bytes reference = Reference;
+    if (!reference.empty()) {
+        EXPECT_EQ(CalibrateSetReferenceData(handle.get(), reference.data(), reference.size()),
+                  QMT_SUCCESS);
+    }
+    EXPECT_EQ(CalibrateGenerateData(handle.get(), target.data(), target.size()), QMT_SUCCESS);
+    return Fetched(handle, CalibrateGetData);
+}
+
+double DirectPercent(const qk7::Bytes& Calibration, const qk7::Bytes& Corrected) {
     const Handle handle = HandleWith(Calibration, {});
-    unsigned long nSize = 0;
-    EXPECT_EQ(CalibrateGetPrecalculatedData(handle.get(), nullptr, &nSize),
-              QMT_ERROR_TEMPLATE_SIZE);
-    qk7::Bytes result(nSize);
-    EXPECT_EQ(CalibrateGetPrecalculatedData(handle.get(), result.data(), &nSize), QMT_SUCCESS);
-    return result;
+    qk7::Bytes image = Corrected;
+    double dPercent = -1.0;
+    EXPECT_EQ(CalibrateCheckEfts(handle.get(), image.data(), image.size(), &dPercent), QMT_SUCCESS);
+    return dPercent;
+}
+
+double DirectContamination(const qk7::Bytes& Capture) {
+    const Handle handle(CalibrateCreate());
+    qk7::Bytes image = Capture;
+    double dLevel = -1.0;
+    EXPECT_EQ(ContaminationDetection(handle.get(), image.data(), image.size(), &dLevel),
+              QMT_SUCCESS);
+    return dLevel;
+}
+
+std::pair<double, double> DirectLevels(const qk7::Bytes& Calibration, const qk7::Bytes& Capture) {
+    const Handle handle = HandleWith(Calibration, {});
+    qk7::Bytes image = Capture;
+    qk7::Bytes result(Capture.size() + 1000000);
+    unsigned long nSize = result.size();
+    EXPECT_EQ(::Calibrate(handle.get(), image.data(), image.size(), result.data(), &nSize),
+              QMT_SUCCESS);
+    std::pair<double, double> levels(-1.0, -1.0);
+    EXPECT_EQ(GetCalibrationWarningLevels(handle.get(), &levels.first, &levels.second),
+              QMT_SUCCESS);
+    return levels;
 }
 
 std::string RecordPath() {

@@ -5,6 +5,7 @@
 #include "apps/qk7/File.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace TestSupport {
@@ -20,6 +21,17 @@ qk7::Bytes DirectlyCalibrated(const qk7::Bytes& Calibration, const qk7::Bytes& C
 
 /// The result of CalibrateGetPrecalculatedData().
 qk7::Bytes DirectlyPrecalculated(const qk7::Bytes& Calibration);
+
+/// What CalibrateGenerateData() makes of a capture, by CalibrateGetData(). The reference is not set
+/// when it is empty. Fails the test where a call does not succeed.
+qk7::Bytes DirectlyGenerated(const qk7::Bytes& Target, const qk7::Bytes& Reference = {});
+
+/// The results of CalibrateCheckEfts() and of ContaminationDetection().
+double DirectPercent(const qk7::Bytes& Calibration, const qk7::Bytes& Corrected);
+double DirectContamination(const qk7::Bytes& Capture);
+
+/// The dirt level and the dry finger level that Calibrate() leaves.
+std::pair<double, double> DirectLevels(const qk7::Bytes& Calibration, const qk7::Bytes& Capture);
 
 /// The record of tests/data that most tests use, and its path: captures of 384 x 1057 pixels.
 qk7::Bytes Record();

@@ -41,6 +41,38 @@ TEST(Qk7Handle, TurnsStatusesIntoExceptions) {
     EXPECT_EQ(NumberOf([&] { handle.PrecalculatedData(0); }), QMT_ERROR_NOT_INITIALIZED);
     EXPECT_EQ(NumberOf([&] { handle.SetPrecalculatedData(ToBytes("CAL")); }),
               QMT_ERROR_PARAM_IS_MISSING);
+    EXPECT_EQ(NumberOf([&] { handle.IsEnabled("NoSuchKey"); }), QMT_ERROR_PARAM_IS_MISSING);
+    EXPECT_EQ(NumberOf([&] { handle.SetReferenceData({}); }), QMT_ERROR_UNEXPECTED_EOF);
+    EXPECT_EQ(NumberOf([&] { handle.GenerateData({}); }), QMT_ERROR_TEMPLATE_SIZE);
+    EXPECT_EQ(NumberOf([&] { handle.Data(); }), QMT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(NumberOf([&] { handle.CheckEfts(Capture()); }), QMT_ERROR_NOT_INITIALIZED);
+    EXPECT_EQ(NumberOf([&] { handle.Contamination({}); }), QMT_ERROR_TEMPLATE_SIZE);
+}
+
+TEST(Qk7Handle, TellsWhichOptionsAreOn) {
+    ClHandle handle;
+    EXPECT_TRUE(handle.IsEnabled("DynamicFingerMask"));
+    EXPECT_FALSE(handle.IsEnabled("SensitiveMode"));
+
+    handle.SetOption("DynamicFingerMask=false");
+    handle.SetOption("SensitiveMode=true");
+
+    EXPECT_FALSE(handle.IsEnabled("DynamicFingerMask"));
+    EXPECT_TRUE(handle.IsEnabled("SensitiveMode"));
+}
+
+TEST(Qk7Handle, GivesBackTheBlockThatWasSet) {
+    ClHandle handle;
+    handle.SetData(Record());
+
+    EXPECT_EQ(handle.Data(), Record());
+}
+
+TEST(Qk7Handle, HasNoLevelsBeforeTheFirstCapture) {
+    const StLevels levels = ClHandle().Levels();
+
+    EXPECT_EQ(levels.m_dDirt, 0.0);
+    EXPECT_EQ(levels.m_dDryFinger, 0.0);
 }
 
 TEST(Qk7Handle, GivesTheSameResultWhateverSizeWasExpected) {

@@ -14,7 +14,8 @@ using namespace TestSupport;
 
 namespace {
 
-const char* szCommands[] = {"calibrate", "precalculate", "info", "errors", "simulate"};
+const char* szCommands[] = {"generate",     "check", "calibrate", "contamination",
+                            "precalculate", "info",  "errors",    "simulate"};
 
 } // namespace
 
@@ -62,7 +63,14 @@ TEST(Qk7Tool, AnswersWrongUsageWithTheStatus2) {
         {"calibrate", "-d", "x.cal", "-o", "out.bmp"},
         {"calibrate", "-d", "x.cal", "in.bmp"},
         {"calibrate", "-d", "x.cal", "-d", "y.cal", "in.bmp", "-o", "out.bmp"},
+        {"generate", "target.bmp"},
+        {"generate", "-o", "x.cal"},
+        {"generate", "a.bmp", "b.bmp", "-o", "x.cal"},
+        {"check", "x.bmp"},
+        {"check", "-d", "x.cal"},
+        {"contamination"},
         {"simulate"},
+        {"simulate", "-o", "out", "-c", "unknown"},
         {"simulate", "-o", "out", "-k", "unknown"},
         {"simulate", "-o", "out", "-n", "0"},
     };

@@ -1,0 +1,194 @@
+/// `qk7 generate`: derives the calibration block of a scanner from a capture of the dot target.
+
+#include "apps/qk7/Advice.h"
+#include "apps/qk7/BitmapInfo.h"
+#include "apps/qk7/BlockInfo.h"
+#include "apps/qk7/Commands.h"
+#include "apps/qk7/FileReport.h"
+#include "apps/qk7/Handle.h"
+#include "apps/qk7/TargetReport.h"
+
+#include "TessarinCalibrateSDK.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <memory>
+
+namespace qk7 {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct StCall {
+    std::string m_Target;
+    std::string m_Output;
+    std::string m_Precalculated; ///< this and the next two: empty when none is asked for
+    std::string m_Reference;
+    std::string m_DebugImage;
+    bool m_bJson = false;
+};
+
+bool AreSame(const std::string& a, const std::string& b) {
+    std::error_code ignored;
+    return fs::path(a).lexically_normal() == fs::path(b).lexically_normal() ||
+           fs::equivalent(a, b, ignored);
+}
+
+/// No output replaces an input or another output.
+void CheckOutputs(const StCall& Call) {
+    std::vector<std::string> taken = {Call.m_Target};
+    if (!Call.m_Reference.empty())
+        taken.push_back(Call.m_Reference);
+    for (const std::string& output : {Call.m_Output, Call.m_Precalculated, Call.m_DebugImage}) {
+        for (const std::string& other : taken)
+            if (!output.empty() && AreSame(output, other))
+                throw ClWrongUsage(output + " is named twice; give another output");
+        taken.push_back(output);
+    }
+}
+
+/// The files of a call, and what has become of them.
+struct StRun {
+    Bytes m_Target;
+    Bytes m_Reference;
+    ClHandle m_Handle;
+};
+
+void ReadFiles(const StCall& Call, StRun& rRun) {
+    rRun.m_Target = ReadBlock(Call.m_Target);
+    if (Call.m_Reference.empty())
+        return;
+    rRun.m_Reference = ReadFile(Call.m_Reference);
+    Handing(EHanded::eCalibration, Call.m_Reference,
+            [&] { rRun.m_Handle.SetReferenceData(rRun.m_Reference); });
+}
+
+StTargetDiagnosis Diagnose(const StRun& Run) {
+    return DiagnoseTarget(ETargetImage::eRaw, Run.m_Target, Run.m_Reference);
+}
+
+/// The picture of a target that was refused must not hide why it was.
+void DrawRefused(const StCall& Call, const StTargetDiagnosis& Diagnosis) {
+    try {
+        if (!Call.m_DebugImage.empty())
+            WriteBlock(Call.m_DebugImage, Diagnosis.m_Picture);
+    } catch (const std::exception& error) {
+        PrintError("qk7 generate", WordsOf(error));
+    }
+}
+
+[[noreturn]] void Refuse(const StCall& Call, const StRun& Run, const ClLibraryError& Error) {
+    const StTargetDiagnosis diagnosis = Diagnose(Run);
+    DrawRefused(Call, diagnosis);
+    std::string message = Call.m_Target + ": " + Error.what();
+    if (!diagnosis.m_Words.empty())
+        message += " " + diagnosis.m_Words;
+    const std::string picture =
+        Call.m_DebugImage.empty() ? "; --debug-image FILE shows what was found." : ".";
+    throw ClRefusedTarget(message, diagnosis,
+                          "Clean platen and target, lay the target flat and straight, and capture "
+                          "it again" +
+                              picture);
+}
+
+[[noreturn]] void Fail(const StCall& Call, const StRun& Run, const ClLibraryError& Error) {
+    if (Error.Number() == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE)
+        Refuse(Call, Run, Error);
+    // Of all that is handed over only the points of a reference can be corrupt here.
+    if (Error.Number() == QMT_ERROR_CURRUPT_DATA && !Call.m_Reference.empty())
+        throw ClFailure(Call.m_Reference,
+                        std::string(Error.what()) + " Its target points are not those of a plate.");
+    throw ClFailure(Call.m_Target, Error.what() + BitmapAdvice(Error.Number(), Run.m_Target));
+}
+
+/// Of the block as it is stored, whose coordinates are rounded to 32-bit floats: results are then
+/// the same with the precalculated block and without it.
+Bytes PrecalculatedFor(const Bytes& Calibration) {
+    ClHandle handle;
+    handle.SetData(Calibration);
+    return handle.PrecalculatedData(ExpectedPrecalculatedBytes(Calibration));
+}
+
+void WriteOutputs(const StCall& Call, const StRun& Run, const StTargetDiagnosis& Diagnosis) {
+    const Bytes calibration = Run.m_Handle.Data();
+    if (!Call.m_Precalculated.empty()) {
+        const Bytes table = PrecalculatedFor(calibration);
+        WriteFile(Call.m_Precalculated, {&table});
+    }
+    if (!Call.m_DebugImage.empty())
+        WriteBlock(Call.m_DebugImage, Diagnosis.m_Picture);
+    WriteFile(Call.m_Output, {&calibration});
+}
+
+/// What is known about the target; nothing where nobody asked.
+StTargetDiagnosis Generate(const StCall& Call) {
+    CheckOutputs(Call);
+    StRun run;
+    ReadFiles(Call, run);
+    try {
+        run.m_Handle.GenerateData(run.m_Target);
+    } catch (const ClLibraryError& error) {
+        Fail(Call, run, error);
+    }
+    StTargetDiagnosis diagnosis;
+    if (Call.m_bJson || !Call.m_DebugImage.empty())
+        diagnosis = Diagnose(run);
+    WriteOutputs(Call, run, diagnosis);
+    return diagnosis;
+}
+
+void RunGenerate(const StCall& Call) {
+    Json json = {{"file", Call.m_Target}, {"calibration", Call.m_Output}};
+    try {
+        const StTargetDiagnosis diagnosis = Generate(Call);
+        json["target"] = JsonOf(diagnosis);
+    } catch (const ClWrongUsage&) {
+        throw;
+    } catch (const std::exception& error) {
+        if (Call.m_bJson)
+            Print(Dump(FailureJson(Call.m_Target, error)));
+        throw;
+    }
+    if (Call.m_bJson)
+        Print(Dump(json));
+}
+
+void AddOutputOptions(CLI::App& rCommand, StCall& rCall) {
+    rCommand.add_option("-o,--output", rCall.m_Output, "Calibration block to write")
+        ->required()
+        ->type_name("scanner.cal");
+    rCommand
+        .add_option("--precalculated", rCall.m_Precalculated,
+                    "Precalculated block to write, too: the prepared warp table")
+        ->type_name("scanner.pre");
+    rCommand
+        .add_option("--debug-image", rCall.m_DebugImage,
+                    "Bitmap to write, too, also when the target is refused: spokes from the dots "
+                    "to their neighbours, crosses on what was refused, boxes where dots are "
+                    "missing")
+        ->type_name("grid.bmp");
+}
+
+} // namespace
+
+void AddGenerate(CLI::App& rApp) {
+    CLI::App* pCommand = rApp.add_subcommand(
+        "generate", "Derives a calibration block from a capture of the dot target");
+    const auto pCall = std::make_shared<StCall>();
+    pCommand->add_option("TARGET.bmp", pCall->m_Target, "Raw capture of the target")
+        ->required()
+        ->type_name("");
+    AddOutputOptions(*pCommand, *pCall);
+    pCommand
+        ->add_option("--reference", pCall->m_Reference,
+                     "Calibration block whose target points are the measured places of the dots on "
+                     "this plate, in place of the ideal pattern")
+        ->type_name("plate.cal");
+    pCommand->add_flag("--json", pCall->m_bJson,
+                       "Print an object: the dots found, missing and refused");
+    pCommand->callback([pCall] { RunGenerate(*pCall); });
+}
+
+} // namespace qk7
