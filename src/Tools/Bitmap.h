@@ -172,7 +172,7 @@ public:
     void JoinChannels(const ClImage& Red, const ClImage& Green, const ClImage& Blue);
 
     /// The palette entry, or the pixel as 0x00RRGGBB; fields of other widths are shifted to 8
-    /// bits, not scaled. All ones outside the bitmap and for encoded pixels.
+    /// bits, not scaled. All ones outside the bitmap, for encoded pixels and above 32 bits.
     unsigned int GetPixel(long x, long y) const;
     /// The inverse: up to 8 bits it stores the first index whose palette entry equals the value,
     /// and nothing without one; bits of no colour keep their value. Outside it does nothing.

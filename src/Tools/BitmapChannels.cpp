@@ -330,7 +330,7 @@ namespace {
 
 bool IsReadablePixel(const ClBitmap& Bitmap, long x, long y) {
     const tagBITMAPINFOHEADER* pBI = Bitmap.Header();
-    return Bitmap.Line(y) != nullptr && x >= 0 && x < pBI->biWidth &&
+    return Bitmap.Line(y) != nullptr && x >= 0 && x < pBI->biWidth && pBI->biBitCount <= 32 &&
            (pBI->biCompression == ClBitmap::ePlain || pBI->biCompression == ClBitmap::eBitFields);
 }
 

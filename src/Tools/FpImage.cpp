@@ -129,8 +129,10 @@ int ClImage::LineStrideSamples() const {
 }
 
 std::size_t ClImage::SizeBytes() const {
+    if (m_nWidth < 1 || m_nHeight < 1 || m_nPlanes < 1)
+        return 0;
     const std::int64_t nStride = StrideBytes(m_nDataType, m_nWidth, m_nPlanes);
-    return m_nHeight < 1 || nStride < 1 ? 0 : static_cast<std::size_t>(nStride * m_nHeight);
+    return static_cast<std::size_t>(nStride * m_nHeight);
 }
 
 const char* ClImage::TypeText(unsigned char nType) {
@@ -225,7 +227,9 @@ ClImage& ClImage::operator=(const ClImage& Src) {
     if (this == &Src)
         return *this;
     New(Src);
-    if (HasBytes() && Src.HasBytes()) // a view of Src's own memory has kept it: they may overlap
+    if (!Src.HasBytes())
+        return *this = static_cast<unsigned char>(0);
+    if (HasBytes()) // a view of Src's own memory has kept it: they may overlap
         std::memmove(Data(), Src.Data(), SizeBytes());
     return *this;
 }
@@ -327,6 +331,10 @@ void ClImage::GetPlane(int nPlane, ClImage& Out) const {
         return Out.Swap(Plane);
     }
     Out.NewWithType(m_nDataType, m_nWidth, m_nHeight, 1, m_nPelsX, m_nPelsY);
+    if (!HasBytes()) {
+        Out = static_cast<unsigned char>(0);
+        return;
+    }
     const GatherFunction gather = GatherOf(BytesPerSample());
     const std::ptrdiff_t nOffset = std::ptrdiff_t{nPlane} * BytesPerSample();
     const std::size_t nStep =

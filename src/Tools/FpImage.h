@@ -77,7 +77,8 @@ public:
     /// `Src`'s type, geometry, range, content and attribute, but not its pixels.
     void New(const ClImage& Src);
 
-    /// Deep copies, padding included.
+    /// Deep copies, padding included. Of an image without the pixels that its geometry claims the
+    /// copy is 0.
     ClImage& operator=(const ClImage& Src);
     ClImage& operator=(const ClBitmap& Bitmap);
     /// Fills the buffer, padding included: with 0 for any type, with other values for types of
@@ -101,7 +102,7 @@ public:
     void Swap(ClImage& Other);
 
     /// One plane as an image of its own, with the default range of the type. `Out` may be this
-    /// image. Throws -35 for a plane outside the image.
+    /// image, and is 0 where this one has no pixels. Throws -35 for a plane outside the image.
     void GetPlane(int nPlane, ClImage& Out) const;
 
     /// Sets the line ends, from the byte of index Width() on, to `nValue`. Exact for 8-bit images
@@ -139,7 +140,7 @@ public:
     /// Bytes and samples from one line to the next.
     int LineStrideBytes() const;
     int LineStrideSamples() const;
-    /// Bytes of all lines, padding included.
+    /// Bytes of all lines, padding included; 0 unless width, height and planes are positive.
     std::size_t SizeBytes() const;
 
     unsigned char* LineData(int y) const {

@@ -147,8 +147,8 @@ public:
 
     /// A value of this entry's type as text: the entry's own, or that at `pValue`. Numbers go
     /// into one buffer of 256 bytes that all entries share: the text holds until the next call of
-    /// any thread. Null gives "Unknown". Throws "The buffer size is too small." (-101) for a text
-    /// that does not fit.
+    /// any thread. Objects are "Image" and "Graph"; null gives "Unknown" for any other type. Throws
+    /// "The buffer size is too small." (-101) for a text that does not fit.
     const char* szValue() const { return GetszValue(m_pValue); }
     const char* GetszValue(void* pValue) const;
 

@@ -186,7 +186,7 @@ char* ClEntry::FmtInt(char* pBuffer, long nSize, const char* pList, long nValue)
 const char* ClEntry::GetszValue(void* pValue) const {
     static char acText[256];
     constexpr long cnSize = sizeof acText;
-    if (pValue == nullptr)
+    if (pValue == nullptr && m_eType != eImage && m_eType != eGraph)
         return "Unknown";
     switch (m_eType) {
     case eByte:

@@ -101,10 +101,13 @@ StConversion FindConversion(const char* pFormat) {
     return found;
 }
 
-/// Whether the format takes one value of a conversion among `pTypes`, of a length that a value
-/// of 64-bit integer (`bLong`) or of another type has, and a precision before it if `bStar`.
+/// Whether the format is text alone or takes one value of a conversion among `pTypes`, of a length
+/// that a value of 64-bit integer (`bLong`) or of another type has, and a precision before it if
+/// `bStar`.
 bool Takes(const char* pFormat, const char* pTypes, bool bLong, bool bStar) {
     const StConversion found = FindConversion(pFormat);
+    if (found.m_nCount == 0)
+        return true;
     return found.m_nCount == 1 && found.m_bFit && found.m_cType != '\0' &&
            std::strchr(pTypes, found.m_cType) != nullptr && (found.m_nLongs > 0) == bLong &&
            found.m_nStars == (bStar ? 1 : 0);

@@ -78,8 +78,9 @@ bool IsEqual<double>(const double& a, const double& b);
 /// over or the number is too large.
 bool ParseNumber(const char* pText, long double& dValue);
 
-/// Prints `value`, and `nPrecision` before it if the format holds a '*'. False, without any
-/// writing, for a format that does not take exactly these arguments, and as AnswerText().
+/// Prints `value`, and `nPrecision` before it if the format holds a '*'; a format that takes
+/// nothing is printed as it is. False, without any writing, for a format that takes other
+/// arguments than these, and as AnswerText().
 bool PrintNumber(const char* pFormat, int nPrecision, double dValue, char* pBuffer,
                  unsigned long& nSize);
 bool PrintNumber(const char* pFormat, int nPrecision, int nValue, char* pBuffer,

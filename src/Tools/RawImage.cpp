@@ -97,7 +97,7 @@ void CheckRest(const ClStream& rStream, std::int64_t nBytes) {
 
 /// Samples of all lines, padding included; 0 where there are no pixels.
 unsigned long SampleCount(const ClImage& rImage) {
-    if (rImage.Data() == nullptr || rImage.Height() < 1 || rImage.LineStrideSamples() < 1)
+    if (rImage.Data() == nullptr || rImage.SizeBytes() == 0 || rImage.LineStrideSamples() < 1)
         return 0;
     return static_cast<unsigned long>(rImage.Height()) *
            static_cast<unsigned long>(rImage.LineStrideSamples());

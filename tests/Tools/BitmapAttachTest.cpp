@@ -107,6 +107,12 @@ TEST(BitmapAttach, RefusesNull) {
                   "No Bitmap to Attach");
     EXPECT_EQ(bitmap.Header(), nullptr);
     EXPECT_THROWS(ClBitmap::CheckPtr(nullptr, 0), ClException, -10, "No Bitmap to Attach");
+    try {
+        ClBitmap::CheckPtr(nullptr, 0);
+    } catch (const ClException& e) {
+        EXPECT_STREQ(e.File(), "Tools/Bitmap");
+        EXPECT_GT(e.Line(), 0);
+    }
 }
 
 TEST(BitmapAttach, AnswersEveryTruncationOfEveryForm) {

@@ -177,6 +177,18 @@ TEST(BitmapPixels, AnswersAllOnesOutside) {
     ClBitmap().SetPixel(0, 0, 0);
 }
 
+TEST(BitmapPixels, AnswersAllOnesAbove32Bits) {
+    StLine line(2, 32, 0, {}, {1, 2, 3, 4, 5, 6, 7, 8});
+    const Bytes aPixels(line.m_Bitmap.Pixels(), line.m_Bitmap.Pixels() + 8);
+    for (int nBits : {33, 40, 64}) {
+        // The caller's block: the header is not looked at again.
+        line.m_aBlock[14] = static_cast<unsigned char>(nBits);
+        EXPECT_EQ(line.m_Bitmap.GetPixel(0, 0), 0xFFFFFFFFu);
+        line.m_Bitmap.SetPixel(0, 0, 0);
+    }
+    EXPECT_EQ(Bytes(line.m_Bitmap.Pixels(), line.m_Bitmap.Pixels() + 8), aPixels);
+}
+
 TEST(BitmapPixels, SetsWhatItAnswers) {
     for (int nBits : {1, 4, 8, 16, 24, 32}) {
         ClBitmap bitmap(5, 3, nBits, 0);

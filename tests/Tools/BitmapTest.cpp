@@ -120,12 +120,22 @@ TEST(Bitmap, AcceptsEveryKnownDepthAndCompression) {
 }
 
 TEST(Bitmap, TellsWhereAHeaderWasRefused) {
-    try {
-        ClBitmap::MemToBitmapInfoHeader(nullptr);
-        FAIL();
-    } catch (const ClException& e) {
-        EXPECT_STREQ(e.File(), "Tools/Bitmap");
-        EXPECT_GT(e.Line(), 0);
+    StHead size, planes, compression, depth;
+    size.m_nSize = 12;
+    planes.m_nPlanes = 2;
+    compression.m_nCompression = 4;
+    depth.m_nBits = 2;
+    std::vector<Bytes> aRefused = {{}, FileBytes(HeaderBytes({}), 54)}; // the first stands for null
+    for (const StHead& head : {size, planes, compression, depth})
+        aRefused.push_back(HeaderBytes(head));
+    for (const Bytes& aHeader : aRefused) {
+        try {
+            ClBitmap::MemToBitmapInfoHeader(aHeader.empty() ? nullptr : aHeader.data());
+            ADD_FAILURE() << "nothing was thrown";
+        } catch (const ClException& e) {
+            EXPECT_STREQ(e.File(), "Tools/Bitmap") << e.What();
+            EXPECT_GT(e.Line(), 0) << e.What();
+        }
     }
 }
 

@@ -4,6 +4,9 @@
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
+#include <chrono>
+#include <thread>
+
 namespace {
 
 template <int N>
@@ -12,9 +15,13 @@ public:
     ClProcessorBase* Create() override { return Vek::NewObject<ClIpNumbered>(); }
     const char* Name() const override { return "ClIpNumbered"; }
     long Initialize() override { return m_nInit; }
-    long Process() override { return 0; }
+    long Process() override {
+        std::this_thread::sleep_for(m_Duration);
+        return 0;
+    }
 
     long m_nInit = 0;
+    std::chrono::milliseconds m_Duration{0};
 };
 
 /// A table that is that of the process while it lives.
@@ -38,7 +45,15 @@ TEST_F(ClassCallProfile, CountsTheRunsOfEachClass) {
     EXPECT_EQ(m_Profile.m_aEntries[0].m_nCalls, 2);
     EXPECT_EQ(*m_Profile.m_aEntries[1].m_pType, typeid(ClIpNumbered<1>));
     EXPECT_EQ(m_Profile.m_aEntries[1].m_nCalls, 1);
-    // Wall time can be set back while a test runs, by no more than a test takes to notice.
+}
+
+TEST_F(ClassCallProfile, MeasuresTheTimeOfTheRuns) {
+    ClIpNumbered<0> processor;
+    processor.m_Duration = std::chrono::milliseconds(2);
+    processor.Apply();
+    processor.Apply();
+    ASSERT_EQ(m_Profile.m_aEntries.Entries(), 1u);
+    EXPECT_GE(m_Profile.m_aEntries[0].m_dSeconds, 0.004);
     EXPECT_LT(m_Profile.m_aEntries[0].m_dSeconds, 60.0);
 }
 

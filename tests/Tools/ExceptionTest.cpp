@@ -314,5 +314,7 @@ TEST(ExFilesystem, SaysWhyTheFileFailedUnderItsOwnNumber) {
     const ClExFilesystem e("no entry", -200, "Tools/Somewhere", 42);
     EXPECT_EQ(e.Number(), -200);
     EXPECT_EQ(Comment(e), std::string(std::strerror(EACCES)) + "\nno entry");
+    EXPECT_STREQ(e.File(), "Tools/Somewhere");
+    EXPECT_EQ(e.Line(), 42);
     ExpectOwnedContent(ClExFilesystem(Owned()), "words");
 }

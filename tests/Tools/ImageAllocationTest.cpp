@@ -240,6 +240,16 @@ TEST(ImageAllocation, LeavesTheNewGeometryWithTheOldBufferAfterARefusal) {
     EXPECT_EQ(pData[47], 200);
 }
 
+TEST(ImageAllocation, HasNoBytesForNegativeSidesWhoseProductIsPositive) {
+    ClTestImage image = FlatImage(ClImage::eUInt8, 8, 6, 1, 200); // 48 bytes
+    EXPECT_THROWS(New(image, -8000, 6, -1), ClException, -101, cszArea);
+    EXPECT_EQ(image.SizeBytes(), 0u);
+    image = static_cast<unsigned char>(0); // the sanitizer watches
+    image.FillAligment(1);
+    EXPECT_EQ(image.Data()[0], 200);
+    EXPECT_EQ(image.Data()[47], 200);
+}
+
 // Missing memory
 
 TEST(ImageAllocation, IsEmptyWhereMemoryIsMissing) {

@@ -3,6 +3,7 @@
 
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
+#include "support/Images.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -125,9 +126,9 @@ TEST(ImageBitmap, RefusesACompressedBitmapQuietly) {
         head.m_nCompression = nCompression;
         Bytes aBlock = UsualBlock(head);
         ClImage image(4, 4, 1, 0, 0);
+        image.SetAttribute(7);
         EXPECT_FALSE(image.Attach(ClBitmap(aBlock.data(), false)));
-        EXPECT_EQ(image.Data(), nullptr);
-        EXPECT_EQ(image.Width(), 0);
+        ExpectEmptyImage(image);
     }
 }
 
@@ -137,8 +138,17 @@ TEST(ImageBitmap, RefusesOtherDepths) {
         ClImage image(4, 4, 1, 0, 0);
         EXPECT_THROWS(image.Attach(ClBitmap(aBlock.data(), false)), ClException, -12,
                       "bitmap bit depth not supported\n");
-        EXPECT_EQ(image.Data(), nullptr);
-        EXPECT_EQ(image.DataType(), ClImage::eTypeUnknown);
+        ExpectEmptyImage(image);
+    }
+}
+
+TEST(ImageBitmap, TellsWhereADepthWasRefused) {
+    try {
+        ClImage().Attach(ClBitmap(5, 3, 16, 0));
+        ADD_FAILURE() << "nothing was thrown";
+    } catch (const ClException& e) {
+        EXPECT_STREQ(e.File(), "Tools/ImageBitmap");
+        EXPECT_GT(e.Line(), 0);
     }
 }
 

@@ -130,6 +130,9 @@ TEST(ImageCopy, CopiesNoPixelsFromNowhere) {
     ClImage copy;
     copy = nowhere;
     EXPECT_EQ(Pixels(copy), Rows({{0, 0}, {0, 0}}));
+    ClTestImage used = Img({{1, 2}, {3, 4}}); // its buffer fits and is kept
+    used = nowhere;
+    EXPECT_EQ(Pixels(used), Rows({{0, 0}, {0, 0}}));
 }
 
 TEST(ImageCopy, IsEmptyWhereMemoryIsMissing) {
@@ -273,6 +276,14 @@ TEST(ImagePlane, IsNotTakenFromOtherTypes) {
         image.GetPlane(-1, plane); // the type decides first
         EXPECT_EQ(Pixels(plane), Rows({{9}}));
     }
+}
+
+TEST(ImagePlane, IsZeroWhereAnImageHasNoPixels) {
+    ClImage nowhere;
+    nowhere.Attach(nullptr, ClImage::eUInt8, 2, 2, 3, 0, 0);
+    ClTestImage plane = Img({{1, 2}, {3, 4}});
+    nowhere.GetPlane(1, plane);
+    EXPECT_EQ(Pixels(plane), Rows({{0, 0}, {0, 0}}));
 }
 
 TEST(ImagePlane, IsNotTakenWithoutMemory) {

@@ -96,7 +96,8 @@ TEST(ParameterContainer, RefusesANameThatDiffersOnlyInCase) {
     long nValue = 0;
     ClParameterContainer container;
     container.AddNumeric("Width", &nValue);
-    EXPECT_NUMBER(container.AddNumeric("WIDTH", &nValue), -46);
+    EXPECT_THROWS(container.AddNumeric("WIDTH", &nValue), ClExTessarin, -46,
+                  GetErrorDescriptionIntern(-46));
     EXPECT_NUMBER(container.AddContainer("width"), -46);
     bool bValue = false;
     EXPECT_NUMBER(container.AddBool("Width", &bValue), -46);

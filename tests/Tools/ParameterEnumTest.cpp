@@ -78,7 +78,8 @@ TEST(ParameterEnum, RefusesANameThatIsNotListed) {
 
 TEST(ParameterEnum, RefusesANameWithAnotherValue) {
     StModeParameter p;
-    EXPECT_NUMBER(p.m_Parameter.AddValue(EMode::eHidden, "fast"), -46);
+    EXPECT_THROWS(p.m_Parameter.AddValue(EMode::eHidden, "fast"), ClExTessarin, -46,
+                  GetErrorDescriptionIntern(-46));
     EXPECT_EQ(p.m_Parameter.GetValueNameCount(), 2u);
 }
 

@@ -176,8 +176,13 @@ TEST(ParameterInterfaceEntry, WritesToAnotherTarget) {
 
 TEST(ParameterInterfaceEntry, LeavesOtherTypesUnwritten) {
     const ClParameterInterface::EParameterType aeTypes[] = {
-        ClParameterInterface::eVoid, ClParameterInterface::eImage, ClParameterInterface::eString,
-        ClParameterInterface::eGraph, ClParameterInterface::eComment};
+        ClParameterInterface::eVoid,
+        ClParameterInterface::eImage,
+        ClParameterInterface::eString,
+        ClParameterInterface::eGraph,
+        ClParameterInterface::eComment,
+        static_cast<ClParameterInterface::EParameterType>(10),
+        static_cast<ClParameterInterface::EParameterType>(14)};
     for (auto eType : aeTypes) {
         ClParameterInterface List;
         long nValue = 5;

@@ -85,6 +85,22 @@ TEST(ParameterInterfaceStream, WritesAnEntryInItsOrder) {
     EXPECT_EQ(Stored(List), LongEntryBytes());
 }
 
+TEST(ParameterInterfaceStream, WritesTheDirectionBeforeTheKindAndGivesBothBack) {
+    ClParameterInterface Source;
+    Source.AddParameter(nullptr, "W", "", ClParameterInterface::eOptional,
+                        ClParameterInterface::eVoid, ClParameterInterface::eNoRange);
+    const Bytes aBytes = Stored(Source);
+    EXPECT_EQ(Bytes(aBytes.begin() + 6, aBytes.begin() + 8), (Bytes{3, 1}));
+    ClMemStream stream;
+    Fill(stream, aBytes);
+    ClParameterInterface Target;
+    ClEntry* p = Target.AddParameter();
+    p->SetName("W");
+    Target.ReadFromStream(stream);
+    EXPECT_EQ(p->m_eDirection, ClParameterInterface::eOptional);
+    EXPECT_EQ(p->m_eKind, ClParameterInterface::eNoRange);
+}
+
 TEST(ParameterInterfaceStream, WritesInTheOrderOfTheStream) {
     ClParameterInterface List;
     unsigned short nAngle = 0x1234;
@@ -227,7 +243,8 @@ void ExpectRefused(const Bytes& aBytes, long nResult) {
     EXPECT_EQ(p->ReadFromStream(stream), nResult);
     EXPECT_EQ(Stored(List), aBefore);
     stream.Seek(0, 0);
-    EXPECT_NUMBER(List.ReadFromStream(stream), nResult);
+    EXPECT_THROWS(List.ReadFromStream(stream), ClExTessarin, nResult,
+                  GetErrorDescriptionIntern(nResult));
     EXPECT_EQ(Stored(List), aBefore);
 }
 

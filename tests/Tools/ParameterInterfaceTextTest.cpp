@@ -38,6 +38,8 @@ TEST(ParameterInterfaceText, PrintsAnglesInDegreesToo) {
     EXPECT_EQ(TextOf<unsigned short>(0, ClParameterInterface::eAngle), "0=0.000\xB0");
     // 16384 * 360 / 65535 = 90.00137
     EXPECT_EQ(TextOf<unsigned short>(16384, ClParameterInterface::eAngle), "16384=90.001\xB0");
+    // 3555 * 360 / 65535 = 19.528496, and 0.5 / 65535 = 0.000008 more rounds up
+    EXPECT_EQ(TextOf<unsigned short>(3555, ClParameterInterface::eAngle), "3555=19.529\xB0");
 }
 
 TEST(ParameterInterfaceText, PrintsRealNumbersWithFiveDecimals) {

@@ -7,6 +7,7 @@
 
 #include <cstring>
 #include <memory>
+#include <type_traits>
 
 namespace {
 
@@ -28,6 +29,9 @@ public:
     const long& Level() { return m_nLevel; }
     const long& ConstLevel() const { return m_nLevel; }
 };
+
+static_assert(!std::is_copy_constructible_v<TpParameter<long>>);
+static_assert(!std::is_copy_constructible_v<ClParameterContainer>);
 
 TEST(Parameter, BeginsWithoutNameAsInputAndOutputOfItsType) {
     TpParameter<long> parameter;

@@ -6,10 +6,12 @@
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
+#include <chrono>
 #include <cstdarg>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -225,6 +227,66 @@ TEST(ProcessorBase, CannotSwitchOnATimerThatIsNotThere) {
     ClIpScripted processor;
     processor.Timer(true);
     EXPECT_FALSE(processor.IsTimerEnabled());
+}
+
+/// A table that is that of the process while it lives.
+struct StProfile {
+    StProfile() { g_pClassCallProfile = &m_Profile; }
+    ~StProfile() { g_pClassCallProfile = nullptr; }
+
+    long Calls() const {
+        return m_Profile.m_aEntries.Entries() == 0 ? 0 : m_Profile.m_aEntries[0].m_nCalls;
+    }
+
+    ClClassCallProfile m_Profile;
+};
+
+TEST(ProcessorBase, MarksItsStartFirstAndItsEndBehindTheCount) {
+    struct ClOrderTimer : ClProfileTimer {
+        void TimerStart(const char*, ...) override { m_pCalls->push_back("start"); }
+        void TimerStop(const char*, ...) override {
+            m_pCalls->push_back("stop after " + std::to_string(m_Table.Calls()));
+        }
+        StProfile m_Table;
+        Calls* m_pCalls = nullptr;
+    } timer;
+    g_pProfileTimer = &timer;
+    ClIpScripted processor;
+    g_pProfileTimer = nullptr;
+    timer.m_pCalls = &processor.m_aCalls;
+    processor.Apply();
+    EXPECT_EQ(processor.m_aCalls, (Calls{"start", "Initialize", "Process", "Finalize 0",
+                                         "ParameterString", "Name", "stop after 1"}));
+}
+
+TEST(ProcessorBase, CountsARunWithAnyResultButNoneThatFails) {
+    StProfile table;
+    ClIpScripted processor;
+    processor.m_nResult = 7;
+    processor.Apply();
+    EXPECT_EQ(table.Calls(), 1);
+    processor.m_nFinal = -1;
+    EXPECT_NUMBER(processor.Apply(), -1);
+    processor.m_bThrowing = true;
+    EXPECT_NUMBER(processor.Apply(), -37);
+    EXPECT_EQ(table.Calls(), 1);
+}
+
+TEST(ProcessorBase, CountsTheSecondsOfARun) {
+    struct ClIpSlow : ClIpPlain {
+        long Process() override {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            return 0;
+        }
+    } processor;
+    bool bMeasured = false;
+    for (int i = 0; i < 3 && !bMeasured; ++i) { // wall time can be set back meanwhile
+        StProfile table;
+        processor.Apply();
+        const double dSeconds = table.m_Profile.m_aEntries[0].m_dSeconds;
+        bMeasured = dSeconds >= 0.002 && dSeconds < 60.0;
+    }
+    EXPECT_TRUE(bMeasured);
 }
 
 TEST(ProcessorBase, BuildsItsTextForATimerThatDoesNothing) {

@@ -262,6 +262,19 @@ TEST(RawImage, AWrongMagicIsReported) {
     EXPECT_THROWS(Load(Image, Bytes()), ClException, -101, "KPF Magic is missing");
 }
 
+TEST(RawImage, LoadingForgetsTheFormerImageBeforeTheFirstByte) {
+    ClImage Image(2, 2, 1, 0, 0);
+    EXPECT_NUMBER(Load(Image, Bytes()), -101);
+    EXPECT_EQ(Image.Data(), nullptr);
+    EXPECT_EQ(Image.Width(), 0);
+}
+
+TEST(RawImage, NegativeSidesWhoseProductIsPositiveStoreNoSamples) {
+    ClImage Image(8, 6, 1, 0, 0);
+    EXPECT_NUMBER(Image.NewWithType(ClImage::eUInt8, -8000, 6, -1, 0, 0), -101);
+    EXPECT_EQ(RecordOf(Image).size(), cnHeader + 4); // what stands behind the buffer stays there
+}
+
 TEST(RawImage, AWrongVersionIsReportedBeforeAnythingElseIsRead) {
     for (const std::uint32_t nVersion : {2u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
         const Bytes aRecord = WithNumber(4, nVersion);

@@ -4,9 +4,36 @@
 
 #include <cerrno>
 #include <cstring>
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <iconv.h>
 #include <random>
 #include <string>
+
+namespace {
+
+/// What the C library's calls answer while set: that they have failed.
+bool g_bRefuseToOpen = false;
+bool g_bRefuseToClose = false;
+
+/// The C library's function behind one of the same name here.
+template <class Function>
+Function* Behind(const char* szName) {
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, szName));
+}
+
+} // namespace
+
+extern "C" iconv_t iconv_open(const char* szTo, const char* szFrom) {
+    static const auto pfnOpen = Behind<iconv_t(const char*, const char*)>("iconv_open");
+    return g_bRefuseToOpen ? reinterpret_cast<iconv_t>(-1) : pfnOpen(szTo, szFrom);
+}
+
+extern "C" int iconv_close(iconv_t hConversion) {
+    static const auto pfnClose = Behind<int(iconv_t)>("iconv_close");
+    const int nResult = pfnClose(hConversion);
+    return g_bRefuseToClose ? -1 : nResult;
+}
 
 namespace {
 
@@ -64,6 +91,16 @@ void ExpectConversionsError(Work work) {
         EXPECT_STREQ(e.File(), "Tools/XChar");
         EXPECT_GT(e.Line(), 0);
     }
+}
+
+/// Every form of conversion, of a text of one letter, answers `nExpected`.
+void ExpectAllForms(long nExpected) {
+    char acText[4];
+    wchar_t acWide[4];
+    EXPECT_EQ(ToNarrow(L"a", acText, sizeof acText), nExpected);
+    EXPECT_EQ(ToNarrow(L"a", nullptr, 0), nExpected);
+    EXPECT_EQ(ToWide("a", acWide, sizeof acWide), nExpected);
+    EXPECT_EQ(ToWide("a", nullptr, 0), nExpected);
 }
 
 } // namespace
@@ -149,4 +186,18 @@ TEST(XChar, ACharacterThatIsCutOffIsRefusedAndThrowsWhenMeasured) {
     EXPECT_THROW(ConvertWideCharToSBCS(L"a", 3, nullptr, 0), ClExSystem);
     EXPECT_EQ(ToWide("\xE2\x82", acWide, sizeof acWide), -1);
     EXPECT_THROW(ToWide("\xE2\x82", nullptr, 0), ClExSystem);
+}
+
+TEST(XChar, AConversionThatDoesNotOpenIsRefused) {
+    g_bRefuseToOpen = true;
+    ExpectAllForms(-1);
+    g_bRefuseToOpen = false;
+    ExpectAllForms(1);
+}
+
+TEST(XChar, AConversionThatDoesNotCloseIsRefused) {
+    g_bRefuseToClose = true;
+    ExpectAllForms(-1);
+    g_bRefuseToClose = false;
+    ExpectAllForms(1);
 }
