@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace {
 
@@ -36,8 +37,10 @@ void ClIp2to1Base::SetParametersToDefault() {
     m_nOutImageType = ClImage::eTypeDefault;
     m_bSizeMustBeEqual = true;
     m_dFillColor = 0.0;
+    std::fill(std::begin(m_adPlaneFillColor), std::end(m_adPlaneFillColor), 0.0);
     m_nOffsetX = 0;
     m_nOffsetY = 0;
+    m_bUseLUT = false;
 }
 
 void ClIp2to1Base::QueryParameters(ClParameterInterface& List) {
@@ -60,6 +63,7 @@ void ClIp2to1Base::PublishParameters(ClParameterContainer& Container) {
     Container.AddNumeric("FillColor", &m_dFillColor, cszFillColor);
     Container.AddNumeric("OffsetX", &m_nOffsetX, cszOffsetX);
     Container.AddNumeric("OffsetY", &m_nOffsetY, cszOffsetY);
+    Container.Keep(&m_adPlaneFillColor, &m_bUseLUT);
 }
 
 // The run

@@ -44,6 +44,10 @@ void ClIpArithmetic2to1Base::SetParametersToDefault() {
     m_pInImage1 = nullptr;
     m_pInImage2 = nullptr;
     m_pOutImage = nullptr;
+    m_bSizeMustBeEqual = true;
+    m_nFillColor = 0;
+    m_nOffsetX = 0;
+    m_nOffsetY = 0;
 }
 
 void ClIpArithmetic2to1Base::QueryParameters(ClParameterInterface& List) {
@@ -56,6 +60,7 @@ void ClIpArithmetic2to1Base::PublishParameters(ClParameterContainer& Container) 
     AddInImage(Container, "pInImage1", m_pInImage1, cszInImage1);
     AddInImage(Container, "pInImage2", m_pInImage2, cszInImage2);
     AddOutImage(Container, "pOutImage", m_pOutImage, cszOutImage);
+    Container.Keep(&m_bSizeMustBeEqual, &m_nFillColor, &m_nOffsetX, &m_nOffsetY);
 }
 
 long ClIpArithmetic2to1Base::ParameterString(char* pBuffer, unsigned long nSize) {

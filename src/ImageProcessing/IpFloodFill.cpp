@@ -17,6 +17,10 @@ constexpr long cnLargestThresh = 253;
 
 constexpr const char* cszInImage = "In: Original Image";
 constexpr const char* cszOutImage = "Out: Output Image";
+constexpr const char* cszCountThresh = "Nothing";
+constexpr const char* cszFillColor = "In Fill Color";
+constexpr const char* cszStartX = "In Start Coordinate X";
+constexpr const char* cszStartY = "In Start Coordinate Y";
 
 /// The pixels of one value, which are closed by another one. `visit(run, y)` sees each run.
 template <class Visit>
@@ -124,12 +128,12 @@ void ClIpFloodFill::SetParametersToDefault() {
 }
 
 void ClIpFloodFill::PublishParameters(ClParameterContainer& Container) {
-    AddInImage(Container, "pInImage", m_pInImage);
-    AddOutImage(Container, "pOutImage", m_pOutImage);
-    Container.AddNumeric("CountThresh", &m_nCountThresh);
-    Container.AddNumeric("FillColor", &m_nFillColor);
-    Container.AddNumeric("StartX", &m_nStartX);
-    Container.AddNumeric("StartY", &m_nStartY);
+    AddInImage(Container, "pInImage", m_pInImage, cszInImage);
+    AddOutImage(Container, "pOutImage", m_pOutImage, cszOutImage);
+    Container.AddNumeric("CountThresh", &m_nCountThresh, cszCountThresh);
+    Container.AddNumeric("FillColor", &m_nFillColor, cszFillColor);
+    Container.AddNumeric("StartX", &m_nStartX, cszStartX);
+    Container.AddNumeric("StartY", &m_nStartY, cszStartY);
     Container.Keep(&m_pBox);
 }
 
@@ -139,10 +143,10 @@ void ClIpFloodFill::QueryParameters(ClParameterInterface& List) {
                       cdMaxPlanes);
     List.AddParameter(&m_pOutImage, "OutImage", cszOutImage, ClParameterInterface::eOut, 1.0,
                       cdMaxPlanes);
-    AddNumber(List, "CountThresh", m_nCountThresh, "Nothing", 0.0, cnLargestThresh);
-    AddNumber(List, "FillColor", m_nFillColor, "In Fill Color", 0.0, 255.0);
-    AddNumber(List, "StartX", m_nStartX, "In Start Coordinate X", 0.0, 100000.0);
-    AddNumber(List, "StartY", m_nStartY, "In Start Coordinate Y", 0.0, 100000.0);
+    AddNumber(List, "CountThresh", m_nCountThresh, cszCountThresh, 0.0, cnLargestThresh);
+    AddNumber(List, "FillColor", m_nFillColor, cszFillColor, 0.0, 255.0);
+    AddNumber(List, "StartX", m_nStartX, cszStartX, 0.0, 100000.0);
+    AddNumber(List, "StartY", m_nStartY, cszStartY, 0.0, 100000.0);
 }
 
 long ClIpFloodFill::Initialize() {

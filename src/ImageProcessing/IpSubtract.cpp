@@ -8,6 +8,8 @@
 
 #include <TessarinCalibrateSDK.h>
 
+#include <utility>
+
 namespace {
 
 constexpr TpNamedValues<ClIpSubtract::EDataRangeType> caDataRanges = {
@@ -84,6 +86,8 @@ long ClIpSubtract::Default(const StPairArea& Area) const {
 
 ClRangeClip ClIpSubtract::FixBounds(const StPairArea& Area) const {
     const unsigned char nType = Area.m_rOut.DataType();
+    double dLower = Area.m_rOut.Black();
+    double dUpper = Area.m_rOut.White();
     switch (m_eDataRange) {
     case InputDependent:
         return {AsSample(nType, Area.m_rIn1.Black() - Area.m_rIn2.White()),
@@ -93,7 +97,9 @@ ClRangeClip ClIpSubtract::FixBounds(const StPairArea& Area) const {
         Area.m_rOut.SetWhite(AsSample(nType, m_dUpperBound));
         return {Area.m_rOut.Black(), Area.m_rOut.White()};
     default:
-        return ClRangeClip(Area.m_rOut);
+        if (dUpper < dLower)
+            std::swap(dLower, dUpper);
+        return {AsSample(nType, dLower), AsSample(nType, dUpper)};
     }
 }
 

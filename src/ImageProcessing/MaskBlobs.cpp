@@ -191,9 +191,10 @@ long ClMask2::RemoveSmallFgBlobs(long nMinSize, bool bKeepBorderBlobs) {
         unsigned nBorders = 0;
         for (const unsigned long nRun : Blob)
             nBorders |= BordersOf(m_aEntries[nRun]);
-        if (Pixels(m_aEntries, Blob) >= nMinSize || (bKeepBorderBlobs && nBorders != 0))
+        const long nSize = Pixels(m_aEntries, Blob);
+        if (nSize >= nMinSize || (nSize > 0 && bKeepBorderBlobs && nBorders != 0))
             ++nKept;
-        else
+        else if (nSize > 0) // runs that end before they begin are nothing to remove
             for (const unsigned long nRun : Blob)
                 Removed.m_aEntries.Append(m_aEntries[nRun]);
     }

@@ -128,9 +128,16 @@ TEST(ImagePyramid, AssignedToItselfStaysAsItIs) {
 TEST(ImagePyramid, ClearForgetsLayersAndReleasesTheirBuffers) {
     ClImagePyramid pyramid(1);
     pyramid[0] = Img({{9}});
+    ClImage shared;
+    shared.Attach(pyramid[0]);
+    const unsigned char* pData = shared.Data();
+
     pyramid.Clear();
+
     EXPECT_EQ(pyramid.Layers(), 0);
     EXPECT_THROWS(pyramid[0], ClException, -701, "no pyramid is given");
+    shared.NewWithType(ClImage::eUInt8, 1, 1, 1, 0, 0);
+    EXPECT_EQ(shared.Data(), pData); // a buffer that nobody else holds is used again
 }
 
 TEST(ImagePyramid, RefusesACountThatMemoryCannotHold) {

@@ -1,6 +1,7 @@
 #include "ImageProcessing/Ip2to1Base.h"
 
 #include "ImageProcessing/NaiveArithmetic.h"
+#include "Tools/ParameterContainer.h"
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
@@ -386,6 +387,22 @@ TEST(Ip2to1Base, SaysThatTheTableCouldNotBeAllocated) {
     const TestSupport::ClFailAllocation Fail(0);
     EXPECT_THROWS(ip.ApplyParam(in, in, out, ceDefault), ClExBadAlloc, -102,
                   "Memory allocation failed");
+}
+
+TEST(Ip2to1Base, GivesEveryMemberItsDefaultAndKeepsAllInAQuery) {
+    ClIpPairProbe ip;
+    ip.m_bUseLUT = true;
+    ip.m_adPlaneFillColor[0] = 1.0;
+    ip.m_adPlaneFillColor[3] = 4.0;
+    ClParameterContainer container;
+    ip.QueryParameters(container);
+    EXPECT_TRUE(ip.m_bUseLUT);
+    EXPECT_EQ(ip.m_adPlaneFillColor[0], 1.0);
+    EXPECT_EQ(ip.m_adPlaneFillColor[3], 4.0);
+    ip.SetParametersToDefault();
+    EXPECT_FALSE(ip.m_bUseLUT);
+    for (double dColor : ip.m_adPlaneFillColor)
+        EXPECT_EQ(dColor, 0.0);
 }
 
 TEST(Ip2to1Base, KeepsItsImagesAfterARun) {

@@ -4,6 +4,7 @@
 #include "ImageProcessing/IpArithmetic2to1Base.h"
 
 #include "Tools/Allocate.h"
+#include "Tools/ParameterContainer.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
 #include "support/Throws.h"
@@ -224,6 +225,25 @@ TEST(IpArithmetic2to1Base, AnswersEveryMissingAllocation) {
     TestSupport::FailEachAllocation([&] { EXPECT_EQ(ip.ApplyParam(image, image, image), 0); });
     TestSupport::ExpectSameImage(image, copy);
     EXPECT_EQ(ip.m_pOutImage, &image);
+}
+
+TEST(IpArithmetic2to1Base, GivesEveryMemberItsDefaultAndKeepsAllInAQuery) {
+    ClIpProbe ip;
+    ip.m_bSizeMustBeEqual = false;
+    ip.m_nFillColor = 0x112233;
+    ip.m_nOffsetX = 2;
+    ip.m_nOffsetY = -3;
+    ClParameterContainer container;
+    ip.QueryParameters(container);
+    EXPECT_FALSE(ip.m_bSizeMustBeEqual);
+    EXPECT_EQ(ip.m_nFillColor, 0x112233);
+    EXPECT_EQ(ip.m_nOffsetX, 2);
+    EXPECT_EQ(ip.m_nOffsetY, -3);
+    ip.SetParametersToDefault();
+    EXPECT_TRUE(ip.m_bSizeMustBeEqual);
+    EXPECT_EQ(ip.m_nFillColor, 0);
+    EXPECT_EQ(ip.m_nOffsetX, 0);
+    EXPECT_EQ(ip.m_nOffsetY, 0);
 }
 
 // The sign

@@ -79,6 +79,22 @@ TEST(IpSubtract, ConvertsTheUsersBoundsToTheOutput) {
     EXPECT_EQ(out.White(), 300.0);
 }
 
+TEST(IpSubtract, ConvertsTheRangeOfAnIntegerOutputToItsType) {
+    ClIpSubtract subtract;
+    ClTestImage in1 = Img({{10, 90, 255}});
+    ClTestImage in2 = Img({{20, 50, 0}});
+    ClTestImage out = TestSupport::BlankImage(ClImage::eUInt8, 3, 1);
+    out.SetBlack(-226.5); // 30 modulo 256
+    out.SetWhite(200.75);
+    EXPECT_EQ(subtract.DoProcess(in1, in2, out, 3, 1, 1, 1, 0, 4, 0, 4, 0, 4), 0);
+    EXPECT_EQ(Pixels(out), Rows({{30, 40, 200}}));
+    out.SetBlack(200.75); // the other way round
+    out.SetWhite(-226.5);
+    EXPECT_EQ(subtract.DoProcess(in1, in2, out, 3, 1, 1, 1, 0, 4, 0, 4, 0, 4), 0);
+    EXPECT_EQ(Pixels(out), Rows({{30, 40, 200}}));
+    EXPECT_EQ(out.Black(), 200.75);
+}
+
 TEST(IpSubtract, AsksTheLowerBoundFirst) {
     ClIpSubtract subtract;
     subtract.m_eDataRange = ClIpSubtract::UserDependent;

@@ -122,6 +122,16 @@ TEST(Mask2Blobs, KeepsBlobsAtTheBorderWhereAsked) {
     EXPECT_EQ(RunsOf(mask), (RunList{{0, 0, 1}, {4, 4, 2}, {1, 2, 3}}));
 }
 
+TEST(Mask2Blobs, RunsWithoutPixelsAreNeitherRemovedNorCountedBelowTheSize) {
+    const RunList aRuns = {{0, -1, 0}, {5, 3, 1}, {1, 2, 3}, {4, 4, 4}}; // of 0, -1 and 2 pixels
+    for (const bool bKeepBorder : {false, true}) {
+        ClMask2 mask = MaskWithRuns(9, 6, aRuns);
+        EXPECT_EQ(mask.RemoveSmallFgBlobs(2, bKeepBorder), 1);
+        EXPECT_EQ(RunsOf(mask), aRuns);
+        EXPECT_EQ(mask.RemoveSmallFgBlobs(0, bKeepBorder), 2);
+    }
+}
+
 TEST(Mask2Blobs, OneRunIsNoSeed) {
     ClMask2 mask = MaskOf({"....", ".##.", "...."});
     EXPECT_EQ(mask.RemoveSmallFgBlobs(1000, false), 0);
@@ -161,10 +171,17 @@ TEST(Mask2Blobs, HolesCloseAndBaysStay) {
 }
 
 TEST(Mask2Blobs, HolesThatReachTheFrameStay) {
+    // Four that each reach one side; the one in the middle shows that the others were looked at.
+    ClMask2 mask = MaskOf({"#.#####", "#######", "..#.#..", "#######", "#####.#"});
+    mask.RemoveBgBlobs();
+    EXPECT_EQ(PictureOf(mask, 7, 5),
+              (Picture{"#.#####", "#######", "..###..", "#######", "#####.#"}));
+}
+
+TEST(Mask2Blobs, AHoleThatIsTheLastRunOfTheBackgroundStays) {
     const Picture picture = {"#.###", "###..", "#.###", "#####"};
     ClMask2 mask = MaskOf(picture);
     mask.RemoveBgBlobs();
-    // The hole of the third line is the last run of the background, which is no seed.
     EXPECT_EQ(PictureOf(mask, 5, 4), picture);
 }
 

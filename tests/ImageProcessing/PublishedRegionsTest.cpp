@@ -47,12 +47,12 @@ TEST(PublishedRegions, ConnectedComponentsKeepTheirArrayWhenAsked) {
 
 TEST(PublishedRegions, FloodFillPublishesItsSettingsInTheTree) {
     ClIpFloodFill fill;
-    ExpectTree(fill,
-               {TreePointer("pInImage", fill.m_pInImage, ePfIn),
-                TreePointer("pOutImage", fill.m_pOutImage, ePfOut),
-                TreeNumber("CountThresh", fill.m_nCountThresh, 0),
-                TreeNumber("FillColor", fill.m_nFillColor, 0),
-                TreeNumber("StartX", fill.m_nStartX, 0), TreeNumber("StartY", fill.m_nStartY, 0)});
+    ExpectTree(fill, {TreePointer("pInImage", fill.m_pInImage, ePfIn, "In: Original Image"),
+                      TreePointer("pOutImage", fill.m_pOutImage, ePfOut, "Out: Output Image"),
+                      TreeNumber("CountThresh", fill.m_nCountThresh, 0, "Nothing"),
+                      TreeNumber("FillColor", fill.m_nFillColor, 0, "In Fill Color"),
+                      TreeNumber("StartX", fill.m_nStartX, 0, "In Start Coordinate X"),
+                      TreeNumber("StartY", fill.m_nStartY, 0, "In Start Coordinate Y")});
 }
 
 /// An image of one to three planes.

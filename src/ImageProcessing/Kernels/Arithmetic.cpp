@@ -4,8 +4,10 @@
 // instruction per vector of 16 samples for every step:
 //
 //     min(255, a + b)  =  min(a, 255 - b) + b
-//     (a + b) / 2      =  (a & b) + ((a ^ b) >> 1)     half of what both have twice, half of the
-//     rest max(0, a - b)    =  max(a, b) - b
+//     (a + b) / 2      =  (a & b) + ((a ^ b) >> 1)
+//     max(0, a - b)    =  max(a, b) - b
+//
+// The half is that of the bits which both have, twice, and of the bits which only one has.
 
 namespace Kernels {
 
