@@ -40,6 +40,8 @@ long ClIpBinarizeLocal2::DoProcess(ClImage& rIn, ClImage& rOut) {
         return 0;
     }
     rOut.New(rIn);
+    if (rOut.SizeBytes() == 0) // no planes, or a type without bytes: there is nothing in a line
+        return 0;
     rOut = static_cast<unsigned char>(0);
     Kernels::ClLocalThreshold Threshold(rIn.Width(), m_nSizeX, m_nOffset, m_nBelowValue,
                                         m_nAboveValue);

@@ -145,8 +145,9 @@ long ClIpLinFilterBase::ProcessSignedX() {
 template <class T, class FilterLines>
 void ClIpLinFilterBase::ForEachLine(FilterLines filter) const {
     const long nHeight = m_pInImage->Height();
-    const long nTaps = static_cast<long>(m_aFilter.Entries());
-    auto pLines = Vek::NewArrayPtr<const T*>(m_aFilter.Entries());
+    // Without taps the kernel has one, of 0.
+    const long nTaps = std::max(1L, static_cast<long>(m_aFilter.Entries()));
+    auto pLines = Vek::NewArrayPtr<const T*>(static_cast<std::size_t>(nTaps));
     for (long y = 0; y < nHeight; ++y) {
         for (long i = 0; i < nTaps; ++i)
             pLines[static_cast<std::size_t>(i)] = m_pInImage->Line<T>(

@@ -252,6 +252,63 @@ TEST(HistogramShape, WalksByHand) {
     EXPECT_EQ(Histogram.Descend(12, 1), 8);  // at 9: 0 below, 1 above; at 8: both 0
 }
 
+/// Truncated average of the bins of a window as far as there are any; without one it is 0.
+long Average(const ClHistogram& Histogram, int nFrom, int nTo) {
+    long nSum = 0;
+    long nBins = 0;
+    for (int i = std::max(0, nFrom); i <= std::min(255, nTo); ++i, ++nBins)
+        nSum += Histogram.m_anCount[i];
+    return nBins == 0 ? 0 : nSum / nBins;
+}
+
+/// Humps of several sizes, so that walks of every length occur.
+ClHistogram Humps(unsigned nSeed) {
+    std::mt19937 random(nSeed);
+    ClHistogram Histogram;
+    for (unsigned n = 0; n < 1 + nSeed % 4; ++n) {
+        const int nTop = static_cast<int>(random() % 256);
+        const int nHeight = static_cast<int>(random() % 1000);
+        const int nSlope = 3 + static_cast<int>(random() % 20);
+        for (int i = 0; i < 256; ++i)
+            Histogram.m_anCount[i] += std::max(0, nHeight - nSlope * std::abs(i - nTop)) +
+                                      static_cast<int>(random() % (1 + nSeed % 9));
+    }
+    return Histogram;
+}
+
+int Walked(const ClHistogram& Histogram, int nPos, int nWidth, bool bClimb) {
+    const auto isBetterAbove = [&](int n) {
+        const long nBelow = Average(Histogram, n - nWidth, n - 1);
+        const long nAbove = Average(Histogram, n + 1, n + nWidth);
+        return bClimb ? nAbove > nBelow : nAbove < nBelow;
+    };
+    const auto isBetterBelow = [&](int n) {
+        const long nBelow = Average(Histogram, n - nWidth, n - 1);
+        const long nAbove = Average(Histogram, n + 1, n + nWidth);
+        return bClimb ? nBelow > nAbove : nBelow < nAbove;
+    };
+    if (isBetterAbove(nPos))
+        while (nPos < 255 && isBetterAbove(nPos))
+            ++nPos;
+    else
+        while (nPos > 0 && isBetterBelow(nPos))
+            --nPos;
+    return nPos;
+}
+
+TEST(HistogramShape, WalksByItsDefinition) {
+    for (unsigned nSeed = 0; nSeed < 12; ++nSeed) {
+        const ClHistogram Histogram = Humps(nSeed);
+        for (int nStart = 0; nStart < 256; nStart += 5)
+            for (int nWidth : {1, 2, 7, 40, 255}) {
+                const auto nPos = static_cast<unsigned char>(nStart);
+                const auto nBins = static_cast<unsigned char>(nWidth);
+                EXPECT_EQ(Histogram.Climb(nPos, nBins), Walked(Histogram, nStart, nWidth, true));
+                EXPECT_EQ(Histogram.Descend(nPos, nBins), Walked(Histogram, nStart, nWidth, false));
+            }
+    }
+}
+
 TEST(HistogramShape, StaysWhereTheWalkHasNoDirection) {
     const ClHistogram Flat = Counts({});
     EXPECT_EQ(Flat.Climb(33, 4), 33);
@@ -299,6 +356,33 @@ TEST(HistogramShape, IsUnimodalWithARippleThatTheAveragesHide) {
     for (int i = 0; i < 256; ++i)
         Histogram.m_anCount[i] = std::max(0, 5000 - 40 * std::abs(i - 100)) + (i % 10 == 3 ? 9 : 0);
     EXPECT_TRUE(Histogram.IsUnimodal(0)); // ten neighbours hold one ripple, wherever they begin
+}
+
+/// A peak by 5 bins below and 25 above, behind which averages of 10 never rise.
+bool HasOnePeak(const ClHistogram& Histogram, int nPos) {
+    while (nPos < 256 &&
+           Average(Histogram, nPos - 5, nPos - 1) <= Average(Histogram, nPos + 1, nPos + 25))
+        ++nPos;
+    for (int i = nPos + 1; i + 10 < 256; ++i)
+        if (Average(Histogram, i, i + 9) < Average(Histogram, i + 1, i + 10))
+            return false;
+    return true;
+}
+
+TEST(HistogramShape, FindsOnePeakByItsDefinition) {
+    int nUnimodal = 0;
+    int nAsked = 0;
+    for (unsigned nSeed = 0; nSeed < 200; ++nSeed) {
+        const ClHistogram Histogram = Humps(nSeed);
+        for (int n = 0; n < 256; n += 3, ++nAsked) {
+            const bool bExpected = HasOnePeak(Histogram, n);
+            nUnimodal += bExpected ? 1 : 0;
+            EXPECT_EQ(Histogram.IsUnimodal(static_cast<unsigned char>(n)), bExpected)
+                << nSeed << ' ' << n;
+        }
+    }
+    EXPECT_GT(nUnimodal, nAsked / 10); // both answers occur
+    EXPECT_LT(nUnimodal, nAsked - nAsked / 10);
 }
 
 TEST(HistogramShape, AnswersForEveryStart) {

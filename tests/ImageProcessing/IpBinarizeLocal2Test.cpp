@@ -186,6 +186,20 @@ TEST(IpBinarizeLocal2, DecidesForOffsetsOfEverySize) {
     }
 }
 
+TEST(IpBinarizeLocal2, DecidesForOffsetsBeyondAllPixelsWhereAColumnIsNotCounted) {
+    // A black pixel in white: 3 columns of 3 lines sum to 8 * 255 = 2040, of which 2 columns are
+    // counted: it is above from an offset beyond 2040 / 6 = 340 on.
+    ClTestImage image = FlatImage(ClImage::eUInt8, 7, 5, 1, 255);
+    TestSupport::SetSample(image, 3, 2, 0, 0);
+    EXPECT_EQ(Binarized(image, {2, 3, 340})[2][3], 0);
+    EXPECT_EQ(Binarized(image, {2, 3, 341})[2][3], 255);
+    for (long nSizeX : {2L, 4L, 6L})
+        for (long nOffset = 250; nOffset < 400; ++nOffset)
+            EXPECT_EQ(Binarized(image, {nSizeX, 3, nOffset}),
+                      Defined(Pixels(image), {nSizeX, 3, nOffset}))
+                << nSizeX << ' ' << nOffset;
+}
+
 TEST(IpBinarizeLocal2, ComparesTheFirstBytesOfEachLineOfSeveralPlanes) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 10, 6, 3, 6);
     Rows aFirst = Pixels(in); // 30 samples a line
@@ -233,6 +247,21 @@ TEST(IpBinarizeLocal2, RefusesAWindowWithoutPixels) {
         EXPECT_EQ(ip.ApplyParam(image, image, 99, n, 0), -35); // before the copy
     }
     ExpectSameImage(image, before);
+}
+
+TEST(IpBinarizeLocal2, FindsNothingToCompareInLinesWithoutBytes) {
+    unsigned char aBytes[32] = {};
+    ClImage noPlanes;
+    noPlanes.Attach(aBytes, ClImage::eUInt8, 5, 5, 0, 0, 0);
+    ClImage noType;
+    noType.Attach(aBytes, ClImage::eUInt8, 5, 5, 1, 0, 0);
+    noType.SetDataType(ClImage::eTypeUnknown);
+    for (ClImage* pIn : {&noPlanes, &noType}) {
+        ClImage out;
+        ClIpBinarizeLocal2 ip;
+        EXPECT_EQ(ip.ApplyParam(*pIn, out, 3, 3, 0), 0);
+        EXPECT_EQ(out.Data(), nullptr);
+    }
 }
 
 TEST(IpBinarizeLocal2, ReportsAMissingImage) {

@@ -209,6 +209,19 @@ TEST(IpLinFilterBase, CopiesOnlyForAWidthOfZero) {
     EXPECT_EQ(Pixels(out), Rows({{0, 0, 127, 254}}));
 }
 
+TEST(IpLinFilterBase, GivesZeroWhereNoKernelWasInitialized) {
+    ClTestImage in = RandomImage(ClImage::eUInt8, 20, 3, 1, 3);
+    for (long nMode : {1L, 2L, 3L}) {
+        ClImage out;
+        ClIpTestKernel filter({1.0, 1.0, 1.0});
+        filter.m_nMode = nMode;
+        filter.m_pInImage = &in;
+        filter.m_pOutImage = &out;
+        EXPECT_EQ(filter.Process(), 0);
+        EXPECT_EQ(Pixels(out), Rows(3, std::vector<int>(20, 0))) << nMode;
+    }
+}
+
 TEST(IpLinFilterBase, RefusesSamplesThatAreNotEightBitsWide) {
     for (long nWidth : {0L, 1L, 3L})
         for (unsigned char nType : {ClImage::eUInt16, ClImage::eUInt32, ClImage::eInt16,

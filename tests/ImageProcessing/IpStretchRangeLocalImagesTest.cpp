@@ -128,6 +128,7 @@ TEST(IpStretchRangeLocalImages, HandsOutLimitsOfTheInputsSizeWithSubsampling) {
     EXPECT_EQ(min.Height(), 11);
     EXPECT_EQ(max.Width(), 17);
     EXPECT_EQ(max.Height(), 11);
+    EXPECT_EQ(Pixels(out), TestSupport::NaiveStretched(Pixels(in), {Pixels(min), Pixels(max)}, 5));
 }
 
 TEST(IpStretchRangeLocalImages, MayHandOutALimitOverTheInput) {

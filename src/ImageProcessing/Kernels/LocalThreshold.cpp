@@ -9,9 +9,10 @@ namespace Kernels {
 
 namespace {
 
-/// A pixel moved by so much lies above, or below, every mean: further offsets decide the same, and
-/// the products stay far from the ends of 64 bits.
-constexpr long cnLargestOffset = 256;
+/// A pixel moved by so much lies above, or below, every sum by area: further offsets decide the
+/// same, and the products stay far from the ends of 64 bits. That quotient is 255 * 3 / 2 at most:
+/// an even size sums one column more than its area counts, 3 for 2 where it is smallest.
+constexpr long cnLargestOffset = 255 * 3 / 2 + 1;
 
 } // namespace
 

@@ -89,6 +89,20 @@ TEST(LocalThresholdKernel, DecidesForOffsetsBeyondAllPixels) {
         }
 }
 
+TEST(LocalThresholdKernel, DecidesForOffsetsUpToTheLargestSumOfAnEvenWindow) {
+    Lines aLines(50, Bytes(9, 255));
+    aLines[7][4] = 0;
+    for (long nSize : {2L, 4L, 8L})
+        for (long nOffset : {256L, 257L, 300L, 380L, 381L, 382L, 383L, 384L, 1000L}) {
+            Kernels::ClLocalThreshold Threshold(9, nSize, nOffset, 100, 200);
+            for (const Bytes& aLine : aLines)
+                Threshold.AddLine(aLine.data());
+            Bytes aOut(9);
+            Threshold.ThresholdLine(aLines[7].data(), aOut.data());
+            EXPECT_EQ(aOut[4], Defined(aLines, 9, nSize, nOffset, 4, 0)) << nSize << ' ' << nOffset;
+        }
+}
+
 TEST(LocalThresholdKernel, SeesADifferenceOfOneGreyValueInAHugeSum) {
     Kernels::ClLocalThreshold Threshold(3, 3, 0, 100, 200);
     const Bytes aLine = {255, 255, 255};
