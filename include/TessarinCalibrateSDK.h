@@ -257,8 +257,8 @@ TESSARIN_CALIBRATE_API long GetCalibrationWarningLevels(void* handle, double* di
  *                                            PrecalculatedData, and the points allow no smooth
  *                                            mapping
  *         QMT_ERROR_BITMAP_DIMENSION         ThinPlateSpline and not the size of the scanner
- *         QMT_ERROR_BITMAP_PELS              DynamicFingerMask, and the calibration data have no
- *                                            resolution at which a finger could be sought
+ *         QMT_ERROR_BITMAP_PELS, QMT_ERROR_INTERNAL  DynamicFingerMask, and the calibration data
+ *                                            have no resolution at which a finger could be sought
  *         QMT_ERROR_TEMPLATE_SIZE            *outBitmapSize was too small; it holds the size needed
  *         QMT_ERROR_OUT_OF_MEMORY            at any point
  *         QMT_SUCCESS
