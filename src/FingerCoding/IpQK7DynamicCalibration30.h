@@ -44,8 +44,10 @@ public:
 
     /// Returns 0, or -37 for a missing image. Throws "Image Type is not the assigned type" (-101)
     /// unless the capture is of type `eUInt8`, "Color-image not supported in ClHistogram::Create."
-    /// (-101) for several planes, -13 where the finger is sought in a capture without resolution,
-    /// `ClExBadAlloc` (-102), and the failures of a file (-200, -202) with the dumps on.
+    /// (-101) for several planes, -13 where the finger is sought in a capture without resolution or
+    /// of an absurd one, "Image area must be positive" (-101) where that of one axis is ten
+    /// thousand times coarser than that of the other, `ClExBadAlloc` (-102), and the failures of a
+    /// file (-200, -202) with the dumps on.
     ///
     /// After an exception the levels are those of the run before, except that the dirt level may
     /// be the new one, and the outputs hold no promise beyond being valid images. The output may

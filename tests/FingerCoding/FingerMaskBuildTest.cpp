@@ -58,6 +58,40 @@ ClTestImage FingerWithAHole() {
     return image;
 }
 
+/// Ridges in the upper left, and a square of them in the lower right corner.
+ClTestImage FingerWithAPatch(int nSide) {
+    ClTestImage image = FlatImage(ClImage::eUInt8, 320, 480, 1, 250);
+    for (int y = 0; y < 480; ++y)
+        for (int x = 0; x < 320; ++x) {
+            const bool bFinger = x >= 30 && x < 180 && y >= 40 && y < 280;
+            const bool bPatch = x >= 300 - nSide && x < 300 && y >= 460 - nSide && y < 460;
+            if (bFinger || bPatch)
+                image.LineData(y)[x] = y % 12 < 6 ? 20 : 140;
+        }
+    return image;
+}
+
+/// Stripes of 0, 105 and 255, with white dots so close that no part passes for a dim background.
+ClTestImage DottedStripes() {
+    ClTestImage image = FlatImage(ClImage::eUInt8, 300, 200, 1, 255);
+    for (int y = 0; y < 200; ++y)
+        for (int x = 0; x < 240; ++x)
+            if (x % 10 != 5 || y % 10 != 5)
+                image.LineData(y)[x] = x < 120 ? 0 : 105;
+    return image;
+}
+
+/// The image of a stage of a run.
+ClTestImage StageOf(ClTestImage image, const char* szFileName) {
+    ClMaskRun run(image);
+    run.m_Calibration.m_bDumpImages = true;
+    ClWorkingFolder folder;
+    run.Build();
+    ClTestImage stored;
+    stored.Load(szFileName);
+    return stored;
+}
+
 } // namespace
 
 // Windows
@@ -124,6 +158,24 @@ TEST(FingerMaskBuild, FillsTheHolesOfTheRegion) {
     EXPECT_EQ(Sample(stored, 100, 240), 0);  // the finger
     EXPECT_EQ(Sample(stored, 20, 240), 255); // the background
     EXPECT_GT(Sample(run.m_Prob, 160, 240), 200);
+}
+
+/// The histogram climbs towards 105 from 95 on: 100 is the lowest threshold.
+TEST(FingerMaskBuild, SeeksTheThresholdOfBrightnessFrom100On) {
+    const ClTestImage prob = StageOf(DottedStripes(), "C:\\21_BrightProbImage.kpf");
+    EXPECT_EQ(Sample(prob, 60, 100), 0 + 128 - 100);
+    EXPECT_EQ(Sample(prob, 180, 100), 105 + 128 - 100);
+    EXPECT_EQ(Sample(prob, 280, 100), 255);
+}
+
+/// 16 square millimetres are some 79 by 79 pixels, less what the mean adds on each side.
+TEST(FingerMaskBuild, LooksAwayFromSmallPatchesOfRidges) {
+    const ClTestImage small = StageOf(FingerWithAPatch(40), "C:\\03_MaskImage.kpf");
+    EXPECT_EQ(Sample(small, 100, 160), 0);
+    EXPECT_EQ(Sample(small, 280, 440), 255);
+    const ClTestImage large = StageOf(FingerWithAPatch(80), "C:\\03_MaskImage.kpf");
+    EXPECT_EQ(Sample(large, 100, 160), 0);
+    EXPECT_EQ(Sample(large, 260, 420), 0);
 }
 
 TEST(FingerMaskBuild, FindsAFinger) {

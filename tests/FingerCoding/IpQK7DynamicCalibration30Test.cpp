@@ -38,6 +38,14 @@ ClTestImage Speckled(unsigned char nLast) {
     return image;
 }
 
+/// The same, which leaves a level of 1999.9, and 20 by 20 pixels of one value beside the speck.
+ClTestImage SpeckledBeside(int nValue) {
+    ClTestImage image = Speckled(6);
+    for (int y = 60; y < 80; ++y)
+        std::memset(image.LineData(y) + 72, nValue, 20);
+    return image;
+}
+
 void ExpectRejected(const StDynamicRun& Run) {
     EXPECT_EQ(Run.m_nResult, 0);
     EXPECT_TRUE(IsWhite(Run.m_Out));
@@ -145,6 +153,20 @@ TEST(IpQK7DynamicCalibration30, SeeksTheFingerInARangeAbove96) {
     EXPECT_NUMBER(StDynamicRun{wide}, -13);
 }
 
+/// A quarter of the image is 255, and what counts is the largest value below.
+TEST(IpQK7DynamicCalibration30, SetsSaturatedSamplesAside) {
+    const auto Saturated = [](int nDark) {
+        ClTestImage image = WithoutResolution(Halves(nDark, 200));
+        for (int y = 0; y < 80; ++y)
+            std::memset(image.LineData(y) + 61, 255, 62);
+        return image;
+    };
+    ClTestImage narrow = Saturated(104);
+    ExpectWithoutFinger(StDynamicRun(narrow));
+    ClTestImage wide = Saturated(103);
+    EXPECT_NUMBER(StDynamicRun{wide}, -13);
+}
+
 TEST(IpQK7DynamicCalibration30, SeeksTheFingerInAnyRangeInTheSensitiveMode) {
     ClTestImage image = WithoutResolution(Halves(100, 196));
     EXPECT_NUMBER((StDynamicRun{image, true}), -13);
@@ -202,6 +224,17 @@ TEST(IpQK7DynamicCalibration30, RejectsACaptureFromADirtLevelOf2000On) {
     StDynamicRun run(image);
     ExpectRejected(run);
     EXPECT_GT(run.Dry(), 0.0); // the finger was found
+}
+
+/// A seventh of the surroundings of every pixel of the speck is no background then.
+TEST(IpQK7DynamicCalibration30, MeasuresNoDirtBesideSaturatedPixels) {
+    ClTestImage bright = SpeckledBeside(254);
+    StDynamicRun measured(bright);
+    EXPECT_DOUBLE_EQ(measured.Dirt(), 1999.9);
+    ClTestImage saturated = SpeckledBeside(255);
+    StDynamicRun run(saturated);
+    EXPECT_EQ(run.Dirt(), 0.0);
+    EXPECT_FALSE(IsWhite(run.m_Out));
 }
 
 // Images

@@ -222,7 +222,7 @@ TEST(DynamicCalibration, RefusesAResolutionOfWhichTheFingerMaskLeavesNothing) {
     ClApiHandle Handle;
     Handle.Set("GeometricCalibrate=oddLines");
     Handle.Set("DynamicFingerMask=true");
-    for (const auto& [nPelsY, nExpected] : {std::pair{2u, QMT_ERROR_INTERNAL}, {4u, 0L}}) {
+    for (const auto& [nPelsY, nExpected] : {std::pair{2u, QMT_ERROR_INTERNAL}, {6u, 0L}}) {
         Record.m_nSourcePelsY = nPelsY;
         ASSERT_EQ(Handle.SetData(TestSupport::RecordBlock(Record)), 0);
         long nStatus = 1;
