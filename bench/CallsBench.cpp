@@ -1,5 +1,5 @@
 // The exported calls on one simulated scanner: what preparing the warp table costs, what loading
-// it costs instead, and what one correction costs in each mode.
+// it costs instead, what one correction costs in each mode, and what generating and checking cost.
 
 #include <TessarinCalibrateSDK.h>
 
@@ -20,12 +20,14 @@ using Block = std::vector<unsigned char>;
 struct StScanner {
     Block m_Record;
     Block m_Capture;
+    Block m_Target;
     Block m_Precalculated;
 
     StScanner() {
         const sim::ClScanner Scanner(900);
         m_Record = sim::RecordBlock(Scanner);
         m_Capture = sim::BitmapBlock(sim::CaptureKind(Scanner, sim::EKind::eLoop, 1).m_Raw);
+        m_Target = sim::BitmapBlock(sim::CaptureKind(Scanner, sim::EKind::eTarget, 1).m_Raw);
         void* handle = CalibrateCreate();
         unsigned long nSize = 0;
         if (CalibrateSetData(handle, m_Record.data(), m_Record.size()) != QMT_SUCCESS)
@@ -74,11 +76,19 @@ void SetDataAndPrecalculatedData(benchmark::State& state) {
 }
 BENCHMARK(SetDataAndPrecalculatedData)->Unit(benchmark::kMillisecond);
 
-void CalibrateInMode(benchmark::State& state, const char* szMode) {
+Block Corrected(benchmark::State& state, void* handle, Block& rCapture) {
+    Block corrected(rCapture.size());
+    unsigned long nSize = corrected.size();
+    Require(state, Calibrate(handle, rCapture.data(), rCapture.size(), corrected.data(), &nSize));
+    corrected.resize(nSize);
+    return corrected;
+}
+
+void CalibrateWith(benchmark::State& state, const char* szMode, const char* szDynamic) {
     void* handle = CalibrateCreate();
     Require(state, CalibrateSetData(handle, Scanner().m_Record.data(), Scanner().m_Record.size()));
-    Require(state, CalibrateSetOption(handle, "DynamicFingerMask=false"));
     Require(state, CalibrateSetOption(handle, szMode));
+    Require(state, CalibrateSetOption(handle, szDynamic));
     Block Out(Scanner().m_Capture.size());
     for (auto _ : state) {
         unsigned long nSize = Out.size();
@@ -88,10 +98,47 @@ void CalibrateInMode(benchmark::State& state, const char* szMode) {
     }
     CalibrateDelete(&handle);
 }
-BENCHMARK_CAPTURE(CalibrateInMode, Off, "GeometricCalibrate=off")->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(CalibrateInMode, OddLines, "GeometricCalibrate=oddLines")
+BENCHMARK_CAPTURE(CalibrateWith, Off, "GeometricCalibrate=off", "DynamicFingerMask=false")
     ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(CalibrateInMode, ThinPlateSpline, "GeometricCalibrate=ThinPlateSpline")
+BENCHMARK_CAPTURE(CalibrateWith, OddLines, "GeometricCalibrate=oddLines", "DynamicFingerMask=false")
     ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(CalibrateWith, ThinPlateSpline, "GeometricCalibrate=ThinPlateSpline",
+                  "DynamicFingerMask=false")
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(CalibrateWith, Defaults, "GeometricCalibrate=ThinPlateSpline",
+                  "DynamicFingerMask=true")
+    ->Unit(benchmark::kMicrosecond);
+
+/// Locating the dots, splines and table.
+void GenerateData(benchmark::State& state) {
+    void* handle = CalibrateCreate();
+    Block& rTarget = Scanner().m_Target;
+    for (auto _ : state)
+        Require(state, CalibrateGenerateData(handle, rTarget.data(), rTarget.size()));
+    CalibrateDelete(&handle);
+}
+BENCHMARK(GenerateData)->Unit(benchmark::kMillisecond);
+
+void CheckEfts(benchmark::State& state) {
+    void* handle = CalibrateCreate();
+    Require(state, CalibrateSetData(handle, Scanner().m_Record.data(), Scanner().m_Record.size()));
+    Require(state, CalibrateSetOption(handle, "DynamicFingerMask=false"));
+    Block corrected = Corrected(state, handle, Scanner().m_Target);
+    double dPercent = 0.0;
+    for (auto _ : state)
+        Require(state, CalibrateCheckEfts(handle, corrected.data(), corrected.size(), &dPercent));
+    CalibrateDelete(&handle);
+}
+BENCHMARK(CheckEfts)->Unit(benchmark::kMillisecond);
+
+void Contamination(benchmark::State& state) {
+    void* handle = CalibrateCreate();
+    Block& rCapture = Scanner().m_Capture;
+    double dLevel = 0.0;
+    for (auto _ : state)
+        Require(state, ContaminationDetection(handle, rCapture.data(), rCapture.size(), &dLevel));
+    CalibrateDelete(&handle);
+}
+BENCHMARK(Contamination)->Unit(benchmark::kMillisecond);
 
 } // namespace
