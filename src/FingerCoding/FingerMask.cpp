@@ -61,6 +61,15 @@ StPlace PlaceOf(const ClMask2& Region, const ClImage& Image) {
     return Place;
 }
 
+/// The first column from `nFrom` on where a line has the value; the width without one.
+int ColumnOf(unsigned char nValue, const ClImage& Image, int nLine, int nFrom) {
+    const unsigned char* pLine = Image.LineData(nLine);
+    const void* pFound =
+        std::memchr(pLine + nFrom, nValue, static_cast<std::size_t>(Image.Width() - nFrom));
+    return pFound == nullptr ? Image.Width()
+                             : static_cast<int>(static_cast<const unsigned char*>(pFound) - pLine);
+}
+
 /// Copies as much of a line as both images have, from a column of the one to another of the other.
 void PasteLine(const ClImage& From, int nLine, long nWidth, long nColumn, long nToLine,
                ClImage& To) {
@@ -258,9 +267,8 @@ long ClIpQK7DynamicCalibration30::GetMaskRegionCount(ClImage& Image, unsigned ch
     Fill.m_nFillColor = static_cast<unsigned char>(~nValue);
     long nRegions = 0;
     for (int y = 0; y < Copy.Height(); ++y)
-        for (int x = 0; x < Copy.Width(); ++x) {
-            if (Copy.LineData(y)[x] != nValue)
-                continue;
+        for (int x = ColumnOf(nValue, Copy, y, 0); x < Copy.Width();
+             x = ColumnOf(nValue, Copy, y, x + 1)) {
             ++nRegions;
             Fill.m_nStartX = x;
             Fill.m_nStartY = y;
