@@ -148,7 +148,7 @@ ClPoint BesideDot(const ClTargetSettings& Settings, int nDot, double dDistance, 
 
 std::vector<ClLine> PaintRules(ClPlate& Plate, const ClTargetSettings& Settings) {
     Check(Settings);
-    const std::vector<ClLine> aLines = RuleLines(Settings);
+    std::vector<ClLine> aLines = RuleLines(Settings);
     for (const ClLine& Line : aLines)
         PaintLine(Plate, Settings, Line);
     return aLines;

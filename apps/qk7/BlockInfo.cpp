@@ -24,13 +24,18 @@ bool BeginsWith(const Bytes& Content, const char* szTag, std::size_t nAt) {
     return Content.size() >= nAt + 4 && std::memcmp(Content.data() + nAt, szTag, 4) == 0;
 }
 
+/// A version as the library reads it: 0 for what is no number.
+int VersionOf(const std::string& Text) {
+    return std::atoi(Text.c_str()); // NOLINT(cert-err34-c)
+}
+
 /// The layout that a version text stands for. A new layout keeps the fields of the newest known.
 int LayoutOf(const std::string& SubTag, const std::string& Version) {
     if (SubTag == "Lmv" && Version == "001")
         Refuse("version 001 with the tag Lmv cannot be read");
     if (SubTag == "Lmv" && Version == "002")
         return 0;
-    return std::clamp(std::atoi(Version.c_str()), 0, cnNewestLayout);
+    return std::clamp(VersionOf(Version), 0, cnNewestLayout);
 }
 
 void ReadSize(ClByteReader& rReader, StFrame& rFrame, const char* szField) {
@@ -133,15 +138,14 @@ void ReadBinding(ClByteReader& rReader, StPrecalculatedInfo& rInfo) {
     Expect(rReader.Tag("the first tag") == "CAL", "the first tag");
     Expect(rReader.Tag("the second tag") == "PRE", "the second tag");
     rInfo.m_Version = rReader.Tag("the version");
-    Expect(std::atoi(rInfo.m_Version.c_str()) == 1, "the version");
+    Expect(VersionOf(rInfo.m_Version) == 1, "the version");
     rInfo.m_Hash = Hexadecimal(rReader.Take(16, "the hash"), 16);
 }
 
 void ReadWarp(ClByteReader& rReader, StPrecalculatedInfo& rInfo) {
     Expect(rReader.Tag("the first tag of the warp") == "PRE", "the first tag of the warp");
     Expect(rReader.Tag("the second tag of the warp") == "GEO", "the second tag of the warp");
-    Expect(std::atoi(rReader.Tag("the version of the warp").c_str()) == 1,
-           "the version of the warp");
+    Expect(VersionOf(rReader.Tag("the version of the warp")) == 1, "the version of the warp");
     ReadSize(rReader, rInfo.m_Source, "the source size");
     ReadSize(rReader, rInfo.m_Target, "the target size");
     ReadPels(rReader, rInfo.m_Target, "the target resolution");

@@ -181,6 +181,7 @@ void RunSimulate(const StCall& Call) {
 template <class Entries>
 std::vector<std::string> NamesOf(const Entries& entries) {
     std::vector<std::string> names;
+    names.reserve(entries.size());
     for (const auto& entry : entries)
         names.push_back(entry.m_szName);
     return names;

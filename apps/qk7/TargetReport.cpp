@@ -33,7 +33,7 @@ std::string Thousandths(double dValue) {
 
 /// "7 at (12, 30)", with what a limit is about, or the place alone.
 std::string TextOf(const StRegion& Region, double StRegion::*pMeasured) {
-    const std::string place = "at " + Place(Region.m_dX, Region.m_dY);
+    std::string place = "at " + Place(Region.m_dX, Region.m_dY);
     if (pMeasured == nullptr)
         return place;
     if (pMeasured == &StRegion::m_dArea)

@@ -58,10 +58,7 @@ int Run(CLI::App& rApp, int nArguments, char** aArguments) {
     }
 }
 
-} // namespace
-
-int main(int nArguments, char** aArguments) {
-    qk7::GuardAgainstSignals();
+int Tool(int nArguments, char** aArguments) {
     CLI::App app("Calibration of the images of the QK7 fingerprint scanner.", "qk7");
     try {
         app.set_version_flag("--version", "qk7 " QK7_VERSION);
@@ -70,5 +67,16 @@ int main(int nArguments, char** aArguments) {
     } catch (const std::exception& error) {
         qk7::PrintError(NameOf(app), qk7::WordsOf(error));
         return qk7::eFailed;
+    }
+}
+
+} // namespace
+
+int main(int nArguments, char** aArguments) {
+    qk7::GuardAgainstSignals();
+    try {
+        return Tool(nArguments, aArguments);
+    } catch (...) {
+        return qk7::eFailed; // not even words for it could be made
     }
 }

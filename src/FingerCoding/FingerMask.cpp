@@ -39,8 +39,8 @@ constexpr double cdSoftScale = 2.2;
 
 /// A length of pixels from a real one, truncated. Eight times the largest are still an `int`.
 int WholePixels(double dLength) {
-    constexpr double cdMost = std::numeric_limits<int>::max() / 8;
-    return dLength > 0.0 ? static_cast<int>(std::min(dLength, cdMost)) : 0;
+    constexpr int cnMost = std::numeric_limits<int>::max() / 8;
+    return dLength > 0.0 ? static_cast<int>(std::min(dLength, double{cnMost})) : 0;
 }
 
 /// A rectangle in pixels.
