@@ -33,8 +33,10 @@ void ClGeometricAccuracy::setRequirements(ERequirement eRequirement) {
 }
 
 void ClGeometricAccuracy::appendPoint(const ClVector& reference, const ClVector& measured) {
-    const ClVector vMeasured = measured; // it may lie in a list that moves
+    // They may lie in a list that moves. NOLINTBEGIN(performance-unnecessary-copy-initialization)
+    const ClVector vMeasured = measured;
     const ClVector vReference = reference;
+    // NOLINTEND(performance-unnecessary-copy-initialization)
     m_aReference.Reserve(m_aReference.Entries() + 1);
     m_aMeasured.Reserve(m_aMeasured.Entries() + 1);
     m_aReference.Append(vReference);

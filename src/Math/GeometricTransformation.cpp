@@ -63,13 +63,15 @@ ClVector ClGeometricTransformation::GetCenterOfMass(const PointList& rPoints) {
 }
 
 void ClGeometricTransformation::Translate(const ClVector& shift, PointList& rPoints) {
-    const ClVector vShift = shift; // it may be one of the points
+    // It may be one of the points. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const ClVector vShift = shift;
     for (unsigned long i = 0; i < rPoints.Entries(); ++i)
         rPoints[i] = rPoints[i] + vShift;
 }
 
 void ClGeometricTransformation::Rotate(const ClVector& centre, double dAngle, PointList& rPoints) {
-    const ClVector vCentre = centre; // it may be one of the points
+    // It may be one of the points. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const ClVector vCentre = centre;
     const double dCos = std::cos(dAngle);
     const double dSin = std::sin(dAngle);
     for (unsigned long i = 0; i < rPoints.Entries(); ++i) {
