@@ -1,37 +1,39 @@
 #include "Calibrate/IpCalibrateGeometricBase.h"
 
-#include "Calibrate/WarpTable.h"
 #include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
 
 void ClIpCalibrateGeometricBase::Reset() {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Reset() Enter");
-    m_nSourceWidth = m_nSourceHeight = 0;
-    m_nTargetWidth = m_nTargetHeight = 0;
-    m_nTargetPelsX = m_nTargetPelsY = 0;
-    m_nPlanes = 0;
-    m_nBackground = 0;
-    m_pTable.reset();
+    Drop();
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Reset() Leaving");
 }
 
 void ClIpCalibrateGeometricBase::Initiate() {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Initiate() Enter");
-    if (m_nSourceWidth == 0) {
-        if (m_pData == nullptr)
-            throw ClException("The calibrations data is not set", QMT_ERROR_PARAM_IS_MISSING, true,
-                              VEK_HERE);
-        m_nSourceWidth = m_pData->m_nSourceWidth;
-        m_nSourceHeight = m_pData->m_nSourceHeight;
-        m_nTargetWidth = m_pData->m_nTargetWidth;
-        m_nTargetHeight = m_pData->m_nTargetHeight;
-        m_nTargetPelsX = m_pData->m_nTargetPelsX;
-        m_nTargetPelsY = m_pData->m_nTargetPelsY;
-        m_nPlanes = m_pData->m_nPlanes;
-        m_nBackground = m_pData->m_nBackground;
-        InitiateParams(m_pData->m_aTarget, m_pData->m_aActual, m_nPlanes);
-    }
+    if (!HasTable())
+        Prepare();
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Initiate() Leaving");
+}
+
+void ClIpCalibrateGeometricBase::Prepare() {
+    if (m_pData == nullptr)
+        throw ClException("The calibrations data is not set", QMT_ERROR_PARAM_IS_MISSING, true,
+                          VEK_HERE);
+    m_nSourceWidth = m_pData->m_nSourceWidth;
+    m_nSourceHeight = m_pData->m_nSourceHeight;
+    m_nTargetWidth = m_pData->m_nTargetWidth;
+    m_nTargetHeight = m_pData->m_nTargetHeight;
+    m_nTargetPelsX = m_pData->m_nTargetPelsX;
+    m_nTargetPelsY = m_pData->m_nTargetPelsY;
+    m_nPlanes = m_pData->m_nPlanes;
+    m_nBackground = m_pData->m_nBackground;
+    try {
+        InitiateParams(m_pData->m_aTarget, m_pData->m_aActual, m_nPlanes);
+    } catch (...) { // numbers without their table would be taken for a warp by the next run
+        Drop();
+        throw;
+    }
 }
 
 void ClIpCalibrateGeometricBase::Calibrate() {
@@ -81,8 +83,4 @@ void ClIpCalibrateGeometricBase::PrepareOutput() {
     } else {
         rOut.NewWithType(ClImage::eUInt8, nWidth, nHeight, nPlanes, nPelsX, nPelsY);
     }
-}
-
-std::uint64_t ClIpCalibrateGeometricBase::TableBytes(unsigned long nEntrySize) const {
-    return Warp::TableBytes(m_nTargetWidth, m_nTargetHeight, m_nPlanes, nEntrySize);
 }

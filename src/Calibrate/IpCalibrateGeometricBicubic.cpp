@@ -1,6 +1,5 @@
 #include "Calibrate/IpCalibrateGeometricBicubic.h"
 
-#include "Calibrate/WarpTable.h"
 #include "ImageProcessing/Kernels/Warp.h"
 #include "Math/ThinPlateSplines.h"
 #include "Tools/Allocate.h"
@@ -40,8 +39,7 @@ void ClIpCalibrateGeometricBicubic::InitiateParams(PointList& rTarget, PointList
     }
 
     m_nEntrySize = Warp::cnEntrySize;
-    m_pTable.reset();
-    auto pTable = Vek::NewArrayPtr<unsigned char>(TableBytes(m_nEntrySize));
+    auto pTable = Vek::NewArrayPtr<unsigned char>(TableBytes());
     unsigned char* pEntry = pTable.get();
     for (std::uint32_t y = 0; y < m_nTargetHeight; ++y)
         for (std::uint32_t x = 0; x < m_nTargetWidth; ++x)

@@ -4,7 +4,6 @@
 
 #include "Calibrate/IpCalibrateGeometricBase.h"
 
-#include "Calibrate/WarpTable.h"
 #include "Tools/Allocate.h"
 #include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
@@ -13,6 +12,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -48,6 +48,92 @@ void CheckTag(ClStream& rStream, const char (&acExpected)[4]) {
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
 }
 
+void CheckTags(ClStream& rStream) {
+    CheckTag(rStream, cacType);
+    CheckTag(rStream, cacSubType);
+    char szVersion[5] = {};
+    rStream.Read(szVersion, 4);
+    if (std::atoi(szVersion) != 1) // NOLINT(cert-err34-c): 0 for what is no number
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+}
+
+void ReadNumbers(ClStream& rStream, StWarp& rWarp) {
+    rWarp.m_nSourceWidth = ReadNumber<std::uint32_t>(rStream);
+    rWarp.m_nSourceHeight = ReadNumber<std::uint32_t>(rStream);
+    rWarp.m_nTargetWidth = ReadNumber<std::uint32_t>(rStream);
+    rWarp.m_nTargetHeight = ReadNumber<std::uint32_t>(rStream);
+    rWarp.m_nTargetPelsX = ReadNumber<std::uint32_t>(rStream);
+    rWarp.m_nTargetPelsY = ReadNumber<std::uint32_t>(rStream);
+    rWarp.m_nPlanes = ReadNumber<std::uint32_t>(rStream);
+    if (rWarp.m_nPlanes == 0) // written while there was no table
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+    if (rWarp.m_nPlanes > ClCalibrateGeometricData::cnMaxPlanes)
+        ThrowCorrupt("m_nPlanes is not the expected.", __LINE__);
+    rWarp.m_nBackground = ReadNumber<std::uint8_t>(rStream);
+}
+
+bool IsWidthRight(const StWarp& Loaded, std::uint32_t nImageWidth) {
+    return nImageWidth == Loaded.m_nTargetWidth && nImageWidth <= Warp::cnMaxTargetSide &&
+           nImageWidth != 0 && Loaded.m_nSourceWidth != 0;
+}
+
+bool IsHeightRight(const StWarp& Loaded, std::uint32_t nImageHeight) {
+    return nImageHeight == Loaded.m_nTargetHeight &&
+           Warp::IsSizeAllowed(Loaded.m_nTargetWidth, nImageHeight, Loaded.m_nPlanes) &&
+           nImageHeight != 0 && Loaded.m_nSourceHeight != 0;
+}
+
+void ReadImageHeader(ClStream& rStream, StWarp& rWarp) {
+    std::uint32_t nMagic = 0;
+    rStream.ReadAutoSwap(nMagic);
+    if (nMagic != RawImage::cnMagic)
+        ThrowSignature("KPF Magic is missing", __LINE__);
+    if (ReadNumber<std::uint32_t>(rStream) >= 2)
+        ThrowSignature("Wrong KPF version", __LINE__);
+    if (ReadNumber<std::uint8_t>(rStream) != cnImageType)
+        ThrowCorrupt("nDataType is not the expected.", __LINE__);
+    if (!IsWidthRight(rWarp, ReadNumber<std::uint32_t>(rStream)))
+        ThrowCorrupt("m_nTargetWidth is not the expected.", __LINE__);
+    if (!IsHeightRight(rWarp, ReadNumber<std::uint32_t>(rStream)))
+        ThrowCorrupt("m_nTargetHeight is not the expected.", __LINE__);
+    if (ReadNumber<std::uint32_t>(rStream) != rWarp.m_nPlanes * Warp::cnEntrySize)
+        ThrowCorrupt("m_nEntrySize is not the expected.", __LINE__);
+    rWarp.m_nEntrySize = Warp::cnEntrySize;
+    if (ReadNumber<std::uint32_t>(rStream) != rWarp.m_nTargetPelsX)
+        ThrowCorrupt("m_nTargetPelsX is not the expected.", __LINE__);
+    if (ReadNumber<std::uint32_t>(rStream) != rWarp.m_nTargetPelsY)
+        ThrowCorrupt("m_nTargetPelsY is not the expected.", __LINE__);
+    if (ReadNumber<std::uint32_t>(rStream) != cnContent)
+        ThrowCorrupt("eContent is not the expected.", __LINE__);
+    ReadNumber<double>(rStream); // range and attribute of an image: a table has none
+    ReadNumber<double>(rStream);
+    ReadNumber<std::uint32_t>(rStream);
+}
+
+void CheckOffsets(const StWarp& Loaded) {
+    const std::uint64_t nBytes = Loaded.TableBytes();
+    for (std::uint64_t nEntry = 0; nEntry < nBytes; nEntry += Loaded.m_nEntrySize) {
+        std::int32_t nOffset = 0;
+        std::memcpy(&nOffset, Loaded.m_pTable.get() + nEntry, sizeof nOffset);
+        if (nOffset != Warp::cnNoSource &&
+            !Warp::IsOffsetInside(nOffset, Loaded.m_nSourceWidth, Loaded.m_nSourceHeight))
+            throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
+    }
+}
+
+void ReadTable(ClStream& rStream, StWarp& rWarp) {
+    const std::uint64_t nBytes = rWarp.TableBytes();
+    const unsigned long nPos = rStream.Pos();
+    const unsigned long nSize = rStream.Size();
+    if (nPos > nSize || nSize - nPos < nBytes + sizeof RawImage::cnMagic)
+        ThrowSignature("KPF end Magic is missing", __LINE__);
+    rWarp.m_pTable = Vek::NewArrayPtr<unsigned char>(nBytes);
+    rStream.Read(rWarp.m_pTable.get(), nBytes);
+    if (ReadNumber<std::uint32_t>(rStream) != RawImage::cnMagic)
+        ThrowSignature("KPF end Magic is missing", __LINE__);
+    CheckOffsets(rWarp);
+}
+
 } // namespace
 
 void ClIpCalibrateGeometricBase::Store(ClStream& rStream) const {
@@ -73,92 +159,19 @@ void ClIpCalibrateGeometricBase::Store(ClStream& rStream) const {
     rStream.WriteAutoSwap(255.0);
     rStream.WriteAutoSwap(std::uint32_t{0});
     if (m_pTable != nullptr)
-        rStream.Write(m_pTable.get(), TableBytes(m_nEntrySize));
+        rStream.Write(m_pTable.get(), TableBytes());
     rStream.WriteAutoSwap(RawImage::cnMagic);
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Store() Leaving");
 }
 
 void ClIpCalibrateGeometricBase::Load(ClStream& rStream) {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Load() Enter");
-    LoadTags(rStream);
-    // The numbers change as they are read: from here on the old table does not fit them.
-    m_pTable.reset();
-    LoadNumbers(rStream);
-    LoadImageHeader(rStream);
-    LoadTable(rStream);
+    CheckTags(rStream);
+    Drop(); // two tables would not fit into every device
+    StWarp Loaded;
+    ReadNumbers(rStream, Loaded);
+    ReadImageHeader(rStream, Loaded);
+    ReadTable(rStream, Loaded);
+    static_cast<StWarp&>(*this) = std::move(Loaded);
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Load() Leaving");
-}
-
-void ClIpCalibrateGeometricBase::LoadTags(ClStream& rStream) const {
-    CheckTag(rStream, cacType);
-    CheckTag(rStream, cacSubType);
-    char szVersion[5] = {};
-    rStream.Read(szVersion, 4);
-    if (std::atoi(szVersion) != 1) // NOLINT(cert-err34-c): 0 for what is no number
-        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-}
-
-void ClIpCalibrateGeometricBase::LoadNumbers(ClStream& rStream) {
-    m_nSourceWidth = ReadNumber<std::uint32_t>(rStream);
-    m_nSourceHeight = ReadNumber<std::uint32_t>(rStream);
-    m_nTargetWidth = ReadNumber<std::uint32_t>(rStream);
-    m_nTargetHeight = ReadNumber<std::uint32_t>(rStream);
-    m_nTargetPelsX = ReadNumber<std::uint32_t>(rStream);
-    m_nTargetPelsY = ReadNumber<std::uint32_t>(rStream);
-    m_nPlanes = ReadNumber<std::uint32_t>(rStream);
-    if (m_nPlanes == 0) // written while there was no table
-        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-    if (m_nPlanes > ClCalibrateGeometricData::cnMaxPlanes)
-        ThrowCorrupt("m_nPlanes is not the expected.", __LINE__);
-    m_nBackground = ReadNumber<std::uint8_t>(rStream);
-}
-
-void ClIpCalibrateGeometricBase::LoadImageHeader(ClStream& rStream) {
-    std::uint32_t nMagic = 0;
-    rStream.ReadAutoSwap(nMagic);
-    if (nMagic != RawImage::cnMagic)
-        ThrowSignature("KPF Magic is missing", __LINE__);
-    if (ReadNumber<std::uint32_t>(rStream) >= 2)
-        ThrowSignature("Wrong KPF version", __LINE__);
-    if (ReadNumber<std::uint8_t>(rStream) != cnImageType)
-        ThrowCorrupt("nDataType is not the expected.", __LINE__);
-    if (ReadNumber<std::uint32_t>(rStream) != m_nTargetWidth ||
-        m_nTargetWidth > Warp::cnMaxTargetSide)
-        ThrowCorrupt("m_nTargetWidth is not the expected.", __LINE__);
-    if (ReadNumber<std::uint32_t>(rStream) != m_nTargetHeight ||
-        !Warp::IsSizeAllowed(m_nTargetWidth, m_nTargetHeight, m_nPlanes))
-        ThrowCorrupt("m_nTargetHeight is not the expected.", __LINE__);
-    if (ReadNumber<std::uint32_t>(rStream) != m_nPlanes * Warp::cnEntrySize)
-        ThrowCorrupt("m_nEntrySize is not the expected.", __LINE__);
-    m_nEntrySize = Warp::cnEntrySize;
-    if (ReadNumber<std::uint32_t>(rStream) != m_nTargetPelsX)
-        ThrowCorrupt("m_nTargetPelsX is not the expected.", __LINE__);
-    if (ReadNumber<std::uint32_t>(rStream) != m_nTargetPelsY)
-        ThrowCorrupt("m_nTargetPelsY is not the expected.", __LINE__);
-    if (ReadNumber<std::uint32_t>(rStream) != cnContent)
-        ThrowCorrupt("eContent is not the expected.", __LINE__);
-    ReadNumber<double>(rStream); // range and attribute of an image: a table has none
-    ReadNumber<double>(rStream);
-    ReadNumber<std::uint32_t>(rStream);
-}
-
-void ClIpCalibrateGeometricBase::LoadTable(ClStream& rStream) {
-    const std::uint64_t nBytes = TableBytes(m_nEntrySize);
-    const unsigned long nPos = rStream.Pos();
-    const unsigned long nSize = rStream.Size();
-    if (nPos > nSize || nSize - nPos < nBytes + sizeof RawImage::cnMagic)
-        ThrowSignature("KPF end Magic is missing", __LINE__);
-    auto pTable = Vek::NewArrayPtr<unsigned char>(nBytes);
-    rStream.Read(pTable.get(), nBytes);
-    if (ReadNumber<std::uint32_t>(rStream) != RawImage::cnMagic)
-        ThrowSignature("KPF end Magic is missing", __LINE__);
-
-    for (std::uint64_t nEntry = 0; nEntry < nBytes; nEntry += m_nEntrySize) {
-        std::int32_t nOffset = 0;
-        std::memcpy(&nOffset, pTable.get() + nEntry, sizeof nOffset);
-        if (nOffset != Warp::cnNoSource &&
-            !Warp::IsOffsetInside(nOffset, m_nSourceWidth, m_nSourceHeight))
-            throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
-    }
-    m_pTable = std::move(pTable);
 }

@@ -1,8 +1,9 @@
 #pragma once
 
-/// The form of a warp table, and the limits that keep hostile sizes from being allocated.
+/// The form of a warp and its table, and the limits that keep hostile sizes from being allocated.
 
 #include <cstdint>
+#include <memory>
 
 namespace Warp {
 
@@ -46,3 +47,31 @@ inline constexpr bool IsOffsetInside(std::int32_t nOffset, std::uint32_t nWidth,
 }
 
 } // namespace Warp
+
+/// A warp is without table, all its numbers 0, or prepared, numbers and table of one making. Who
+/// makes one makes it whole and lets it take the place of the one before; what is between the two
+/// is never seen.
+struct StWarp {
+    std::uint32_t m_nSourceWidth = 0;
+    std::uint32_t m_nSourceHeight = 0;
+    std::uint32_t m_nTargetWidth = 0;
+    std::uint32_t m_nTargetHeight = 0;
+    std::uint32_t m_nTargetPelsX = 0; ///< pixels per metre
+    std::uint32_t m_nTargetPelsY = 0;
+    std::uint32_t m_nPlanes = 0;
+    std::uint8_t m_nBackground = 0;            ///< value of a pixel without source
+    std::unique_ptr<unsigned char[]> m_pTable; ///< null exactly where nothing is prepared
+    unsigned long m_nEntrySize = 0;            ///< bytes per entry; stays when the table goes
+
+    bool HasTable() const { return m_pTable != nullptr; }
+
+    std::uint64_t TableBytes() const {
+        return Warp::TableBytes(m_nTargetWidth, m_nTargetHeight, m_nPlanes, m_nEntrySize);
+    }
+
+    void Drop() {
+        const unsigned long nEntrySize = m_nEntrySize;
+        *this = StWarp();
+        m_nEntrySize = nEntrySize;
+    }
+};

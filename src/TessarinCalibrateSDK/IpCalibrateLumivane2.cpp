@@ -119,8 +119,6 @@ void ClIpCalibrateLumivane2::Sharpen(ClImage& sharpened) {
 }
 
 void ClIpCalibrateLumivane2::ApplyWarp(ClImage* pIn, ClImage* pOut) {
-    if (m_GeometricBicubic.IsUnfinished())
-        m_GeometricBicubic.Reset();
     m_GeometricBicubic.m_pInImage = pIn;
     m_GeometricBicubic.m_pOutImage = pOut;
     ThrowIfFailed(m_GeometricBicubic.Apply(), __LINE__);

@@ -185,16 +185,6 @@ TEST(PrecalculatedRecord, LoadsSeveralPlanes) {
     }
 }
 
-TEST(PrecalculatedRecord, MayHaveNoPixels) {
-    StTable Table;
-    Table.m_nTargetWidth = Table.m_nImageWidth = 0;
-    ClOpenWarp Warp;
-    EXPECT_NO_THROW(Load(Warp, TableRecord(Table)));
-    ClImage In(10, 9, 1, 0, 0);
-    Warp.m_pInImage = &In;
-    EXPECT_NUMBER(Warp.Apply(), -2);
-}
-
 TEST(PrecalculatedRecord, LoadingSurvivesMissingMemory) {
     const Bytes aRecord = TableRecord(TableOf());
     TestSupport::FailEachAllocation([&] {
@@ -358,7 +348,25 @@ TEST(PrecalculatedRecord, RefusesEveryOffsetIntoACaptureOfLessThanFourPixels) {
         }
 }
 
-TEST(PrecalculatedRecord, LeavesNoTableBehindAFailureButTheNumbers) {
+TEST(PrecalculatedRecord, RefusesSidesOfZero) {
+    const auto Expect = [](std::uint32_t StTable::*pSide, std::uint32_t StTable::*pRepeated,
+                           const char* szWords) {
+        StTable Table = TableOf({-1, -1, -1, -1, -1, -1});
+        Table.*pSide = 0;
+        if (pRepeated != nullptr)
+            Table.*pRepeated = 0;
+        ClOpenWarp Warp;
+        EXPECT_THROWS(Load(Warp, TableRecord(Table)), ClException, -39, szWords);
+    };
+    const char* const szWidth = "m_nTargetWidth is not the expected.";
+    const char* const szHeight = "m_nTargetHeight is not the expected.";
+    Expect(&StTable::m_nSourceWidth, nullptr, szWidth);
+    Expect(&StTable::m_nSourceHeight, nullptr, szHeight);
+    Expect(&StTable::m_nTargetWidth, &StTable::m_nImageWidth, szWidth);
+    Expect(&StTable::m_nTargetHeight, &StTable::m_nImageHeight, szHeight);
+}
+
+TEST(PrecalculatedRecord, LeavesNeitherTableNorNumbersBehindAFailure) {
     ClOpenWarp Warp;
     Load(Warp, TableRecord(TableOf()));
     StTable Table = TableOf();
@@ -366,5 +374,8 @@ TEST(PrecalculatedRecord, LeavesNoTableBehindAFailureButTheNumbers) {
     Table.m_nContent = 9;
     EXPECT_NUMBER(Load(Warp, TableRecord(Table)), -39);
     EXPECT_FALSE(Warp.HasTable());
-    EXPECT_EQ(Warp.m_nSourceWidth, 1234u);
+    EXPECT_EQ(Warp.m_nSourceWidth, 0u);
+    EXPECT_EQ(Warp.m_nTargetPelsX, 0u);
+    EXPECT_EQ(Warp.m_nPlanes, 0u);
+    EXPECT_EQ(Warp.m_nBackground, 0);
 }
