@@ -14,12 +14,21 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
+# ccache, where it is installed, keeps what was compiled before.
+find_program(TESSARIN_CCACHE ccache)
+mark_as_advanced(TESSARIN_CCACHE)
+if(TESSARIN_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros "${TESSARIN_CCACHE}")
+endif()
+
 add_library(tessarin_settings INTERFACE)
 target_compile_options(tessarin_settings INTERFACE
     -ffp-contract=off
     -fno-tree-slp-vectorize # GCC 12 drops the rounding of two neighbouring doubles to float with it
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" # the last one that matches is applied
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/="
+    $<$<AND:$<BOOL:${TESSARIN_CCACHE}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess> # what ccache needs
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${TESSARIN_WARNINGS_AS_ERRORS}>:-Werror>)
 

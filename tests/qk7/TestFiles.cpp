@@ -32,10 +32,6 @@ std::vector<std::string> ClTemporaryFolder::Names() const {
     return names;
 }
 
-std::string DataPath(const std::string& Name) {
-    return std::string(TESSARIN_TEST_DATA) + "/" + Name;
-}
-
 qk7::Bytes ToBytes(const std::string& Text) {
     return qk7::Bytes(Text.begin(), Text.end());
 }

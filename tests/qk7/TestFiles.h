@@ -3,14 +3,11 @@
 /// Files of the tests of the tool.
 
 #include "apps/qk7/File.h"
+#include "support/TestData.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
-
-#ifndef TESSARIN_TEST_DATA
-#define TESSARIN_TEST_DATA "tests/data"
-#endif
 
 namespace TestSupport {
 
@@ -31,9 +28,6 @@ public:
 private:
     std::string m_Path;
 };
-
-/// A file below tests/data.
-std::string DataPath(const std::string& Name);
 
 qk7::Bytes ToBytes(const std::string& Text);
 std::string ToText(const qk7::Bytes& Content);

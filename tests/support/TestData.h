@@ -13,9 +13,7 @@ namespace TestSupport {
 
 using Bytes = std::vector<unsigned char>;
 
-inline std::string DataPath(const std::string& Name) {
-    return std::string(TESSARIN_TEST_DATA) + "/" + Name;
-}
+std::string DataPath(const std::string& Name);
 
 inline Bytes DataFile(const std::string& Name) {
     std::ifstream File(DataPath(Name), std::ios::binary);
