@@ -11,8 +11,7 @@ ClImagePyramid& ClImagePyramid::operator=(const ClImagePyramid& Other) {
     ClImagePyramid Copy(Other.m_nLayers);
     for (long i = 0; i < Other.m_nLayers; ++i)
         Copy.m_pLayers[static_cast<std::size_t>(i)] = Other.m_pLayers[static_cast<std::size_t>(i)];
-    std::swap(m_pLayers, Copy.m_pLayers);
-    std::swap(m_nLayers, Copy.m_nLayers);
+    Swap(Copy);
     return *this;
 }
 
@@ -33,6 +32,11 @@ void ClImagePyramid::Create(const ClImage& Image) {
 void ClImagePyramid::Clear() {
     m_pLayers.reset();
     m_nLayers = 0;
+}
+
+void ClImagePyramid::Swap(ClImagePyramid& Other) noexcept {
+    std::swap(m_pLayers, Other.m_pLayers);
+    std::swap(m_nLayers, Other.m_nLayers);
 }
 
 const ClImage& ClImagePyramid::At(long nIdx) const {

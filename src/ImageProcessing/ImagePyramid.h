@@ -22,6 +22,8 @@ public:
     /// As many as the shorter side can be halved, at least one; all empty.
     void Create(const ClImage& Image);
     void Clear();
+    /// Exchanges all layers; cannot fail.
+    void Swap(ClImagePyramid& Other) noexcept;
 
     long Layers() const { return m_nLayers; }
     /// Throws "no pyramid is given" (-701), "Pyramid layer out of range" (-35).

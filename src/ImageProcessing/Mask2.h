@@ -18,6 +18,20 @@
 
 class ClImagePyramid;
 
+namespace Mask {
+
+/// A window in whole pixels.
+struct StWindow {
+    long m_nX = 0;
+    long m_nY = 0;
+    long m_nWidth = 0;
+    long m_nHeight = 0;
+};
+
+class ClPrecutChain;
+
+} // namespace Mask
+
 class ClMask2 {
 public:
     /// One run of foreground pixels.
@@ -40,6 +54,12 @@ public:
         double dWidth = 0.0;
         double dHeight = 0.0;
 
+        void Scale(double sx, double sy) {
+            dX *= sx;
+            dWidth *= sx;
+            dY *= sy;
+            dHeight *= sy;
+        }
         bool operator==(const STPrecutStep& other) const {
             return dX == other.dX && dY == other.dY && dWidth == other.dWidth &&
                    dHeight == other.dHeight;
@@ -73,10 +93,14 @@ public:
     ///
     /// Runs are scaled to the resolution of the image, where both have one, line by line: an image
     /// of twice the resolution keeps every other line outside. What lies beyond the image is cut
-    /// off. Throws as BuildFromImage(), and the index message (-35) for an image at no step.
+    /// off. Outside goes by the order of the bytes: before the first run, from the furthest end so
+    /// far to the next run, and behind that end. So, where several lines of the mask fall on one
+    /// of a coarser image, nothing before the end of the first is painted for the others. Throws as
+    /// BuildFromImage(), and the index message (-35) for an image at no step.
     void ApplyOnImage(ClImage& Image, bool bOutside, unsigned char nValue) const;
     /// Cuts an image of any step and any type to the last step; a copy where there are no steps.
-    /// `Out` may be `In`. Throws the index message (-35) and what `ClIpCut` throws.
+    /// An axis on which image or mask has no resolution is not scaled. `Out` may be `In`. Throws
+    /// the index message (-35) and what `ClIpCut` throws.
     void CutImage(ClImage& In, ClImage& Out) const;
     void CutImage(ClImage& InOut) const;
     /// Records the image's frame and a window of it, and cuts the image to the window.
@@ -100,9 +124,10 @@ public:
                        bool bReset);
     /// The same for a window of an image; drops the runs.
     void AddPrecutStep(const ClImage& Image, int x, int y, int w, int h);
-    /// Adds the bounding box of the runs as a step and moves the runs into it, the latter also
-    /// where a step has the size of the box already. False without runs. Throws as
-    /// AddPrecutStep(), and the index message (-35) without steps; then nothing changes.
+    /// Adds the bounding box of the runs as a step, relative to the last one, and moves the runs
+    /// into it, the latter also where a step has the size of the box already. False without runs.
+    /// Throws the index message (-35) without steps, -13 without resolution, `ClExBadAlloc`
+    /// (-102); then nothing changes.
     bool SetBoundingBox();
     long GetOffsetsCount() const;
     /// The first step that an image of this size and resolution may stand at, or -1. Throws
@@ -173,29 +198,18 @@ public:
     TpArrayDynamic<STEntry, 100> m_aEntries; ///< sorted by line and column
 
 private:
-    /// A window in whole pixels.
-    struct StWindow {
-        long m_nX = 0;
-        long m_nY = 0;
-        long m_nWidth = 0;
-        long m_nHeight = 0;
-    };
-
-    [[noreturn]] static void ThrowIndex();
-    const STPrecutStep& LastStep() const;
-    StWindow WindowFrom(unsigned long nRefIdx, double dPelsX, double dPelsY) const;
-    StWindow OffsetOf(const ClImage& Image) const;
-    /// Columns and lines of the last step, numbers of 32 bits; 0 without steps.
-    long FrameWidth() const;
-    long FrameHeight() const;
+    Mask::ClPrecutChain Chain() const;
+    Mask::StWindow WindowFrom(unsigned long nRefIdx, double dPelsX, double dPelsY) const;
+    Mask::StWindow OffsetOf(const ClImage& Image) const;
+    void AddWindow(unsigned long nStep, STPrecutStep Window, double sx, double sy);
     /// The borders of the frame that a run touches, one bit each.
     unsigned BordersOf(const STEntry& Run) const;
     /// Moves an index of a run on; false where it would leave the runs.
     bool Advance(long& nIdx, long nStep) const;
     /// Runs of the foreground of an image.
     void AppendRuns(const ClImage& Image, unsigned char nBackground);
-    void PaintOutside(ClImage& Image, const StWindow& At, unsigned char nValue) const;
-    void PaintInside(ClImage& Image, const StWindow& At, unsigned char nValue) const;
+    void PaintOutside(ClImage& Image, const Mask::StWindow& At, unsigned char nValue) const;
+    void PaintInside(ClImage& Image, const Mask::StWindow& At, unsigned char nValue) const;
 };
 
 template <class T1, class T2>
@@ -203,7 +217,7 @@ void ClMask2::GetCutOffsets(unsigned long nRefIdx, T2 nPelsX, T2 nPelsY, T1& x, 
                             T1& h) const {
     if (m_aPrecutSteps.Entries() == 0)
         return;
-    const StWindow Window =
+    const Mask::StWindow Window =
         WindowFrom(nRefIdx, static_cast<double>(nPelsX), static_cast<double>(nPelsY));
     x = static_cast<T1>(Window.m_nX);
     y = static_cast<T1>(Window.m_nY);
@@ -213,7 +227,7 @@ void ClMask2::GetCutOffsets(unsigned long nRefIdx, T2 nPelsX, T2 nPelsY, T1& x, 
 
 template <class T>
 void ClMask2::GetOffsets(const ClImage& Image, T& x, T& y) const {
-    const StWindow Window = OffsetOf(Image);
+    const Mask::StWindow Window = OffsetOf(Image);
     x = static_cast<T>(Window.m_nX);
     y = static_cast<T>(Window.m_nY);
 }

@@ -6,17 +6,22 @@
 // is that of a sorted look-up per run, and memory is taken once per mask.
 
 #include "ImageProcessing/Mask2.h"
+#include "ImageProcessing/MaskArithmetic.h"
+#include "ImageProcessing/MaskChain.h"
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace {
 
+using Limits = std::numeric_limits<std::int64_t>;
+using Mask::Difference;
 using STEntry = ClMask2::STEntry;
 using Runs = TpArrayDynamic<STEntry, 100>;
 
 long Pixels(const STEntry& Run) {
-    return Run.nTo - Run.nFrom + 1;
+    return Mask::Extent(Run.nFrom, Run.nTo);
 }
 
 bool Overlap(const STEntry& a, const STEntry& b) {
@@ -122,8 +127,10 @@ StBlob ClBlobs::Take(unsigned long nRun) {
     Find(nRun);
     for (unsigned long i = nBegin; i < m_nFound; ++i) {
         const STEntry& Seed = m_rRuns[m_pFound[i]];
-        FindNeighbours(Seed, Seed.nLine - 1);
-        FindNeighbours(Seed, Seed.nLine + 1);
+        if (Seed.nLine > Limits::min())
+            FindNeighbours(Seed, Seed.nLine - 1);
+        if (Seed.nLine < Limits::max())
+            FindNeighbours(Seed, Seed.nLine + 1);
     }
     return {m_pFound.get() + nBegin, m_pFound.get() + m_nFound};
 }
@@ -131,7 +138,7 @@ StBlob ClBlobs::Take(unsigned long nRun) {
 long Pixels(const Runs& aRuns, const StBlob& Blob) {
     long nSum = 0;
     for (const unsigned long nRun : Blob)
-        nSum += Pixels(aRuns[nRun]);
+        nSum = Mask::Sum(nSum, Pixels(aRuns[nRun]));
     return nSum;
 }
 
@@ -153,7 +160,8 @@ long ClMask2::CompleteFgBlob(long nIdx, long nStep, STEntry Seed, ClMask2& Out) 
     ClBlobs Blobs(m_aEntries);
     STEntry Run;
     while (GetNextFgEntry(nIdx, nStep, Run)) {
-        const std::int64_t nDistance = std::abs(Run.nLine - Seed.nLine);
+        const std::int64_t nDistance =
+            Difference(std::max(Run.nLine, Seed.nLine), std::min(Run.nLine, Seed.nLine));
         if (nDistance > 1)
             break;
         const unsigned long nRun = static_cast<unsigned long>(nIdx);
@@ -220,15 +228,15 @@ void ClMask2::RemoveBgBlobs() {
         return;
     ClMask2 Inverse;
     Inverse.Invert(*this);
-    Inverse.RemoveSmallFgBlobs(FrameWidth() * FrameHeight(), true);
+    Inverse.RemoveSmallFgBlobs(Chain().Width() * Chain().Height(), true);
     Invert(Inverse);
 }
 
 unsigned ClMask2::BordersOf(const STEntry& Run) const {
     if (m_aPrecutSteps.Entries() == 0 || Run.nLine == -1)
         return 0;
-    return (Run.nFrom <= 0 ? 1U : 0U) | (Run.nTo >= FrameWidth() - 1 ? 2U : 0U) |
-           (Run.nLine == 0 ? 4U : 0U) | (Run.nLine == FrameHeight() - 1 ? 8U : 0U);
+    return (Run.nFrom <= 0 ? 1U : 0U) | (Run.nTo >= Chain().Width() - 1 ? 2U : 0U) |
+           (Run.nLine == 0 ? 4U : 0U) | (Run.nLine == Chain().Height() - 1 ? 8U : 0U);
 }
 
 int ClMask2::CountBorders() const {

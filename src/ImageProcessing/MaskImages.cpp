@@ -4,19 +4,21 @@
 #include "ImageProcessing/IpCut.h"
 #include "ImageProcessing/Mask2.h"
 #include "ImageProcessing/MaskArithmetic.h"
+#include "ImageProcessing/MaskChain.h"
+#include "ImageProcessing/RequireBytes.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace {
 
-using Mask::Rounded;
+using Mask::Difference;
 using Mask::Scaled;
+using Mask::ScaleOf;
+using Mask::StWindow;
 
 void CheckImage(const ClImage& Image) {
-    if (Image.DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(Image, VEK_HERE);
     const bool bArea = Image.Width() >= 1 && Image.Height() >= 1; // else a matter of the steps
     if (bArea && (Image.Data() == nullptr || Image.Planes() < 1))
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
@@ -29,11 +31,6 @@ struct StSpan {
     std::size_t m_nEnd = 0;
 };
 
-/// Scale of a mask's runs in an image, 1 where either has no resolution.
-double ScaleOf(int nImagePels, int nMaskPels) {
-    return nImagePels < 1 || nMaskPels < 1 ? 1.0 : static_cast<double>(nImagePels) / nMaskPels;
-}
-
 class ClRunPlacement {
 public:
     ClRunPlacement(const ClImage& Image, const ClMask2& Mask, long nX, long nY)
@@ -43,7 +40,7 @@ public:
     StSpan Place(const ClMask2::STEntry& Run) const {
         const long nLine = Scaled(Run.nLine, m_dScaleY) + m_nY;
         const long nFrom = Scaled(Run.nFrom, m_dScaleX) + m_nX;
-        const long nStop = nFrom + Scaled(Run.nTo - Run.nFrom, m_dScaleX) + 1;
+        const long nStop = nFrom + Scaled(Difference(Run.nTo, Run.nFrom), m_dScaleX) + 1;
         const long nBegin = std::clamp<long>(nFrom, 0, m_rImage.Width());
         const long nEnd = std::clamp<long>(nStop, nBegin, m_rImage.Width());
         if (nLine < 0 || nLine >= m_rImage.Height() || nBegin == nEnd)
@@ -114,8 +111,7 @@ void ClMask2::ApplyOnImage(ClImage& Image, bool bOutside, unsigned char nValue) 
     }
     StWindow At;
     if (m_aPrecutSteps.Entries() > 0)
-        At = WindowFrom(static_cast<unsigned long>(GetOffsetsIndex(Image)), Image.PelsX(),
-                        Image.PelsY());
+        At = WindowFrom(Chain().StepOf(Image), Image.PelsX(), Image.PelsY());
     if (bOutside)
         PaintOutside(Image, At, nValue);
     else
@@ -123,7 +119,8 @@ void ClMask2::ApplyOnImage(ClImage& Image, bool bOutside, unsigned char nValue) 
 }
 
 /// Lines follow one another without a gap: what lies between two runs is painted in one go,
-/// padding included.
+/// padding included. Where lines of the mask fall on one line of a coarser image, runs step back;
+/// then a gap begins at the furthest end so far, and nothing that a run has kept is painted.
 void ClMask2::PaintOutside(ClImage& Image, const StWindow& At, unsigned char nValue) const {
     const ClRunPlacement Placement(Image, *this, At.m_nX, At.m_nY);
     std::size_t nPainted = 0;
@@ -149,28 +146,21 @@ void ClMask2::PaintInside(ClImage& Image, const StWindow& At, unsigned char nVal
 
 namespace {
 
-void CutTo(ClImage& In, long nX, long nY, long nWidth, long nHeight, ClImage& Out) {
+void CutTo(ClImage& In, const StWindow& Window, ClImage& Out) {
     ClIpCut Cut;
     Cut.Timer(false);
-    if (const long nResult = Cut.ApplyParam(In, nX, nY, nWidth, nHeight, Out))
+    if (const long nResult =
+            Cut.ApplyParam(In, Window.m_nX, Window.m_nY, Window.m_nWidth, Window.m_nHeight, Out))
         throw ClExTessarin(nResult, VEK_HERE);
 }
 
 } // namespace
 
 void ClMask2::CutImage(ClImage& In, ClImage& Out) const {
-    if (m_aPrecutSteps.Entries() == 0) {
+    if (m_aPrecutSteps.Entries() == 0)
         Out = In;
-        return;
-    }
-    long x = 0;
-    long y = 0;
-    GetOffsets(In, x, y);
-    const double fx = m_nPelsX > 0 ? static_cast<double>(In.PelsX()) / m_nPelsX : 1.0;
-    const double fy = m_nPelsY > 0 ? static_cast<double>(In.PelsY()) / m_nPelsY : 1.0;
-    const STPrecutStep& Last = LastStep();
-    CutTo(In, Rounded(Last.dX * fx) - x, Rounded(Last.dY * fy) - y, Rounded(Last.dWidth * fx),
-          Rounded(Last.dHeight * fy), Out);
+    else
+        CutTo(In, Chain().LastIn(In), Out);
 }
 
 void ClMask2::CutImage(ClImage& InOut) const {
@@ -186,22 +176,12 @@ void ClMask2::Cut(ClImage& Image, int x, int y, int w, int h) {
 }
 
 void ClMask2::CutPyramid(ClImagePyramid& In, ClImagePyramid& Out) const {
-    const long nIndex = GetOffsetsIndex(In[0]);
-    if (nIndex < 0)
-        ThrowIndex();
+    const unsigned long nStep = Chain().StepOf(In[0]);
     ClImagePyramid Result(In.Layers());
-    for (long i = 0; i < In.Layers(); ++i) {
-        ClImage& rLayer = In[i];
-        if (rLayer.Data() == nullptr)
-            continue;
-        const StWindow Window =
-            WindowFrom(static_cast<unsigned long>(nIndex), rLayer.PelsX(), rLayer.PelsY());
-        CutTo(rLayer, Window.m_nX, Window.m_nY, Window.m_nWidth, Window.m_nHeight, Result[i]);
-    }
-    if (Out.Layers() != In.Layers())
-        Out.Create(In.Layers());
-    for (long i = 0; i < Result.Layers(); ++i)
-        Out[i].Swap(Result[i]);
+    for (long i = 0; i < In.Layers(); ++i)
+        if (In[i].Data() != nullptr)
+            CutTo(In[i], WindowFrom(nStep, In[i].PelsX(), In[i].PelsY()), Result[i]);
+    Out.Swap(Result);
 }
 
 void ClMask2::CutPyramid(ClImagePyramid& InOut) const {

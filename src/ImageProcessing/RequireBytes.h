@@ -2,6 +2,7 @@
 
 /// The refusal of images whose samples an operator does not take.
 
+#include "Tools/Exception.h"
 #include "Tools/FpImage.h"
 
 /// Throws "Image Type is not the assigned type" (-101) for all but unsigned bytes, with the place

@@ -125,6 +125,18 @@ TEST(ImagePyramid, AssignedToItselfStaysAsItIs) {
     EXPECT_EQ(pyramid[0].Data(), pData);
 }
 
+TEST(ImagePyramid, SwapExchangesLayersAndCounts) {
+    ClImagePyramid a(1);
+    a[0] = Img({{9}});
+    ClImagePyramid b(-2);
+
+    a.Swap(b);
+
+    EXPECT_EQ(a.Layers(), -2);
+    ASSERT_EQ(b.Layers(), 1);
+    EXPECT_EQ(Pixels(b[0]), (Rows{{9}}));
+}
+
 TEST(ImagePyramid, ClearForgetsLayersAndReleasesTheirBuffers) {
     ClImagePyramid pyramid(1);
     pyramid[0] = Img({{9}});
@@ -160,6 +172,9 @@ TEST(ImagePyramid, StaysAsItWasWhereACopyFails) {
             ExpectEmptyImage(pyramid[0]);
             throw;
         }
+        ASSERT_EQ(pyramid.Layers(), 2);
+        EXPECT_EQ(Sample(pyramid[0], 1, 0), 2); // without an allocation, which may fail now
+        EXPECT_EQ(Sample(pyramid[1], 0, 0), 3);
     });
 }
 

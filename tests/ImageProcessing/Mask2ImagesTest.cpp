@@ -3,6 +3,7 @@
 #include "ImageProcessing/ImagePyramid.h"
 #include "ImageProcessing/Mask2.h"
 #include "ImageProcessing/MaskCases.h"
+#include "ImageProcessing/MissingMemory.h"
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
@@ -11,6 +12,7 @@ namespace {
 using namespace TestSupport;
 
 constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
+constexpr const char* cszTooHigh = "ClIpCut::Process. m_nY0+m_nDestHeight > m_pInImage->Height()";
 
 /// Bytes of a line behind its pixels.
 std::vector<int> PaddingOf(const ClImage& Image, int y) {
@@ -67,7 +69,8 @@ TEST(Mask2Images, RefusesAnImageOfAnotherType) {
                       "Image Type is not the assigned type");
     }
     ClImage empty;
-    EXPECT_NUMBER(mask.ApplyOnImage(empty, true, 0), -101);
+    EXPECT_THROWS(mask.ApplyOnImage(empty, true, 0), ClException, -101,
+                  "Image Type is not the assigned type");
 }
 
 TEST(Mask2Images, RefusesToPaintAnImageThatStandsAtNoStep) {
@@ -112,6 +115,18 @@ TEST(Mask2Images, ClipsRunsToTheImageAndIgnoresNegativeGaps) {
     image = FlatImage(ClImage::eUInt8, 4, 3, 1, 1);
     mask.ApplyOnImage(image, false, 9);
     EXPECT_EQ(Pixels(image), (Rows{{9, 1, 1, 9}, {9, 9, 9, 1}, {1, 1, 1, 1}}));
+}
+
+TEST(Mask2Images, KeepsOutsideWhatLiesBeforeTheFurthestEndOfALine) {
+    // Lines 0 and 1 of the mask fall on line 0 of the image, 2 and 3 on line 1.
+    ClMask2 mask = MaskWithRuns(12, 4, {{4, 5, 0}, {0, 1, 1}, {8, 9, 1}, {0, 11, 2}, {6, 7, 3}});
+    ClTestImage image = FlatImage(ClImage::eUInt8, 12, 2, 1, 1);
+    image.SetPelsY(cnTestPels / 2 + 1);
+
+    mask.ApplyOnImage(image, true, 9);
+
+    EXPECT_EQ(Pixels(image),
+              (Rows{{9, 9, 9, 9, 1, 1, 9, 9, 1, 1, 9, 9}, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}}));
 }
 
 TEST(Mask2Images, StandsRunsFarOutside) {
@@ -178,12 +193,15 @@ TEST(Mask2Images, PaintsWhatALoopOverPixelsPaints) {
 
 // Cutting
 
+ClTestImage TwentyPixels() {
+    return Img({{1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, {11, 12, 13, 14, 15}, {16, 17, 18, 19, 20}});
+}
+
 TEST(Mask2Images, CutsAnImageOfAnyStepToTheLast) {
     ClMask2 mask;
     mask.AddPrecutStep(5, 4, cnTestPels, cnTestPels, 1, 1, 4, 3, true);
     mask.AddPrecutStep(4, 3, cnTestPels, cnTestPels, 1, 0, 2, 2, true);
-    ClTestImage first =
-        Img({{1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, {11, 12, 13, 14, 15}, {16, 17, 18, 19, 20}});
+    ClTestImage first = TwentyPixels();
     ClTestImage second = Img(ClImage::eInt16, {{7, 8, 9, 10}, {12, 13, 14, 15}, {17, 18, 19, 20}});
     ClImage out;
 
@@ -216,6 +234,28 @@ TEST(Mask2Images, CutsInTheScaleOfTheImage) {
     EXPECT_EQ(Sample(out, 25, 3), 2);
 }
 
+TEST(Mask2Images, CutsAnAxisWithoutResolutionInTheScaleOfTheMask) {
+    ClMask2 mask;
+    mask.AddPrecutStep(5, 4, cnTestPels, cnTestPels, 1, 2, 3, 2, true);
+    for (const auto& [nPelsX, nPelsY] : {std::pair(0, 0), {0, cnTestPels}, {cnTestPels, 0}}) {
+        ClTestImage image = TwentyPixels();
+        image.SetPelsX(nPelsX);
+        image.SetPelsY(nPelsY);
+
+        mask.CutImage(image);
+
+        EXPECT_EQ(Pixels(image), (Rows{{12, 13, 14}, {17, 18, 19}}));
+        EXPECT_EQ(image.PelsX(), nPelsX);
+        EXPECT_EQ(image.PelsY(), nPelsY);
+    }
+    ClMask2 unresolved(mask);
+    unresolved.m_nPelsX = unresolved.m_nPelsY = 0;
+    unresolved.m_aPrecutSteps[0] = {0, 0, 0, 0}; // the scale of the image is 0: it stands here
+    ClTestImage image = TwentyPixels();
+    unresolved.CutImage(image);
+    EXPECT_EQ(Pixels(image), (Rows{{12, 13, 14}, {17, 18, 19}}));
+}
+
 TEST(Mask2Images, WithoutStepsCuttingIsADeepCopy) {
     ClTestImage image = Img({{1, 2}});
     ClImage out;
@@ -234,8 +274,8 @@ TEST(Mask2Images, AFailedCutLeavesTheImage) {
     ClMask2 outside;
     outside.AddPrecutStep(2, 2, cnTestPels, cnTestPels, 1, 1, 1, 2, true); // line 2 is none
     ClTestImage image = Img({{1, 2}, {3, 4}});
-    EXPECT_NUMBER(outside.CutImage(image), -35);
-    EXPECT_NUMBER(outside.CutImage(image, image), -35);
+    EXPECT_THROWS(outside.CutImage(image), ClException, -35, cszTooHigh);
+    EXPECT_THROWS(outside.CutImage(image, image), ClException, -35, cszTooHigh);
     EXPECT_EQ(Pixels(image), (Rows{{1, 2}, {3, 4}}));
 }
 
@@ -315,7 +355,8 @@ TEST(Mask2Images, RefusesAPyramidThatStandsAtNoStep) {
 TEST(Mask2Images, AFailedCutLeavesThePyramid) {
     ClImagePyramid pyramid = TestPyramid();
     pyramid[1].SetPelsX(1000); // the window does not lie in it
-    EXPECT_NUMBER(PyramidMask().CutPyramid(pyramid), -35);
+    EXPECT_THROWS(PyramidMask().CutPyramid(pyramid), ClException, -35,
+                  "ClIpCut::Process. m_nX0+m_nDestWidth > m_pInImage->Width()");
     EXPECT_EQ(pyramid[0].Width(), 8);
 
     ClImagePyramid whole(2);
@@ -331,6 +372,29 @@ TEST(Mask2Images, AFailedCutLeavesThePyramid) {
             throw;
         }
     });
+}
+
+TEST(Mask2Images, CutsAPyramidWholeOrNotAtAll) {
+    ClImagePyramid in = TestPyramid();
+    for (const long nLayers : {0L, 1L, 3L, 7L}) {
+        ClImagePyramid out(nLayers);
+        if (nLayers > 0)
+            out[0] = Img({{5}});
+        ExpectAllOrNothing([&] { PyramidMask().CutPyramid(in, out); },
+                           [&] {
+                               EXPECT_EQ(out.Layers(), nLayers);
+                               if (nLayers > 0) {
+                                   EXPECT_EQ(Pixels(out[0]), (Rows{{5}}));
+                               }
+                           },
+                           [&] {
+                               ExpectCut(out);
+                               out.Create(nLayers);
+                               if (nLayers > 0)
+                                   out[0] = Img({{5}});
+                           });
+        EXPECT_EQ(in[0].Width(), 8);
+    }
 }
 
 } // namespace

@@ -66,9 +66,12 @@ TEST(Mask2Resize, RefusesASizeIntoWhichTheRunsDoNotFit) {
 TEST(Mask2Resize, RefusesAResolutionBelowOne) {
     ClMask2 mask = MaskOf({"##"});
     ClMask2 fresh;
-    EXPECT_NUMBER(mask.ResizeMask(9, 9, 0, 100), -13);
-    EXPECT_NUMBER(mask.ResizeMask(9, 9, 100, -1), -13);
-    EXPECT_NUMBER(fresh.ResizeMask(9, 9, 0, 0), -13);
+    EXPECT_THROWS(mask.ResizeMask(9, 9, 0, 100), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
+    EXPECT_THROWS(mask.ResizeMask(9, 9, 100, -1), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
+    EXPECT_THROWS(fresh.ResizeMask(9, 9, 0, 0), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
     EXPECT_TRUE(mask == MaskOf({"##"}));
     EXPECT_TRUE(fresh == ClMask2());
 }

@@ -14,6 +14,7 @@ using namespace TestSupport;
 
 constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
 constexpr const char* cszNoSize = "No image size given.";
+constexpr const char* cszNoPels = "Pels are not in a valid range (see documentation).";
 
 TEST(Mask2Steps, TheFirstCallRecordsTheFrameAndItsWindow) {
     ClMask2 mask;
@@ -76,7 +77,8 @@ TEST(Mask2Steps, ResettingDropsTheRunsAloneAndBeforeAllTests) {
     EXPECT_EQ(RunsOf(mask), (RunList{{0, 1, 0}}));
 
     ClMask2 refused(mask);
-    EXPECT_NUMBER(refused.AddPrecutStep(1, 1, cnTestPels, cnTestPels, 0, 0, 1, 1, true), -35);
+    EXPECT_THROWS(refused.AddPrecutStep(1, 1, cnTestPels, cnTestPels, 0, 0, 1, 1, true),
+                  ClException, -35, cszIndex);
     mask.AddPrecutStep(40, 30, cnTestPels, cnTestPels, 0, 0, 40, 30, true);
 
     EXPECT_EQ(RunsOf(mask), RunList{});
@@ -94,8 +96,9 @@ TEST(Mask2Steps, AnImageIsAFrameAndResetsTheRuns) {
 
 TEST(Mask2Steps, RefusesAResolutionBelowOne) {
     ClMask2 mask;
-    EXPECT_NUMBER(mask.AddPrecutStep(4, 4, 0, 10, 0, 0, 2, 2, false), -13);
-    EXPECT_NUMBER(mask.AddPrecutStep(4, 4, 10, -1, 0, 0, 2, 2, false), -13);
+    EXPECT_THROWS(mask.AddPrecutStep(4, 4, 0, 10, 0, 0, 2, 2, false), ClExTessarin, -13, cszNoPels);
+    EXPECT_THROWS(mask.AddPrecutStep(4, 4, 10, -1, 0, 0, 2, 2, false), ClExTessarin, -13,
+                  cszNoPels);
     EXPECT_TRUE(mask == ClMask2());
 }
 
@@ -257,41 +260,6 @@ TEST(Mask2Steps, AnImageThatStandsAtNoStepHasNoOffset) {
     EXPECT_THROWS(ClMask2().GetOffsets(ClImage(), n, n), ClException, -701, cszNoSize);
 }
 
-// Bounding box
-
-TEST(Mask2Steps, TheBoundingBoxBecomesTheFrameOfTheRuns) {
-    ClMask2 mask = MaskOf({"......", "..##..", ".#....", "......"});
-
-    EXPECT_TRUE(mask.SetBoundingBox());
-
-    EXPECT_EQ(StepsOf(mask), (StepList{{0, 0, 6, 4}, {1, 1, 3, 2}}));
-    EXPECT_EQ(PictureOf(mask, 3, 2), (Picture{".##", "#.."}));
-    EXPECT_TRUE(mask.IsValid());
-}
-
-TEST(Mask2Steps, WithoutRunsThereIsNoBoundingBox) {
-    ClMask2 mask = MaskOf({"..", ".."});
-    EXPECT_FALSE(mask.SetBoundingBox());
-    EXPECT_EQ(mask.GetOffsetsCount(), 1);
-    EXPECT_FALSE(ClMask2().SetBoundingBox());
-}
-
-TEST(Mask2Steps, AKnownBoundingBoxStillMovesTheRuns) {
-    ClMask2 mask = MaskWithRuns(200, 200, {{1, 199, 1}, {1, 199, 199}});
-
-    EXPECT_TRUE(mask.SetBoundingBox()); // 199 pixels are 200 within the tolerance
-
-    EXPECT_EQ(StepsOf(mask), (StepList{{0, 0, 200, 200}}));
-    EXPECT_EQ(RunsOf(mask), (RunList{{0, 198, 0}, {0, 198, 198}}));
-}
-
-TEST(Mask2Steps, WithoutStepsTheBoundingBoxHasNoFrame) {
-    ClMask2 mask;
-    SetRuns(mask, {{3, 4, 5}});
-    EXPECT_THROWS(mask.SetBoundingBox(), ClException, -35, cszIndex);
-    EXPECT_EQ(RunsOf(mask), (RunList{{3, 4, 5}}));
-}
-
 // Random chains against the formulas
 
 struct StPlainChain {
@@ -324,16 +292,18 @@ struct StPlainChain {
         const long nReference = Index(w, h, pelsX, pelsY);
         if (nReference < 0)
             return false;
-        const double sx = m_dPelsX / pelsX;
-        const double sy = m_dPelsY / pelsY;
+        AddTo(static_cast<std::size_t>(nReference), m_dPelsX / pelsX, m_dPelsY / pelsY, Cut);
+        return true;
+    }
+
+    void AddTo(std::size_t nReference, double sx, double sy, const std::array<double, 4>& Cut) {
         const double t = std::min(Cut[2], Cut[3]) * 0.01 + 0.5;
         for (const auto& Step : m_aSteps)
             if (Step[2] - Cut[2] * sx < t && Step[3] - Cut[3] * sy < t)
-                return true;
-        const auto& Reference = m_aSteps[static_cast<std::size_t>(nReference)];
+                return;
+        const auto Reference = m_aSteps[nReference];
         m_aSteps.push_back(
             {Reference[0] + Cut[0] * sx, Reference[1] + Cut[1] * sy, Cut[2] * sx, Cut[3] * sy});
-        return true;
     }
 
     void Resize(double pelsX, double pelsY) {
@@ -386,7 +356,8 @@ void CutAtRandom(std::mt19937& rRandom, ClMask2& rMask, StPlainChain& rPlain) {
     if (rPlain.Add(w, h, nPels, nPels, {1.0 * x, 1.0 * y, 1.0 * nWidth, 1.0 * nHeight}))
         rMask.AddPrecutStep(w, h, nPels, nPels, x, y, nWidth, nHeight, false);
     else
-        EXPECT_NUMBER(rMask.AddPrecutStep(w, h, nPels, nPels, x, y, nWidth, nHeight, false), -35);
+        EXPECT_THROWS(rMask.AddPrecutStep(w, h, nPels, nPels, x, y, nWidth, nHeight, false),
+                      ClException, -35, cszIndex);
 }
 
 void BoundAtRandom(std::mt19937& rRandom, ClMask2& rMask, StPlainChain& rPlain) {
@@ -400,7 +371,7 @@ void BoundAtRandom(std::mt19937& rRandom, ClMask2& rMask, StPlainChain& rPlain) 
     const int nRight = RandomInt(rRandom, nLeft, w - 1);
     SetRuns(rMask, {{nLeft, nRight, nTop}, {nLeft, nLeft, h - 1}});
     const std::array<double, 4> Box{1.0 * nLeft, 1.0 * nTop, nRight - nLeft + 1.0, 1.0 * h - nTop};
-    ASSERT_TRUE(rPlain.Add(w, h, rPlain.m_dPelsX, rPlain.m_dPelsY, Box));
+    rPlain.AddTo(rPlain.m_aSteps.size() - 1, 1.0, 1.0, Box);
     ASSERT_TRUE(rMask.SetBoundingBox());
     EXPECT_EQ(RunsOf(rMask), (RunList{{0, nRight - nLeft, 0}, {0, 0, h - 1 - nTop}}));
     rMask.ResetEntries();

@@ -12,6 +12,7 @@ namespace {
 using namespace TestSupport;
 
 constexpr const char* cszWrongType = "Image Type is not the assigned type";
+constexpr const char* cszNoSize = "No image size given.";
 constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
 
 TEST(Mask2, BeginsWithoutRunsStepsAndResolution) {
@@ -134,10 +135,11 @@ TEST(Mask2, RefusesAnImageOfAnotherTypeAndStaysAsItWas) {
     }
 }
 
-TEST(Mask2, RefusesAnEmptyImage) {
-    ClMask2 mask;
+TEST(Mask2, RefusesAnEmptyImageAndStaysAsItWas) {
+    ClMask2 mask = MaskOf({"##"});
     const ClImage empty;
     EXPECT_THROWS(mask.BuildFromImage(empty, 0), ClException, -101, cszWrongType);
+    EXPECT_TRUE(mask == MaskOf({"##"}));
 }
 
 TEST(Mask2, RefusesAnImageWithoutPixels) {
@@ -145,8 +147,10 @@ TEST(Mask2, RefusesAnImageWithoutPixels) {
     ClImage image;
     image.Attach(nullptr, ClImage::eUInt8, 2, 1, 1, cnTestPels, cnTestPels);
 
-    EXPECT_NUMBER(mask.BuildFromImage(image, 0), -37);
-    EXPECT_NUMBER(mask.ApplyOnImage(image, true, 0), -37);
+    EXPECT_THROWS(mask.BuildFromImage(image, 0), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
+    EXPECT_THROWS(mask.ApplyOnImage(image, true, 0), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     EXPECT_TRUE(mask == MaskOf({"##"}));
 }
 
@@ -156,12 +160,22 @@ TEST(Mask2, RefusesAnImageWithoutResolution) {
     ClMask2 fresh;
     ClMask2 mask = MaskOf({"##", "##"});
 
-    EXPECT_NUMBER(fresh.BuildFromImage(image, 0), -13);
-    EXPECT_NUMBER(mask.BuildFromImage(image, 0), -13);
+    EXPECT_THROWS(fresh.BuildFromImage(image, 0), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
+    EXPECT_THROWS(mask.BuildFromImage(image, 0), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
 
     EXPECT_TRUE(fresh == ClMask2());
     EXPECT_EQ(StepsOf(mask), (StepList{{0, 0, 2, 2}}));
     EXPECT_EQ(mask.m_nPelsY, cnTestPels);
+}
+
+TEST(Mask2, RefusesAnImageWithoutArea) {
+    unsigned char nByte = 0;
+    ClImage image;
+    image.Attach(&nByte, ClImage::eUInt8, 1, 0, 1, cnTestPels, cnTestPels);
+    EXPECT_THROWS(MaskOf({"##"}).BuildFromImage(image, 0), ClException, -701, cszNoSize);
+    EXPECT_THROWS(MaskOf({"##"}).ApplyOnImage(image, true, 0), ClException, -701, cszNoSize);
 }
 
 TEST(Mask2, RefusesAnImageThatStandsAtNoStep) {
