@@ -50,26 +50,32 @@ void ClIpRenderPolygon::NewImage() const {
 
 // Filling by scanlines
 
-void ClIpRenderPolygon::PolygonRendering() {
-    CalculateAllIntersections();
+/// The image first: what there is no room for needs no crossings.
+void ClIpRenderPolygon::PolygonRendering() const {
     NewImage();
-    for (auto it = m_Intersections.begin(); it != m_Intersections.end();) {
+    const std::list<CIntersection> Crossings = CalculateAllIntersections();
+    for (auto it = Crossings.begin(); it != Crossings.end();) {
         const CIntersection& First = *it++;
         const CIntersection& Second = *it++; // there are two, or more pairs, on every line
         PaintRun(First.m_nY, First.m_nX, Second.m_nX);
     }
-    m_Intersections.clear();
     PaintHorizontalEdges();
 }
 
-void ClIpRenderPolygon::CalculateAllIntersections() {
-    m_Intersections.clear();
-    for (unsigned long i = 0; i < m_pPolygon->Entries(); ++i)
-        CalculateIntersections(i);
-    m_Intersections.sort();
+std::list<ClIpRenderPolygon::CIntersection> ClIpRenderPolygon::CalculateAllIntersections() const {
+    std::list<CIntersection> Crossings;
+    try {
+        for (unsigned long i = 0; i < m_pPolygon->Entries(); ++i)
+            CalculateIntersections(i, Crossings);
+    } catch (const std::bad_alloc&) {
+        Vek::ThrowBadAlloc();
+    }
+    Crossings.sort();
+    return Crossings;
 }
 
-void ClIpRenderPolygon::CalculateIntersections(unsigned long nEdge) {
+void ClIpRenderPolygon::CalculateIntersections(unsigned long nEdge,
+                                               std::list<CIntersection>& rCrossings) const {
     ClVector& a = Corner(nEdge);
     ClVector& b = Corner(nEdge + 1);
     const int nFirst = static_cast<int>(std::ceil(std::min(a.y, b.y)));
@@ -77,7 +83,7 @@ void ClIpRenderPolygon::CalculateIntersections(unsigned long nEdge) {
     for (int y = nFirst; y <= nLast; ++y) {
         int nX = 0;
         if (GetIntersection(a, b, y, nX) && !(y == b.y && GoesOnBehind(nEdge)))
-            AddIntersection(y, nX);
+            rCrossings.emplace_back(y, nX);
     }
 }
 
@@ -97,14 +103,6 @@ bool ClIpRenderPolygon::GoesOnBehind(unsigned long nEdge) const {
     while (Corner(nNext).y == Corner(nNext + 1).y)
         ++nNext;
     return (Corner(nNext + 1).y > Corner(nNext).y) == bDown;
-}
-
-void ClIpRenderPolygon::AddIntersection(int nY, int nX) {
-    try {
-        m_Intersections.emplace_back(nY, nX);
-    } catch (const std::bad_alloc&) {
-        Vek::ThrowBadAlloc();
-    }
 }
 
 void ClIpRenderPolygon::PaintHorizontalEdges() const {

@@ -47,7 +47,7 @@ public:
     /// The output becomes an image of one plane of the type `eUInt8` with the size told. Returns 0;
     /// before anything changes, -10 without an output, and -44 for a width or height of 0, without
     /// a polygon, for fewer than 2 corners and where CheckPolygon() is false. Throws `ClExBadAlloc`
-    /// (-102).
+    /// (-102); the output is then empty or as large as told, with any pixels.
     long Process() override;
 
     /// Whether every corner has 0 <= x < width and 0 <= y < height.
@@ -77,11 +77,10 @@ public:
 
 private:
     void NewImage() const;
-    void PolygonRendering();
-    void CalculateAllIntersections();
-    void CalculateIntersections(unsigned long nEdge);
+    void PolygonRendering() const;
+    std::list<CIntersection> CalculateAllIntersections() const;
+    void CalculateIntersections(unsigned long nEdge, std::list<CIntersection>& rCrossings) const;
     bool GoesOnBehind(unsigned long nEdge) const;
-    void AddIntersection(int nY, int nX);
     void PaintHorizontalEdges() const;
     void PaintRun(int nY, int nX1, int nX2) const;
     ClVector& Corner(unsigned long nIndex) const;
@@ -90,6 +89,4 @@ private:
     void TruncateCorners(Polygon_t& rTruncated) const;
     bool DetermineFillingStartingPoint(long& nX, long& nY) const;
     void FillPolygonFloodFill() const;
-
-    std::list<CIntersection> m_Intersections; ///< of one run
 };

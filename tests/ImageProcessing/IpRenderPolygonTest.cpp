@@ -1,7 +1,8 @@
 #include "ImageProcessing/IpRenderPolygon.h"
 
+#include "ImageProcessing/MissingMemory.h"
+
 #include "NaivePolygon.h"
-#include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -264,19 +265,39 @@ TEST(IpRenderPolygon, CrossesLinesBetweenTheEndsOfAnEdge) {
     EXPECT_EQ(nX, 0);
 }
 
-TEST(IpRenderPolygon, AnswersEveryMissingAllocation) {
+TEST(IpRenderPolygon, PaintsOrReportsMissingMemory) {
     Polygon_t polygon = PolygonOf({{0, 0}, {6, 2}, {3, 8}});
+    const Rows aExpected = Rendered(polygon, 9, 9);
     ClImage out;
     ClIpRenderPolygon render(9, 9, 0, 0); // kept: a run that failed must not disturb the next
     render.m_pPolygon = &polygon;
     render.m_pOutImage = &out;
     render.m_nForeground = 1;
     render.m_nBackground = 0;
+    TestSupport::ExpectAllOrNothing(
+        [&] {
+            out.Delete();
+            EXPECT_EQ(render.Apply(), 0);
+        },
+        [&] { EXPECT_EQ(polygon.Entries(), 3u); }, [&] { EXPECT_EQ(Pixels(out), aExpected); });
+}
+
+TEST(IpRenderPolygon, TakesRoomForTheImageBeforeItListsCrossings) {
+    Polygon_t polygon = PolygonOf({{0, 0}, {6, 2}, {3, 8}});
+    int nWidthAtLastFailure = 0;
     FailEachAllocation([&] {
-        out.Delete();
-        EXPECT_EQ(render.Apply(), 0);
+        ClImage out;
+        ClIpRenderPolygon render(9, 9, 0, 0);
+        render.m_pPolygon = &polygon;
+        render.m_pOutImage = &out;
+        try {
+            EXPECT_EQ(render.Apply(), 0);
+        } catch (const ClExBadAlloc&) {
+            nWidthAtLastFailure = out.Width();
+            throw;
+        }
     });
-    EXPECT_EQ(Pixels(out), Rendered(polygon, 9, 9));
+    EXPECT_EQ(nWidthAtLastFailure, 9); // that of a crossing
 }
 
 } // namespace
