@@ -5,6 +5,7 @@
 #include "ImageProcessing/Kernels/Runs.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
+#include "ImageProcessing/RequireBytes.h"
 
 ClIpBuildConvexHull::ClIpBuildConvexHull() : m_pEdgeImage(Vek::NewObject<ClImage>()) {}
 
@@ -19,9 +20,7 @@ const char* ClIpBuildConvexHull::Name() const {
 const ClImage& ClIpBuildConvexHull::Input() const {
     if (m_pInImage == nullptr || m_pInImage->Data() == nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
-    if (m_pInImage->DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(*m_pInImage, VEK_HERE);
     return *m_pInImage;
 }
 
@@ -51,9 +50,7 @@ void ClIpBuildConvexHull::RenderPolygon() {
     Render.Timer(IsTimerEnabled());
     Render.m_pPolygon = &m_aPolygon;
     // A hull that cannot be painted leaves the output as it is, and that is no failure.
-    ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Target) {
-        if (&Target != m_pOutImage)
-            Target.SetAttribute(In.Attribute());
+    ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage&, ClImage& Target) {
         Render.m_pOutImage = &Target;
         return Render.Apply();
     });

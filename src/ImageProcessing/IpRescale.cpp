@@ -3,12 +3,15 @@
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PlaneByPlane.h"
+#include "ImageProcessing/RequireBytes.h"
+#include "ImageProcessing/RescaleModes.h"
 #include "ImageProcessing/SettingsText.h"
 #include "Tools/Allocate.h"
 
 #include <TessarinCalibrateSDK.h>
 
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -18,19 +21,26 @@ constexpr int cnLargestSide = 16384;
 /// Rounds a size up, unless it exceeds a whole number by less than this lacks to 1.
 constexpr double cdRoundUp = 0.9999;
 
-constexpr TpNamedValues<ClIpRescale::eProcessingMode> caModes = {
-    {ClIpRescale::ModeWholeNumbered, "ModeWholeNumbered"},
-    {ClIpRescale::ModeNearestNeighbour, "ModeNearestNeighbour"},
-    {ClIpRescale::ModeBiLinear, "ModeBiLinear"},
-    {ClIpRescale::ModeBiCubic, "ModeBiCubic"},
-    {ClIpRescale::ModeBiLinearFantMar, "ModeBiLinearFantMar"}};
+constexpr TpNamedValues<ClIpRescale::eProcessingMode> caModeChoice = {
+    {Rescale::caModes[0].m_eMode, Rescale::caModes[0].m_szName},
+    {Rescale::caModes[1].m_eMode, Rescale::caModes[1].m_szName},
+    {Rescale::caModes[2].m_eMode, Rescale::caModes[2].m_szName},
+    {Rescale::caModes[3].m_eMode, Rescale::caModes[3].m_szName},
+    {Rescale::caModes[4].m_eMode, Rescale::caModes[4].m_szName}};
+static_assert(caModeChoice.size() == std::size(Rescale::caModes));
+
+/// Null for a value that is no mode.
+const Rescale::StMode* FindMode(ClIpRescale::eProcessingMode eMode) {
+    for (const Rescale::StMode& Mode : Rescale::caModes)
+        if (Mode.m_eMode == eMode)
+            return &Mode;
+    return nullptr;
+}
 
 /// The name of a mode without its first word, which every one has.
 const char* ModeText(ClIpRescale::eProcessingMode eMode) {
-    for (const auto& NamedMode : caModes)
-        if (NamedMode.m_Value == eMode)
-            return NamedMode.m_szName + std::strlen("Mode");
-    return "InvalidMode";
+    const Rescale::StMode* pMode = FindMode(eMode);
+    return pMode != nullptr ? pMode->m_szName + std::strlen("Mode") : "InvalidMode";
 }
 
 constexpr const char* cszInImage = "In: Original Image";
@@ -77,7 +87,7 @@ void ClIpRescale::QueryParameters(ClParameterInterface& List) {
     AddNumber(List, "NewHeight", m_nNewHeight, cszNewHeight);
     AddNumber(List, "NewPelsX", m_nNewPelsX, cszNewPelsX);
     AddNumber(List, "NewPelsY", m_nNewPelsY, cszNewPelsY);
-    AddEnum(List, "Mode", m_eMode, caModes, cszMode);
+    AddEnum(List, "Mode", m_eMode, caModeChoice, cszMode);
     AddNumber(List, "dConvParameter1", m_dConvParameter1);
 }
 
@@ -88,7 +98,7 @@ void ClIpRescale::PublishParameters(ClParameterContainer& Container) {
     Container.AddNumeric("NewHeight", &m_nNewHeight, cszNewHeight);
     Container.AddNumeric("NewPelsX", &m_nNewPelsX, cszNewPelsX);
     Container.AddNumeric("NewPelsY", &m_nNewPelsY, cszNewPelsY);
-    Container.AddEnum("eMode", &m_eMode, caModes, cszMode);
+    Container.AddEnum("eMode", &m_eMode, caModeChoice, cszMode);
     Container.AddNumeric("dConvParameter1", &m_dConvParameter1);
 }
 
@@ -158,9 +168,8 @@ long ClIpRescale::FixDestination(double dWidth, double dHeight, long long nPelsX
 long ClIpRescale::Process() {
     if (!HasImages())
         return QMT_ERROR_PARAM_OUT_OF_RANGE;
-    if (m_pInImage->DataType() != ClImage::eUInt8 && m_pInImage->DataType() != ClImage::eInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    if (m_pInImage->DataType() != ClImage::eInt8)
+        RequireBytes(*m_pInImage, VEK_HERE);
     if (m_nDestWidth == m_pInImage->Width() && m_nDestHeight == m_pInImage->Height()) {
         *m_pOutImage = *m_pInImage;
         return 0;
@@ -181,30 +190,18 @@ long ClIpRescale::ProcessMultiPlane() {
 }
 
 long ClIpRescale::ProcessPlane(const ClImage& In, ClImage& Out) {
-    switch (m_eMode) {
-    case ModeWholeNumbered:
-        ProcessWholeNumbered(In, Out);
-        return 0;
-    case ModeNearestNeighbour:
-        ProcessNearestNeighbour(In, Out);
-        return 0;
-    case ModeBiLinear:
-        ProcessModeBiLinear(In, Out);
-        return 0;
-    case ModeBiCubic:
-        ProcessBiCubic(In, Out);
-        return 0;
-    case ModeBiLinearFantMar:
-        ProcessBiLinearFant(In, Out);
-        return 0;
-    }
-    return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    const Rescale::StMode* pMode = FindMode(m_eMode);
+    if (pMode == nullptr)
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    pMode->m_pfnProcess(*this, In, Out);
+    return 0;
 }
 
-void ClIpRescale::NewOutput(const ClImage& In, int nWidth, int nHeight, ClImage& Out) const {
+void Rescale::NewOutput(const ClIpRescale& Run, const ClImage& In, int nWidth, int nHeight,
+                        ClImage& Out) {
     if (nWidth < 1 || nHeight < 1)
         throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, true, VEK_HERE);
-    Out.NewWithType(In.DataType(), nWidth, nHeight, 1, m_nDestPelsX, m_nDestPelsY);
+    Out.NewWithType(In.DataType(), nWidth, nHeight, 1, Run.m_nDestPelsX, Run.m_nDestPelsY);
 }
 
 // Entry points

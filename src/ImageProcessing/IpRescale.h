@@ -109,38 +109,6 @@ private:
     long FixBySize();
     long FixDestination(double dWidth, double dHeight, long long nPelsX, long long nPelsY);
     long ApplyMode(ClImage& rIn, ClImage& rOut, eProcessingMode eMode);
-
-    // All below work on one plane. Outputs get the input's type and the destination's resolutions.
-
     long ProcessMultiPlane();
     long ProcessPlane(const ClImage& In, ClImage& Out);
-    void NewOutput(const ClImage& In, int nWidth, int nHeight, ClImage& Out) const;
-
-    // RescaleNearest.cpp
-    void ProcessNearestNeighbour(const ClImage& In, ClImage& Out) const;
-    /// Fills the output by the columns and lines given, 0 for those below 0.
-    void Gather(const ClImage& In, const int* pColumns, const int* pLines, ClImage& Out) const;
-
-    // RescaleWholeNumbered.cpp
-    void ProcessWholeNumbered(const ClImage& In, ClImage& Out) const;
-    void ProcessXWholeNumberedResize(int nFactor, int nInWidth, int* pColumns) const;
-    void ProcessYWholeNumberedResize(int nFactor, int nInHeight, int* pLines) const;
-    void ProcessXWholeNumberedSubsample(int nFactor, int nInWidth, int* pColumns) const;
-    void ProcessYWholeNumberedSubsample(int nFactor, int nInHeight, int* pLines) const;
-
-    // RescaleLinear.cpp
-    void ProcessModeBiLinear(const ClImage& In, ClImage& Out) const;
-    void ProcessBiLinear(const ClImage& In, ClImage& Out) const;
-    void ProcessXBiLinearIntegrating(const ClImage& In, ClImage& Out) const;
-    void ProcessYBiLinearIntegrating(const ClImage& In, ClImage& Out) const;
-
-    // RescaleCubic.cpp
-    void ProcessBiCubic(const ClImage& In, ClImage& Out) const;
-    void ProcessBiCubicExact(const ClImage& In, ClImage& Out) const;
-    void ProcessBiCubicFast(const ClImage& In, double dParameter, ClImage& Out) const;
-
-    // RescaleFant.cpp
-    void ProcessBiLinearFant(const ClImage& In, ClImage& Out);
-    void ConvertImageToPlain(const ClImage& In, unsigned char* pPlain);
-    void ConvertPlainToImage(const unsigned char* pPlain, ClImage& Out);
 };

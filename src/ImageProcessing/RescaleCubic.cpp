@@ -19,7 +19,7 @@
 // keeps a constant exactly. Four taps a row and a table per column stand against sixteen roots.
 
 #include "ImageProcessing/ByteSamples.h"
-#include "ImageProcessing/IpRescale.h"
+#include "ImageProcessing/RescaleModes.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
@@ -141,49 +141,50 @@ void InterpolateLine(const T* const (&apLines)[cnTaps], const StTaps& Rows, cons
     }
 }
 
-} // namespace
-
-void ClIpRescale::ProcessBiCubic(const ClImage& In, ClImage& Out) const {
-    if (m_dConvParameter1 > 0.0)
-        ProcessBiCubicFast(In, -m_dConvParameter1, Out);
-    else
-        ProcessBiCubicExact(In, Out);
-}
-
-void ClIpRescale::ProcessBiCubicExact(const ClImage& In, ClImage& Out) const {
-    NewOutput(In, m_nDestWidth, m_nDestHeight, Out);
+void ProcessBiCubicExact(const ClIpRescale& Run, const ClImage& In, ClImage& Out) {
+    Rescale::NewOutput(Run, In, Run.m_nDestWidth, Run.m_nDestHeight, Out);
     const long long nCount = static_cast<long long>(In.Width()) * In.Height();
     const auto aPlain = Vek::NewArrayPtr<unsigned char>(static_cast<std::size_t>(nCount));
     for (long long y = 0; y < In.Height(); ++y)
         std::copy_n(In.LineData(static_cast<int>(y)), In.Width(), aPlain.get() + y * In.Width());
-    const auto aColumns = Vek::NewArrayPtr<StPosition>(static_cast<std::size_t>(m_nDestWidth));
-    for (int x = 0; x < m_nDestWidth; ++x)
-        aColumns[static_cast<std::size_t>(x)] = PositionOf(x, In.Width(), m_nDestWidth);
+    const auto aColumns = Vek::NewArrayPtr<StPosition>(static_cast<std::size_t>(Run.m_nDestWidth));
+    for (int x = 0; x < Run.m_nDestWidth; ++x)
+        aColumns[static_cast<std::size_t>(x)] = PositionOf(x, In.Width(), Run.m_nDestWidth);
     DispatchByteType(In.DataType(), [&](auto Tag) {
         using T = typename decltype(Tag)::Type;
         const StPlain<T> Plain = {reinterpret_cast<const T*>(aPlain.get()), In.Width(), nCount};
-        for (int y = 0; y < m_nDestHeight; ++y) {
-            const StPosition Row = PositionOf(y, In.Height(), m_nDestHeight);
-            for (int x = 0; x < m_nDestWidth; ++x)
+        for (int y = 0; y < Run.m_nDestHeight; ++y) {
+            const StPosition Row = PositionOf(y, In.Height(), Run.m_nDestHeight);
+            for (int x = 0; x < Run.m_nDestWidth; ++x)
                 Out.Line<T>(y)[x] = RadialSample(Plain, aColumns[static_cast<std::size_t>(x)], Row,
-                                                 m_dConvParameter1);
+                                                 Run.m_dConvParameter1);
         }
     });
 }
 
-void ClIpRescale::ProcessBiCubicFast(const ClImage& In, double dParameter, ClImage& Out) const {
-    NewOutput(In, m_nDestWidth, m_nDestHeight, Out);
-    const auto aColumns = Vek::NewArrayPtr<StTaps>(static_cast<std::size_t>(m_nDestWidth));
-    for (int x = 0; x < m_nDestWidth; ++x)
-        aColumns[static_cast<std::size_t>(x)] = FindTaps(x, In.Width(), m_nDestWidth, dParameter);
+void ProcessBiCubicFast(const ClIpRescale& Run, const ClImage& In, ClImage& Out) {
+    Rescale::NewOutput(Run, In, Run.m_nDestWidth, Run.m_nDestHeight, Out);
+    const auto aColumns = Vek::NewArrayPtr<StTaps>(static_cast<std::size_t>(Run.m_nDestWidth));
+    for (int x = 0; x < Run.m_nDestWidth; ++x)
+        aColumns[static_cast<std::size_t>(x)] =
+            FindTaps(x, In.Width(), Run.m_nDestWidth, -Run.m_dConvParameter1);
     DispatchByteType(In.DataType(), [&](auto Tag) {
         using T = typename decltype(Tag)::Type;
-        for (int y = 0; y < m_nDestHeight; ++y) {
-            const StTaps Rows = FindTaps(y, In.Height(), m_nDestHeight, dParameter);
+        for (int y = 0; y < Run.m_nDestHeight; ++y) {
+            const StTaps Rows = FindTaps(y, In.Height(), Run.m_nDestHeight, -Run.m_dConvParameter1);
             const T* apLines[cnTaps];
             for (int n = 0; n < cnTaps; ++n)
                 apLines[n] = In.Line<const T>(Rows.m_anIndex[n]);
-            InterpolateLine(apLines, Rows, aColumns.get(), m_nDestWidth, Out.Line<T>(y));
+            InterpolateLine(apLines, Rows, aColumns.get(), Run.m_nDestWidth, Out.Line<T>(y));
         }
     });
+}
+
+} // namespace
+
+void Rescale::ProcessBiCubic(ClIpRescale& rRun, const ClImage& In, ClImage& Out) {
+    if (rRun.m_dConvParameter1 > 0.0)
+        ProcessBiCubicFast(rRun, In, Out);
+    else
+        ProcessBiCubicExact(rRun, In, Out);
 }

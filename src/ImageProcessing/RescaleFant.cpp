@@ -8,8 +8,8 @@
 // quotient is what the mean is, in every precision that holds it. Kernels/CellMean.h does the sums.
 
 #include "ImageProcessing/ByteSamples.h"
-#include "ImageProcessing/IpRescale.h"
 #include "ImageProcessing/Kernels/CellMean.h"
+#include "ImageProcessing/RescaleModes.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
@@ -54,36 +54,38 @@ void ResampleLines(unsigned char nType, const unsigned char* pIn, int nWidth, in
     });
 }
 
-} // namespace
-
-void ClIpRescale::ProcessBiLinearFant(const ClImage& In, ClImage& Out) {
-    const unsigned char nType = In.DataType();
-    NewOutput(In, m_nDestWidth, m_nDestHeight, Out);
-    PlainImage aFrom = NewPlain(In.Width(), In.Height());
-    ConvertImageToPlain(In, aFrom.get());
-    PlainImage aTo = NewPlain(m_nDestWidth, In.Height());
-    BilinearResample(nType, aFrom.get(), In.Width(), In.Height(), m_nDestWidth, aTo.get());
-    aFrom = NewPlain(In.Height(), m_nDestWidth);
-    FlipXY(aTo.get(), m_nDestWidth, In.Height(), aFrom.get());
-    aTo = NewPlain(m_nDestHeight, m_nDestWidth);
-    BilinearResample(nType, aFrom.get(), In.Height(), m_nDestWidth, m_nDestHeight, aTo.get());
-    aFrom = NewPlain(m_nDestWidth, m_nDestHeight);
-    FlipXY(aTo.get(), m_nDestHeight, m_nDestWidth, aFrom.get());
-    ConvertPlainToImage(aFrom.get(), Out);
-}
-
-void ClIpRescale::ConvertImageToPlain(const ClImage& In, unsigned char* pPlain) {
-    TimerStart("Convert");
+void ConvertImageToPlain(ClIpRescale& rTimer, const ClImage& In, unsigned char* pPlain) {
+    rTimer.TimerStart("Convert");
     for (int y = 0; y < In.Height(); ++y)
         pPlain = std::copy_n(In.LineData(y), In.Width(), pPlain);
-    TimerStop("Convert");
+    rTimer.TimerStop("Convert");
 }
 
-void ClIpRescale::ConvertPlainToImage(const unsigned char* pPlain, ClImage& Out) {
-    TimerStart("Convert");
+void ConvertPlainToImage(ClIpRescale& rTimer, const unsigned char* pPlain, ClImage& Out) {
+    rTimer.TimerStart("Convert");
     for (int y = 0; y < Out.Height(); ++y, pPlain += Out.Width())
         std::copy_n(pPlain, Out.Width(), Out.LineData(y));
-    TimerStop("Convert");
+    rTimer.TimerStop("Convert");
+}
+
+} // namespace
+
+void Rescale::ProcessBiLinearFant(ClIpRescale& rRun, const ClImage& In, ClImage& Out) {
+    NewOutput(rRun, In, rRun.m_nDestWidth, rRun.m_nDestHeight, Out);
+    const unsigned char nType = In.DataType();
+    const int nWidth = Out.Width();
+    const int nHeight = Out.Height();
+    PlainImage aFrom = NewPlain(In.Width(), In.Height());
+    ConvertImageToPlain(rRun, In, aFrom.get());
+    PlainImage aTo = NewPlain(nWidth, In.Height());
+    rRun.BilinearResample(nType, aFrom.get(), In.Width(), In.Height(), nWidth, aTo.get());
+    aFrom = NewPlain(In.Height(), nWidth);
+    rRun.FlipXY(aTo.get(), nWidth, In.Height(), aFrom.get());
+    aTo = NewPlain(nHeight, nWidth);
+    rRun.BilinearResample(nType, aFrom.get(), In.Height(), nWidth, nHeight, aTo.get());
+    aFrom = NewPlain(nWidth, nHeight);
+    rRun.FlipXY(aTo.get(), nHeight, nWidth, aFrom.get());
+    ConvertPlainToImage(rRun, aFrom.get(), Out);
 }
 
 void ClIpRescale::FlipXY(const unsigned char* pIn, int nWidth, int nHeight, unsigned char* pOut) {

@@ -14,8 +14,8 @@
 // w << 12, see Kernels/CellMean.h. An axis that shrinks goes first: less is left for the other.
 
 #include "ImageProcessing/ByteSamples.h"
-#include "ImageProcessing/IpRescale.h"
 #include "ImageProcessing/Kernels/CellMean.h"
+#include "ImageProcessing/RescaleModes.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
@@ -69,65 +69,68 @@ Kernels::StCell CellOf(int nPosition, int nIn, int nOut) {
     return Kernels::MakeCell(nPosition * nStep, nEnd, cnOne);
 }
 
-} // namespace
-
-void ClIpRescale::ProcessModeBiLinear(const ClImage& In, ClImage& Out) const {
-    const bool bShrinkX = m_nDestWidth < In.Width();
-    const bool bShrinkY = m_nDestHeight < In.Height();
-    if (!bShrinkX && !bShrinkY)
-        return ProcessBiLinear(In, Out);
-
-    ClImage Narrow;
-    if (bShrinkX)
-        ProcessXBiLinearIntegrating(In, Narrow);
-    const ClImage& Columns = bShrinkX ? Narrow : In;
-    ClImage Small;
-    if (bShrinkY)
-        ProcessYBiLinearIntegrating(Columns, Small);
-    ClImage& Last = bShrinkY ? Small : Narrow;
-    if (Last.Width() == m_nDestWidth && Last.Height() == m_nDestHeight)
-        Out.Swap(Last);
-    else
-        ProcessBiLinear(Last, Out);
-}
-
-void ClIpRescale::ProcessBiLinear(const ClImage& In, ClImage& Out) const {
-    NewOutput(In, m_nDestWidth, m_nDestHeight, Out);
-    const auto aColumns = Vek::NewArrayPtr<StNeighbours>(static_cast<std::size_t>(m_nDestWidth));
-    const long long nStepX = Step(In.Width(), m_nDestWidth);
-    for (int x = 0; x < m_nDestWidth; ++x)
+void ProcessBiLinear(const ClIpRescale& Run, const ClImage& In, ClImage& Out) {
+    Rescale::NewOutput(Run, In, Run.m_nDestWidth, Run.m_nDestHeight, Out);
+    const auto aColumns =
+        Vek::NewArrayPtr<StNeighbours>(static_cast<std::size_t>(Run.m_nDestWidth));
+    const long long nStepX = Step(In.Width(), Run.m_nDestWidth);
+    for (int x = 0; x < Run.m_nDestWidth; ++x)
         aColumns[static_cast<std::size_t>(x)] = FindNeighbours(x, nStepX, In.Width());
-    const long long nStepY = Step(In.Height(), m_nDestHeight);
+    const long long nStepY = Step(In.Height(), Run.m_nDestHeight);
     DispatchByteType(In.DataType(), [&](auto Tag) {
         using T = typename decltype(Tag)::Type;
-        for (int y = 0; y < m_nDestHeight; ++y) {
+        for (int y = 0; y < Run.m_nDestHeight; ++y) {
             const StNeighbours Row = FindNeighbours(y, nStepY, In.Height());
             InterpolateLine(In.Line<const T>(Row.m_nFirst), In.Line<const T>(Row.m_nSecond), Row,
-                            aColumns.get(), m_nDestWidth, Out.Line<T>(y));
+                            aColumns.get(), Run.m_nDestWidth, Out.Line<T>(y));
         }
     });
 }
 
-void ClIpRescale::ProcessXBiLinearIntegrating(const ClImage& In, ClImage& Out) const {
-    NewOutput(In, m_nDestWidth, In.Height(), Out);
-    const auto aCells = Vek::NewArrayPtr<Kernels::StCell>(static_cast<std::size_t>(m_nDestWidth));
-    for (int x = 0; x < m_nDestWidth; ++x)
-        aCells[static_cast<std::size_t>(x)] = CellOf(x, In.Width(), m_nDestWidth);
+void ProcessXBiLinearIntegrating(const ClIpRescale& Run, const ClImage& In, ClImage& Out) {
+    Rescale::NewOutput(Run, In, Run.m_nDestWidth, In.Height(), Out);
+    const auto aCells =
+        Vek::NewArrayPtr<Kernels::StCell>(static_cast<std::size_t>(Run.m_nDestWidth));
+    for (int x = 0; x < Run.m_nDestWidth; ++x)
+        aCells[static_cast<std::size_t>(x)] = CellOf(x, In.Width(), Run.m_nDestWidth);
     DispatchByteType(In.DataType(), [&](auto Tag) {
         using T = typename decltype(Tag)::Type;
         for (int y = 0; y < In.Height(); ++y)
-            Kernels::MeanOfCells(In.Line<const T>(y), aCells.get(), m_nDestWidth, cnOne,
+            Kernels::MeanOfCells(In.Line<const T>(y), aCells.get(), Run.m_nDestWidth, cnOne,
                                  Out.Line<T>(y));
     });
 }
 
-void ClIpRescale::ProcessYBiLinearIntegrating(const ClImage& In, ClImage& Out) const {
-    NewOutput(In, In.Width(), m_nDestHeight, Out);
+void ProcessYBiLinearIntegrating(const ClIpRescale& Run, const ClImage& In, ClImage& Out) {
+    Rescale::NewOutput(Run, In, In.Width(), Run.m_nDestHeight, Out);
     DispatchByteType(In.DataType(), [&](auto Tag) {
         using T = typename decltype(Tag)::Type;
-        for (int y = 0; y < m_nDestHeight; ++y)
+        for (int y = 0; y < Run.m_nDestHeight; ++y)
             Kernels::MeanOfLines(In.Line<const T>(0), In.LineStrideSamples(),
-                                 CellOf(y, In.Height(), m_nDestHeight), cnOne, In.Width(),
+                                 CellOf(y, In.Height(), Run.m_nDestHeight), cnOne, In.Width(),
                                  Out.Line<T>(y));
     });
+}
+
+} // namespace
+
+void Rescale::ProcessModeBiLinear(ClIpRescale& rRun, const ClImage& In, ClImage& Out) {
+    const bool bShrinkX = rRun.m_nDestWidth < In.Width();
+    const bool bShrinkY = rRun.m_nDestHeight < In.Height();
+    if (!bShrinkX && !bShrinkY)
+        return ProcessBiLinear(rRun, In, Out);
+
+    ClImage Narrow;
+    if (bShrinkX)
+        ProcessXBiLinearIntegrating(rRun, In, Narrow);
+    const ClImage& Columns = bShrinkX ? Narrow : In;
+    ClImage Small;
+    if (bShrinkY)
+        ProcessYBiLinearIntegrating(rRun, Columns, Small);
+    ClImage& Last = bShrinkY ? Small : Narrow;
+    if (Last.Width() == rRun.m_nDestWidth && Last.Height() == rRun.m_nDestHeight) {
+        Last.SetAttribute(Out.Attribute()); // as where the output is written in its place
+        Out.Swap(Last);
+    } else
+        ProcessBiLinear(rRun, Last, Out);
 }

@@ -7,7 +7,7 @@
 // The resolutions say where a sample lies even when the size has been rounded up, so that two
 // images of one scene stay registered. The last samples may then lie behind the input's edge.
 
-#include "ImageProcessing/IpRescale.h"
+#include "ImageProcessing/RescaleModes.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
@@ -16,8 +16,6 @@ namespace {
 
 constexpr long long cnOne = 4096; ///< 1.0 in fixed point
 
-constexpr int cnOutside = -1;
-
 std::unique_ptr<int[]> NearestSources(int nIn, int nOut, long long nInPels, int nOutPels) {
     const bool bByPels = nInPels != 0 && nOutPels != 0;
     const long long nStep = bByPels ? nInPels * cnOne / nOutPels : nIn * cnOne / nOut;
@@ -25,7 +23,7 @@ std::unique_ptr<int[]> NearestSources(int nIn, int nOut, long long nInPels, int 
     for (int i = 0; i < nOut; ++i) {
         const long long nSource = (i * nStep) >> 12;
         aSources[static_cast<std::size_t>(i)] =
-            nSource >= 0 && nSource < nIn ? static_cast<int>(nSource) : cnOutside;
+            nSource >= 0 && nSource < nIn ? static_cast<int>(nSource) : Rescale::cnOutside;
     }
     return aSources;
 }
@@ -37,15 +35,14 @@ void GatherLine(const unsigned char* pIn, const int* pColumns, int nWidth, unsig
 
 } // namespace
 
-void ClIpRescale::ProcessNearestNeighbour(const ClImage& In, ClImage& Out) const {
-    NewOutput(In, m_nDestWidth, m_nDestHeight, Out);
-    const auto aColumns = NearestSources(In.Width(), m_nDestWidth, In.PelsX(), m_nDestPelsX);
-    const auto aLines = NearestSources(In.Height(), m_nDestHeight, In.PelsY(), m_nDestPelsY);
+void Rescale::ProcessNearestNeighbour(ClIpRescale& rRun, const ClImage& In, ClImage& Out) {
+    NewOutput(rRun, In, rRun.m_nDestWidth, rRun.m_nDestHeight, Out);
+    const auto aColumns = NearestSources(In.Width(), Out.Width(), In.PelsX(), rRun.m_nDestPelsX);
+    const auto aLines = NearestSources(In.Height(), Out.Height(), In.PelsY(), rRun.m_nDestPelsY);
     Gather(In, aColumns.get(), aLines.get(), Out);
 }
 
-void ClIpRescale::Gather(const ClImage& In, const int* pColumns, const int* pLines,
-                         ClImage& Out) const {
+void Rescale::Gather(const ClImage& In, const int* pColumns, const int* pLines, ClImage& Out) {
     for (int y = 0; y < Out.Height(); ++y)
         if (pLines[y] < 0)
             std::fill_n(Out.LineData(y), Out.Width(), static_cast<unsigned char>(0));

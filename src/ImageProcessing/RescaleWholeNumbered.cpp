@@ -7,12 +7,12 @@
 // any other. The size is that of the exact quotient. An axis without resolution, or with the same,
 // stays as it is.
 
-#include "ImageProcessing/IpRescale.h"
+#include "ImageProcessing/RescaleModes.h"
 #include "Tools/Allocate.h"
 
-namespace {
+#include <algorithm>
 
-constexpr int cnOutside = -1;
+namespace {
 
 int RoundedQuotient(int nLarge, int nSmall) {
     return nLarge / nSmall + (nLarge % nSmall > nSmall / 2 ? 1 : 0);
@@ -26,45 +26,33 @@ int WholeFactor(int nPels, int nNewPels) {
     return nNewPels > nPels ? RoundedQuotient(nNewPels, nPels) : -RoundedQuotient(nPels, nNewPels);
 }
 
+using Sources = std::unique_ptr<int[]>;
+
 template <class SourceOf>
-void FillSources(int nIn, int nOut, int* pSources, SourceOf sourceOf) {
+Sources FillSources(int nIn, int nOut, SourceOf sourceOf) {
+    auto aSources = Vek::NewArrayPtr<int>(static_cast<std::size_t>(nOut));
     for (int i = 0; i < nOut; ++i) {
         const long long nSource = sourceOf(i);
-        pSources[i] = nSource < nIn ? static_cast<int>(nSource) : cnOutside;
+        aSources[static_cast<std::size_t>(i)] =
+            nSource < nIn ? static_cast<int>(nSource) : Rescale::cnOutside;
     }
+    return aSources;
+}
+
+/// The samples of one axis.
+Sources WholeNumberedSources(int nIn, int nOut, int nFactor) {
+    if (nFactor < 0)
+        return FillSources(nIn, nOut, [=](long long i) { return i * -nFactor; });
+    return FillSources(nIn, nOut, [=](int i) { return i / std::max(nFactor, 1); });
 }
 
 } // namespace
 
-void ClIpRescale::ProcessWholeNumbered(const ClImage& In, ClImage& Out) const {
-    NewOutput(In, m_nDestWidth, m_nDestHeight, Out);
-    const auto aColumns = Vek::NewArrayPtr<int>(static_cast<std::size_t>(m_nDestWidth));
-    const auto aLines = Vek::NewArrayPtr<int>(static_cast<std::size_t>(m_nDestHeight));
-    const int nFactorX = WholeFactor(In.PelsX(), m_nDestPelsX);
-    if (nFactorX < 0)
-        ProcessXWholeNumberedSubsample(-nFactorX, In.Width(), aColumns.get());
-    else
-        ProcessXWholeNumberedResize(nFactorX == 0 ? 1 : nFactorX, In.Width(), aColumns.get());
-    const int nFactorY = WholeFactor(In.PelsY(), m_nDestPelsY);
-    if (nFactorY < 0)
-        ProcessYWholeNumberedSubsample(-nFactorY, In.Height(), aLines.get());
-    else
-        ProcessYWholeNumberedResize(nFactorY == 0 ? 1 : nFactorY, In.Height(), aLines.get());
+void Rescale::ProcessWholeNumbered(ClIpRescale& rRun, const ClImage& In, ClImage& Out) {
+    NewOutput(rRun, In, rRun.m_nDestWidth, rRun.m_nDestHeight, Out);
+    const Sources aColumns =
+        WholeNumberedSources(In.Width(), Out.Width(), WholeFactor(In.PelsX(), rRun.m_nDestPelsX));
+    const Sources aLines =
+        WholeNumberedSources(In.Height(), Out.Height(), WholeFactor(In.PelsY(), rRun.m_nDestPelsY));
     Gather(In, aColumns.get(), aLines.get(), Out);
-}
-
-void ClIpRescale::ProcessXWholeNumberedResize(int nFactor, int nInWidth, int* pColumns) const {
-    FillSources(nInWidth, m_nDestWidth, pColumns, [=](int x) { return x / nFactor; });
-}
-
-void ClIpRescale::ProcessYWholeNumberedResize(int nFactor, int nInHeight, int* pLines) const {
-    FillSources(nInHeight, m_nDestHeight, pLines, [=](int y) { return y / nFactor; });
-}
-
-void ClIpRescale::ProcessXWholeNumberedSubsample(int nFactor, int nInWidth, int* pColumns) const {
-    FillSources(nInWidth, m_nDestWidth, pColumns, [=](long long x) { return x * nFactor; });
-}
-
-void ClIpRescale::ProcessYWholeNumberedSubsample(int nFactor, int nInHeight, int* pLines) const {
-    FillSources(nInHeight, m_nDestHeight, pLines, [=](long long y) { return y * nFactor; });
 }

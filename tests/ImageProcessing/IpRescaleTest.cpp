@@ -2,9 +2,10 @@
 
 #include "ImageProcessing/IpRescale.h"
 
+#include "ImageProcessing/MissingMemory.h"
+
 #include "ImageProcessing/IpSplitPlanes.h"
 #include "ImageProcessing/RescaleCases.h"
-#include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
 #include <climits>
@@ -17,7 +18,6 @@ using TestSupport::caRescaleSizes;
 using TestSupport::caSizeModes;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectSameImage;
-using TestSupport::FailEachAllocation;
 using TestSupport::FlatImage;
 using TestSupport::Img;
 using TestSupport::Pixels;
@@ -364,39 +364,44 @@ TEST(IpRescale, WorksInPlace) {
         }
 }
 
-TEST(IpRescale, SurvivesFailedAllocations) {
+TEST(IpRescale, RescalesOrLeavesItsImagesWhereMemoryIsMissing) {
     for (int nPlanes : {1, 3})
         for (EMode eMode : caAllModes)
             for (double dParameter : {-0.75, 0.75}) {
-                const ClTestImage original = RandomImage(ClImage::eUInt8, 9, 7, nPlanes, 6);
-                ClTestImage in = original;
                 ClIpRescale rescale;
                 rescale.m_dConvParameter1 = dParameter;
-                FailEachAllocation([&] {
-                    ClImage out;
-                    rescale.ApplyParamPels(in, out, 11000, 40000, eMode);
-                });
-                ExpectSameImage(in, original);
+                TestSupport::ExpectImagesOrNothing(
+                    RandomImage(ClImage::eUInt8, 9, 7, nPlanes, 6), [&](ClImage& In, ClImage& Out) {
+                        return rescale.ApplyParamPels(In, Out, 11000, 40000, eMode);
+                    });
             }
 }
 
-TEST(IpRescale, LeavesTheInputAloneWhenItFailsInPlace) {
-    for (int nPlanes : {1, 3})
-        for (EMode eMode : caAllModes) {
-            const ClTestImage original = RandomImage(ClImage::eUInt8, 9, 7, nPlanes, 7);
-            ClTestImage in = original;
+TEST(IpRescale, KeepsTheAttributeOfTheOutputInPlaceToo) {
+    for (EMode eMode : caAllModes)
+        for (int nNewPels : {11000, 19000, 40000}) { // smaller, as large, larger
+            ClTestImage in = RandomImage(ClImage::eUInt8, 9, 7, 1, 8);
+            in.SetAttribute(5);
+            ClTestImage out = Img({{9}});
+            out.SetAttribute(6);
             ClIpRescale rescale;
-            for (long nAfter = 0; nAfter < 1000; ++nAfter) {
-                try {
-                    TestSupport::ClFailAllocation fail(nAfter);
-                    rescale.ApplyParamPels(in, in, 11000, 40000, eMode);
-                    break;
-                } catch (const ClExBadAlloc&) {
-                }
-                ExpectSameImage(in, original);
-            }
-            EXPECT_EQ(in.PelsX(), 11000);
+            EXPECT_EQ(rescale.ApplyParamPels(in, out, nNewPels, 40000, eMode), 0);
+            EXPECT_EQ(out.Attribute(), 6);
+            EXPECT_EQ(rescale.ApplyParamPels(in, in, nNewPels, 40000, eMode), 0);
+            EXPECT_EQ(in.Attribute(), 5);
         }
+}
+
+TEST(IpRescale, KeepsTheAttributeOfTheOutputWhereBothAxesShrink) {
+    ClTestImage in = RandomImage(ClImage::eUInt8, 9, 7, 1, 9);
+    in.SetAttribute(5);
+    ClTestImage out = Img({{9}});
+    out.SetAttribute(6);
+    ClIpRescale rescale;
+    EXPECT_EQ(rescale.ApplyParamSize(in, out, 4, 3, ClIpRescale::ModeBiLinear), 0);
+    EXPECT_EQ(out.Attribute(), 6);
+    EXPECT_EQ(rescale.ApplyParamSize(in, in, 4, 3, ClIpRescale::ModeBiLinear), 0);
+    EXPECT_EQ(in.Attribute(), 5);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "ImageProcessing/IpResize.h"
 
+#include "ImageProcessing/MissingMemory.h"
+
 #include "ImageProcessing/RescaleCases.h"
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
@@ -12,7 +14,6 @@ using TestSupport::At;
 using TestSupport::BlankImage;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectSameImage;
-using TestSupport::FailEachAllocation;
 using TestSupport::FlatImage;
 using TestSupport::Img;
 using TestSupport::MakeRows;
@@ -138,9 +139,12 @@ TEST(IpResize, RefusesSizesThatNoImageHas) {
     ClTestImage in = Img({{1, 2}, {3, 4}});
     ClImage out;
     ClIpResize resize;
-    EXPECT_NUMBER(resize.ApplyParam(in, INT_MAX, out, 0, 0), -102);
-    EXPECT_NUMBER(resize.ApplyParam(in, 2, out, INT_MAX, INT_MAX), -102);
-    EXPECT_NUMBER(resize.ApplyParam(in, INT_MAX, in, 0, 0), -102);
+    EXPECT_THROWS(resize.ApplyParam(in, INT_MAX, out, 0, 0), ClExBadAlloc, -102,
+                  "Memory allocation failed");
+    EXPECT_THROWS(resize.ApplyParam(in, 2, out, INT_MAX, INT_MAX), ClExBadAlloc, -102,
+                  "Memory allocation failed");
+    EXPECT_THROWS(resize.ApplyParam(in, INT_MAX, in, 0, 0), ClExBadAlloc, -102,
+                  "Memory allocation failed");
     EXPECT_EQ(Pixels(in), Rows({{1, 2}, {3, 4}}));
 }
 
@@ -176,17 +180,23 @@ TEST(IpResize, WorksInPlace) {
     }
 }
 
-TEST(IpResize, SurvivesFailedAllocations) {
-    for (int nPlanes : {1, 3}) {
-        const ClTestImage original = RandomImage(ClImage::eUInt8, 3, 2, nPlanes, 3);
-        ClTestImage in = original;
-        FailEachAllocation([&] {
-            ClImage out;
-            ClIpResize resize;
-            resize.ApplyParam(in, 2, out, 0, 0);
-        });
-        ExpectSameImage(in, original);
-    }
+TEST(IpResize, ResizesOrLeavesItsImagesWhereMemoryIsMissing) {
+    for (int nPlanes : {1, 3})
+        TestSupport::ExpectImagesOrNothing(
+            RandomImage(ClImage::eUInt8, 3, 2, nPlanes, 3),
+            [](ClImage& In, ClImage& Out) { return ClIpResize().ApplyParam(In, 2, Out, 0, 0); });
+}
+
+TEST(IpResize, KeepsTheAttributeOfTheOutputInPlaceToo) {
+    ClTestImage in = Img({{1, 2}});
+    in.SetAttribute(5);
+    ClTestImage out = Img({{9}});
+    out.SetAttribute(6);
+    ClIpResize resize;
+    EXPECT_EQ(resize.ApplyParam(in, 2, out, 0, 0), 0);
+    EXPECT_EQ(out.Attribute(), 6);
+    EXPECT_EQ(resize.ApplyParam(in, 2, in, 0, 0), 0);
+    EXPECT_EQ(in.Attribute(), 5);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "ImageProcessing/IpSubsample.h"
 
+#include "ImageProcessing/MissingMemory.h"
+
 #include "ImageProcessing/RescaleCases.h"
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
@@ -13,7 +15,6 @@ using TestSupport::At;
 using TestSupport::BlankImage;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectSameImage;
-using TestSupport::FailEachAllocation;
 using TestSupport::FlatImage;
 using TestSupport::Height;
 using TestSupport::Img;
@@ -181,20 +182,28 @@ TEST(IpSubsample, WorksInPlace) {
         }
 }
 
-TEST(IpSubsample, SurvivesFailedAllocations) {
+TEST(IpSubsample, SubsamplesOrLeavesItsImagesWhereMemoryIsMissing) {
     for (int nPlanes : {1, 3})
-        for (bool bMid : {false, true}) {
-            const ClTestImage original = RandomImage(ClImage::eInt8, 7, 5, nPlanes, 5);
-            ClTestImage in = original;
-            in.SetDataType(bMid ? ClImage::eInt8 : ClImage::eUInt8);
-            const ClTestImage before = in;
-            FailEachAllocation([&] {
-                ClImage out;
-                ClIpSubsample subsample;
-                subsample.ApplyParam(in, 2, out, bMid);
-            });
-            ExpectSameImage(in, before);
-        }
+        for (bool bMid : {false, true})
+            TestSupport::ExpectImagesOrNothing(
+                RandomImage(bMid ? ClImage::eInt8 : ClImage::eUInt8, 7, 5, nPlanes, 5),
+                [=](ClImage& In, ClImage& Out) {
+                    return ClIpSubsample().ApplyParam(In, 2, Out, bMid);
+                });
+}
+
+TEST(IpSubsample, KeepsTheAttributeOfTheOutputInPlaceToo) {
+    for (bool bMid : {false, true}) {
+        ClTestImage in = Img({{1, 2, 3}});
+        in.SetAttribute(5);
+        ClTestImage out = Img({{9}});
+        out.SetAttribute(6);
+        ClIpSubsample subsample;
+        EXPECT_EQ(subsample.ApplyParam(in, 2, out, bMid), 0);
+        EXPECT_EQ(out.Attribute(), 6);
+        EXPECT_EQ(subsample.ApplyParam(in, 2, in, bMid), 0);
+        EXPECT_EQ(in.Attribute(), 5);
+    }
 }
 
 } // namespace
