@@ -1,6 +1,7 @@
 #include "ImageProcessing/Histogram.h"
 
 #include "ImageProcessing/Kernels/Histogram.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "Tools/Exception.h"
 
 #include <algorithm>
@@ -17,9 +18,8 @@ constexpr std::int64_t cnSignedOffset = 128;
 }
 
 void CheckImage(const ClImage& Image) {
-    if (Image.DataType() != ClImage::eUInt8 && Image.DataType() != ClImage::eInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    if (Image.DataType() != ClImage::eInt8)
+        RequireBytes(Image, VEK_HERE);
     if (Image.Data() == nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
 }

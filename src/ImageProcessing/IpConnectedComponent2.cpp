@@ -3,6 +3,7 @@
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpLabeling.h"
 #include "ImageProcessing/Kernels/Labelling.h"
+#include "ImageProcessing/RequireBytes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -101,9 +102,7 @@ double Orientation(const ClComponent& Component) {
 }
 
 void CheckImage(const ClImage& Image) {
-    if (Image.DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(Image, VEK_HERE);
     if (Image.Planes() > 1)
         throw ClExTessarin(QMT_ERROR_BITMAP_PLANE, VEK_HERE);
 }

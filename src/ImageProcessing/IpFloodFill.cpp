@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/Kernels/RegionFill.h"
+#include "ImageProcessing/RequireBytes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -158,9 +159,7 @@ long ClIpFloodFill::CheckInput() const {
         return QMT_ERROR_BITMAP_PTR;
     if (m_pInImage->Data() == nullptr)
         return QMT_ERROR_PARAM_IS_MISSING;
-    if (m_pInImage->DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(*m_pInImage, VEK_HERE);
     const bool bInside = m_nStartX >= 0 && m_nStartX < m_pInImage->Width() && m_nStartY >= 0 &&
                          m_nStartY < m_pInImage->Height();
     return bInside ? 0 : QMT_ERROR_PARAM_OUT_OF_RANGE;

@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/ImageSwitch.h"
 #include "ImageProcessing/Kernels/Labelling.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "Tools/Allocate.h"
 #include "Tools/ParameterContainer.h"
 
@@ -32,9 +33,7 @@ void ClIpLabeling::CheckImages() const {
         throw ClException("Inputimage is missing", QMT_ERROR_PARAM_IS_MISSING, true, VEK_HERE);
     if (m_pOutImage == nullptr)
         throw ClException("Outputimage is missing", QMT_ERROR_PARAM_IS_MISSING, true, VEK_HERE);
-    if (m_pInImage->DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(*m_pInImage, VEK_HERE);
     if (m_pInImage->Planes() > 1)
         throw ClExTessarin(QMT_ERROR_BITMAP_PLANE, VEK_HERE);
 }

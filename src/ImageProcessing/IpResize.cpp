@@ -3,6 +3,7 @@
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PlaneByPlane.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "Tools/Allocate.h"
 
 #include <TessarinCalibrateSDK.h>
@@ -71,9 +72,7 @@ long ClIpResize::Process() {
         throw ClException("m_pOutImage is not set", QMT_ERROR_BAD_POINTER, true, VEK_HERE);
     if (m_pInImage->Data() == nullptr || m_nScaleFactor < 1)
         return QMT_ERROR_PARAM_OUT_OF_RANGE;
-    if (m_pInImage->DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(*m_pInImage, VEK_HERE);
     if (m_pInImage->Planes() > 1)
         return ProcessMultiPlane();
     return ProcessInto(*m_pInImage, *m_pOutImage,

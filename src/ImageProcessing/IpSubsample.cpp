@@ -3,6 +3,7 @@
 #include "ImageProcessing/ByteSamples.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PlaneByPlane.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "ImageProcessing/SettingsText.h"
 #include "Tools/Allocate.h"
 #include "Tools/ParameterContainer.h"
@@ -96,10 +97,9 @@ long ClIpSubsample::Process() {
 }
 
 void ClIpSubsample::CheckType() const {
-    const unsigned char nType = m_pInImage->DataType();
-    if (nType != ClImage::eUInt8 && !(nType == ClImage::eInt8 && m_bMid))
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    const bool bSigned = m_pInImage->DataType() == ClImage::eInt8;
+    if (!bSigned || !m_bMid)
+        RequireBytes(*m_pInImage, VEK_HERE);
 }
 
 long ClIpSubsample::ProcessMultiPlane() {

@@ -389,9 +389,12 @@ TEST(HistogramShape, AnswersForEveryStart) {
     const ClHistogram Histogram = RandomCounts(8, 1000);
     for (int n = 0; n < 256; ++n) {
         const auto nPos = static_cast<unsigned char>(n);
-        Histogram.IsUnimodal(nPos);
-        Histogram.Climb(nPos, 255);
-        Histogram.Descend(nPos, 255);
+        EXPECT_EQ(Histogram.IsUnimodal(nPos), HasOnePeak(Histogram, n)) << n;
+        for (int nWidth : {1, 5, 254, 255}) {
+            const auto nBins = static_cast<unsigned char>(nWidth);
+            EXPECT_EQ(Histogram.Climb(nPos, nBins), Walked(Histogram, n, nWidth, true)) << n;
+            EXPECT_EQ(Histogram.Descend(nPos, nBins), Walked(Histogram, n, nWidth, false)) << n;
+        }
     }
     EXPECT_TRUE(Histogram.IsUnimodal(255)); // no ten bins follow
 }

@@ -150,7 +150,8 @@ TEST(Histogram, RefusesMissingPixels) {
     ClImage image;
     image.Attach(nullptr, ClImage::eUInt8, 4, 4, 1, 0, 0);
     ClHistogram Histogram;
-    EXPECT_NUMBER(Histogram.Create(image), -37);
+    EXPECT_THROWS(Histogram.Create(image), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
 }
 
 // Values

@@ -2,9 +2,10 @@
 
 #include "ImageProcessing/IpBuildConvexHull.h"
 
+#include "ImageProcessing/MissingMemory.h"
+
 #include "NaivePolygon.h"
 #include "RegionShapes.h"
-#include "support/AllocationFailures.h"
 
 #include <limits>
 
@@ -145,16 +146,21 @@ TEST(IpBuildConvexHullByAngle, BearsPointsThatAreNone) {
     hull.BuildPolygonMonotoneChain(); // no promise but to end
 }
 
-TEST(IpBuildConvexHullByAngle, AnswersEveryMissingAllocation) {
+TEST(IpBuildConvexHullByAngle, FindsTheHullOrReportsMissingMemory) {
     ClTestImage in = Shape(31, 31, [](int x, int y) { return x > 2 && y > x && y < 29; });
-    ClIpBuildConvexHull hull;
+    const ClTestImage before = in;
+    ClIpBuildConvexHull hull; // kept: a run that failed must not disturb the next
     hull.m_pInImage = &in;
-    FailEachAllocation([&] {
-        hull.BuildEdgeImage();
-        hull.RetrievePoints();
-        hull.BuildPolygon();
-    });
-    EXPECT_EQ(Corners(hull.m_aPolygon), XY({{3, 4}, {27, 28}, {3, 28}}));
+    TestSupport::ExpectAllOrNothing(
+        [&] {
+            hull.BuildEdgeImage();
+            hull.RetrievePoints();
+            hull.BuildPolygon();
+        },
+        [&] { ExpectSameImage(in, before); },
+        [&] {
+            EXPECT_EQ(Corners(hull.m_aPolygon), XY({{3, 4}, {27, 28}, {3, 28}}));
+        });
     hull.m_aPolygon.Clear();
     hull.BuildPolygon();
     EXPECT_EQ(hull.m_aPolygon.Entries(), 0u);

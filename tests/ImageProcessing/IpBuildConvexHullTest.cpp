@@ -1,8 +1,9 @@
 #include "ImageProcessing/IpBuildConvexHull.h"
 
+#include "ImageProcessing/MissingMemory.h"
+
 #include "NaivePolygon.h"
 #include "RegionShapes.h"
-#include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
 namespace {
@@ -167,15 +168,18 @@ TEST(IpBuildConvexHull, TakesTheCandidatesOfRandomImages) {
 
 TEST(IpBuildConvexHull, RetrievesCandidatesFromImagesOfItsTypeAlone) {
     ClIpBuildConvexHull hull;
-    EXPECT_NUMBER(hull.RetrieveCorners(), -37);
+    EXPECT_THROWS(hull.RetrieveCorners(), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     ClImage empty;
     hull.m_pInImage = &empty;
-    EXPECT_NUMBER(hull.RetrieveCorners(), -37);
-    EXPECT_NUMBER(hull.BuildCornerImage<unsigned char>(0), -37);
+    EXPECT_THROWS(hull.RetrieveCorners(), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
+    EXPECT_THROWS(hull.BuildCornerImage<unsigned char>(0), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     ClTestImage wide = FlatImage(ClImage::eInt32, 3, 3, 1, 0.0);
     hull.m_pInImage = &wide;
-    EXPECT_NUMBER(hull.RetrieveCorners(), -101);
-    EXPECT_NUMBER(hull.BuildEdgeImage(), -101);
+    EXPECT_THROWS(hull.RetrieveCorners(), ClException, -101, "Image Type is not the assigned type");
+    EXPECT_THROWS(hull.BuildEdgeImage(), ClException, -101, "Image Type is not the assigned type");
 }
 
 // What cannot be painted
@@ -303,18 +307,9 @@ TEST(IpBuildConvexHull, StartsWithItsDefaults) {
     ExpectEmptyImage(*hull.m_pEdgeImage);
 }
 
-TEST(IpBuildConvexHull, AnswersEveryMissingAllocationAndKeepsItsInput) {
-    const ClTestImage before = Blob(31, 23, 4);
-    for (bool bInPlace : {false, true}) {
-        ClTestImage in = before;
-        ClImage out;
-        FailEachAllocation([&] {
-            ClImage image;
-            image.Attach(in);
-            EXPECT_EQ(Hull(image, bInPlace ? image : out), 0);
-        });
-        ExpectSameImage(in, before);
-    }
+TEST(IpBuildConvexHull, PaintsOrLeavesItsImagesWhereMemoryIsMissing) {
+    TestSupport::ExpectImagesOrNothing(Blob(31, 23, 4),
+                                       [](ClImage& In, ClImage& Out) { return Hull(In, Out); });
 }
 
 } // namespace

@@ -112,7 +112,8 @@ TEST(IpConnectedComponent2, RefusesAnImageWithoutPixels) {
     nothing.Attach(nullptr, ClImage::eUInt8, 2, 2, 1, 0, 0);
     s.m_Components.m_pInImage = &s.m_In;
     s.m_Components.m_pInImageGrey = &nothing;
-    EXPECT_NUMBER(s.m_Components.Apply(), -37);
+    EXPECT_THROWS(s.m_Components.Apply(), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     s.ExpectUntouched();
 }
 
@@ -133,7 +134,8 @@ TEST(IpConnectedComponent2, RefusesOtherTypesAndPlanesOfBothInputs) {
     for (bool bGrey : {false, true}) {
         StSetup s;
         (bGrey ? s.m_Components.m_pInImageGrey : s.m_Components.m_pInImage) = &colour;
-        EXPECT_NUMBER(s.m_Components.Apply(), -11);
+        EXPECT_THROWS(s.m_Components.Apply(), ClExTessarin, -11,
+                      "Only grey-scale images with 8-bit color-depth are supported.");
         s.ExpectUntouched();
     }
 }
@@ -171,10 +173,12 @@ TEST(IpConnectedComponent2, AnswersEveryMissingAllocationAndKeepsItsImages) {
         components.m_pComponents = &aComponents;
         try {
             EXPECT_EQ(components.Apply(), 0);
-        } catch (const ClExBadAlloc&) {
+        } catch (const ClExBadAlloc& e) {
+            EXPECT_EQ(Words(e), "Memory allocation failed");
             EXPECT_EQ(image.Data(), object.Data());
             throw;
         }
+        EXPECT_EQ(image.DataType(), ClImage::eInt32);
         EXPECT_EQ(aComponents.Entries(), static_cast<unsigned long>(naive.Regions()));
     });
 }

@@ -1,6 +1,7 @@
 #include "ImageProcessing/IpSetBorder.h"
 
-#include "support/AllocationFailures.h"
+#include "ImageProcessing/MissingMemory.h"
+
 #include "support/Images.h"
 #include "support/Throws.h"
 
@@ -129,14 +130,20 @@ TEST(IpSetBorder, PaintsNothingOfAnImageWithoutArea) {
     }
 }
 
-TEST(IpSetBorder, AnswersEveryMissingAllocation) {
-    ClTestImage in = Img({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
-    TestSupport::FailEachAllocation([&] {
-        ClImage out;
-        ClIpSetBorder border;
-        EXPECT_EQ(border.ApplyParam(in, out, 1, 0), 0);
-    });
-    EXPECT_EQ(Pixels(in), Rows({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}));
+TEST(IpSetBorder, PaintsOrLeavesItsInputWhereMemoryIsMissing) {
+    const ClTestImage before = Img({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
+    ClTestImage in = before;
+    ClTestImage out;
+    TestSupport::ExpectAllOrNothing(
+        [&] {
+            out.Delete();
+            EXPECT_EQ(ClIpSetBorder().ApplyParam(in, out, 1, 0), 0);
+        },
+        [&] { ExpectSameImage(in, before); },
+        [&] {
+            ExpectSameImage(in, before);
+            EXPECT_EQ(Pixels(out), Rows({{0, 0, 0}, {0, 5, 0}, {0, 0, 0}}));
+        });
 }
 
 } // namespace

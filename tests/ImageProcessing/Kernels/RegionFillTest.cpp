@@ -73,6 +73,8 @@ TEST(Seeds, StayWhenMemoryIsMissing) {
             EXPECT_TRUE(seeds.IsEmpty());
             throw;
         }
+        EXPECT_EQ(nSeeds, 1000);
+        EXPECT_EQ(seeds.Pop().x, 999);
     });
 }
 
