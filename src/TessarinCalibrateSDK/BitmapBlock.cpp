@@ -4,6 +4,7 @@
 #include "Tools/FpImage.h"
 
 #include <climits>
+#include <cstring>
 
 namespace BitmapBlock {
 
@@ -13,37 +14,43 @@ bool FitsInt(std::int64_t n) {
     return n >= INT_MIN && n <= INT_MAX;
 }
 
-/// Bytes of the palette or of the masks, in 64 bits.
-std::int64_t PaletteBytes(const tagBITMAPINFOHEADER& Header) {
-    const std::int64_t nUsed = std::int64_t{Header.biClrUsed} * 4;
-    if (Header.biBitCount <= 8)
-        return Header.biClrUsed != 0 ? nUsed : std::int64_t{4} << Header.biBitCount;
-    return Header.biCompression == ClBitmap::eBitFields ? 12 : nUsed;
+/// The header of a caller's block. Each byte is read once, whatever the compiler thinks of it: the
+/// block may be memory that another process writes to.
+tagBITMAPINFOHEADER ReadHeader(const volatile unsigned char* pBlock) {
+    unsigned char acBytes[sizeof(tagBITMAPINFOHEADER)];
+    for (unsigned char& rByte : acBytes)
+        rByte = *pBlock++;
+    tagBITMAPINFOHEADER Header;
+    std::memcpy(&Header, acBytes, sizeof Header);
+    return Header;
+}
+
+/// The header tests of a block, on a copy of its header.
+void CheckHeader(const tagBITMAPINFOHEADER& Header) {
+    ClBitmap::MemToBitmapInfoHeader(reinterpret_cast<const unsigned char*>(&Header));
 }
 
 } // namespace
 
 std::uint64_t SizeByRule(const tagBITMAPINFOHEADER& Header) {
-    const std::int64_t nBits = std::int64_t{Header.biBitCount} * Header.biWidth + 7;
-    const std::int64_t nStride = ((nBits >> 3) + 3) & ~std::int64_t{3};
-    if (!FitsInt(nBits) || !FitsInt(nStride))
-        return 0;
-    const std::int64_t nPixels = nStride * Header.biHeight;
-    const std::int64_t nPalette = PaletteBytes(Header);
-    if (!FitsInt(nPixels) || nPalette > UINT32_MAX)
+    const std::int64_t nLineBits = std::int64_t{Header.biBitCount} * Header.biWidth + 7;
+    const std::int64_t nPixels = ClBitmap::PixelBytes(Header);
+    const std::int64_t nPalette = ClBitmap::PaletteBytes(Header);
+    if (!FitsInt(nLineBits) || !FitsInt(nPixels) || nPalette > UINT32_MAX)
         return 0;
     // The terms are added as unsigned numbers of 32 bits: a negative one asks for nearly 4 GiB.
     return std::uint64_t{Header.biSize} + static_cast<std::uint32_t>(nPixels) +
            static_cast<std::uint32_t>(nPalette);
 }
 
-long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& Bitmap) {
+long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& rBitmap) {
     if (nSize < sizeof(tagBITMAPINFOHEADER))
         return QMT_ERROR_TEMPLATE_SIZE;
-    const tagBITMAPINFOHEADER* pHeader = ClBitmap::MemToBitmapInfoHeader(pBlock);
-    if (SizeByRule(*pHeader) != nSize)
+    const tagBITMAPINFOHEADER Header = ReadHeader(pBlock);
+    CheckHeader(Header);
+    if (SizeByRule(Header) != nSize)
         return QMT_ERROR_TEMPLATE_SIZE;
-    Bitmap.CopyFrom(pBlock, true);
+    rBitmap.CopyFrom(Header, pBlock + sizeof Header);
     return QMT_SUCCESS;
 }
 

@@ -15,7 +15,9 @@ std::uint64_t SizeByRule(const tagBITMAPINFOHEADER& Header);
 
 /// Copies a block of `nSize` bytes. Returns -21 for less than a header and, behind the tests of
 /// `ClBitmap::MemToBitmapInfoHeader`, which throws, where the size differs from the rule; else 0.
-long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& Bitmap);
+/// The caller's header is read once, and what is tested is what is kept: a block that changes
+/// meanwhile can show mixed pixels and nothing worse.
+long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& rBitmap);
 
 /// Attaches an image to the copy. Throws -12 for a depth that no image has, and "Image area must
 /// be positive" (-101) for one plane without pixels. A compressed bitmap leaves the image empty,

@@ -401,6 +401,16 @@ void ClBitmap::CopyFrom(const unsigned char* pBlock, bool bCopyPixels) {
     CopyFrom(source, bCopyPixels);
 }
 
+void ClBitmap::CopyFrom(const tagBITMAPINFOHEADER& Header, const unsigned char* pBehind) {
+    ClBitmap source;
+    source.m_pBI = Hold(const_cast<tagBITMAPINFOHEADER*>(&Header), void_deleter());
+    if (PalSize(Header) > 0)
+        source.m_pPalette = reinterpret_cast<const tagRGBQUAD*>(pBehind);
+    source.m_pPixel =
+        Hold(const_cast<unsigned char*>(pBehind) + PaletteBytes(Header), void_deleter());
+    CopyFrom(source, true);
+}
+
 ClBitmap& ClBitmap::operator=(const ClBitmap& Bitmap) {
     if (this != &Bitmap)
         CopyFrom(Bitmap, true);

@@ -130,6 +130,10 @@ public:
     /// Throws what MemToBitmapInfoHeader() throws, so takes no file header. The caller has
     /// compared the block's size with its header.
     void CopyFrom(const unsigned char* pBlock, bool bCopyPixels);
+    /// Copies palette and pixels from where they stand behind a header that the caller has taken
+    /// out of the block, tested, and compared with the block's size: where other hands may still
+    /// write to the block, what was tested is what holds.
+    void CopyFrom(const tagBITMAPINFOHEADER& Header, const unsigned char* pBehind);
     ClBitmap& operator=(const ClImage& Image);
     ClBitmap& operator=(const ClBitmap& Bitmap);
 
