@@ -5,6 +5,7 @@
 #include "Math/GeometricTransformation.h"
 #include "TessarinCalibrateSDK/IpCalibrateLumivane2.h"
 #include "Tools/LoggingFacility.h"
+#include "Tools/ThrowIfFailed.h"
 
 namespace AccuracyCheck {
 
@@ -60,8 +61,7 @@ double ClIpCalibrateLumivane2::Compare() {
     builder.m_pInImage = m_pInImage;
     builder.m_pRefData = m_CalibrationData.m_aTarget.Entries() != 0 ? &m_CalibrationData : nullptr;
     builder.m_pOutData = &data;
-    if (const long nResult = builder.Apply())
-        throw ClExTessarin(nResult, VEK_HERE);
+    ThrowIfFailed(builder.Apply(), VEK_HERE);
     AccuracyCheck::FitOntoTarget(data.m_aTarget, data.m_aActual[0]);
     const double dPercent = AccuracyCheck::PercentWithinLimits(data.m_aTarget, data.m_aActual[0]);
 

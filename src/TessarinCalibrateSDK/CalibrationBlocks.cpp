@@ -22,6 +22,13 @@ void CheckTag(ClStream& stream, const char (&acExpected)[4]) {
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
 }
 
+void CheckVersion(ClStream& stream) {
+    char szVersion[5] = {};
+    stream.Read(szVersion, 4);
+    if (std::atoi(szVersion) != cnHeaderVersion) // NOLINT(cert-err34-c): 0 for what is no number
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+}
+
 /// Whether bytes follow is not asked for: a block may end here or go on.
 void PeekBehindRecord(ClStream& stream) {
     unsigned char acBytes[4];
@@ -78,17 +85,18 @@ void ClIpCalibrateLumivane2::ReadPrecalculatedData(ClStream& stream) {
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
     CheckTag(stream, cacType);
     CheckTag(stream, cacSubType);
-    char szVersion[5] = {};
-    stream.Read(szVersion, 4);
-    if (std::atoi(szVersion) != cnHeaderVersion) // NOLINT(cert-err34-c): 0 for what is no number
-        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+    CheckVersion(stream);
+    CheckHash(stream);
+    m_GeometricBicubic.Load(stream);
+    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::ReadPrecalculatedData() Leaving");
+}
 
+/// Without data there is nothing that a table could belong to, an empty record's digest or not.
+void ClIpCalibrateLumivane2::CheckHash(ClStream& stream) const {
     unsigned char acStored[ClCalibrateGeometricData::cnHashSize] = {};
     unsigned char acOwn[ClCalibrateGeometricData::cnHashSize] = {};
     stream.Read(acStored, sizeof acStored);
     m_CalibrationData.GenerateHash(acOwn);
-    if (std::memcmp(acStored, acOwn, sizeof acOwn) != 0)
+    if (!HasData() || std::memcmp(acStored, acOwn, sizeof acOwn) != 0)
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-    m_GeometricBicubic.Load(stream);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::ReadPrecalculatedData() Leaving");
 }

@@ -6,6 +6,7 @@
 #include "Tools/Allocate.h"
 #include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
+#include "Tools/ThrowIfFailed.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,10 +21,16 @@ constexpr int cnFramePels = 19685;
 /// The low pass of the sharpening along the columns.
 constexpr double cdSharpenSigma = 0.9;
 
-/// A sub-processor's result becomes an exception of that number.
-void ThrowIfFailed(long nResult, long nLine) {
-    if (nResult != 0)
-        throw ClExTessarin(nResult, VEK_FILE, nLine);
+/// The lines 0, 2, 4 ... of one image as another, whose attribute stays.
+void CopyOddLines(const ClImage& Source, ClImage& rDestination) {
+    const int nHeight = Source.Height() / 2;
+    if (nHeight < 1)
+        throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, true, VEK_HERE);
+    rDestination.NewWithType(ClImage::eUInt8, Source.Width(), nHeight, 1, Source.PelsX(),
+                             Source.PelsY() / 2);
+    for (int y = 0; y < nHeight; ++y)
+        std::memcpy(rDestination.LineData(y), Source.LineData(2 * y),
+                    static_cast<std::size_t>(rDestination.Width()));
 }
 
 } // namespace
@@ -42,11 +49,14 @@ const char* ClIpCalibrateLumivane2::Name() const {
 
 bool ClIpCalibrateLumivane2::IsInitialized() const {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::IsInitialized() Enter");
-    const bool bInitialized = m_CalibrationData.m_nSourceHeight != 0 &&
-                              m_CalibrationData.m_nSourceWidth != 0 &&
-                              m_CalibrationData.m_aActual[0].Entries() != 0;
+    const bool bInitialized = HasData();
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::IsInitialized() Leaving");
     return bInitialized;
+}
+
+bool ClIpCalibrateLumivane2::HasData() const {
+    return m_CalibrationData.m_nSourceHeight != 0 && m_CalibrationData.m_nSourceWidth != 0 &&
+           m_CalibrationData.m_aActual[0].Entries() != 0;
 }
 
 void ClIpCalibrateLumivane2::Clear() {
@@ -108,32 +118,32 @@ void ClIpCalibrateLumivane2::CorrectBrightness() {
     m_DynamicCalibration.m_pOutImage = m_bMaskIsOutput ? &scratch : m_pOutImage;
     m_DynamicCalibration.m_pOutMaskImage = m_bMaskIsOutput ? m_pOutImage : nullptr;
     m_DynamicCalibration.m_bSensitiveMode = m_bSensitiveMode;
-    ThrowIfFailed(m_DynamicCalibration.Apply(), __LINE__);
+    ThrowIfFailed(m_DynamicCalibration.Apply(), VEK_HERE);
 }
 
 void ClIpCalibrateLumivane2::Sharpen(ClImage& sharpened) {
     ClIpUnsharpMasking unsharp;
     unsharp.m_dGaussSigma = cdSharpenSigma;
     unsharp.m_nMode = ClIpFilterBase::ModeY;
-    ThrowIfFailed(unsharp.ApplyParam(*m_pInImage, sharpened, 0), __LINE__);
+    ThrowIfFailed(unsharp.ApplyParam(*m_pInImage, sharpened, 0), VEK_HERE);
 }
 
 void ClIpCalibrateLumivane2::ApplyWarp(ClImage* pIn, ClImage* pOut) {
     m_GeometricBicubic.m_pInImage = pIn;
     m_GeometricBicubic.m_pOutImage = pOut;
-    ThrowIfFailed(m_GeometricBicubic.Apply(), __LINE__);
+    ThrowIfFailed(m_GeometricBicubic.Apply(), VEK_HERE);
 }
 
 void ClIpCalibrateLumivane2::CopyOddLineImage(ClImage& source, ClImage& destination) {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CopyOddLineImage() Enter");
-    const int nHeight = source.Height() / 2;
-    if (nHeight < 1)
-        throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, true, VEK_HERE);
-    destination.NewWithType(ClImage::eUInt8, source.Width(), nHeight, 1, source.PelsX(),
-                            source.PelsY() / 2);
-    for (int y = 0; y < nHeight; ++y)
-        std::memcpy(destination.LineData(y), source.LineData(2 * y),
-                    static_cast<std::size_t>(destination.Width()));
+    if (&source == &destination) {
+        ClImage aside;
+        aside.SetAttribute(destination.Attribute());
+        CopyOddLines(source, aside);
+        destination.Swap(aside);
+    } else {
+        CopyOddLines(source, destination);
+    }
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::CopyOddLineImage() Leaving");
 }
 
@@ -176,7 +186,7 @@ void ClIpCalibrateLumivane2::LocateTarget() {
     builder.m_pInImage = m_pInImage;
     builder.m_pRefData = m_TargetData.m_aTarget.Entries() != 0 ? &m_TargetData : nullptr;
     builder.m_pOutData = &m_CalibrationData;
-    ThrowIfFailed(builder.Apply(), __LINE__);
+    ThrowIfFailed(builder.Apply(), VEK_HERE);
 }
 
 void ClIpCalibrateLumivane2::RescaleToTarget() {

@@ -34,7 +34,8 @@ public:
     /// exclude each other, and what the steps throw or answer.
     long Process() override;
 
-    /// Whether calibration data is there. It says nothing about the prepared table.
+    /// Whether calibration data is there: actual points, and a source of more than no pixels. It
+    /// says nothing about the prepared table.
     bool IsInitialized() const;
 
     /// Drops the calibration data, and nothing else.
@@ -52,7 +53,7 @@ public:
     double Compare();
 
     /// Every second line of `source`, the first one included, at half its vertical resolution.
-    /// Throws "Image area must be positive" (-101) where nothing is left.
+    /// Both may be one image. Throws "Image area must be positive" (-101) where nothing is left.
     void CopyOddLineImage(ClImage& source, ClImage& destination);
 
     /// Fits an image into 320 x 480 pixels at 500 dots per inch by cropping and by white borders,
@@ -69,7 +70,7 @@ public:
     void ReadTarget(ClStream& stream);
     /// The precalculated block: a header with the hash of the calibration data, and the table.
     /// Reading throws -37 where no data was ever set, -40 for a header that is not that of a
-    /// block of these data, and what the table's record throws.
+    /// block of these data or where there are none, and what the table's record throws.
     void ReadPrecalculatedData(ClStream& stream);
     void WritePrecalculatedData(ClStream& stream);
 
@@ -91,6 +92,7 @@ public:
     ClIpRescale m_Rescale; ///< set to the target's resolution for those who derive; not applied
 
 private:
+    bool HasData() const;
     void CheckGrey(const ClImage& image) const;
     void CorrectGeometry(ClImage& corrected);
     void Sharpen(ClImage& sharpened);
@@ -98,4 +100,5 @@ private:
     void CorrectBrightness();
     void LocateTarget();
     void RescaleToTarget();
+    void CheckHash(ClStream& stream) const;
 };

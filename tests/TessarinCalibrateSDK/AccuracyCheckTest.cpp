@@ -75,9 +75,9 @@ TEST(AccuracyCheck, FitWantsListsOfOneLengthWithPoints) {
     PointList aNone;
     PointList aTwo = ListOf({{1.0, 2.0}, {3.0, 4.0}});
     PointList aThree = ListOf({{1.0, 2.0}, {3.0, 4.0}, {5.0, 6.0}});
-    EXPECT_NUMBER(AccuracyCheck::FitOntoTarget(aNone, aNone), -44);
-    EXPECT_NUMBER(AccuracyCheck::FitOntoTarget(aTwo, aThree), -44);
-    EXPECT_NUMBER(AccuracyCheck::FitOntoTarget(aThree, aNone), -44);
+    EXPECT_THROWS(AccuracyCheck::FitOntoTarget(aNone, aNone), ClException, -44, "");
+    EXPECT_THROWS(AccuracyCheck::FitOntoTarget(aTwo, aThree), ClException, -44, "");
+    EXPECT_THROWS(AccuracyCheck::FitOntoTarget(aThree, aNone), ClException, -44, "");
 }
 
 TEST(AccuracyCheck, FitMovesTheLocatedDots) {

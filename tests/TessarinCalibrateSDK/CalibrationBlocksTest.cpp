@@ -68,6 +68,11 @@ Bytes Corrected(Engine& rEngine, int nWidth, int nHeight) {
 }
 
 const char* const cszSignature = "The input signature is not expected here.";
+const char* const cszMissing = "One of the required parameter is missing.";
+const char* const cszEnd = "Unexpected end of stream";
+const char* const cszSingular =
+    "Generation of Geometric Calibration data not possible, simgularity detected, "
+    "contact Tessarin";
 
 } // namespace
 
@@ -108,7 +113,7 @@ TEST(CalibrationBlocks, ReadDropsTheOldTable) {
     Tested.m_bPrecalculatedData = true;
     Read(Tested, RecordBlock(PlausibleRecord()));
     EXPECT_FALSE(Tested.m_GeometricBicubic.HasTable());
-    EXPECT_NUMBER(Read(Tested, Bytes()), -201);
+    EXPECT_THROWS(Read(Tested, Bytes()), ClExStreamUnexpectedEnd, -201, cszEnd);
     EXPECT_FALSE(Tested.m_GeometricBicubic.HasTable());
 }
 
@@ -155,10 +160,10 @@ TEST(CalibrationBlocks, ReadRestoresTheStrictFlag) {
 
 TEST(CalibrationBlocks, ReadPassesTheRecordsFailures) {
     Engine Tested;
-    EXPECT_NUMBER(Read(Tested, TestSupport::BytesOf("CALxGEO")), -40);
+    EXPECT_THROWS(Read(Tested, TestSupport::BytesOf("CALxGEO")), ClExTessarin, -40, cszSignature);
     Bytes aBlock = RecordBlock(PlausibleRecord());
     aBlock.pop_back();
-    EXPECT_NUMBER(Read(Tested, aBlock), -201);
+    EXPECT_THROWS(Read(Tested, aBlock), ClExStreamUnexpectedEnd, -201, cszEnd);
     aBlock = RecordBlock(PlausibleRecord());
     aBlock.back() ^= 1;
     EXPECT_THROWS(Read(Tested, aBlock), ClException, -39, "Calibration Data currupt");
@@ -176,7 +181,7 @@ TEST(CalibrationBlocks, ReadPassesTheSplinesFailures) {
     StRecord Record = PlausibleRecord();
     Record.m_aTarget[1] = Record.m_aTarget[0]; // near enough to the pattern, and no mapping
     Engine Tested;
-    EXPECT_NUMBER(Read(Tested, RecordBlock(Record)), -600);
+    EXPECT_THROWS(Read(Tested, RecordBlock(Record)), ClException, -600, cszSingular);
 }
 
 TEST(CalibrationBlocks, ReadSurvivesMissingMemory) {
@@ -217,9 +222,10 @@ TEST(CalibrationBlocks, FailedReadTargetKeepsWhatWasRead) {
     ReadTarget(Tested, RecordBlock(PlausibleRecord()));
     Bytes aBlock = RecordBlock(PlausibleRecord());
     aBlock.back() ^= 1;
-    EXPECT_NUMBER(ReadTarget(Tested, aBlock), -39);
+    EXPECT_THROWS(ReadTarget(Tested, aBlock), ClException, -39, "Calibration Data currupt");
     EXPECT_EQ(Tested.m_TargetData.m_aTarget.Entries(), 75u);
-    EXPECT_NUMBER(ReadTarget(Tested, TestSupport::BytesOf("no record at all")), -40);
+    EXPECT_THROWS(ReadTarget(Tested, TestSupport::BytesOf("no record at all")), ClExTessarin, -40,
+                  cszSignature);
     EXPECT_EQ(Tested.m_TargetData.m_aTarget.Entries(), 75u);
 }
 
@@ -265,11 +271,39 @@ TEST(CalibrationBlocks, PrecalculatedBlockReplacesAPreparedTable) {
 
 TEST(CalibrationBlocks, PrecalculatedBlockNeedsDataThatWereSet) {
     Engine Tested;
-    EXPECT_NUMBER(ReadPrecalculated(Tested, Bytes()), -37);
+    EXPECT_THROWS(ReadPrecalculated(Tested, Bytes()), ClExTessarin, -37, cszMissing);
     Read(Tested, RecordBlock(PlausibleRecord()));
     Tested.Clear(); // does not unset them
-    EXPECT_NUMBER(
-        ReadPrecalculated(Tested, PrecalculatedBlock(TableOf(), HashOf(PlausibleRecord()))), -40);
+    EXPECT_THROWS(
+        ReadPrecalculated(Tested, PrecalculatedBlock(TableOf(), HashOf(PlausibleRecord()))),
+        ClExTessarin, -40, cszSignature);
+}
+
+TEST(CalibrationBlocks, PrecalculatedBlockOfAnEmptyRecordIsRefused) {
+    StRecord Empty;
+    Empty.m_nPlanes = 0;
+    const Bytes aBlock = PrecalculatedBlock(TableOf(), HashOf(Empty));
+    Engine Tested;
+    Read(Tested, RecordBlock(PlausibleRecord()));
+    const Bytes aOwn = WrittenPrecalculated(Tested);
+    Tested.Clear();
+    EXPECT_THROWS(ReadPrecalculated(Tested, aBlock), ClExTessarin, -40, cszSignature);
+    Fill(PlausibleRecord(), Tested.m_CalibrationData);
+    EXPECT_EQ(WrittenPrecalculated(Tested), aOwn); // the table has not been touched
+}
+
+TEST(CalibrationBlocks, PrecalculatedBlockOfARecordWithoutSourceIsRefused) {
+    for (const bool bWidth : {true, false}) {
+        StRecord Record = PlausibleRecord();
+        (bWidth ? Record.m_nSourceWidth : Record.m_nSourceHeight) = 0;
+        Engine Tested;
+        Tested.m_bPrecalculatedData = true;
+        Read(Tested, RecordBlock(Record));
+        EXPECT_FALSE(Tested.IsInitialized());
+        EXPECT_THROWS(ReadPrecalculated(Tested, PrecalculatedBlock(TableOf(), HashOf(Record))),
+                      ClExTessarin, -40, cszSignature);
+        EXPECT_FALSE(Tested.m_GeometricBicubic.HasTable());
+    }
 }
 
 TEST(CalibrationBlocks, PrecalculatedBlockBelongsToOneRecord) {
@@ -295,7 +329,7 @@ TEST(CalibrationBlocks, PrecalculatedBlockRefusesOtherTagsVersionsAndHashes) {
         if (nBit / 32 == 2 && std::atoi(Version.c_str()) == 1)
             EXPECT_NO_THROW(ReadPrecalculated(Tested, aFlipped)) << "bit " << nBit;
         else
-            EXPECT_NUMBER(ReadPrecalculated(Tested, aFlipped), -40);
+            EXPECT_THROWS(ReadPrecalculated(Tested, aFlipped), ClExTessarin, -40, cszSignature);
     }
 }
 
@@ -306,17 +340,27 @@ TEST(CalibrationBlocks, PrecalculatedBlockReadsItsVersionAsANumber) {
     for (const char* szVersion : {"1", "01", "001", "0001", " 1", "1abc"})
         EXPECT_NO_THROW(ReadPrecalculated(Tested, PrecalculatedBlock(TableOf(), aHash, szVersion)));
     for (const char* szVersion : {"002", "0", "", "x1", "10"})
-        EXPECT_NUMBER(ReadPrecalculated(Tested, PrecalculatedBlock(TableOf(), aHash, szVersion)),
-                      -40);
+        EXPECT_THROWS(ReadPrecalculated(Tested, PrecalculatedBlock(TableOf(), aHash, szVersion)),
+                      ClExTessarin, -40, cszSignature);
 }
 
 TEST(CalibrationBlocks, PrecalculatedBlockThatEndsEarlyIsASignatureFailure) {
+    constexpr std::size_t cnNumbers = 28 + 12;
+    constexpr std::size_t cnMagic = cnNumbers + 7 * 4 + 1;
     Engine Tested;
     Read(Tested, RecordBlock(PlausibleRecord()));
     const Bytes aBlock = PrecalculatedBlock(TableOf(), HashOf(PlausibleRecord()));
     for (std::size_t nSize = 0; nSize < aBlock.size(); ++nSize) {
+        SCOPED_TRACE(nSize);
         ClMemStream Stream(aBlock.data(), nSize);
-        EXPECT_NUMBER(Tested.ReadPrecalculatedData(Stream), -40);
+        if (nSize < cnNumbers - 1) // a version without its terminator is one
+            EXPECT_THROWS(Tested.ReadPrecalculatedData(Stream), ClExTessarin, -40, cszSignature)
+        else if (nSize >= cnMagic && nSize < cnMagic + 3) // its last byte is 0, as a missing one
+            EXPECT_THROWS(Tested.ReadPrecalculatedData(Stream), ClException, -40,
+                          "KPF Magic is missing")
+        else
+            EXPECT_THROWS(Tested.ReadPrecalculatedData(Stream), ClException, -40,
+                          "KPF end Magic is missing")
     }
 }
 
@@ -326,7 +370,7 @@ TEST(CalibrationBlocks, PrecalculatedBlockWithoutTableDoesNotLoad) {
     Read(Tested, RecordBlock(PlausibleRecord()));
     const Bytes aBlock = WrittenPrecalculated(Tested); // nothing tests that there is a table
     EXPECT_EQ(aBlock.size(), 28u + 98);
-    EXPECT_NUMBER(ReadPrecalculated(Tested, aBlock), -40);
+    EXPECT_THROWS(ReadPrecalculated(Tested, aBlock), ClExTessarin, -40, cszSignature);
 }
 
 TEST(CalibrationBlocks, PrecalculatedBlockSurvivesARoundTripOfTheRecord) {

@@ -43,6 +43,9 @@ void ExpectFrame(ClImage& rFrame, int nLeft, int nTop, int nX, int nY, int nWidt
     EXPECT_EQ(nWrong, 0);
 }
 
+const char* const cszMissing = "One of the required parameter is missing.";
+const char* const cszPlanes = "Only grey-scale images with 8-bit color-depth are supported.";
+
 } // namespace
 
 // Every second line
@@ -85,6 +88,51 @@ TEST(IpCalibrateLumivane2Images, OddLinesOfLessThanTwoLinesIsRefused) {
     EXPECT_THROWS(Engine.CopyOddLineImage(Empty, Destination), ClException, -101,
                   "Image area must be positive");
     EXPECT_EQ(Destination.Width(), 0);
+}
+
+TEST(IpCalibrateLumivane2Images, OddLinesOfAnImageMayTakeItsPlace) {
+    ClIpCalibrateLumivane2 Engine;
+    ClImage Image(5, 9, 1, 101, 203);
+    FillPattern(Image);
+    Image.SetAttribute(7);
+    Engine.CopyOddLineImage(Image, Image);
+
+    ASSERT_EQ(Image.Height(), 4);
+    ASSERT_EQ(Image.Width(), 5);
+    EXPECT_EQ(Image.PelsX(), 101);
+    EXPECT_EQ(Image.PelsY(), 101);
+    EXPECT_EQ(Image.Attribute(), 7); // that of the destination
+    for (int y = 0; y < 4; ++y)
+        for (int x = 0; x < 8; ++x)
+            EXPECT_EQ(Image.LineData(y)[x], x < 5 ? Pattern(x, 2 * y) : 0);
+}
+
+TEST(IpCalibrateLumivane2Images, OddLinesInPlaceChangeNothingWhereTheyFail) {
+    ClIpCalibrateLumivane2 Engine;
+    ClImage Single(4, 1, 1, 0, 0);
+    FillPattern(Single);
+    EXPECT_THROWS(Engine.CopyOddLineImage(Single, Single), ClException, -101,
+                  "Image area must be positive");
+    ASSERT_EQ(Single.Height(), 1);
+    EXPECT_EQ(Single.LineData(0)[3], Pattern(3, 0));
+}
+
+TEST(IpCalibrateLumivane2Images, OddLinesInPlaceChangeNothingWithoutMemory) {
+    ClIpCalibrateLumivane2 Engine;
+    int nThrown = 0;
+    for (long nAfter = 0; nAfter < 3; ++nAfter) {
+        ClImage Image(5, 9, 1, 101, 203);
+        FillPattern(Image);
+        try {
+            const TestSupport::ClFailAllocation Fail(nAfter);
+            Engine.CopyOddLineImage(Image, Image);
+        } catch (const ClExBadAlloc&) {
+            ++nThrown;
+            ASSERT_EQ(Image.Height(), 9);
+            EXPECT_EQ(Image.LineData(8)[4], Pattern(4, 8));
+        }
+    }
+    EXPECT_GE(nThrown, 1);
 }
 
 // The frame
@@ -156,8 +204,8 @@ TEST(IpCalibrateLumivane2Images, FrameSurvivesMissingMemory) {
 
 TEST(IpCalibrateLumivane2Images, SetupAndCompareWantAnInput) {
     ClIpCalibrateLumivane2 Engine;
-    EXPECT_NUMBER(Engine.Setup(), -37);
-    EXPECT_NUMBER(Engine.Compare(), -37);
+    EXPECT_THROWS(Engine.Setup(), ClExTessarin, -37, cszMissing);
+    EXPECT_THROWS(Engine.Compare(), ClExTessarin, -37, cszMissing);
 }
 
 TEST(IpCalibrateLumivane2Images, SetupAndCompareWantOneGreyPlane) {
@@ -168,16 +216,16 @@ TEST(IpCalibrateLumivane2Images, SetupAndCompareWantOneGreyPlane) {
     Unknown.SetContent(ClImage::eUnknown);
     for (ClImage* pImage : {&Colour, &Empty, &Unknown}) {
         Engine.m_pInImage = pImage;
-        EXPECT_NUMBER(Engine.Setup(), -11);
-        EXPECT_NUMBER(Engine.Compare(), -11);
+        EXPECT_THROWS(Engine.Setup(), ClExTessarin, -11, cszPlanes);
+        EXPECT_THROWS(Engine.Compare(), ClExTessarin, -11, cszPlanes);
     }
 }
 
 TEST(IpCalibrateLumivane2Images, SetupAndCompareEnterTheTraceFirst) {
     ClIpCalibrateLumivane2 Engine;
     const ClLogCapture Log;
-    EXPECT_NUMBER(Engine.Setup(), -37);
-    EXPECT_NUMBER(Engine.Compare(), -37);
+    EXPECT_THROWS(Engine.Setup(), ClExTessarin, -37, cszMissing);
+    EXPECT_THROWS(Engine.Compare(), ClExTessarin, -37, cszMissing);
     EXPECT_EQ(Log.Lines(), (Lines{Trace("ClIpCalibrateQK7::Setup() Enter"),
                                   Trace("ClIpCalibrateQK7::Compare() Enter")}));
 }

@@ -183,12 +183,17 @@ TEST(IpCalibrateLumivane2Setup, RefusesAReferenceThatIsNone) {
     EXPECT_NO_THROW(Captured.m_Engine.Setup());
 }
 
-TEST(IpCalibrateLumivane2Setup, RefusesAReferenceThatAllowsNoMapping) {
+TEST(IpCalibrateLumivane2Setup, FindsNoPatternByAReferenceWithTwoPointsInOne) {
     StCaptured Captured;
     FillReference(Captured.m_Engine, 1.0);
+    auto& rPoints = Captured.m_Engine.m_TargetData.m_aTarget;
+    rPoints[1] = rPoints[0];
+    EXPECT_THROWS(Captured.m_Engine.Setup(), ClException, -600,
+                  "Not the expected dot count found.");
     for (unsigned long i = 0; i < 75; ++i)
-        Captured.m_Engine.m_TargetData.m_aTarget[i] = {5.0, 5.0};
-    EXPECT_NUMBER(Captured.m_Engine.Setup(), -600);
+        rPoints[i] = {5.0, 5.0};
+    EXPECT_THROWS(Captured.m_Engine.Setup(), ClException, -600,
+                  "Not the expected dot count found.");
 }
 
 // Table and rescaler
@@ -270,7 +275,8 @@ TEST(IpCalibrateLumivane2Setup, FindsNothingInAnEmptyCapture) {
                   "Not the expected dot count found.");
     ClImage Single(1, 1, 1, 0, 0);
     Captured.m_Engine.m_pInImage = &Single;
-    EXPECT_NUMBER(Captured.m_Engine.Setup(), -600);
+    EXPECT_THROWS(Captured.m_Engine.Setup(), ClException, -600,
+                  "Not the expected dot count found.");
 }
 
 TEST(IpCalibrateLumivane2Setup, DropsTheOldTableOnceItLooksAtTheCapture) {
@@ -278,11 +284,13 @@ TEST(IpCalibrateLumivane2Setup, DropsTheOldTableOnceItLooksAtTheCapture) {
     Captured.m_Engine.Setup();
     ClImage Colour(8, 8, 3, 0, 0);
     Captured.m_Engine.m_pInImage = &Colour;
-    EXPECT_NUMBER(Captured.m_Engine.Setup(), -11);
+    EXPECT_THROWS(Captured.m_Engine.Setup(), ClExTessarin, -11,
+                  "Only grey-scale images with 8-bit color-depth are supported.");
     EXPECT_TRUE(Captured.m_Engine.m_GeometricBicubic.HasTable());
     ClImage Empty(64, 64, 1, 0, 0);
     Captured.m_Engine.m_pInImage = &Empty;
-    EXPECT_NUMBER(Captured.m_Engine.Setup(), -600);
+    EXPECT_THROWS(Captured.m_Engine.Setup(), ClException, -600,
+                  "Not the expected dot count found.");
     EXPECT_FALSE(Captured.m_Engine.m_GeometricBicubic.HasTable());
     Captured.m_Engine.m_pInImage = &Captured.m_In;
     EXPECT_NO_THROW(Captured.m_Engine.Setup());

@@ -66,6 +66,12 @@ void ExpectSamePixels(const ClImage& Image, const ClImage& Expected) {
             << "line " << y;
 }
 
+const char* const cszMissing = "One of the required parameter is missing.";
+const char* const cszPlanes = "Only grey-scale images with 8-bit color-depth are supported.";
+const char* const cszSingular =
+    "Generation of Geometric Calibration data not possible, simgularity detected, "
+    "contact Tessarin";
+
 } // namespace
 
 // State
@@ -144,24 +150,24 @@ TEST(IpCalibrateLumivane2, CreateReportsMissingMemory) {
 TEST(IpCalibrateLumivane2, ProcessWantsBothImages) {
     StReady Ready(Engine::eGeometricOff);
     Ready.m_Engine.m_pOutImage = nullptr;
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -37);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClExTessarin, -37, cszMissing);
     Ready.m_Engine.m_pInImage = nullptr;
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -37);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClExTessarin, -37, cszMissing);
     Ready.m_Engine.m_pOutImage = &Ready.m_Out;
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -37);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClExTessarin, -37, cszMissing);
 }
 
 TEST(IpCalibrateLumivane2, ProcessWantsOneGreyPlane) {
     StReady Ready(Engine::eGeometricOff);
     for (const int nPlanes : {2, 3, 4}) {
         Ready.m_In.NewWithType(ClImage::eUInt8, 48, 132, nPlanes, 0, 0);
-        EXPECT_NUMBER(Ready.m_Engine.Apply(), -11);
+        EXPECT_THROWS(Ready.m_Engine.Apply(), ClExTessarin, -11, cszPlanes);
     }
     Ready.m_In.NewWithType(ClImage::eUInt8, 48, 132, 1, 0, 0);
     Ready.m_In.SetContent(ClImage::eRGB);
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -11);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClExTessarin, -11, cszPlanes);
     Ready.m_In.Delete();
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -11);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClExTessarin, -11, cszPlanes);
 }
 
 TEST(IpCalibrateLumivane2, ProcessRefusesAnUnknownGeometricMode) {
@@ -175,13 +181,13 @@ TEST(IpCalibrateLumivane2, ProcessRefusesAnUnknownGeometricMode) {
 TEST(IpCalibrateLumivane2, ProcessPassesTheWarpsRefusalOfAnotherSize) {
     StReady Ready(Engine::eThinPlateSpline);
     Ready.m_In.NewWithType(ClImage::eUInt8, 48, 131, 1, 0, 0);
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -14);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClException, -14, "InImage can't be the out image");
 }
 
 TEST(IpCalibrateLumivane2, FailedProcessKeepsOptionsAndData) {
     StReady Ready(Engine::eThinPlateSpline);
     Ready.m_In.NewWithType(ClImage::eUInt8, 5, 5, 1, 0, 0);
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -14);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClException, -14, "InImage can't be the out image");
     EXPECT_TRUE(Ready.m_Engine.IsInitialized());
     EXPECT_EQ(Ready.m_Engine.m_eGeometricMode, Engine::eThinPlateSpline);
     EXPECT_FALSE(Ready.m_Engine.m_bDynamicFingerMask);
@@ -191,8 +197,8 @@ TEST(IpCalibrateLumivane2, PreparationThatFailedIsTriedAgain) {
     StReady Ready(Engine::eThinPlateSpline);
     const ClVector Second = Ready.m_Engine.m_CalibrationData.m_aTarget[1];
     Ready.m_Engine.m_CalibrationData.m_aTarget[1] = Ready.m_Engine.m_CalibrationData.m_aTarget[0];
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -600);
-    EXPECT_NUMBER(Ready.m_Engine.Apply(), -600);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClException, -600, cszSingular);
+    EXPECT_THROWS(Ready.m_Engine.Apply(), ClException, -600, cszSingular);
     Ready.m_Engine.m_CalibrationData.m_aTarget[1] = Second;
     EXPECT_EQ(Ready.m_Engine.Apply(), 0);
 }
