@@ -35,42 +35,59 @@ long AnswerBlock(const ClMemStream& Stream, const char* szFormat, unsigned char*
     return QMT_SUCCESS;
 }
 
-/// The common course of the calls that take a data block. Whatever fails behind the argument
-/// tests drops the calibration data.
+/// Known exceptions of the calls that replace calibration data drop what there is.
+void DropData(ClIpCalibrateLumivane2& rProcessor) {
+    rProcessor.Clear();
+}
+
+/// The common course of the calls that take a data block.
 template <class ReadBlock>
-long SetBlock(const CallFrame::StTexts& Texts, void* handle, const unsigned char* data,
+long SetBlock(const CallFrame::StTexts& Texts, void* handle, unsigned char* data,
               unsigned long size, ReadBlock readBlock) {
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (data == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTR);
-    return CallFrame::Run(
-        Texts,
-        [&] {
-            ClMemStream Stream(data, size);
-            readBlock(*pProcessor, Stream);
+    return CallFrame::WithHandle(
+        Texts, std::tuple(handle, data, size),
+        [&](const ClIpCalibrateLumivane2&) {
+            return data != nullptr ? QMT_SUCCESS : QMT_ERROR_TEMPLATE_PTR;
+        },
+        [&](ClIpCalibrateLumivane2& rProcessor) {
+            ClMemStream Stream(static_cast<const unsigned char*>(data), size);
+            readBlock(rProcessor, Stream);
             return QMT_SUCCESS;
         },
-        [&] { pProcessor->Clear(); });
+        DropData);
 }
 
 /// The common course of the two calls that give a block.
 template <class WriteBlock>
 long GetBlock(const CallFrame::StTexts& Texts, const char* szSizesFormat, void* handle,
               unsigned char* data, unsigned long* size, WriteBlock writeBlock) {
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (size == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_SIZE_PTR);
-    if (!pProcessor->IsInitialized())
-        return CallFrame::Leave(Texts, QMT_ERROR_NOT_INITIALIZED);
-    return CallFrame::Run(Texts, [&] {
-        ClMemStream Stream;
-        writeBlock(*pProcessor, Stream);
-        return AnswerBlock(Stream, szSizesFormat, data, size);
-    });
+    return CallFrame::WithHandle(
+        Texts, std::tuple(handle, data, size),
+        [&](const ClIpCalibrateLumivane2& rProcessor) {
+            if (size == nullptr)
+                return QMT_ERROR_TEMPLATE_SIZE_PTR;
+            return rProcessor.IsInitialized() ? QMT_SUCCESS : QMT_ERROR_NOT_INITIALIZED;
+        },
+        [&](ClIpCalibrateLumivane2& rProcessor) {
+            ClMemStream Stream;
+            writeBlock(rProcessor, Stream);
+            return AnswerBlock(Stream, szSizesFormat, data, size);
+        });
+}
+
+/// Derives calibration data from a block with a capture of the target.
+long Generate(ClIpCalibrateLumivane2& rProcessor, const unsigned char* pBlock,
+              unsigned long nSize) {
+    rProcessor.Clear();
+    ClBitmap Capture;
+    if (const long nCode = BitmapBlock::Copy(pBlock, nSize, Capture))
+        return nCode;
+    ClImage In;
+    BitmapBlock::Attach(Capture, In);
+    rProcessor.m_pInImage = &In;
+    rProcessor.m_pOutImage = nullptr;
+    rProcessor.Setup();
+    return QMT_SUCCESS;
 }
 
 } // namespace
@@ -79,9 +96,8 @@ extern "C" {
 
 long CalibrateSetReferenceData(void* handle, unsigned char* data, unsigned long size) {
     // The double f is what logs in the field are searched for.
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetRefferenceData");
-    VekLFLog(Vek::eLogTrace, "CalibrateSetRefferenceData(0x%p, 0x%p, %d) Enter", handle,
-             static_cast<void*>(data), static_cast<int>(size));
+    static constexpr auto Texts =
+        TESSARIN_CALL_TEXTS("CalibrateSetRefferenceData", "0x%p, 0x%p, %d");
     return SetBlock(Texts, handle, data, size,
                     [](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
                         rProcessor.Clear();
@@ -90,35 +106,20 @@ long CalibrateSetReferenceData(void* handle, unsigned char* data, unsigned long 
 }
 
 long CalibrateGenerateData(void* handle, unsigned char* bitmap, unsigned long bitmapSize) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGenerateData");
-    VekLFLog(Vek::eLogTrace, "CalibrateGenerateData(0x%p, 0x%p, %d) Enter", handle,
-             static_cast<void*>(bitmap), static_cast<int>(bitmapSize));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (bitmap == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_BITMAP_PTR);
-    return CallFrame::Run(
-        Texts,
-        [&] {
-            pProcessor->Clear();
-            ClBitmap Bitmap;
-            if (const long nCode = BitmapBlock::Copy(bitmap, bitmapSize, Bitmap))
-                return nCode;
-            ClImage In;
-            BitmapBlock::Attach(Bitmap, In);
-            pProcessor->m_pInImage = &In;
-            pProcessor->m_pOutImage = nullptr;
-            pProcessor->Setup();
-            return QMT_SUCCESS;
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGenerateData", "0x%p, 0x%p, %d");
+    return CallFrame::WithHandle(
+        Texts, std::tuple(handle, bitmap, bitmapSize),
+        [&](const ClIpCalibrateLumivane2&) {
+            return bitmap != nullptr ? QMT_SUCCESS : QMT_ERROR_BITMAP_PTR;
         },
-        [&] { pProcessor->Clear(); });
+        [&](ClIpCalibrateLumivane2& rProcessor) {
+            return Generate(rProcessor, bitmap, bitmapSize);
+        },
+        DropData);
 }
 
 long CalibrateSetData(void* handle, unsigned char* data, unsigned long size) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetData");
-    VekLFLog(Vek::eLogTrace, "CalibrateSetData(0x%p, 0x%p, %d) Enter", handle,
-             static_cast<void*>(data), static_cast<int>(size));
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetData", "0x%p, 0x%p, %d");
     return SetBlock(
         Texts, handle, data, size, [&](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
             rProcessor.Clear();
@@ -128,9 +129,8 @@ long CalibrateSetData(void* handle, unsigned char* data, unsigned long size) {
 }
 
 long CalibrateSetPrecalculatedData(void* handle, unsigned char* data, unsigned long size) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetPrecalculatedData");
-    VekLFLog(Vek::eLogTrace, "CalibrateSetPrecalculatedData(0x%p, 0x%p, %d) Enter", handle,
-             static_cast<void*>(data), static_cast<int>(size));
+    static constexpr auto Texts =
+        TESSARIN_CALL_TEXTS("CalibrateSetPrecalculatedData", "0x%p, 0x%p, %d");
     return SetBlock(
         Texts, handle, data, size, [&](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
             rProcessor.ReadPrecalculatedData(rStream); // a data block loaded before stays
@@ -140,18 +140,15 @@ long CalibrateSetPrecalculatedData(void* handle, unsigned char* data, unsigned l
 }
 
 long CalibrateGetData(void* handle, unsigned char* data, unsigned long* size) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGetData");
-    VekLFLog(Vek::eLogTrace, "CalibrateGetData(0x%p, 0x%p, 0x%p) Enter", handle,
-             static_cast<void*>(data), static_cast<void*>(size));
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGetData", "0x%p, 0x%p, 0x%p");
     return GetBlock(
         Texts, "CalibrateGetData OldSize=%d NewSize=%d", handle, data, size,
         [](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) { rProcessor.Write(rStream); });
 }
 
 long CalibrateGetPrecalculatedData(void* handle, unsigned char* data, unsigned long* size) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGetPrecalculatedData");
-    VekLFLog(Vek::eLogTrace, "CalibrateGetPrecalculatedData(0x%p, 0x%p, 0x%p) Enter", handle,
-             static_cast<void*>(data), static_cast<void*>(size));
+    static constexpr auto Texts =
+        TESSARIN_CALL_TEXTS("CalibrateGetPrecalculatedData", "0x%p, 0x%p, 0x%p");
     return GetBlock(Texts, "CalibrateGetPrecalculatedData OldSize=%d NewSize=%d", handle, data,
                     size, [](ClIpCalibrateLumivane2& rProcessor, ClStream& rStream) {
                         rProcessor.WritePrecalculatedData(rStream);

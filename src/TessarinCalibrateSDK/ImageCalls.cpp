@@ -4,6 +4,7 @@
 #include "TessarinCalibrateSDK/BitmapBlock.h"
 #include "TessarinCalibrateSDK/CallFrame.h"
 #include "Tools/FpImage.h"
+#include "Tools/ThrowIfFailed.h"
 
 namespace {
 
@@ -28,16 +29,65 @@ long CheckCalibrateArguments(const ClIpCalibrateLumivane2& rProcessor, const uns
 }
 
 /// Writes the image as a block by the size protocol.
-long AnswerBlock(const ClImage& Image, ClBitmap& Bitmap, unsigned char* outBitmap,
-                 unsigned long* outBitmapSize) {
-    Bitmap.Attach(Image);
-    if (Bitmap.Header() == nullptr) // of an empty image
+long AnswerBlock(const ClImage& Image, unsigned char* outBitmap, unsigned long* outBitmapSize) {
+    ClBitmap Result;
+    Result.Attach(Image);
+    if (Result.Header() == nullptr) // of an empty image
         throw ClExTessarin(QMT_ERROR_BITMAP_PTR, VEK_HERE);
     const unsigned long nAvailable = *outBitmapSize;
-    *outBitmapSize = BitmapBlock::SizeByRule(*Bitmap.Header());
+    *outBitmapSize = BitmapBlock::SizeByRule(*Result.Header());
     if (nAvailable < *outBitmapSize)
         return QMT_ERROR_TEMPLATE_SIZE;
-    Bitmap.CopyTo(outBitmap);
+    Result.CopyTo(outBitmap);
+    return QMT_SUCCESS;
+}
+
+/// Corrects the capture in a block.
+long Correct(ClIpCalibrateLumivane2& rProcessor, const unsigned char* pBlock, unsigned long nSize,
+             unsigned char* outBitmap, unsigned long* outBitmapSize) {
+    ClBitmap Capture;
+    if (const long nCode = BitmapBlock::Copy(pBlock, nSize, Capture))
+        return nCode;
+    ClImage In;
+    ClImage Out;
+    BitmapBlock::Attach(Capture, In);
+    rProcessor.m_pInImage = &In;
+    rProcessor.m_pOutImage = &Out;
+    ThrowIfFailed(rProcessor.Apply(), VEK_HERE);
+    return AnswerBlock(Out, outBitmap, outBitmapSize);
+}
+
+/// Measures the contamination that the capture in a block shows.
+long Measure(const unsigned char* pBlock, unsigned long nSize, double& rLevel) {
+    ClBitmap Capture;
+    if (const long nCode = BitmapBlock::Copy(pBlock, nSize, Capture))
+        return nCode;
+    ClImage In;
+    ClImage Out;
+    BitmapBlock::Attach(Capture, In);
+    BitmapBlock::CheckArea(In);
+    ClIpQK7FunctionalityCheck Check;
+    Check.m_pInImage = &In;
+    Check.m_pOutImage = &Out;
+    Check.Apply(); // without pixels, of a compressed block, nothing is found
+    rLevel = Check.m_dOutDefectWarningLevel;
+    VekLFLog(Vek::eLogTrace, "Result of contamination detection is %6.2f", rLevel);
+    return QMT_SUCCESS;
+}
+
+/// Compares the corrected image in a block with the target.
+long CompareBlock(ClIpCalibrateLumivane2& rProcessor, const unsigned char* pBlock,
+                  unsigned long nSize, double& rPercent) {
+    ClBitmap Corrected;
+    if (const long nCode = BitmapBlock::Copy(pBlock, nSize, Corrected))
+        return nCode;
+    if (!rProcessor.IsInitialized())
+        return QMT_ERROR_NOT_INITIALIZED;
+    ClImage In;
+    BitmapBlock::Attach(Corrected, In);
+    rProcessor.m_pInImage = &In;
+    rProcessor.m_pOutImage = nullptr;
+    rPercent = rProcessor.Compare();
     return QMT_SUCCESS;
 }
 
@@ -47,86 +97,46 @@ extern "C" {
 
 long Calibrate(void* handle, unsigned char* bitmap, unsigned long bitmapSize,
                unsigned char* outBitmap, unsigned long* outBitmapSize) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("Calibrate");
-    VekLFLog(Vek::eLogTrace, "Calibrate(0x%p, 0x%p, %d, 0x%p, 0x%p) Enter", handle,
-             static_cast<void*>(bitmap), static_cast<int>(bitmapSize),
-             static_cast<void*>(outBitmap), static_cast<void*>(outBitmapSize));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (const long nCode = CheckCalibrateArguments(*pProcessor, bitmap, outBitmap, outBitmapSize))
-        return CallFrame::Leave(Texts, nCode);
-    return CallFrame::Run(Texts, [&] {
-        ClBitmap Bitmap;
-        if (const long nCode = BitmapBlock::Copy(bitmap, bitmapSize, Bitmap))
-            return nCode;
-        ClImage In;
-        ClImage Out;
-        BitmapBlock::Attach(Bitmap, In);
-        pProcessor->m_pInImage = &In;
-        pProcessor->m_pOutImage = &Out;
-        if (const long nResult = pProcessor->Apply())
-            throw ClExTessarin(nResult, VEK_HERE);
-        return AnswerBlock(Out, Bitmap, outBitmap, outBitmapSize);
-    });
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("Calibrate", "0x%p, 0x%p, %d, 0x%p, 0x%p");
+    return CallFrame::WithHandle(
+        Texts, std::tuple(handle, bitmap, bitmapSize, outBitmap, outBitmapSize),
+        [&](const ClIpCalibrateLumivane2& rProcessor) {
+            return CheckCalibrateArguments(rProcessor, bitmap, outBitmap, outBitmapSize);
+        },
+        [&](ClIpCalibrateLumivane2& rProcessor) {
+            return Correct(rProcessor, bitmap, bitmapSize, outBitmap, outBitmapSize);
+        });
 }
 
 long ContaminationDetection(void* handle, unsigned char* bitmap, unsigned long bitmapSize,
                             double* result) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("ContaminationDetection");
-    VekLFLog(Vek::eLogTrace, "ContaminationDetection(0x%p, 0x%p, %d, 0x%p) Enter", handle,
-             static_cast<void*>(bitmap), static_cast<int>(bitmapSize), static_cast<void*>(result));
+    static constexpr auto Texts =
+        TESSARIN_CALL_TEXTS("ContaminationDetection", "0x%p, 0x%p, %d, 0x%p");
+    CallFrame::Enter(Texts, handle, bitmap, bitmapSize, result);
     if (result == nullptr)
         return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_SIZE_PTR);
     *result = cdNotMeasured;
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (bitmap == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_BITMAP_PTR);
-    return CallFrame::Run(Texts, [&] {
-        ClBitmap Bitmap;
-        if (const long nCode = BitmapBlock::Copy(bitmap, bitmapSize, Bitmap))
-            return nCode;
-        ClImage In;
-        ClImage Out;
-        BitmapBlock::Attach(Bitmap, In);
-        BitmapBlock::CheckArea(In);
-        ClIpQK7FunctionalityCheck Check;
-        Check.m_pInImage = &In;
-        Check.m_pOutImage = &Out;
-        Check.Apply(); // without pixels, of a compressed block, nothing is found
-        *result = Check.m_dOutDefectWarningLevel;
-        VekLFLog(Vek::eLogTrace, "Result of contamination detection is %6.2f", *result);
-        return QMT_SUCCESS;
-    });
+    return CallFrame::OnHandle(
+        Texts, handle,
+        [&](const ClIpCalibrateLumivane2&) {
+            return bitmap != nullptr ? QMT_SUCCESS : QMT_ERROR_BITMAP_PTR;
+        },
+        [&](const ClIpCalibrateLumivane2&) { return Measure(bitmap, bitmapSize, *result); });
 }
 
 long CalibrateCheckEfts(void* handle, unsigned char* bitmap, unsigned long bitmapSize,
                         double* result) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateCheckEfts");
-    VekLFLog(Vek::eLogTrace, "CalibrateCheckEfts(0x%p, 0x%p, %d, 0x%p) Enter", handle,
-             static_cast<void*>(bitmap), static_cast<int>(bitmapSize), static_cast<void*>(result));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (bitmap == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_BITMAP_PTR);
-    if (result == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTR_NULL);
-    return CallFrame::Run(Texts, [&] {
-        ClBitmap Bitmap;
-        if (const long nCode = BitmapBlock::Copy(bitmap, bitmapSize, Bitmap))
-            return nCode;
-        if (!pProcessor->IsInitialized())
-            return QMT_ERROR_NOT_INITIALIZED;
-        ClImage In;
-        BitmapBlock::Attach(Bitmap, In);
-        pProcessor->m_pInImage = &In;
-        pProcessor->m_pOutImage = nullptr;
-        *result = pProcessor->Compare();
-        return QMT_SUCCESS;
-    });
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateCheckEfts", "0x%p, 0x%p, %d, 0x%p");
+    return CallFrame::WithHandle(
+        Texts, std::tuple(handle, bitmap, bitmapSize, result),
+        [&](const ClIpCalibrateLumivane2&) {
+            if (bitmap == nullptr)
+                return QMT_ERROR_BITMAP_PTR;
+            return result != nullptr ? QMT_SUCCESS : QMT_ERROR_TEMPLATE_PTR_NULL;
+        },
+        [&](ClIpCalibrateLumivane2& rProcessor) {
+            return CompareBlock(rProcessor, bitmap, bitmapSize, *result);
+        });
 }
 
 } // extern "C"

@@ -66,13 +66,23 @@ bool TryBoolOption(const char* option, const StBoolOption& Option, ClIpCalibrate
 }
 
 /// Sets the one option that the text names. All are tried, in this order.
-long SetOption(ClIpCalibrateLumivane2& rProcessor, const char* option) {
+bool TryOptions(ClIpCalibrateLumivane2& rProcessor, const char* option) {
     bool bFound = TryBoolOption(option, cDynamicFingerMask, rProcessor);
     bFound |= TryBoolOption(option, cSensitiveMode, rProcessor);
     bFound |= CheckGeometricOption(option, rProcessor.m_eGeometricMode);
     bFound |= TryBoolOption(option, cMaskIsOutput, rProcessor);
     bFound |= TryBoolOption(option, cPrecalculatedData, rProcessor);
-    return bFound ? QMT_SUCCESS : QMT_ERROR_PARAM_IS_MISSING;
+    return bFound;
+}
+
+long SetOption(ClIpCalibrateLumivane2& rProcessor, const char* option) {
+    if (option == nullptr)
+        return QMT_ERROR_PARAM_IS_MISSING;
+    try {
+        return TryOptions(rProcessor, option) ? QMT_SUCCESS : QMT_ERROR_PARAM_IS_MISSING;
+    } catch (long nThrown) {
+        return nThrown;
+    }
 }
 
 const char* GeometricText(ClIpCalibrateLumivane2::EGeometricMode eMode) {
@@ -105,6 +115,20 @@ long AnswerText(const char* szText, char* value, unsigned long* valueSize) {
         return QMT_ERROR_TEMPLATE_SIZE;
     if (value != nullptr)
         std::memcpy(value, szText, nNeeded);
+    return QMT_SUCCESS;
+}
+
+long GetOption(const ClIpCalibrateLumivane2& rProcessor, const char* key, char* value,
+               unsigned long* valueSize) {
+    if (key == nullptr)
+        return QMT_ERROR_PARAM_IS_MISSING;
+    if (valueSize == nullptr)
+        return QMT_ERROR_TEMPLATE_SIZE_PTR;
+    const char* szText = OptionText(rProcessor, key);
+    return szText != nullptr ? AnswerText(szText, value, valueSize) : QMT_ERROR_PARAM_IS_MISSING;
+}
+
+long NoChecks(const ClIpCalibrateLumivane2&) {
     return QMT_SUCCESS;
 }
 
@@ -186,15 +210,12 @@ void* CalibrateCreate(void) {
 }
 
 long CalibrateDelete(void** handle) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateDelete");
-    VekLFLog(Vek::eLogTrace, "CalibrateDelete(0x%p) Enter", static_cast<void*>(handle));
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateDelete", "0x%p");
+    CallFrame::Enter(Texts, handle);
     if (handle == nullptr)
         return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_PTRPTR);
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(*handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    return CallFrame::Run(Texts, [&] {
-        delete pProcessor;
+    return CallFrame::OnHandle(Texts, *handle, NoChecks, [&](ClIpCalibrateLumivane2& rProcessor) {
+        delete &rProcessor;
         delete static_cast<CalibrateHandle_t*>(*handle);
         *handle = nullptr;
         return QMT_SUCCESS;
@@ -202,53 +223,36 @@ long CalibrateDelete(void** handle) {
 }
 
 long CalibrateSetOption(void* handle, const char* option) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetOption");
-    VekLFLog(Vek::eLogTrace, "CalibrateSetOption(0x%p, 0x%p) Enter", handle,
-             static_cast<const void*>(option));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (option == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_PARAM_IS_MISSING);
-    long nCode = QMT_SUCCESS;
-    try {
-        nCode = SetOption(*pProcessor, option);
-    } catch (long nThrown) {
-        nCode = nThrown;
-    }
-    return CallFrame::Leave(Texts, nCode);
+    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetOption", "0x%p, 0x%p");
+    CallFrame::Enter(Texts, handle, option);
+    return CallFrame::Leave(Texts,
+                            CallFrame::Answered(handle, [&](ClIpCalibrateLumivane2& rProcessor) {
+                                return SetOption(rProcessor, option);
+                            }));
 }
 
 long CalibrateGetOption(void* handle, const char* key, char* value, unsigned long* valueSize) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateGetOption");
-    VekLFLog(Vek::eLogTrace, "CalibrateGetOption(0x%p, 0x%p, 0x%p, 0x%p) Enter", handle,
-             static_cast<const void*>(key), static_cast<void*>(value),
-             static_cast<void*>(valueSize));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (key == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_PARAM_IS_MISSING);
-    if (valueSize == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_TEMPLATE_SIZE_PTR);
-    const char* szText = OptionText(*pProcessor, key);
-    if (szText == nullptr)
-        return CallFrame::Leave(Texts, QMT_ERROR_PARAM_IS_MISSING);
-    return CallFrame::Leave(Texts, AnswerText(szText, value, valueSize));
+    static constexpr auto Texts =
+        TESSARIN_CALL_TEXTS("CalibrateGetOption", "0x%p, 0x%p, 0x%p, 0x%p");
+    CallFrame::Enter(Texts, handle, key, value, valueSize);
+    return CallFrame::Leave(
+        Texts, CallFrame::Answered(handle, [&](const ClIpCalibrateLumivane2& rProcessor) {
+            return GetOption(rProcessor, key, value, valueSize);
+        }));
 }
 
 long GetCalibrationWarningLevels(void* handle, double* dirtLevel, double* dryFingerLevel) {
-    static constexpr auto Texts = TESSARIN_CALL_TEXTS("GetCalibrationWarningLevels");
-    VekLFLog(Vek::eLogTrace, "GetCalibrationWarningLevels(0x%p, 0x%p, 0x%p) Enter", handle,
-             static_cast<void*>(dirtLevel), static_cast<void*>(dryFingerLevel));
-    ClIpCalibrateLumivane2* pProcessor = nullptr;
-    if (const long nCode = CheckHandle(handle, &pProcessor))
-        return CallFrame::Leave(Texts, nCode);
-    if (dirtLevel != nullptr)
-        *dirtLevel = pProcessor->m_DynamicCalibration.m_dDirtWarningLevel;
-    if (dryFingerLevel != nullptr)
-        *dryFingerLevel = pProcessor->m_DynamicCalibration.m_dDryFingerWarningLevel;
-    return CallFrame::Leave(Texts, QMT_SUCCESS);
+    static constexpr auto Texts =
+        TESSARIN_CALL_TEXTS("GetCalibrationWarningLevels", "0x%p, 0x%p, 0x%p");
+    CallFrame::Enter(Texts, handle, dirtLevel, dryFingerLevel);
+    return CallFrame::Leave(
+        Texts, CallFrame::Answered(handle, [&](const ClIpCalibrateLumivane2& rProcessor) {
+            if (dirtLevel != nullptr)
+                *dirtLevel = rProcessor.m_DynamicCalibration.m_dDirtWarningLevel;
+            if (dryFingerLevel != nullptr)
+                *dryFingerLevel = rProcessor.m_DynamicCalibration.m_dDryFingerWarningLevel;
+            return QMT_SUCCESS;
+        }));
 }
 
 const char* CalibrateGetErrorDescription(long code) {

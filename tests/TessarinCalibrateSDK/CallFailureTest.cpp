@@ -7,9 +7,11 @@
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
 #include "support/Tables.h"
+#include "support/TestData.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <stdexcept>
 
@@ -55,24 +57,54 @@ struct StScripted : StOwnHandle<ClScriptedEngine> {
     }
 };
 
-/// Runs a call with its first, second, third ... allocation failing until none fails; every failed
-/// one answers that memory is missing.
-void FailEachAllocationOf(const std::function<long()>& call) {
-    for (long nAfter = 0; nAfter < 10000; ++nAfter) {
-        long nCode = 0;
+/// What a call gives: its status, and the bytes that it has to write in the same way each time.
+struct StAnswer {
+    long m_nCode = 0;
+    Bytes m_aGiven;
+};
+
+/// Runs a call with its first, second, third ... allocation failing, every `nStep`-th one, until
+/// none fails. Each failed one answers that memory is missing and gives nothing; or it did without
+/// the memory, and then gives what an undisturbed call gives.
+void FailEachAllocationOf(const std::function<StAnswer()>& call, long nStep = 1) {
+    const StAnswer Undisturbed = call();
+    EXPECT_EQ(Undisturbed.m_nCode, 0);
+    for (long nAfter = 0; nAfter < 10000 * nStep; nAfter += nStep) {
+        StAnswer Answer;
         bool bHappened = false;
         {
             const ClFailAllocation Fail(nAfter);
-            nCode = call();
+            Answer = call();
             bHappened = ClFailAllocation::Happened();
         }
+        if (Answer.m_nCode == 0)
+            EXPECT_EQ(Answer.m_aGiven, Undisturbed.m_aGiven) << "at allocation " << nAfter;
+        else
+            EXPECT_EQ(Answer.m_nCode, -102) << "at allocation " << nAfter;
         if (!bHappened) {
-            EXPECT_EQ(nCode, 0);
+            EXPECT_EQ(Answer.m_nCode, 0);
             return;
         }
-        EXPECT_TRUE(nCode == -102 || nCode == 0) << nCode << " at allocation " << nAfter;
     }
     FAIL() << "the call never got by without a failing allocation";
+}
+
+/// The status of a call that gives nothing.
+StAnswer Status(long nCode) {
+    return {nCode, {}};
+}
+
+/// Gives what stands in a buffer behind a success; without one the buffer has to be as it was.
+/// Makes no use of memory that is not there yet.
+StAnswer Given(long nCode, const Bytes& aBuffer) {
+    const long nPaused = TestSupport::PauseFailures();
+    StAnswer Answer{nCode, {}};
+    if (nCode == 0)
+        Answer.m_aGiven = aBuffer;
+    else
+        EXPECT_EQ(aBuffer, Bytes(aBuffer.size(), 0xEE));
+    TestSupport::ResumeFailures(nPaused);
+    return Answer;
 }
 
 } // namespace
@@ -135,6 +167,17 @@ TEST(CallFailure, ImagesThatNoBitmapShowsAreRefused) {
 
 // Missing memory
 
+namespace {
+
+/// Calibrates into a fresh buffer.
+StAnswer Corrected(void* pHandle, Bytes& rIn, Bytes& rOut) {
+    std::fill(rOut.begin(), rOut.end(), static_cast<unsigned char>(0xEE));
+    unsigned long nSize = rOut.size();
+    return Given(Calibrate(pHandle, rIn.data(), rIn.size(), rOut.data(), &nSize), rOut);
+}
+
+} // namespace
+
 TEST(CallFailure, CalibrateSurvivesMissingMemory) {
     for (const auto eMode :
          {ClIpCalibrateLumivane2::eGeometricOff, ClIpCalibrateLumivane2::eOddLines,
@@ -146,11 +189,24 @@ TEST(CallFailure, CalibrateSurvivesMissingMemory) {
         Own.m_Processor.m_eGeometricMode = eMode;
         Bytes aIn = Capture();
         Bytes aOut(100000);
-        FailEachAllocationOf([&] {
-            unsigned long nSize = aOut.size();
-            return Calibrate(Own.Handle(), aIn.data(), aIn.size(), aOut.data(), &nSize);
+        FailEachAllocationOf([&] { // the table is made within the call
+            Own.m_Processor.m_GeometricBicubic.Reset();
+            return Corrected(Own.Handle(), aIn, aOut);
         });
         EXPECT_TRUE(Own.m_Processor.IsInitialized());
+    }
+}
+
+// It allocates some thousand times: the failures are spread over its course.
+TEST(CallFailure, TheDynamicStepSurvivesMissingMemory) {
+    Bytes aRecord = TestSupport::DataFile("dynamic/loop.cal");
+    Bytes aIn = TestSupport::DataBlock("dynamic/loop_raw.bmp");
+    Bytes aOut(400000);
+    for (const bool bMask : {false, true}) {
+        StOwnHandle<> Own;
+        Own.m_Processor.m_bMaskIsOutput = bMask;
+        ASSERT_EQ(CalibrateSetData(Own.Handle(), aRecord.data(), aRecord.size()), 0);
+        FailEachAllocationOf([&] { return Corrected(Own.Handle(), aIn, aOut); }, 37);
     }
 }
 
@@ -162,10 +218,11 @@ TEST(CallFailure, SettingDataWithoutMemoryDropsTheData) {
     FailEachAllocationOf([&] {
         const long nCode = CalibrateSetData(Own.Handle(), aBlock.data(), aBlock.size());
         EXPECT_EQ(Own.m_Processor.IsInitialized(), nCode == 0);
-        return nCode;
+        return Status(nCode);
     });
-    FailEachAllocationOf(
-        [&] { return CalibrateSetReferenceData(Own.Handle(), aBlock.data(), aBlock.size()); });
+    FailEachAllocationOf([&] {
+        return Status(CalibrateSetReferenceData(Own.Handle(), aBlock.data(), aBlock.size()));
+    });
     EXPECT_FALSE(Own.m_Processor.IsInitialized());
 }
 
@@ -188,15 +245,44 @@ TEST(CallFailure, GettingDataWithoutMemoryKeepsTheData) {
     StOwnHandle<> Own;
     Fill(PlausibleRecord(), Own.m_Processor.m_CalibrationData);
     Bytes aOut(10000);
-    FailEachAllocationOf([&] {
-        unsigned long nSize = aOut.size();
-        const long nCode = CalibrateGetData(Own.Handle(), aOut.data(), &nSize);
-        EXPECT_TRUE(nCode == 0 || nSize == aOut.size());
-        return nCode;
-    });
-    FailEachAllocationOf([&] {
-        unsigned long nSize = aOut.size();
-        return CalibrateGetPrecalculatedData(Own.Handle(), aOut.data(), &nSize);
-    });
+    const auto ExpectKept = [&](long (*get)(void*, unsigned char*, unsigned long*)) {
+        FailEachAllocationOf([&] {
+            std::fill(aOut.begin(), aOut.end(), static_cast<unsigned char>(0xEE));
+            unsigned long nSize = aOut.size();
+            const long nCode = get(Own.Handle(), aOut.data(), &nSize);
+            EXPECT_TRUE(nCode == 0 || nSize == aOut.size());
+            return Given(nCode, aOut);
+        });
+    };
+    ExpectKept(CalibrateGetData);
+    ExpectKept(CalibrateGetPrecalculatedData);
     EXPECT_TRUE(Own.m_Processor.IsInitialized());
+}
+
+// A preparation that fails
+
+TEST(CallFailure, APreparationWithoutMemoryLeavesAWarpWithoutTable) {
+    StOwnHandle<> Own;
+    Own.m_Processor.m_bDynamicFingerMask = false;
+    Own.m_Processor.m_bPrecalculatedData = true;
+    Bytes aRecord = RecordBlock(PlausibleRecord());
+    ASSERT_EQ(CalibrateSetData(Own.Handle(), aRecord.data(), aRecord.size()), 0);
+    const auto Block = [&] {
+        Bytes aBlock(100000);
+        unsigned long nSize = aBlock.size();
+        EXPECT_EQ(CalibrateGetPrecalculatedData(Own.Handle(), aBlock.data(), &nSize), 0);
+        aBlock.resize(nSize);
+        return aBlock;
+    };
+    const Bytes aWithout = Block();
+    EXPECT_EQ(aWithout.size(), 28u + 98);
+    Bytes aIn = Capture();
+    Bytes aOut(100000);
+    int nFailed = 0;
+    for (long nAfter = 0; nAfter < 10000 && Block() == aWithout; ++nAfter) {
+        const ClFailAllocation Fail(nAfter);
+        nFailed += Corrected(Own.Handle(), aIn, aOut).m_nCode == -102;
+    }
+    EXPECT_GE(nFailed, 3);
+    EXPECT_EQ(Block().size(), 28u + 94 + 40 * 60 * 36 + 4);
 }

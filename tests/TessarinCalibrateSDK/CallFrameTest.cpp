@@ -2,13 +2,16 @@
 
 #include "TessarinCalibrateSDK/CallFrame.h"
 
+#include "TessarinCalibrateSDK/OwnHandle.h"
 #include "support/LogCapture.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using TestSupport::ClLogCapture;
@@ -16,7 +19,7 @@ using TestSupport::StLogLine;
 
 namespace {
 
-constexpr CallFrame::StTexts cTexts = TESSARIN_CALL_TEXTS("Function");
+constexpr CallFrame::StTexts cTexts = TESSARIN_CALL_TEXTS("Function", "0x%p, 0x%p, %d");
 
 struct StOutcome {
     long m_nCode;
@@ -162,7 +165,73 @@ TEST(CallFrame, UnwindsTheWorkBeforeItCleansUp) {
     EXPECT_EQ(Order, "local cleanup");
 }
 
-TEST(CallFrame, RunsWithoutCleanup) {
-    EXPECT_EQ(CallFrame::Run(cTexts, [] { return 0L; }), 0);
-    EXPECT_EQ(CallFrame::Run(cTexts, []() -> long { throw ClExTessarin(-39, "F", 1); }), -39);
+// The steps in front of the work
+
+namespace {
+
+/// What a call with a handle did, in order.
+struct StCourse {
+    std::string m_Steps;
+    long m_nCode = 0;
+    std::vector<StLogLine> m_aLines;
+};
+
+template <class Work>
+StCourse CourseOf(void* pHandle, long nChecked, Work work) {
+    StCourse Course;
+    const ClLogCapture Log;
+    Course.m_nCode = CallFrame::WithHandle(
+        cTexts, std::tuple(pHandle, static_cast<unsigned char*>(nullptr), 0x100000005ul),
+        [&](ClIpCalibrateLumivane2&) {
+            Course.m_Steps += "check ";
+            return nChecked;
+        },
+        [&](ClIpCalibrateLumivane2&) -> long {
+            Course.m_Steps += "work ";
+            return work();
+        },
+        [&](ClIpCalibrateLumivane2&) { Course.m_Steps += "cleanup "; });
+    Course.m_aLines = Log.Lines();
+    return Course;
+}
+
+StLogLine EnterLine(const void* pHandle) {
+    char szText[100];
+    std::snprintf(szText, sizeof szText, "Function(0x%p, 0x%p, %d) Enter", pHandle, nullptr, 5);
+    return {7, szText};
+}
+
+} // namespace
+
+TEST(CallFrame, EntersChecksAndWorksInThisOrder) {
+    TestSupport::StOwnHandle<> Own;
+    const StCourse Course = CourseOf(Own.Handle(), 0, [] { return -21L; });
+    EXPECT_EQ(Course.m_Steps, "check work ");
+    EXPECT_EQ(Course.m_nCode, -21);
+    ASSERT_EQ(Course.m_aLines.size(), 2u);
+    EXPECT_EQ(Course.m_aLines.front(), EnterLine(Own.Handle()));
+}
+
+TEST(CallFrame, EndsAtAHandleThatIsNone) {
+    const StCourse Course = CourseOf(nullptr, -10, [] { return 0L; });
+    EXPECT_EQ(Course.m_Steps, "");
+    EXPECT_EQ(Course.m_nCode, -42);
+    ASSERT_EQ(Course.m_aLines.size(), 2u);
+    EXPECT_EQ(Course.m_aLines.front(), EnterLine(nullptr));
+}
+
+TEST(CallFrame, EndsAtArgumentsThatAreRefused) {
+    TestSupport::StOwnHandle<> Own;
+    const StCourse Course = CourseOf(Own.Handle(), -10, [] { return 0L; });
+    EXPECT_EQ(Course.m_Steps, "check ");
+    EXPECT_EQ(Course.m_nCode, -10);
+    EXPECT_EQ(Course.m_aLines.size(), 2u);
+}
+
+TEST(CallFrame, CleansUpBehindWorkThatThrows) {
+    TestSupport::StOwnHandle<> Own;
+    const StCourse Course =
+        CourseOf(Own.Handle(), 0, []() -> long { throw ClExTessarin(-39, "F", 1); });
+    EXPECT_EQ(Course.m_Steps, "check work cleanup ");
+    EXPECT_EQ(Course.m_nCode, -39);
 }
