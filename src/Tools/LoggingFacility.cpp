@@ -1,13 +1,13 @@
 #include "Tools/LoggingFacility.h"
 
-// Weak, so that an application which links statically and brings its own facility does not
-// collide with these definitions.
+// All six are weak: an application with a facility of its own, of some of the names or of all,
+// takes their place wherever it links the library, be it shared, static or static as a whole.
 #define TESSARIN_REPLACEABLE __attribute__((weak))
 
 extern "C" {
 
-TESSARIN_CALIBRATE_API void* g_VekLFCreate = nullptr;
-TESSARIN_CALIBRATE_API void* g_VekLFLog = nullptr;
+TESSARIN_REPLACEABLE void* g_VekLFCreate = nullptr;
+TESSARIN_REPLACEABLE void* g_VekLFLog = nullptr;
 
 TESSARIN_REPLACEABLE void LoadLoggingFacility(void) {}
 

@@ -2,7 +2,7 @@
 
 /// The log entry points. Every line of the library goes through `VekLFLog`, which the public
 /// header declares; the version that ships here drops them. An application that wants the trace
-/// puts its own `VekLFLog` in front, by preloading it or by linking statically.
+/// puts its own `VekLFLog` in front, by preloading it or by linking it.
 
 #include <TessarinCalibrateSDK.h>
 
