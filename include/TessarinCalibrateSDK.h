@@ -22,6 +22,12 @@
  * - Status. A function that returns long answers QMT_SUCCESS (0) or one of the negative numbers
  *   below. CalibrateGetErrorDescription() has the words. Nothing is thrown across this interface,
  *   with one exception that CalibrateCreate() tells.
+ * - Failures that no list names. QMT_ERROR_INTERNAL also answers any C++ exception that is none of
+ *   the library's, and QMT_FATAL_ERROR_TERMINATION_NECESSARY whatever else is thrown, as a
+ *   VekLFLog() of the application may do. Nothing is put in order behind the latter: calibration
+ *   data may be there, in part or not at all.
+ * - Ending threads. A thread that is cancelled or ends itself within a call unwinds through it, and
+ *   the call gives no status. Its handle can still be deleted or given calibration data anew.
  * - Order of tests. The tests are made in the order in which the comment of a function lists its
  *   statuses; where several failures come together, the first one listed is returned.
  * - Ownership. Every block is the caller's. The library reads input blocks during the call only,
@@ -256,6 +262,7 @@ TESSARIN_CALIBRATE_API long GetCalibrationWarningLevels(void* handle, double* di
  *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  ThinPlateSpline without a prepared table, as with
  *                                            PrecalculatedData, and the points allow no smooth
  *                                            mapping
+ *         QMT_ERROR_NOT_INITIALIZED          ThinPlateSpline and a target with a side of 0
  *         QMT_ERROR_BITMAP_DIMENSION         ThinPlateSpline and not the size of the scanner
  *         QMT_ERROR_BITMAP_PELS, QMT_ERROR_INTERNAL  DynamicFingerMask, and the calibration data
  *                                            have no resolution at which a finger could be sought
@@ -320,6 +327,10 @@ TESSARIN_CALIBRATE_API long CalibrateCheckEfts(void* handle, unsigned char* bitm
  * Loads a calibration block, as CalibrateGetData() gave it, and prepares the warp table unless the
  * option PrecalculatedData is set. Bytes behind the block are ignored.
  *
+ * Sides of 0 pixels are not refused: with one in its capture a block loads and is no calibration
+ * data, so that the handle answers QMT_ERROR_NOT_INITIALIZED afterwards; with one in its target it
+ * serves the other modes than ThinPlateSpline.
+ *
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_TEMPLATE_PTR          data is null; the data loaded before stays
  *         QMT_ERROR_UNEXPECTED_SIGNATURE  tags or version are not those of a calibration block
@@ -331,7 +342,8 @@ TESSARIN_CALIBRATE_API long CalibrateCheckEfts(void* handle, unsigned char* bitm
  *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the points allow no smooth mapping
  *         QMT_ERROR_OUT_OF_MEMORY
  *         QMT_SUCCESS
- * After every failure but the first three the handle holds no calibration data.
+ * After every failure but the first three the handle holds no calibration data; what stays behind
+ * QMT_FATAL_ERROR_TERMINATION_NECESSARY is not told.
  */
 TESSARIN_CALIBRATE_API long CalibrateSetData(void* handle, unsigned char* data, unsigned long size);
 
@@ -355,23 +367,30 @@ TESSARIN_CALIBRATE_API long CalibrateGetData(void* handle, unsigned char* data,
 /**
  * Loads a precalculated block, which saves preparing the warp table. Set the option
  * PrecalculatedData, load the calibration block, then this one: it belongs to one calibration
- * block and is refused with any other. It is bound to machines of the same byte order.
+ * block and is refused with any other. It is bound to machines of the same byte order. What a
+ * table can reach is checked, how it weighs is not: keep the block where nothing damages it.
  *
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_TEMPLATE_PTR          data is null
  *         QMT_ERROR_PARAM_IS_MISSING      no calibration data was ever loaded on the handle
- *         QMT_ERROR_UNEXPECTED_SIGNATURE  tags, version or hash differ, or the block ends early
- *         QMT_ERROR_CURRUPT_DATA          its content is inconsistent
+ *         QMT_ERROR_UNEXPECTED_SIGNATURE  tags, version or hash differ, the handle holds no
+ *                                         calibration data, or the block holds no table or ends
+ *                                         early
+ *         QMT_ERROR_CURRUPT_DATA          its content is inconsistent, a side is 0, or the table
+ *                                         reaches out of the capture
  *         QMT_ERROR_OUT_OF_MEMORY
  *         QMT_SUCCESS
- * After every failure but the first three the handle holds no calibration data.
+ * After every failure but the first three the handle holds no calibration data; what stays behind
+ * QMT_FATAL_ERROR_TERMINATION_NECESSARY is not told.
  */
 TESSARIN_CALIBRATE_API long CalibrateSetPrecalculatedData(void* handle, unsigned char* data,
                                                           unsigned long size);
 
 /**
  * Gives the precalculated block that belongs to the calibration data of the handle, about
- * 5.3 MiB for a frame of 320 x 480 pixels. Arguments and statuses as for CalibrateGetData().
+ * 5.3 MiB for a frame of 320 x 480 pixels. Where no table is prepared, as with PrecalculatedData
+ * before the first Calibrate() and behind one that failed to prepare it, the block holds none, and
+ * does not load. Arguments and statuses as for CalibrateGetData().
  */
 TESSARIN_CALIBRATE_API long CalibrateGetPrecalculatedData(void* handle, unsigned char* data,
                                                           unsigned long* size);
@@ -398,6 +417,10 @@ TESSARIN_CALIBRATE_API long CalibrateSetReferenceData(void* handle, unsigned cha
  * prepared, too, whatever the option PrecalculatedData says. CalibrateGetData() and
  * CalibrateGetPrecalculatedData() then give the blocks to keep with the scanner.
  *
+ * Finding the target is more tolerant than loading is: data from a capture with a dot about 0.6 mm
+ * off, or on a reference stretched by some percent, may be generated and not load. A producer of
+ * blocks should read a block back by CalibrateSetData() on a second handle before keeping it.
+ *
  * @param bitmap     bitmap block of the capture: 8 bits, one plane, not compressed, about 493 x
  *                   1009 dots per inch whatever its header says. Its size in pixels becomes that
  *                   of all captures of the scanner.
@@ -405,14 +428,15 @@ TESSARIN_CALIBRATE_API long CalibrateSetReferenceData(void* handle, unsigned cha
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_BITMAP_PTR  bitmap is null; the data loaded before stays
  *         the statuses of a bitmap block, as for Calibrate()
- *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the target was not found, not complete or too
- *                                                 crooked; the log has the words
+ *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the target was not found, not complete, too
+ *                                                 crooked or not that of the reference; the log
+ *                                                 has the words
  *         QMT_ERROR_CURRUPT_DATA  the reference of CalibrateSetReferenceData() is not that of a
  *                                 target
- *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the reference allows no smooth mapping
  *         QMT_ERROR_OUT_OF_MEMORY
  *         QMT_SUCCESS
- * After every failure but the first three the handle holds no calibration data.
+ * After every failure but the first three the handle holds no calibration data; what stays behind
+ * QMT_FATAL_ERROR_TERMINATION_NECESSARY is not told.
  */
 TESSARIN_CALIBRATE_API long CalibrateGenerateData(void* handle, unsigned char* bitmap,
                                                   unsigned long bitmapSize);
@@ -435,11 +459,16 @@ TESSARIN_CALIBRATE_API const wchar_t* GetErrorDescriptionInternW(long code);
 
 /* Logging. */
 
+/*
+ * Each of the six names that follow may be defined by the application as well, alone or with the
+ * others; its definition takes the place of the library's. It is linked in front of the shared
+ * library or preloaded, or is an object of a program that links the static library, be it the
+ * parts that are needed or the whole.
+ */
+
 /**
- * Receives every line of the library's trace. The version in the library drops its arguments; an
- * application that wants the trace defines a function of this name and links it in front of the
- * library or preloads it. It must not fail and may be called from every thread that calls the
- * library.
+ * Receives every line of the library's trace. The version in the library drops its arguments. A
+ * replacement must not fail and may be called from every thread that calls the library.
  *
  * @param level  7 for the trace and for expected outcomes, 3 for failures
  * @param format as for printf, without a line end
