@@ -44,15 +44,18 @@ void ClCalibrateDataBase::Read(const char* szFile) {
 }
 
 void ClCalibrateDataBase::ReadStream(ClStream& rStream) {
-    char acTag[cnTagSize] = {};
-    rStream.Read(acTag, cnTagSize);
-    if (std::memcmp(acTag, m_acType, cnTagSize) != 0)
+    if (!BlockTags::StTag(rStream).Is(m_acType))
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-    std::memset(acTag, 0, cnTagSize);
-    rStream.Read(acTag, cnTagSize);
-    if (std::memcmp(acTag, m_acSubType, cnTagSize) != 0)
+    if (!BlockTags::StTag(rStream).Is(m_acSubType))
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-    rStream.Read(m_acReadVersion, cnTagSize);
+    ReadVersionTag(rStream);
+}
+
+BlockTags::StTag ClCalibrateDataBase::ReadVersionTag(ClStream& rStream) {
+    const BlockTags::StTag Version(rStream);
+    if (Version.m_bWhole)
+        std::memcpy(m_acReadVersion, Version.m_acText, cnTagSize);
+    return Version;
 }
 
 void ClCalibrateDataBase::WriteStream(ClStream& rStream) {

@@ -3,7 +3,7 @@
 /// `ClCalibrateDataBase`, the base of calibration records: three tags of 4 bytes and the entry
 /// points that set a stream up for a record.
 
-class ClStream;
+#include "Calibrate/BlockTags.h"
 
 class ClCalibrateDataBase {
 public:
@@ -33,7 +33,10 @@ public:
     const char* ReadVersion() const { return m_acReadVersion; }
 
 protected:
-    static constexpr unsigned long cnTagSize = 4;
+    /// Reads a version and keeps its text where the stream still holds one.
+    BlockTags::StTag ReadVersionTag(ClStream& rStream);
+
+    static constexpr unsigned long cnTagSize = BlockTags::cnSize;
 
     char m_acType[cnTagSize];
     char m_acSubType[cnTagSize];

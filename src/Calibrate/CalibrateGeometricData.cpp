@@ -1,21 +1,21 @@
 #include "Calibrate/CalibrateGeometricData.h"
 
+#include "Tools/Allocate.h"
 #include "Tools/CRC32.h"
 #include "Tools/LoggingFacility.h"
 #include "Tools/MD5.h"
 #include "Tools/Stream.h"
-#include "Tools/StreamContainer.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
 
 /// The layouts of the record; each adds to the one before it.
 enum ELayout : int {
+    eLayoutFirst = 0,
     eLayoutTargetResolution = 2,
     eLayoutPlanes = 3, ///< from here on the target list stands before the actual lists
     eLayoutBackground = 4,
@@ -26,10 +26,43 @@ enum ELayout : int {
 /// 500 dots per inch, the target resolution of layouts that do not tell one.
 constexpr std::uint32_t cnDefaultPels = 19685;
 
+/// One number of a record: since when it is stored, and what stands for it in earlier layouts.
+struct StNumber {
+    std::uint32_t ClCalibrateGeometricData::*m_pMember;
+    ELayout m_eSince;
+    std::uint32_t m_nDefault;
+};
+
+/// All of them, in the order in which streams hold and digests take them.
+constexpr StNumber caNumbers[] = {
+    {&ClCalibrateGeometricData::m_nSourceWidth, eLayoutFirst, 0},
+    {&ClCalibrateGeometricData::m_nSourceHeight, eLayoutFirst, 0},
+    {&ClCalibrateGeometricData::m_nSourcePelsX, eLayoutSourceResolution, 0},
+    {&ClCalibrateGeometricData::m_nSourcePelsY, eLayoutSourceResolution, 0},
+    {&ClCalibrateGeometricData::m_nTargetWidth, eLayoutFirst, 0},
+    {&ClCalibrateGeometricData::m_nTargetHeight, eLayoutFirst, 0},
+    {&ClCalibrateGeometricData::m_nTargetPelsX, eLayoutTargetResolution, cnDefaultPels},
+    {&ClCalibrateGeometricData::m_nTargetPelsY, eLayoutTargetResolution, cnDefaultPels},
+    {&ClCalibrateGeometricData::m_nPlanes, eLayoutPlanes, 1},
+};
+
 constexpr char cacOldType[4] = {'C', 'a', 'l', 0};
 constexpr char cacOldSubType[4] = {'L', 'm', 'v', 0};
 
 constexpr unsigned long cnPointSize = 8; // two 32-bit floats
+
+/// A field of a stream that has ended stays as it was.
+template <class T>
+void ReadField(ClStream& rStream, T& rField) {
+    T nRead{};
+    if (rStream.ReadAutoSwap(nRead) == sizeof nRead)
+        rField = nRead;
+}
+
+[[noreturn]] void ThrowUnexpectedEnd(long nLine) {
+    throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
+                                  VEK_FILE, nLine);
+}
 
 } // namespace
 
@@ -45,9 +78,8 @@ bool ClCalibrateGeometricData::IsValid() const {
 }
 
 void ClCalibrateGeometricData::Clear() {
-    m_nSourceWidth = m_nSourceHeight = m_nSourcePelsX = m_nSourcePelsY = 0;
-    m_nTargetWidth = m_nTargetHeight = m_nTargetPelsX = m_nTargetPelsY = 0;
-    m_nPlanes = 0;
+    for (const StNumber& Number : caNumbers)
+        this->*Number.m_pMember = 0;
     m_nBackground = 0;
     m_aTarget.Clear();
     for (PointList& rList : m_aActual)
@@ -59,10 +91,8 @@ void ClCalibrateGeometricData::Clear() {
 void ClCalibrateGeometricData::WriteStream(ClStream& rStream) {
     const unsigned long nStart = rStream.Pos();
     ClCalibrateDataBase::WriteStream(rStream);
-    for (const std::uint32_t nNumber :
-         {m_nSourceWidth, m_nSourceHeight, m_nSourcePelsX, m_nSourcePelsY, m_nTargetWidth,
-          m_nTargetHeight, m_nTargetPelsX, m_nTargetPelsY, m_nPlanes})
-        rStream.WriteAutoSwap(nNumber);
+    for (const StNumber& Number : caNumbers)
+        rStream.WriteAutoSwap(this->*Number.m_pMember);
     rStream.WriteAutoSwap(m_nBackground);
     WriteArray(rStream, m_aTarget);
     for (std::uint32_t p = 0; p < std::min(m_nPlanes, cnMaxPlanes); ++p)
@@ -84,19 +114,18 @@ void ClCalibrateGeometricData::WriteCRC(ClStream& rStream, unsigned long nStart,
     rStream.WriteAutoSwap(nChecksum);
 }
 
-/// The checksum of the bytes from `nStart` to `nEnd`; leaves the position at `nEnd`. It loads as
-/// many bytes as the whole stream has, so that on a strict stream a record can only stand at
-/// offset 0.
+/// The checksum of the bytes from `nStart` to `nEnd`; leaves the position at `nEnd`. What stands
+/// behind them is not looked at. On a strict stream a record can only stand at offset 0.
 std::uint32_t ClCalibrateGeometricData::ChecksumOf(ClStream& rStream, unsigned long nStart,
                                                    unsigned long nEnd) {
-    TpArrayStatic<unsigned char> aBytes;
+    if (nEnd < nStart || nEnd > rStream.Size() || (nStart > 0 && rStream.GetThrowOnShort()))
+        ThrowUnexpectedEnd(__LINE__);
+    const unsigned long nBytes = nEnd - nStart;
+    const auto pBytes = Vek::NewArrayPtr<unsigned char>(nBytes);
     rStream.Seek(static_cast<long>(nStart), 0);
-    IO::Load(aBytes, rStream);
-    rStream.Seek(static_cast<long>(nEnd), 0);
-    if (nEnd < nStart || nEnd - nStart > aBytes.Entries())
-        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
-                                      VEK_HERE);
-    return ClCRC32().Get_CRC(aBytes.Data(), nEnd - nStart);
+    rStream.Read(pBytes.get(), nBytes);
+    rStream.Seek(static_cast<long>(nEnd), 0); // a file is not written behind a read without it
+    return ClCRC32().Get_CRC(pBytes.get(), nBytes);
 }
 
 // Reading
@@ -111,73 +140,49 @@ void ClCalibrateGeometricData::ReadStream(ClStream& rStream) {
 
 /// Reads the three tags, which may be those of the older records, and returns the layout.
 int ClCalibrateGeometricData::ReadTags(ClStream& rStream) {
-    char acTag[cnTagSize] = {};
-    rStream.Read(acTag, cnTagSize);
-    if (std::memcmp(acTag, m_acType, cnTagSize) != 0 &&
-        std::memcmp(acTag, cacOldType, cnTagSize) != 0)
+    const BlockTags::StTag Type(rStream);
+    if (!Type.Is(m_acType) && !Type.Is(cacOldType))
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-
-    std::memset(acTag, 0, cnTagSize);
-    rStream.Read(acTag, cnTagSize);
-    const bool bOld = std::memcmp(acTag, cacOldSubType, cnTagSize) == 0;
-    if (!bOld && std::memcmp(acTag, m_acSubType, cnTagSize) != 0)
+    const BlockTags::StTag SubType(rStream);
+    const bool bOld = SubType.Is(cacOldSubType);
+    if (!bOld && !SubType.Is(m_acSubType))
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-
-    std::memset(m_acReadVersion, 0, cnTagSize);
-    rStream.Read(m_acReadVersion, cnTagSize);
-    char szVersion[cnTagSize + 1] = {};
-    std::memcpy(szVersion, m_acReadVersion, cnTagSize);
-    if (bOld && std::strcmp(szVersion, "001") == 0)
+    const BlockTags::StTag Version = ReadVersionTag(rStream);
+    if (bOld && std::strcmp(Version.m_acText, "001") == 0)
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-    if (bOld && std::strcmp(szVersion, "002") == 0)
-        return 0;
-    // What is no number reads as layout 0, as it always has.
-    const int nLayout = std::atoi(szVersion); // NOLINT(cert-err34-c)
-    return std::min(nLayout, static_cast<int>(eLayoutChecksum));
+    if (bOld && std::strcmp(Version.m_acText, "002") == 0)
+        return eLayoutFirst;
+    // What is no number reads as the first layout, as it always has.
+    return std::clamp(Version.Number(), int{eLayoutFirst}, int{eLayoutChecksum});
 }
 
 void ClCalibrateGeometricData::ReadContent(ClStream& rStream, int nLayout) {
-    rStream.ReadAutoSwap(m_nSourceWidth);
-    rStream.ReadAutoSwap(m_nSourceHeight);
-    m_nSourcePelsX = m_nSourcePelsY = 0;
-    if (nLayout >= eLayoutSourceResolution) {
-        rStream.ReadAutoSwap(m_nSourcePelsX);
-        rStream.ReadAutoSwap(m_nSourcePelsY);
-    }
-    rStream.ReadAutoSwap(m_nTargetWidth);
-    rStream.ReadAutoSwap(m_nTargetHeight);
-    m_nTargetPelsX = m_nTargetPelsY = cnDefaultPels;
-    m_nPlanes = 1;
-    if (nLayout >= eLayoutTargetResolution) {
-        rStream.ReadAutoSwap(m_nTargetPelsX);
-        rStream.ReadAutoSwap(m_nTargetPelsY);
-    }
-    if (nLayout >= eLayoutPlanes) {
-        rStream.ReadAutoSwap(m_nPlanes);
-        if (m_nPlanes > cnMaxPlanes)
-            throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
-    }
+    for (const StNumber& Number : caNumbers)
+        if (nLayout >= Number.m_eSince)
+            ReadField(rStream, this->*Number.m_pMember);
+        else
+            this->*Number.m_pMember = Number.m_nDefault;
+    if (m_nPlanes > cnMaxPlanes)
+        throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
     if (nLayout >= eLayoutBackground)
-        rStream.ReadAutoSwap(m_nBackground);
+        ReadField(rStream, m_nBackground);
 
-    if (nLayout < eLayoutPlanes) {
+    if (nLayout < eLayoutPlanes)
         ReadArray(rStream, m_aActual[0]);
-        ReadArray(rStream, m_aTarget);
-        return;
-    }
     ReadArray(rStream, m_aTarget);
-    for (std::uint32_t p = 0; p < m_nPlanes; ++p)
-        ReadArray(rStream, m_aActual[p]);
+    if (nLayout >= eLayoutPlanes)
+        for (std::uint32_t p = 0; p < m_nPlanes; ++p)
+            ReadArray(rStream, m_aActual[p]);
 }
 
 void ClCalibrateGeometricData::ReadArray(ClStream& rStream, PointList& rArray) {
     std::uint32_t nCount = 0;
-    rStream.ReadAutoSwap(nCount);
+    if (rStream.ReadAutoSwap(nCount) < sizeof nCount)
+        return;
     const unsigned long nPos = rStream.Pos();
     const unsigned long nRest = rStream.Size() > nPos ? rStream.Size() - nPos : 0;
     if (nCount > nRest / cnPointSize)
-        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
-                                      VEK_HERE);
+        ThrowUnexpectedEnd(__LINE__);
     rArray.SetEntries(nCount);
     for (unsigned long i = 0; i < nCount; ++i) {
         float fX = 0;
@@ -220,10 +225,8 @@ void Digest(ClMD5::MD5_CTX& rContext, const ClVector& rPoint) {
 void ClCalibrateGeometricData::GenerateHash(unsigned char* pHash) const {
     ClMD5::MD5_CTX Context;
     ClMD5::Init(&Context);
-    for (const std::uint32_t nNumber :
-         {m_nSourceWidth, m_nSourceHeight, m_nSourcePelsX, m_nSourcePelsY, m_nTargetWidth,
-          m_nTargetHeight, m_nTargetPelsX, m_nTargetPelsY, m_nPlanes})
-        Digest(Context, nNumber);
+    for (const StNumber& Number : caNumbers)
+        Digest(Context, this->*Number.m_pMember);
     Digest(Context, m_nBackground);
     for (unsigned long i = 0; i < m_aTarget.Entries(); ++i) {
         Digest(Context, m_aTarget[i]);
@@ -241,15 +244,8 @@ ClCalibrateGeometricData::operator=(const ClCalibrateGeometricData& rOther) {
     if (this == &rOther)
         return *this;
     ClCalibrateDataBase::operator=(rOther);
-    m_nSourceWidth = rOther.m_nSourceWidth;
-    m_nSourceHeight = rOther.m_nSourceHeight;
-    m_nSourcePelsX = rOther.m_nSourcePelsX;
-    m_nSourcePelsY = rOther.m_nSourcePelsY;
-    m_nTargetWidth = rOther.m_nTargetWidth;
-    m_nTargetHeight = rOther.m_nTargetHeight;
-    m_nTargetPelsX = rOther.m_nTargetPelsX;
-    m_nTargetPelsY = rOther.m_nTargetPelsY;
-    m_nPlanes = rOther.m_nPlanes;
+    for (const StNumber& Number : caNumbers)
+        this->*Number.m_pMember = rOther.*Number.m_pMember;
     m_nBackground = rOther.m_nBackground;
     m_aTarget = rOther.m_aTarget;
     for (std::uint32_t p = 0; p < cnMaxPlanes; ++p)
@@ -260,11 +256,10 @@ ClCalibrateGeometricData::operator=(const ClCalibrateGeometricData& rOther) {
 bool ClCalibrateGeometricData::operator==(const ClCalibrateGeometricData& rOther) const {
     if (ClCalibrateDataBase::operator==(rOther))
         return false;
-    if (m_nSourceWidth != rOther.m_nSourceWidth || m_nSourceHeight != rOther.m_nSourceHeight ||
-        m_nSourcePelsX != rOther.m_nSourcePelsX || m_nSourcePelsY != rOther.m_nSourcePelsY ||
-        m_nTargetWidth != rOther.m_nTargetWidth || m_nTargetHeight != rOther.m_nTargetHeight ||
-        m_nTargetPelsX != rOther.m_nTargetPelsX || m_nTargetPelsY != rOther.m_nTargetPelsY ||
-        m_nPlanes != rOther.m_nPlanes || m_nBackground != rOther.m_nBackground)
+    for (const StNumber& Number : caNumbers)
+        if (this->*Number.m_pMember != rOther.*Number.m_pMember)
+            return false;
+    if (m_nBackground != rOther.m_nBackground)
         return false;
     if (!SamePoints(m_aTarget, rOther.m_aTarget))
         return false;

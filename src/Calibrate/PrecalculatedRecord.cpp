@@ -4,13 +4,13 @@
 
 #include "Calibrate/IpCalibrateGeometricBase.h"
 
+#include "Calibrate/BlockTags.h"
 #include "Tools/Allocate.h"
 #include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
 #include "Tools/RawImage.h"
 #include "Tools/Stream.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -41,19 +41,12 @@ T ReadNumber(ClStream& rStream) {
     return nValue;
 }
 
-void CheckTag(ClStream& rStream, const char (&acExpected)[4]) {
-    char acTag[4] = {};
-    if (rStream.Read(acTag, sizeof acTag) < sizeof acTag ||
-        std::memcmp(acTag, acExpected, sizeof acTag) != 0)
-        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-}
-
 void CheckTags(ClStream& rStream) {
-    CheckTag(rStream, cacType);
-    CheckTag(rStream, cacSubType);
-    char szVersion[5] = {};
-    rStream.Read(szVersion, 4);
-    if (std::atoi(szVersion) != 1) // NOLINT(cert-err34-c): 0 for what is no number
+    if (!BlockTags::StTag(rStream).Is(cacType))
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+    if (!BlockTags::StTag(rStream).Is(cacSubType))
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+    if (BlockTags::StTag(rStream).Number() != 1)
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
 }
 

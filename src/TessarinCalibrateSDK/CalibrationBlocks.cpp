@@ -3,10 +3,10 @@
 
 #include "TessarinCalibrateSDK/IpCalibrateLumivane2.h"
 
+#include "Calibrate/BlockTags.h"
 #include "Tools/LoggingFacility.h"
 #include "Tools/Stream.h"
 
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -15,17 +15,12 @@ constexpr char cacType[4] = {'C', 'A', 'L', 0};
 constexpr char cacSubType[4] = {'P', 'R', 'E', 0};
 constexpr int cnHeaderVersion = 1;
 
-void CheckTag(ClStream& stream, const char (&acExpected)[4]) {
-    char acTag[4] = {};
-    stream.Read(acTag, sizeof acTag);
-    if (std::memcmp(acTag, acExpected, sizeof acTag) != 0)
+void CheckTags(ClStream& stream) {
+    if (!BlockTags::StTag(stream).Is(cacType))
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
-}
-
-void CheckVersion(ClStream& stream) {
-    char szVersion[5] = {};
-    stream.Read(szVersion, 4);
-    if (std::atoi(szVersion) != cnHeaderVersion) // NOLINT(cert-err34-c): 0 for what is no number
+    if (!BlockTags::StTag(stream).Is(cacSubType))
+        throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
+    if (BlockTags::StTag(stream).Number() != cnHeaderVersion)
         throw ClExTessarin(QMT_ERROR_UNEXPECTED_SIGNATURE, VEK_HERE);
 }
 
@@ -83,9 +78,7 @@ void ClIpCalibrateLumivane2::ReadPrecalculatedData(ClStream& stream) {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::ReadPrecalculatedData() Enter");
     if (m_GeometricBicubic.m_pData == nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
-    CheckTag(stream, cacType);
-    CheckTag(stream, cacSubType);
-    CheckVersion(stream);
+    CheckTags(stream);
     CheckHash(stream);
     m_GeometricBicubic.Load(stream);
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::ReadPrecalculatedData() Leaving");
