@@ -2,10 +2,12 @@
 // directions, dirt has them by accident only: blobs are linked that stand about a pitch apart, of
 // rivals for one direction the better stays, and what has fewer than two partners is no dot.
 //
-// Every pair is tested. A capture has some hundred blobs, for which sorting them into cells would
-// cost more than it saves.
+// The cost grows with the blobs and their neighbours, not with the pairs of blobs: a capture is
+// foreign data, and one of a printed raster has tens of thousands of blobs.
 
+#include "Calibrate/DotCells.h"
 #include "Calibrate/DotDirection.h"
+#include "Calibrate/DotHolders.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Tools/Allocate.h"
 #include "Tools/LoggingFacility.h"
@@ -76,15 +78,25 @@ void TestShape(ClDot& rDot, const ClBase& rBase) {
         Refuse(rDot, ClDot::eAreaTooBig);
 }
 
+/// How far apart along an axis neighbours may stand.
+double Reach(double dPitch, double dTolerance) {
+    return std::max(dPitch, 0.0) + dTolerance;
+}
+
 /// A link is found from its earlier end, which links both: the lists come out in grid order.
 void LinkNeighbours(const ClBase::DotGrid& rGrid, const StSpacing& rSpacing) {
+    if (!(rSpacing.m_dTolX > 0.0 && rSpacing.m_dTolY > 0.0)) // no step errs by less than nothing
+        return;
+    const ClDotCells Cells(rGrid, Reach(rSpacing.m_dPitchX, rSpacing.m_dTolX),
+                           Reach(rSpacing.m_dPitchY, rSpacing.m_dTolY));
+    ClDotCells::Indices aNear;
     for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
         if (!rGrid[i]->m_bValid)
             continue;
-        for (unsigned long j = i + 1; j < rGrid.Entries(); ++j)
-            if (rGrid[j]->m_bValid &&
-                IsNeighbourStep(rGrid[j]->m_vPos - rGrid[i]->m_vPos, rSpacing))
-                rGrid[i]->AddDot(rGrid[j], true);
+        Cells.FindBehind(i, aNear);
+        for (unsigned long n = 0; n < aNear.Entries(); ++n)
+            if (IsNeighbourStep(rGrid[aNear[n]]->m_vPos - rGrid[i]->m_vPos, rSpacing))
+                rGrid[i]->AddDot(rGrid[aNear[n]], true);
     }
 }
 
@@ -146,6 +158,21 @@ void KeepStraightNeighbours(ClDot& rDot, const ClBase& rBase) {
             rDot.m_aNeighbours.Remove(n);
 }
 
+/// A queued dot is refused at once, so that it is queued once.
+void QueueIfLonely(ClDot& rDot, ClBase::DotGrid& rQueue) {
+    if (!rDot.m_bValid || rDot.m_aNeighbours.Entries() >= cnFewestNeighbours)
+        return;
+    Refuse(rDot, ClDot::eTooFewNeighbours);
+    rQueue.Append(&rDot);
+}
+
+/// Takes lonely dots out and, in their turn, those that are left lonely by it. Which dots go does
+/// not depend on the order.
+void TakeOutInTurn(ClBase::DotGrid& rQueue, const ClDotHolders& rHolders) {
+    for (unsigned long i = 0; i < rQueue.Entries(); ++i)
+        rHolders.TakeOut(*rQueue[i], [&](ClDot& rHolder) { QueueIfLonely(rHolder, rQueue); });
+}
+
 } // namespace
 
 void ClBase::BuildGrid(DotGrid& rGrid, const ComponentsArray_t& rComponents) {
@@ -162,16 +189,12 @@ void ClBase::BuildGrid(DotGrid& rGrid, const ComponentsArray_t& rComponents) {
 void ClBase::RemoveLessNeighbours(DotGrid& rGrid) {
     VekLFLog(Vek::eLogTrace,
              "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours() Enter");
-    bool bChanged = true;
-    while (bChanged) {
-        bChanged = false;
-        for (unsigned long i = 0; i < rGrid.Entries(); ++i)
-            if (rGrid[i]->m_bValid && rGrid[i]->m_aNeighbours.Entries() < cnFewestNeighbours) {
-                RemoveGridPoint(rGrid, static_cast<long>(i));
-                rGrid[i]->m_nStatus = ClDot::eTooFewNeighbours;
-                bChanged = true;
-            }
-    }
+    ClBase::DotGrid aQueue;
+    aQueue.Reserve(rGrid.Entries()); // every dot may come to stand in it
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        QueueIfLonely(*rGrid[i], aQueue);
+    if (aQueue.Entries() > 0)
+        TakeOutInTurn(aQueue, ClDotHolders(rGrid));
     VekLFLog(Vek::eLogTrace,
              "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours() Leaving");
 }

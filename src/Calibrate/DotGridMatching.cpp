@@ -2,6 +2,7 @@
 // laid centre on centre. The first match is made with dirt still pulling the centre; its unmatched
 // dots are left out of the second.
 
+#include "Calibrate/DotHolders.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Tools/LoggingFacility.h"
 
@@ -14,24 +15,33 @@ namespace {
 constexpr double cdFarFromIdeal = 10000.0;
 constexpr double cdFarFromOrigin = 50000.0;
 
-/// The valid dot nearest to a place, the first of equals, or null.
-ClDot* NearestDot(const ClBase::DotGrid& rGrid, const ClVector& rPlace, double dBelow) {
+ClBase::DotGrid ValidDots(const ClBase::DotGrid& rGrid) {
+    ClBase::DotGrid aValid;
+    aValid.Reserve(rGrid.Entries());
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i)
+        if (rGrid[i]->m_bValid)
+            aValid.Append(rGrid[i]);
+    return aValid;
+}
+
+/// The dot nearest to a place, the first of equals, or null.
+ClDot* NearestDot(const ClBase::DotGrid& rDots, const ClVector& rPlace, double dBelow) {
     ClDot* pNearest = nullptr;
     double dBest = dBelow;
-    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
-        const double dDistance = (rGrid[i]->m_vPos - rPlace).Length();
-        if (rGrid[i]->m_bValid && dDistance < dBest) {
+    for (unsigned long i = 0; i < rDots.Entries(); ++i) {
+        const double dDistance = (rDots[i]->m_vPos - rPlace).Length();
+        if (dDistance < dBest) {
             dBest = dDistance;
-            pNearest = rGrid[i];
+            pNearest = rDots[i];
         }
     }
     return pNearest;
 }
 
 /// Of several ideal points that choose one dot the last stays.
-void Match(const ClBase::DotGrid& rGrid, const ClBase::PointList& rIdeal) {
+void Match(const ClBase::DotGrid& rValid, const ClBase::PointList& rIdeal) {
     for (unsigned long i = 0; i < rIdeal.Entries(); ++i) {
-        ClDot* pDot = NearestDot(rGrid, rIdeal[i], cdFarFromIdeal);
+        ClDot* pDot = NearestDot(rValid, rIdeal[i], cdFarFromIdeal);
         if (pDot != nullptr)
             pDot->m_vTarget = rIdeal[i];
     }
@@ -61,24 +71,26 @@ void ForgetMatches(const ClBase::DotGrid& rGrid) {
     }
 }
 
-void RemoveUnmatched(ClBase& rBase, ClBase::DotGrid& rGrid) {
+void RemoveUnmatched(const ClBase::DotGrid& rGrid) {
+    const ClDotHolders Holders(rGrid);
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         if (IsUnmatched(*rGrid[i])) {
-            rBase.RemoveGridPoint(rGrid, static_cast<long>(i));
+            Holders.TakeOut(*rGrid[i], [](ClDot&) {});
             rGrid[i]->m_nStatus = ClDot::eNoIdealPoint;
         }
 }
 
-void MatchTwice(ClBase& rBase, ClBase::DotGrid& rGrid) {
+void MatchTwice(ClBase& rBase, const ClBase::DotGrid& rGrid) {
+    const ClBase::DotGrid aValid = ValidDots(rGrid);
     ClBase::PointList aIdeal;
     rBase.BuildTarget(aIdeal, rBase.m_dSourceDpiX, rBase.m_dSourceDpiY, 0.0, 0.0);
     MoveOntoGrid(rBase, aIdeal, rGrid);
-    Match(rGrid, aIdeal);
+    Match(aValid, aIdeal);
     MarkUnmatched(rGrid);
     MoveOntoGrid(rBase, aIdeal, rGrid);
     ForgetMatches(rGrid);
-    Match(rGrid, aIdeal);
-    RemoveUnmatched(rBase, rGrid);
+    Match(aValid, aIdeal);
+    RemoveUnmatched(rGrid);
 }
 
 } // namespace
@@ -114,7 +126,7 @@ ClDot* ClBase::RetrieveDot(const DotGrid& rGrid, int nX, int nY) const {
 
 ClDot* ClBase::GetBottumLeftDot(const DotGrid& rGrid) const {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot() Enter");
-    ClDot* pDot = NearestDot(rGrid, {0.0, 0.0}, cdFarFromOrigin);
+    ClDot* pDot = NearestDot(ValidDots(rGrid), {0.0, 0.0}, cdFarFromOrigin);
     VekLFLog(Vek::eLogTrace,
              "ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot() Leaving");
     return pDot;
