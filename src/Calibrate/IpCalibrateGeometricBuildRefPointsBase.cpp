@@ -1,6 +1,7 @@
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 
 #include "Calibrate/DotGridOwner.h"
+#include "Calibrate/DotSorting.h"
 #include "Calibrate/RecordLimits.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpBinarizeLocal2.h"
@@ -45,58 +46,8 @@ ClVector Mean(const ClVector& rSum, unsigned long nCount) {
     return {rSum.x / dCount, rSum.y / dCount};
 }
 
-/// Whether a dot stands before another along an axis. Equal places keep the order of the
-/// components, and what is not a number stands last, so that every input has an order.
-template <double ClVector::*pAxis>
-bool StandsBefore(const ClDot* pA, const ClDot* pB) {
-    const double a = pA->m_vPos.*pAxis;
-    const double b = pB->m_vPos.*pAxis;
-    if (a < b || a > b)
-        return a < b;
-    if (std::isnan(a) != std::isnan(b))
-        return std::isnan(b);
-    return pA->m_nIndex < pB->m_nIndex;
-}
-
-bool CmpDotX(const ClDot* pA, const ClDot* pB) {
-    return StandsBefore<&ClVector::x>(pA, pB);
-}
-
-bool CmpDotY(const ClDot* pA, const ClDot* pB) {
-    return StandsBefore<&ClVector::y>(pA, pB);
-}
-
 bool IsClean(const ClDot& rDot) {
     return rDot.m_nStatus == ClDot::eClean;
-}
-
-/// The x about which the column that starts at `nStart` stands: the mean of its clean dots, or
-/// its first dot's without any.
-double ColumnCentre(const DotGrid& rGrid, unsigned long nStart, double dHalfPitch) {
-    double dReference = rGrid[nStart]->m_vPos.x;
-    double dSum = 0.0;
-    unsigned long nClean = 0;
-    for (unsigned long i = nStart; i < rGrid.Entries(); ++i) {
-        const ClDot& rDot = *rGrid[i];
-        if (!(std::fabs(rDot.m_vPos.x - dReference) < dHalfPitch))
-            break;
-        if (!IsClean(rDot))
-            continue;
-        if (nClean == 0)
-            dReference = rDot.m_vPos.x;
-        dSum += rDot.m_vPos.x;
-        ++nClean;
-    }
-    return nClean > 0 ? dSum / static_cast<double>(nClean) : dReference;
-}
-
-/// One behind the last dot of a column, which has one dot at least.
-unsigned long ColumnEnd(const DotGrid& rGrid, unsigned long nStart, double dHalfPitch) {
-    const double dCentre = ColumnCentre(rGrid, nStart, dHalfPitch);
-    unsigned long nEnd = nStart;
-    while (nEnd < rGrid.Entries() && rGrid[nEnd]->m_vPos.x - dCentre < dHalfPitch)
-        ++nEnd;
-    return std::max(nEnd, nStart + 1);
 }
 
 } // namespace
@@ -206,14 +157,7 @@ void ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget(PointList& rTarget, d
 
 void ClIpCalibrateGeometricBuildRefPointsBase::SortXY(DotGrid& rGrid) {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::SortXY() Enter");
-    const double dHalfPitch = m_cdHalfPitchFactor * m_dSourceDpiX * m_dPitch;
-    ClDot** const pDots = rGrid.Data();
-    std::stable_sort(pDots, pDots + rGrid.Entries(), CmpDotX);
-    for (unsigned long nStart = 0; nStart < rGrid.Entries();) {
-        const unsigned long nEnd = ColumnEnd(rGrid, nStart, dHalfPitch);
-        std::stable_sort(pDots + nStart, pDots + nEnd, CmpDotY);
-        nStart = nEnd;
-    }
+    DotSorting::IntoColumns(rGrid, m_cdHalfPitchFactor * m_dSourceDpiX * m_dPitch);
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::SortXY() Leaving");
 }
 

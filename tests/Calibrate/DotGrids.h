@@ -72,6 +72,7 @@ inline ClIpConnectedComponent2::ClComponent Region(double x, double y, double dA
 inline ClBuilder::ComponentsArray_t
 Regions(const std::vector<ClIpConnectedComponent2::ClComponent>& aRegions) {
     ClBuilder::ComponentsArray_t aComponents;
+    aComponents.Reserve(aRegions.size());
     for (const auto& rRegion : aRegions)
         aComponents.Append(rRegion);
     return aComponents;
