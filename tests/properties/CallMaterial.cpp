@@ -1,0 +1,370 @@
+#include "properties/CallMaterial.h"
+
+#include "properties/RecordRules.h"
+#include "support/BitmapBlocks.h"
+#include "support/DotTargets.h"
+
+namespace Calls {
+
+using TestSupport::AppendBig;
+using TestSupport::PlausibleRecord;
+using TestSupport::RecordBlock;
+using TestSupport::StPoint;
+
+namespace {
+
+constexpr std::uint32_t cnPels = 2461; ///< small, so that the pattern is small
+
+StRecord Good() {
+    return PlausibleRecord(20, 24, 8, 10, cnPels);
+}
+
+StRecord OfOtherSize() {
+    StRecord Record = PlausibleRecord(9, 33, 5, 3, cnPels);
+    Record.m_nBackground = 0;
+    return Record;
+}
+
+StRecord OfAnotherScanner() {
+    StRecord Record = Good();
+    Record.m_aActual[0][37].x += 0.25F;
+    return Record;
+}
+
+StRecord OfThreePlanes() {
+    StRecord Record = Good();
+    Record.m_nPlanes = 3;
+    Record.m_aActual[1] = Record.m_aActual[2] = Record.m_aActual[0];
+    return Record;
+}
+
+/// Plausible, but no smooth mapping has two values at one place.
+StRecord WithTwinPoints(StRecord Record) {
+    Record.m_aTarget[1] = Record.m_aTarget[0];
+    return Record;
+}
+
+/// So large that a step beside its table leads out of all memory.
+StRecord LargeWithTwinPoints() {
+    return WithTwinPoints(PlausibleRecord(16, 16, 600, 600, cnPels));
+}
+
+StRecord WithoutCapture() {
+    StRecord Record = Good();
+    Record.m_nSourceWidth = 0;
+    return Record;
+}
+
+StRecord WithoutResolution() {
+    StRecord Record = Good();
+    Record.m_nTargetPelsX = Record.m_nTargetPelsY = 0;
+    Record.m_aTarget.assign(75, StPoint{4.0F, 5.0F});
+    return Record;
+}
+
+StRecord WithAStepTooLong() {
+    StRecord Record = Good();
+    Record.m_aActual[0][74].y += 10.0F;
+    return Record;
+}
+
+/// The records that most calls give; the first two may be spoilt.
+const std::vector<Bytes>& UsualRecords() {
+    static const std::vector<Bytes> aBlocks = {
+        RecordBlock(Good()),
+        RecordBlock(OfOtherSize()),
+        RecordBlock(OfAnotherScanner()),
+        RecordBlock(WithTwinPoints(Good())),
+        RecordBlock(LargeWithTwinPoints()),
+        RecordBlock(OfThreePlanes()),
+        RecordBlock(WithoutCapture()),
+        RecordBlock(WithoutResolution()),
+        RecordBlock(WithAStepTooLong()),
+    };
+    return aBlocks;
+}
+
+/// The first layouts tell no resolution of the target: they are of 500 dots per inch.
+const std::vector<Bytes>& OldRecords() {
+    static const std::vector<Bytes> aBlocks = [] {
+        const StRecord Old = PlausibleRecord(20, 24, 8, 10, 19685);
+        std::vector<Bytes> aMade = {RecordBlock(Old, 0, "002", "Cal", "Lmv"),
+                                    RecordBlock(Old, 0, "001", "Cal", "Lmv")};
+        for (int nLayout = 0; nLayout < 6; ++nLayout)
+            aMade.push_back(RecordBlock(Old, nLayout));
+        return aMade;
+    }();
+    return aBlocks;
+}
+
+const std::uint32_t canExtremes[] = {0,  1,  2,   3,     4,          74,         75,        76,
+                                     36, 72, 255, 16384, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+
+void StoreBig(Bytes& rBlock, std::size_t nOffset, std::uint32_t nValue) {
+    for (std::size_t i = 0; i < 4 && nOffset + i < rBlock.size(); ++i)
+        rBlock[nOffset + i] = static_cast<unsigned char>(nValue >> (24 - 8 * i));
+}
+
+/// An offset from `nFirst` to `nEnd`, which is greater; the first numbers of a block decide most.
+std::size_t AnyOffset(ClChoices& rChoices, std::size_t nFirst, std::size_t nEnd) {
+    const std::size_t nLast = rChoices.OneIn(2) ? std::min<std::size_t>(nEnd, nFirst + 64) : nEnd;
+    return nFirst + rChoices.Below(static_cast<std::uint32_t>(nLast - nFirst));
+}
+
+void Spoil(ClChoices& rChoices, Bytes& rBlock, std::size_t nFirst) {
+    const std::uint32_t nChanges = 1 + rChoices.Below(3);
+    for (std::uint32_t i = 0; i < nChanges; ++i) {
+        const std::size_t nAt = AnyOffset(rChoices, nFirst, rBlock.size());
+        switch (rChoices.Below(3)) {
+        case 0:
+            rBlock[nAt] = static_cast<unsigned char>(rChoices.Below(256));
+            break;
+        case 1:
+            rBlock[nAt] ^= static_cast<unsigned char>(1u << rChoices.Below(8));
+            break;
+        default:
+            StoreBig(rBlock, nAt, rChoices.Of(canExtremes));
+        }
+    }
+}
+
+void Cut(ClChoices& rChoices, Bytes& rBlock) {
+    rBlock.resize(rChoices.Below(static_cast<std::uint32_t>(rBlock.size() + 1)));
+}
+
+Bytes Noise(ClChoices& rChoices, std::size_t nEnd) {
+    Bytes aBytes(rChoices.Below(static_cast<std::uint32_t>(nEnd)));
+    for (unsigned char& nByte : aBytes)
+        nByte = static_cast<unsigned char>(rChoices.Below(256));
+    return aBytes;
+}
+
+// Records
+
+constexpr std::size_t cnTargetWidthAt = 28;
+
+/// A spoilt target side must not ask for a table that takes seconds to prepare.
+void KeepTargetSmall(Bytes& rBlock) {
+    const StReadRecord Read = ReadRecord(rBlock);
+    if (Read.m_nStatus != 0 || std::uint64_t{Read.m_Record.m_nTargetWidth} *
+                                       Read.m_Record.m_nTargetHeight * Read.m_Record.m_nPlanes <
+                                   2000)
+        return;
+    StoreBig(rBlock, cnTargetWidthAt, 8);
+    StoreBig(rBlock, cnTargetWidthAt + 4, 10);
+    TestSupport::RenewCrc(rBlock);
+}
+
+Bytes SpoiltRecord(ClChoices& rChoices) {
+    Bytes aBlock = UsualRecords()[rChoices.Below(2)];
+    Spoil(rChoices, aBlock, 12);
+    if (rChoices.OneIn(4))
+        return aBlock;
+    TestSupport::RenewCrc(aBlock);
+    KeepTargetSmall(aBlock);
+    return aBlock;
+}
+
+Bytes SpoiltTags(ClChoices& rChoices) {
+    Bytes aBlock = rChoices.OneOf(OldRecords());
+    aBlock[rChoices.Below(12)] = static_cast<unsigned char>(rChoices.Below(256));
+    return aBlock;
+}
+
+Bytes LongerRecord(ClChoices& rChoices) {
+    Bytes aBlock = UsualRecords()[rChoices.Below(2)];
+    aBlock.resize(aBlock.size() + 1 + rChoices.Below(9), 0x5A);
+    return aBlock;
+}
+
+} // namespace
+
+Bytes AnyRecordBlock(ClChoices& rChoices) {
+    switch (rChoices.Below(16)) {
+    case 0:
+        return SpoiltRecord(rChoices);
+    case 1:
+        return rChoices.OneOf(OldRecords());
+    case 2:
+        return LongerRecord(rChoices);
+    case 3: {
+        Bytes aBlock = UsualRecords()[0];
+        Cut(rChoices, aBlock);
+        return aBlock;
+    }
+    case 4:
+        return SpoiltTags(rChoices);
+    case 5:
+        return Noise(rChoices, 40);
+    default:
+        return rChoices.OneOf(UsualRecords());
+    }
+}
+
+// Tables
+
+namespace {
+
+constexpr std::size_t cnTableAt = 28;
+
+StTable OfSizes(const StSize& Source, const StSize& Target) {
+    StTable Table;
+    Table.m_nSourceWidth = Source.m_nWidth;
+    Table.m_nSourceHeight = Source.m_nHeight;
+    Table.m_nTargetWidth = Table.m_nImageWidth = Target.m_nWidth;
+    Table.m_nTargetHeight = Table.m_nImageHeight = Target.m_nHeight;
+    return Table;
+}
+
+void AppendEntry(StTable& rTable, std::int32_t nOffset) {
+    const Bytes aEntry = TestSupport::TableEntry(nOffset);
+    rTable.m_aTable.insert(rTable.m_aTable.end(), aEntry.begin(), aEntry.end());
+}
+
+/// An offset that is inside the source, or just at its edge.
+std::int32_t AnyOffsetIn(ClChoices& rChoices, const StSize& Source) {
+    if (Source.m_nWidth < 4 || Source.m_nHeight < 4 || Source.m_nWidth > 64 ||
+        Source.m_nHeight > 64 || rChoices.OneIn(4))
+        return -1;
+    const std::uint32_t nStride = (Source.m_nWidth + 3) / 4 * 4;
+    const std::uint32_t nReach = rChoices.OneIn(64) ? 1 : 0; // one step too far
+    return static_cast<std::int32_t>(rChoices.Below(Source.m_nHeight - 3 + nReach) * nStride +
+                                     rChoices.Below(Source.m_nWidth - 3 + nReach));
+}
+
+StTable AnyTable(ClChoices& rChoices, const StSize& Handle) {
+    static const StSize caSources[] = {{10, 9}, {20, 24}, {0, 0}, {0, 9}, {10, 0}, {4, 4}, {3, 3}};
+    static const StSize caTargets[] = {{3, 2}, {1, 1}, {8, 10}, {1, 7}, {0, 0}, {5, 0}};
+    const StSize Source = rChoices.OneIn(2) ? Handle : rChoices.Of(caSources);
+    StTable Table = OfSizes(Source, rChoices.Of(caTargets));
+    const std::uint32_t nPlanes = rChoices.OneIn(8) ? 1 + rChoices.Below(3) : 1;
+    Table.m_nPlanes = nPlanes;
+    Table.m_nPixelBytes = 36 * nPlanes;
+    const std::uint32_t nEntries = Table.m_nTargetWidth * Table.m_nTargetHeight * nPlanes;
+    const bool bAllWithoutSource = rChoices.OneIn(4);
+    for (std::uint32_t i = 0; i < nEntries; ++i)
+        AppendEntry(Table, bAllWithoutSource ? -1 : AnyOffsetIn(rChoices, Source));
+    return Table;
+}
+
+Bytes SpoiltTable(ClChoices& rChoices, Bytes aBlock) {
+    // Mostly behind the header, so that what follows is read.
+    Spoil(rChoices, aBlock, rChoices.OneIn(8) ? 0 : cnTableAt + 12);
+    return aBlock;
+}
+
+void SetHash(Bytes& rBlock, const Digest& aHash) {
+    if (rBlock.size() >= cnTableAt)
+        std::copy(aHash.begin(), aHash.end(), rBlock.begin() + 12);
+}
+
+} // namespace
+
+Bytes AnyTableBlock(ClChoices& rChoices, const Digest& aHash, const StSize& Source,
+                    const std::vector<Bytes>& aGiven) {
+    const std::uint32_t nKind = rChoices.Below(16);
+    if (nKind < 4 && !aGiven.empty()) { // as it was given, or for another scanner, hash repaired
+        Bytes aBlock = rChoices.OneOf(aGiven);
+        if (nKind != 0)
+            SetHash(aBlock, aHash);
+        return nKind == 3 ? SpoiltTable(rChoices, aBlock) : aBlock;
+    }
+    if (nKind == 4)
+        return Noise(rChoices, 200);
+    Bytes aBlock = PrecalculatedBlock(AnyTable(rChoices, Source), aHash);
+    if (nKind == 5)
+        Cut(rChoices, aBlock);
+    if (nKind == 6)
+        aBlock[12 + rChoices.Below(16)] ^= 1;
+    if (nKind == 7)
+        aBlock.resize(aBlock.size() + 1 + rChoices.Below(9), 0x5A);
+    return nKind >= 13 ? SpoiltTable(rChoices, aBlock) : aBlock;
+}
+
+// Captures
+
+namespace {
+
+using TestSupport::StHead;
+
+/// Grey values without order, to cut pixels from.
+const Bytes& NoisePool() {
+    static const Bytes aPool = [] {
+        StHead Head;
+        Head.m_nWidth = 256;
+        Head.m_nHeight = 256;
+        return TestSupport::NoisePixels(Head);
+    }();
+    return aPool;
+}
+
+/// A block with two palette entries: small, and read like one with all of them.
+Bytes CaptureOf(ClChoices& rChoices, const StSize& Size, int nBits) {
+    StHead Head;
+    Head.m_nWidth = Size.m_nWidth;
+    Head.m_nHeight = Size.m_nHeight;
+    Head.m_nBits = nBits;
+    Head.m_nClrUsed = nBits <= 8 ? 2 : 0;
+    Head.m_nPelsX = 2425;
+    Head.m_nPelsY = 4967;
+    Bytes aBlock = TestSupport::HeaderBytes(Head);
+    aBlock.resize(aBlock.size() + 4 * Head.m_nClrUsed);
+    const std::size_t nPixels = TestSupport::WordsStride(nBits, Head.m_nWidth) * Size.m_nHeight;
+    const auto First = NoisePool().begin() + rChoices.Below(16) * 64;
+    if (rChoices.OneIn(4))
+        aBlock.resize(aBlock.size() + nPixels, 0xC8);
+    else
+        aBlock.insert(aBlock.end(), First, First + static_cast<std::ptrdiff_t>(nPixels));
+    return aBlock;
+}
+
+Bytes SpoiltCapture(ClChoices& rChoices, Bytes aBlock) {
+    static const std::size_t canFields[] = {0, 4, 8, 12, 14, 16, 20, 32, 36};
+    switch (rChoices.Below(4)) {
+    case 0:
+        Cut(rChoices, aBlock);
+        break;
+    case 1:
+        aBlock.push_back(0);
+        break;
+    case 2:
+        aBlock[rChoices.Below(40)] ^= static_cast<unsigned char>(1u << rChoices.Below(8));
+        break;
+    default: {
+        const std::size_t nAt = rChoices.Of(canFields);
+        const std::uint32_t nValue = rChoices.Of(canExtremes);
+        for (std::size_t i = 0; i < 2; ++i)
+            aBlock[nAt + i] = static_cast<unsigned char>(nValue >> (8 * i));
+    }
+    }
+    return aBlock;
+}
+
+} // namespace
+
+Bytes AnyCapture(ClChoices& rChoices, const StSize& Size) {
+    static const StSize caOther[] = {{1, 1}, {7, 1}, {1, 7}, {5, 4}, {10, 9}, {33, 20}};
+    static const int canDepths[] = {1, 4, 16, 24, 32};
+    const bool bUsable = Size.m_nWidth - 1 < 64 && Size.m_nHeight - 1 < 64;
+    const StSize Used = bUsable && !rChoices.OneIn(8) ? Size : rChoices.Of(caOther);
+    const int nBits = rChoices.OneIn(32) ? rChoices.Of(canDepths) : 8;
+    Bytes aBlock = CaptureOf(rChoices, Used, nBits);
+    return rChoices.OneIn(16) ? SpoiltCapture(rChoices, std::move(aBlock)) : aBlock;
+}
+
+const Bytes& TargetCapture() {
+    static const Bytes aBlock = [] {
+        TestSupport::StTargetImage Image;
+        Image.m_nWidth = 280;
+        Image.m_nHeight = 880;
+        return TargetBlock(Image);
+    }();
+    return aBlock;
+}
+
+const Bytes& CorrectedTarget() {
+    static const Bytes aBlock = TargetBlock(TestSupport::CorrectedTarget());
+    return aBlock;
+}
+
+} // namespace Calls

@@ -1,0 +1,36 @@
+#pragma once
+
+/// The blocks that a sequence of calls gives: good ones, spoilt ones and foreign ones, small enough
+/// for thousands of calls a second.
+
+#include "properties/Choices.h"
+#include "support/Tables.h"
+
+namespace Calls {
+
+using TestSupport::Bytes;
+using TestSupport::Digest;
+using TestSupport::StRecord;
+using TestSupport::StTable;
+
+struct StSize {
+    std::uint32_t m_nWidth;
+    std::uint32_t m_nHeight;
+};
+
+/// A calibration block of any kind.
+Bytes AnyRecordBlock(ClChoices& rChoices);
+
+/// A precalculated block of any kind for a handle whose data have this hash, and whose captures
+/// this size. `aGiven` are blocks that handles have given.
+Bytes AnyTableBlock(ClChoices& rChoices, const Digest& aHash, const StSize& Source,
+                    const std::vector<Bytes>& aGiven);
+
+/// A capture of any kind; of this size where it is a good one.
+Bytes AnyCapture(ClChoices& rChoices, const StSize& Size);
+
+/// Painted targets: as a scanner takes them, and as they are when corrected.
+const Bytes& TargetCapture();
+const Bytes& CorrectedTarget();
+
+} // namespace Calls
