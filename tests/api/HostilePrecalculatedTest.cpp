@@ -1,6 +1,7 @@
 // Precalculated blocks from anywhere.
 
 #include "api/Api.h"
+#include "calls/TableRules.h"
 #include "support/GuardedMemory.h"
 #include "support/Tables.h"
 
@@ -23,41 +24,51 @@ public:
         m_Handle.Set("PrecalculatedData=true");
     }
 
-    /// What a block gives; a table that is taken is applied to a capture of the size it tells.
+    /// What a block gives, which its bytes tell. A table that is taken is applied to captures of
+    /// the size it tells, of the size the record tells, and of others.
     long Attack(const Bytes& aBlock, std::size_t nSize) {
         EXPECT_EQ(m_Handle.SetData(m_aRecord), 0);
         const ClGuardedBlock Guarded(aBlock, nSize);
         const long nStatus = CalibrateSetPrecalculatedData(m_Handle, Guarded.Data(), nSize);
-        EXPECT_TRUE(nStatus == 0 || nStatus == QMT_ERROR_UNEXPECTED_SIGNATURE ||
-                    nStatus == QMT_ERROR_CURRUPT_DATA)
-            << nStatus;
+        const Calls::StReadTable Read =
+            Calls::ReadTable(Bytes(Guarded.Data(), Guarded.Data() + nSize), m_aHash);
+        EXPECT_EQ(nStatus, Read.m_nStatus);
         EXPECT_EQ(m_Handle.IsReady(), nStatus == 0);
         if (nStatus == 0)
-            Apply(aBlock);
+            Apply(Read.m_Table);
         return nStatus;
     }
     long Attack(const Bytes& aBlock) { return Attack(aBlock, aBlock.size()); }
 
 private:
-    static std::uint32_t Big(const Bytes& aBlock, std::size_t nOffset) {
-        return std::uint32_t{aBlock[nOffset]} << 24 | std::uint32_t{aBlock[nOffset + 1]} << 16 |
-               std::uint32_t{aBlock[nOffset + 2]} << 8 | aBlock[nOffset + 3];
+    void Apply(const StTable& Table) {
+        EXPECT_EQ(m_Handle.PrecalculatedData(), Calls::UsualBlockOf(Table, m_aHash));
+        ApplyTo(Table, 48, 132);
+        ApplyTo(Table, 10, 9);
+        ApplyTo(Table, 9, 10);
+        ApplyTo(Table, Table.m_nSourceWidth, Table.m_nSourceHeight);
+        ApplyTo(Table, Table.m_nSourceHeight, Table.m_nSourceWidth);
     }
 
-    void Apply(const Bytes& aBlock) {
-        const std::uint32_t nWidth = Big(aBlock, 28 + 12);
-        const std::uint32_t nHeight = Big(aBlock, 28 + 16);
+    void ApplyTo(const StTable& Table, std::uint32_t nWidth, std::uint32_t nHeight) {
         if (nWidth > 300 || nHeight > 300)
             return;
+        const bool bFits = nWidth == Table.m_nSourceWidth && nHeight == Table.m_nSourceHeight &&
+                           Table.m_nPlanes == 1;
         long nStatus = 0;
-        m_Handle.Corrected(Capture(static_cast<int>(nWidth), static_cast<int>(nHeight)), &nStatus);
-        EXPECT_TRUE(nStatus == 0 || nStatus == QMT_ERROR_NOT_INITIALIZED ||
-                    nStatus == QMT_ERROR_BITMAP_DIMENSION || nStatus == QMT_ERROR_INTERNAL)
-            << nStatus;
+        const Bytes aOut = m_Handle.Corrected(
+            Capture(static_cast<int>(nWidth), static_cast<int>(nHeight)), &nStatus);
+        EXPECT_EQ(nStatus, bFits ? QMT_SUCCESS : QMT_ERROR_BITMAP_DIMENSION)
+            << nWidth << " x " << nHeight;
+        if (nStatus != 0)
+            return;
+        EXPECT_EQ(TestSupport::Width(aOut), static_cast<int>(Table.m_nTargetWidth));
+        EXPECT_EQ(TestSupport::Height(aOut), static_cast<int>(Table.m_nTargetHeight));
     }
 
     ClApiHandle m_Handle;
     Bytes m_aRecord;
+    Calls::Digest m_aHash = HashOf(PlausibleRecord());
 };
 
 Bytes BlockOf(const StTable& Table) {

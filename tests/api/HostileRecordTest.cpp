@@ -1,6 +1,7 @@
 // Calibration blocks from anywhere.
 
 #include "api/Api.h"
+#include "calls/RecordRules.h"
 #include "support/GuardedMemory.h"
 #include "support/Records.h"
 
@@ -16,11 +17,6 @@ using TestSupport::StRecord;
 
 namespace {
 
-bool IsRefusal(long nStatus) {
-    return nStatus == QMT_ERROR_UNEXPECTED_SIGNATURE || nStatus == QMT_ERROR_CURRUPT_DATA ||
-           nStatus == QMT_ERROR_UNEXPECTED_EOF || nStatus == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE;
-}
-
 /// The calls that take a record, without the work of preparing a table.
 class ClVictim {
 public:
@@ -29,20 +25,31 @@ public:
     /// What a block gives; the handle is in order afterwards whatever it was.
     long Attack(const Bytes& aBlock, std::size_t nSize) {
         const ClGuardedBlock Guarded(aBlock, nSize);
-        const long nReference = CalibrateSetReferenceData(m_Handle, Guarded.Data(), nSize);
-        EXPECT_TRUE(nReference == 0 || IsRefusal(nReference)) << nReference;
+        const Calls::StReadRecord Read =
+            Calls::ReadRecord(Bytes(Guarded.Data(), Guarded.Data() + nSize));
+        EXPECT_EQ(CalibrateSetReferenceData(m_Handle, Guarded.Data(), nSize), Read.m_nStatus);
         const long nStatus = CalibrateSetData(m_Handle, Guarded.Data(), nSize);
-        EXPECT_TRUE(nStatus == 0 || IsRefusal(nStatus)) << nStatus;
-        EXPECT_TRUE(nStatus == 0 || !m_Handle.IsReady());
-        if (nStatus == 0 && m_Handle.IsReady())
-            UseData();
+        EXPECT_EQ(nStatus, StatusOf(Read));
+        const bool bReady =
+            nStatus == 0 && Read.m_Record.m_nSourceWidth != 0 && Read.m_Record.m_nSourceHeight != 0;
+        EXPECT_EQ(m_Handle.IsReady(), bReady);
+        if (bReady)
+            UseData(Read.m_Record);
         return nStatus;
     }
     long Attack(const Bytes& aBlock) { return Attack(aBlock, aBlock.size()); }
 
 private:
-    void UseData() {
+    /// What loading answers, which the bytes tell.
+    static long StatusOf(const Calls::StReadRecord& Read) {
+        if (Read.m_nStatus != 0)
+            return Read.m_nStatus;
+        return Calls::IsPlausible(Read.m_Record) ? QMT_SUCCESS : QMT_ERROR_CURRUPT_DATA;
+    }
+
+    void UseData(const StRecord& Record) {
         const Bytes aBack = m_Handle.Data();
+        EXPECT_EQ(aBack, RecordBlock(Record));
         ClApiHandle Second;
         Second.Set("PrecalculatedData=true");
         EXPECT_EQ(Second.SetData(aBack), 0);
@@ -179,7 +186,13 @@ TEST(HostileRecord, WithExtremeCoordinatesPreparesOrRefuses) {
             aFlipped[nOffset + nBit / 8] ^= static_cast<unsigned char>(0x80u >> (nBit % 8));
             const ClGuardedBlock Guarded(aFlipped);
             const long nStatus = CalibrateSetData(Handle, Guarded.Data(), Guarded.Size());
-            EXPECT_TRUE(nStatus == 0 || IsRefusal(nStatus)) << nStatus;
+            const StRecord Record = Calls::ReadRecord(aFlipped).m_Record;
+            if (!Calls::IsPlausible(Record)) {
+                EXPECT_EQ(nStatus, QMT_ERROR_CURRUPT_DATA) << nBit;
+            } else {
+                EXPECT_TRUE(nStatus == 0 || nStatus == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE)
+                    << nBit << ": " << nStatus;
+            }
             if (nStatus == 0) {
                 EXPECT_EQ(Handle.Corrected(aIn).size(), 40u + 1024 + 40 * 60);
             }

@@ -1,38 +1,21 @@
 // Random sequences of calls, the same on every machine. A seed that fails is run alone, and longer,
 // by --gtest_random_seed=SEED (1 to 99999).
 
-#include "properties/CallSequence.h"
-#include "support/AllocationFailures.h"
+#include "calls/InjectedFaults.h"
 
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <cstdio>
-#include <optional>
 
 using Calls::ClCallSequence;
+using Calls::ClInjectedFaults;
 using Calls::ClSeededChoices;
 
 namespace {
 
 constexpr long cnSteps = 25000;
 constexpr int cnSeeds = 8; // 200,000 steps in all
-
-class ClInjectedFaults : public Calls::ClFaults {
-public:
-    void Arm(long nAfter) override {
-        if (nAfter >= 0)
-            m_Fail.emplace(nAfter);
-    }
-    bool Disarm() override {
-        const bool bHappened = m_Fail.has_value() && TestSupport::ClFailAllocation::Happened();
-        m_Fail.reset();
-        return bHappened;
-    }
-
-private:
-    std::optional<TestSupport::ClFailAllocation> m_Fail;
-};
 
 /// Tells the first broken promises of a sequence; what follows them follows from them.
 class ClTeller : public Calls::ClObserver {

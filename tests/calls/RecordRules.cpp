@@ -1,6 +1,6 @@
-#include "properties/RecordRules.h"
+#include "calls/RecordRules.h"
 
-#include "properties/BlockReader.h"
+#include "calls/BlockReader.h"
 
 #include <TessarinCalibrateSDK.h>
 

@@ -1,6 +1,6 @@
-#include "properties/TableRules.h"
+#include "calls/TableRules.h"
 
-#include "properties/BlockReader.h"
+#include "calls/BlockReader.h"
 
 #include <TessarinCalibrateSDK.h>
 

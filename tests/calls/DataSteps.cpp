@@ -1,6 +1,6 @@
 // Steps with calibration data, precalculated data and reference data.
 
-#include "properties/CallSequence.h"
+#include "calls/CallSequence.h"
 
 #include <TessarinCalibrateSDK.h>
 

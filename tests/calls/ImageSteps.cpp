@@ -1,7 +1,7 @@
 // Steps with captures and corrected images.
 
-#include "properties/BitmapRules.h"
-#include "properties/CallSequence.h"
+#include "calls/BitmapRules.h"
+#include "calls/CallSequence.h"
 
 #include <TessarinCalibrateSDK.h>
 

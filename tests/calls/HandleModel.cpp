@@ -1,6 +1,6 @@
-#include "properties/HandleModel.h"
+#include "calls/HandleModel.h"
 
-#include "properties/BitmapRules.h"
+#include "calls/BitmapRules.h"
 
 #include <TessarinCalibrateSDK.h>
 

@@ -1,6 +1,6 @@
 // Steps with handles, options, levels and words.
 
-#include "properties/CallSequence.h"
+#include "calls/CallSequence.h"
 
 #include <TessarinCalibrateSDK.h>
 

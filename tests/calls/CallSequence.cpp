@@ -1,4 +1,4 @@
-#include "properties/CallSequence.h"
+#include "calls/CallSequence.h"
 
 #include <TessarinCalibrateSDK.h>
 

@@ -7,9 +7,9 @@
 /// Who runs a sequence gives what decides (`ClChoices`), what makes allocations fail (`ClFaults`)
 /// and who hears of broken promises (`ClObserver`).
 
-#include "properties/CallMaterial.h"
-#include "properties/GuardedRoom.h"
-#include "properties/HandleModel.h"
+#include "calls/CallMaterial.h"
+#include "calls/GuardedRoom.h"
+#include "calls/HandleModel.h"
 
 #include <array>
 #include <string>

@@ -3,8 +3,8 @@
 /// What a handle must hold and answer, worked out from what was given to it: the promises of the
 /// public header as a small machine of states.
 
-#include "properties/RecordRules.h"
-#include "properties/TableRules.h"
+#include "calls/RecordRules.h"
+#include "calls/TableRules.h"
 
 #include <memory>
 #include <optional>

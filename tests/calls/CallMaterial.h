@@ -3,7 +3,7 @@
 /// The blocks that a sequence of calls gives: good ones, spoilt ones and foreign ones, small enough
 /// for thousands of calls a second.
 
-#include "properties/Choices.h"
+#include "calls/Choices.h"
 #include "support/Tables.h"
 
 namespace Calls {

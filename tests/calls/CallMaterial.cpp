@@ -1,6 +1,6 @@
-#include "properties/CallMaterial.h"
+#include "calls/CallMaterial.h"
 
-#include "properties/RecordRules.h"
+#include "calls/RecordRules.h"
 #include "support/BitmapBlocks.h"
 #include "support/DotTargets.h"
 

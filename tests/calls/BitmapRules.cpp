@@ -1,4 +1,4 @@
-#include "properties/BitmapRules.h"
+#include "calls/BitmapRules.h"
 
 #include <TessarinCalibrateSDK.h>
 
