@@ -9,6 +9,8 @@
 #include "Tools/FpImage.h"
 #include "Tools/ProcessorBase.h"
 
+#include <TessarinCalibrateSDK.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -17,11 +19,21 @@
 
 namespace FingerDetector {
 
-/// Throws `ClExTessarin` with the number of a sub-processor that has failed: a mask made of half
-/// the steps would look like one.
+/// Throws `ClExTessarin` with the result of a sub-processor that has failed, but for the codes by
+/// which operators tell that they have nothing to do with their arguments: the detector goes on
+/// with the image as they left it, and where that is empty, the next step refuses it.
 inline void Require(long nResult) {
-    if (nResult != 0)
+    switch (nResult) {
+    case QMT_SUCCESS:
+    case QMT_ERROR_BITMAP_PTR:
+    case QMT_ERROR_FORMAT_NOTSUPPORTED:
+    case QMT_ERROR_PARAM_OUT_OF_RANGE:
+    case QMT_ERROR_PARAM_IS_MISSING:
+    case QMT_ERROR_INVALID_PARAMETER:
+        return;
+    default:
         throw ClExTessarin(nResult, VEK_HERE);
+    }
 }
 
 /// Runs `Sub.ApplyParam(arguments...)`, timed where the owner is.

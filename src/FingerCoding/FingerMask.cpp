@@ -86,6 +86,7 @@ void PasteLine(const ClImage& From, int nLine, long nWidth, long nColumn, long n
 
 long ClIpQK7DynamicCalibration30::BuildMaskImage(ClImage& In, double dRidgeDist, ClImage& OutMask,
                                                  ClImage& OutProb) {
+    ClIpContrastMask2().CheckWorkSize(In); // of the whole, so that no finger's place decides
     ClImage Dx;
     ClImage Dy;
     ClImage Length;

@@ -45,8 +45,9 @@ public:
     /// Returns 0. Throws, in this order, "m_pInImage is not set" (-701) for a missing input and for
     /// a missing place of the ridge distance, "*m_pdRidgeDist is out of range" (-35),
     /// "m_ppInOutMask is not set" and "*m_ppInOutMask is not set" (-701); what the sub-processors
-    /// throw, such as -101 for an input that is not one plane of `eUInt8`, and their results other
-    /// than 0 as `ClExTessarin`; -13 from the mask for an input without resolution; `ClExBadAlloc`
+    /// throw, such as -101 for an input that is not one plane of `eUInt8`, and as `ClExTessarin`
+    /// their results other than 0, -10, -33, -35, -37 and -44, after which the work goes on; -13
+    /// from the mask for an input without resolution; `ClExBadAlloc`
     /// (-102). The input is not changed.
     long Process() override;
 

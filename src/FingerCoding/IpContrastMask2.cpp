@@ -26,6 +26,10 @@ constexpr const char* cszNothing = "Nothing";
 /// Picture elements per metre to dots per inch, 1 / 39.37.
 constexpr double cdDpiPerPels = 0.025400050800101603;
 
+/// A resolution that is not one of a scanner makes a huge image of a small one.
+constexpr int cnLargestWorkSide = 4096;
+constexpr double cdMostWorkPixels = 8e6;
+
 constexpr int cnProbThreshold = 128; ///< grey value of the threshold when the offset is applied
 
 void CheckPointer(const void* pPointer, const char* szText, long nLine) {
@@ -68,17 +72,35 @@ void ClIpContrastMask2::CheckParameters() const {
     CheckPointer(m_pdRidgeDist, "m_pInImage is not set", __LINE__);
     CheckPointer(m_ppInOutMask, "m_ppInOutMask is not set", __LINE__);
     CheckPointer(*m_ppInOutMask, "*m_ppInOutMask is not set", __LINE__);
-    if (m_pInImage->PelsX() < 1 || m_pInImage->PelsY() < 1)
+    CheckWorkSize(*m_pInImage);
+}
+
+/// By the sizes that the rescale will choose: rounded up, but for less than a ten thousandth.
+void ClIpContrastMask2::CheckWorkSize(const ClImage& In) const {
+    if (In.PelsX() < 1 || In.PelsY() < 1)
+        throw ClExTessarin(QMT_ERROR_BITMAP_PELS, VEK_HERE);
+    const auto WorkSize = [](double dSize, int nWorkPels, int nPels) {
+        return std::floor(dSize * nWorkPels / nPels + 0.9999);
+    };
+    const double dWidth = WorkSize(In.Width(), WorkPels(In, In.PelsX()), In.PelsX());
+    const double dHeight = WorkSize(In.Height(), WorkPels(In, In.PelsY()), In.PelsY());
+    if (dWidth > cnLargestWorkSide || dHeight > cnLargestWorkSide ||
+        dWidth * dHeight > cdMostWorkPixels)
         throw ClExTessarin(QMT_ERROR_BITMAP_PELS, VEK_HERE);
 }
 
-double ClIpContrastMask2::ShrinkFactor() const {
-    return m_pInImage->PelsX() * cdDpiPerPels / m_dWorkDpi;
+double ClIpContrastMask2::ShrinkFactor(const ClImage& In) const {
+    return In.PelsX() * cdDpiPerPels / m_dWorkDpi;
+}
+
+int ClIpContrastMask2::WorkPels(const ClImage& In, int nPels) const {
+    return TruncatedInt(nPels / ShrinkFactor(In));
 }
 
 /// What two means of half the width, made odd, would cover: odd itself, and about the width.
 long ClIpContrastMask2::MeanWidth() const {
-    const std::int64_t n = Mask::Truncated(*m_pdRidgeDist * m_dMidRotWidthFactor1 / ShrinkFactor());
+    const std::int64_t n =
+        Mask::Truncated(*m_pdRidgeDist * m_dMidRotWidthFactor1 / ShrinkFactor(*m_pInImage));
     const std::int64_t nOdd = (n - n / 2) | 1;
     return (2 * nOdd - 1) | 1;
 }
@@ -104,15 +126,12 @@ void ClIpContrastMask2::ShrinkRegion(ClImage& Out) {
     ClImage Region;
     Region = *m_pInImage;
     (*m_ppInOutMask)->ApplyOnImage(Region, true, cnOutside);
-    const double dFactor = ShrinkFactor();
     ClImage Small;
     ClIpRescale Rescale;
     Rescale.Timer(IsTimerEnabled());
-    const long nResult = Rescale.ApplyParamPels(
-        Region, Small, TruncatedInt(Region.PelsX() / dFactor),
-        TruncatedInt(Region.PelsY() / dFactor), ClIpRescale::ModeNearestNeighbour);
-    if (nResult != QMT_ERROR_PARAM_OUT_OF_RANGE) // leaves no image, which the copy refuses
-        Require(nResult);
+    Require(Rescale.ApplyParamPels(Region, Small, WorkPels(Region, Region.PelsX()),
+                                   WorkPels(Region, Region.PelsY()),
+                                   ClIpRescale::ModeNearestNeighbour));
     ClearBorder(Small, Region, m_nBorderWidth);
     Out.Swap(Region);
 }

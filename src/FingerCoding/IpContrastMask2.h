@@ -41,13 +41,18 @@ public:
     ///
     /// Returns 0, or -15 where no foreground is left; then there is no further step. Throws
     /// "m_pInImage is not set" (-701) for a missing input and for a missing place of the ridge
-    /// distance, "m_ppInOutMask is not set" and "*m_ppInOutMask is not set" (-701); -13 for an
-    /// input without resolution; "Image Type is not the assigned type" (-101) for other types than
+    /// distance, "m_ppInOutMask is not set" and "*m_ppInOutMask is not set" (-701); -13 of
+    /// CheckWorkSize(); "Image Type is not the assigned type" (-101) for other types than
     /// `eUInt8`; the index message of the mask (-35) for an input at none of its steps; "Image area
     /// must be positive" (-101) where the work leaves no resolution of one axis, which is so when
-    /// it is ten thousand times coarser than the other; what the sub-processors throw, and their
-    /// results other than 0 as `ClExTessarin`; `ClExBadAlloc` (-102). The input is not changed.
+    /// it is ten thousand times coarser than the other; what the sub-processors throw, and as
+    /// `ClExTessarin` their results other than 0, -10, -33, -35, -37 and -44, after which the work
+    /// goes on; `ClExBadAlloc` (-102). The input is not changed.
     long Process() override;
+
+    /// Throws `ClExTessarin` -13 for an image without resolution, and for one that would be wider
+    /// or higher than 4096 pixels or have more than 8 million at the resolution of the work.
+    void CheckWorkSize(const ClImage& In) const;
 
     ClImage* m_pInImage = nullptr;           ///< gradient lengths, 8 bits, one plane; borrowed
     ClImage* m_pOptOutProbImage = nullptr;   ///< may be null
@@ -73,7 +78,8 @@ protected:
 
 private:
     void CheckParameters() const;
-    double ShrinkFactor() const;
+    double ShrinkFactor(const ClImage& In) const;
+    int WorkPels(const ClImage& In, int nPels) const;
     long MeanWidth() const;
     void ShrinkRegion(ClImage& Out);
     void Amplify(ClImage& Image);

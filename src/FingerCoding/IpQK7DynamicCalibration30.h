@@ -45,9 +45,10 @@ public:
     /// Returns 0, or -37 for a missing image. Throws "Image Type is not the assigned type" (-101)
     /// unless the capture is of type `eUInt8`, "Color-image not supported in ClHistogram::Create."
     /// (-101) for several planes, -13 where the finger is sought in a capture without resolution or
-    /// of an absurd one, "Image area must be positive" (-101) where that of one axis is ten
-    /// thousand times coarser than that of the other, `ClExBadAlloc` (-102), and the failures of a
-    /// file (-200, -202) with the dumps on.
+    /// of so coarse a one that it would exceed 4096 pixels in width or height, or 8 million in all,
+    /// at 250 dots per inch, the resolution at which ridges are sought, "Image area must be
+    /// positive" (-101) where that of one axis is ten thousand times coarser than that of the
+    /// other, `ClExBadAlloc` (-102), and the failures of a file (-200, -202) with the dumps on.
     ///
     /// After an exception the levels are those of the run before, except that the dirt level may
     /// be the new one, and the outputs hold no promise beyond being valid images. The output may
@@ -71,9 +72,12 @@ protected: // the steps of a run, open to tests by derivation
     /// probabilities, of the size of `In`, which is the globally stretched capture.
     ///
     /// Returns 0 for one finger; -33 where the region found does not close to one piece, in which
-    /// case `OutMask` is that region; or the code with which the addition of the probabilities
-    /// fails. Throws what the detectors and `ClMask2` throw: -13 for an image without resolution,
-    /// "*m_pdRidgeDist is out of range" (-35) unless the distance is above 0.
+    /// case `OutMask` is that region as it was found, neither closed nor convex, with a soft
+    /// border; or the code with which the addition of the probabilities fails, in which case
+    /// `OutMask` is left alone. Throws -13 for an image without resolution and for one too large
+    /// at the resolution of the work, as ClIpContrastMask2::CheckWorkSize() tells, before anything
+    /// is made; then what the detectors and `ClMask2` throw: "*m_pdRidgeDist is out of range" (-35)
+    /// unless the distance is above 0.
     long BuildMaskImage(ClImage& In, double dRidgeDist, ClImage& OutMask, ClImage& OutProb);
     /// The gradient of `In` in x and y, of type `eInt8`, and its length. Returns 0.
     long BuildDerivationImages(ClImage& In, ClImage& OutDx, ClImage& OutDy, ClImage& OutLength);
@@ -92,9 +96,9 @@ protected: // the steps of a run, open to tests by derivation
     /// an 8-bit image of one plane. The image is not changed.
     long GetMaskRegionCount(ClImage& Image, unsigned char nValue);
 
-    // Levels. Images are 8-bit, of one plane and of equal size. An image without lines comes
-    // first; then "Image Type is not the assigned type" (-101), -11 for several planes and -14 for
-    // unequal sizes are thrown.
+    // Levels. Images are 8-bit, of one plane and of equal size. In the two that a run takes an
+    // image without lines comes first; then "Image Type is not the assigned type" (-101), -11 for
+    // several planes and -14 for unequal sizes are thrown.
 
     /// Sum over all pixels of the background, not normalised by its area:
     ///
@@ -111,7 +115,12 @@ protected: // the steps of a run, open to tests by derivation
     /// without lines and for a mask of 255.
     double CalcDryFingerWarningLevel(ClImage& Prob, ClImage& Mask);
     /// Another measure of dirt, which no run takes: max(100.0, 0.0005 * sum), with the sum of the
-    /// defects that the functionality check finds on the background. 100.0 without lines.
+    /// defects that the functionality check finds on the background.
+    ///
+    /// Of a capture without lines, or with a mask of another size, nothing is left, and the
+    /// level is 100.0. A mask that is an empty image is not: "Input pixel type "unknown" not
+    /// supported by processor." (-33). Throws -101 for a capture of another type than `eUInt8` or
+    /// of several planes, as the functionality check does.
     double CalcDirtWarningLevel2(ClImage& In, ClImage& Mask);
 
 private:

@@ -4,6 +4,8 @@
 #include "support/Images.h"
 #include "support/Throws.h"
 
+#include <TessarinCalibrateSDK.h>
+
 #include <climits>
 #include <limits>
 
@@ -70,12 +72,26 @@ public:
     long m_nAnswer = 0;
 };
 
-TEST(FingerDetector, ThrowsTheResultOfASubProcessor) {
+TEST(FingerDetector, RunsAStepWithTheTimerOfItsOwner) {
     ClIpAnswer owner;
     ClIpAnswer sub;
-    FingerDetector::Run(owner, sub, 0L);
-    EXPECT_NUMBER(FingerDetector::Run(owner, sub, -35L), -35);
-    EXPECT_NUMBER(FingerDetector::Run(owner, ClIpAnswer(), -14L), -14);
+    FingerDetector::Run(owner, sub, -35L);
+    EXPECT_EQ(sub.m_nAnswer, -35);
+}
+
+/// Missing, unsuitable or out of range: a step that has nothing to do with its arguments.
+TEST(FingerDetector, GoesOnAfterTheCodesOfAStepThatHasNothingToDo) {
+    ClIpAnswer sub;
+    for (const long nAnswer : {0L, -10L, -33L, -35L, -37L, -44L})
+        EXPECT_NO_THROW(FingerDetector::Require(sub.ApplyParam(nAnswer))) << nAnswer;
+}
+
+TEST(FingerDetector, ThrowsEveryOtherResultOfAStep) {
+    ClIpAnswer sub;
+    for (const long nAnswer : {1L, -1L, -9L, -11L, -13L, -14L, -15L, -32L, -34L, -36L, -38L, -43L,
+                               -45L, -101L, -102L, -701L})
+        EXPECT_THROWS(FingerDetector::Require(sub.ApplyParam(nAnswer)), ClExTessarin, nAnswer,
+                      GetErrorDescriptionIntern(nAnswer));
 }
 
 } // namespace

@@ -140,7 +140,8 @@ TEST(FingerMaskBuild, PastesNoImageThatStandsAtNoWindow) {
     const ClTestImage small = Numbered(1, 1);
     EXPECT_THROWS(ClOpenDynamicCalibration::PasteWindow(Windows(), small, frame), ClException, -35,
                   "The precut index 'nRefIdx' is out of range.");
-    EXPECT_NUMBER(ClOpenDynamicCalibration::PasteWindow(Windows(), ClImage(), frame), -701);
+    EXPECT_THROWS(ClOpenDynamicCalibration::PasteWindow(Windows(), ClImage(), frame), ClException,
+                  -701, "No image size given.");
     EXPECT_EQ(Pixels(frame), Pixels(FlatImage(ClImage::eUInt8, 10, 8, 1, 99)));
 }
 
@@ -234,7 +235,8 @@ TEST(FingerMaskBuild, RefusesAnImageWithoutResolution) {
     ClTestImage image = WarpedCapture("loop");
     image.SetPelsX(0);
     ClMaskRun run(image);
-    EXPECT_NUMBER(run.Build(), -13);
+    EXPECT_THROWS(run.Build(), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
 }
 
 TEST(FingerMaskBuild, RefusesARidgeDistanceThatIsNone) {

@@ -175,7 +175,10 @@ TEST(IpBrightnessMaskImages, RefusesOtherTypesBeforeAnyOutput) {
                 ClIpBrightnessMask ip;
                 Prepare(ip, in, mask, &prob);
                 ip.m_bIlFix = bIlFix;
-                EXPECT_NUMBER(ip.Apply(), -101);
+                EXPECT_THROWS(ip.Apply(), ClException, -101,
+                              nType == ClImage::eUInt8
+                                  ? "Color-image not supported in ClHistogram::Create."
+                                  : "Image Type is not the assigned type");
                 EXPECT_EQ(mask, ClMask2());
                 ExpectEmptyImage(prob);
                 ExpectSameImage(in, before);
@@ -205,7 +208,8 @@ TEST(IpBrightnessMaskImages, RefusesAnImageWithoutResolution) {
             ClMask2 mask;
             ClIpBrightnessMask ip;
             Prepare(ip, in, mask, nullptr);
-            EXPECT_NUMBER(ip.Apply(), -13);
+            EXPECT_THROWS(ip.Apply(), ClExTessarin, -13,
+                          "Pels are not in a valid range (see documentation).");
             EXPECT_EQ(mask.GetOffsetsCount(), 0);
         }
 }
@@ -217,19 +221,20 @@ TEST(IpBrightnessMaskImages, RefusesAnImageAtNoStepOfTheMask) {
     mask.BuildFromImage(large, 255);
     ClIpBrightnessMask ip;
     Prepare(ip, in, mask, nullptr);
-    EXPECT_NUMBER(ip.Apply(), -35);
+    EXPECT_THROWS(ip.Apply(), ClException, -35, "The precut index 'nRefIdx' is out of range.");
 }
 
-TEST(IpBrightnessMaskImages, PassesTheFailureOfAStepOn) {
-    // A threshold outside the range that the image claims is none.
+TEST(IpBrightnessMaskImages, GoesOnWhereAStepFindsNothingToDo) {
+    // A threshold outside the range that the image claims is none, and nothing is binarised.
     ClTestImage in = Square();
     in.SetWhite(50.0);
     ClMask2 mask;
     ClIpBrightnessMask ip;
     Prepare(ip, in, mask, nullptr);
     ip.m_bIlFix = false;
-    EXPECT_NUMBER(ip.Apply(), -35);
-    EXPECT_EQ(mask, ClMask2());
+    EXPECT_EQ(ip.Apply(), 0);
+    EXPECT_TRUE(mask.IsValid());
+    EXPECT_EQ(mask.m_aPrecutSteps[0].dWidth, in.Width());
 }
 
 // Settings
@@ -286,12 +291,21 @@ TEST(IpBrightnessMaskSettings, AnAreaBeyondAllNumbersIsNeverReached) {
 TEST(IpBrightnessMaskMemory, MissingLeavesEverythingUsable) {
     ClTestImage in = Square();
     const ClTestImage before = in;
+    ClMask2 toldMask;
+    ClTestImage told;
+    ClIpBrightnessMask first;
+    Prepare(first, in, toldMask, &told);
+    EXPECT_EQ(first.Apply(), 0);
     FailEachAllocation([&] {
         ClMask2 mask;
         ClImage prob;
         ClIpBrightnessMask ip;
         Prepare(ip, in, mask, &prob);
-        ip.Apply();
+        EXPECT_EQ(ip.Apply(), 0);
+        const long nPaused = PauseFailures();
+        EXPECT_EQ(mask, toldMask);
+        ExpectSameImage(prob, told);
+        ResumeFailures(nPaused);
     });
     ExpectSameImage(in, before);
 }

@@ -193,6 +193,7 @@ void ExpectAsExpected(ClIpContrastMask2& ip, ClTestImage& rIn, ClMask2 mask, boo
     EXPECT_TRUE(Pixels(prob) == expected.m_aProb);
     EXPECT_TRUE(Naive::RegionOf(mask) == expected.m_Region);
     EXPECT_EQ(mask.m_nPelsX, rIn.PelsX());
+    EXPECT_EQ(mask.m_nPelsY, rIn.PelsY());
     ExpectSameImage(rIn, before);
     if (bProb) {
         EXPECT_EQ(prob.PelsX(), rIn.PelsX());
@@ -265,6 +266,26 @@ TEST(IpContrastMask2Reference, AgreesAtOtherResolutions) {
         ip.m_dWorkDpi = 250.0;
         ExpectAsExpected(ip, in, ClMask2(), nPels % 2 == 0, seen);
     }
+    EXPECT_GE(seen.m_nFound, 2);
+}
+
+/// Every odd line of a capture alone makes one axis coarser than the other.
+TEST(IpContrastMask2Reference, AgreesAtUnequalResolutions) {
+    std::mt19937 random(45);
+    StSeen seen;
+    for (const auto& [nPelsX, nPelsY] :
+         {std::pair{19685, 9842}, {9842, 19685}, {19685, 39370}, {15000, 23000}, {11811, 9843}})
+        for (const bool bProb : {false, true}) {
+            SCOPED_TRACE(std::to_string(nPelsX) + " x " + std::to_string(nPelsY));
+            ClTestImage in = Gradients(97, 86, nPelsX, random);
+            in.SetPelsY(nPelsY);
+            ClIpContrastMask2 ip;
+            SetAtRandom(ip, random);
+            ip.m_dWorkDpi = 250.0;
+            ip.m_dMinFgBlobSize = RandomInt(random, 0, 2);
+            ExpectAsExpected(ip, in, ClMask2(), bProb, seen);
+        }
+    EXPECT_GE(seen.m_nPartial, 3);
 }
 
 } // namespace

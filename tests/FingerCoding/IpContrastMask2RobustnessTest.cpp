@@ -244,7 +244,8 @@ TEST(IpContrastMask2Images, OfNoSizeAreRefused) {
     ClTestImage prob;
     ClIpContrastMask2 ip;
     Prepare(ip, in, mask, &prob);
-    EXPECT_NUMBER(ip.Apply(), -13);
+    EXPECT_THROWS(ip.Apply(), ClExTessarin, -13,
+                  "Pels are not in a valid range (see documentation).");
     in.Attach(nullptr, ClImage::eUInt8, 0, 0, 1, cnTestPels, cnTestPels);
     EXPECT_THROW(ip.Apply(), ClException);
     EXPECT_EQ(mask, ClMask2());
@@ -274,7 +275,7 @@ TEST(IpContrastMask2Images, AtNoStepOfTheMaskAreRefused) {
     const ClMask2 before = mask;
     ClIpContrastMask2 ip;
     Prepare(ip, in, mask, nullptr);
-    EXPECT_NUMBER(ip.Apply(), -35);
+    EXPECT_THROWS(ip.Apply(), ClException, -35, "The precut index 'nRefIdx' is out of range.");
     EXPECT_EQ(mask, before);
 }
 
@@ -307,12 +308,21 @@ TEST(IpContrastMask2Settings, WithoutSenseGiveADefinedMask) {
 TEST(IpContrastMask2Memory, MissingLeavesEverythingUsable) {
     ClTestImage in = Gradients();
     const ClTestImage before = in;
+    ClMask2 toldMask;
+    ClTestImage told;
+    ClIpContrastMask2 first;
+    Prepare(first, in, toldMask, &told);
+    EXPECT_EQ(first.Apply(), 0);
     FailEachAllocation([&] {
         ClMask2 mask;
         ClImage prob;
         ClIpContrastMask2 ip;
         Prepare(ip, in, mask, &prob);
-        ip.Apply();
+        EXPECT_EQ(ip.Apply(), 0);
+        const long nPaused = PauseFailures();
+        EXPECT_EQ(mask, toldMask);
+        ExpectSameImage(prob, told);
+        ResumeFailures(nPaused);
     });
     ExpectSameImage(in, before);
 }

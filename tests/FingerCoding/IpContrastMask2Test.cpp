@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr const char* cszPels = "Pels are not in a valid range (see documentation).";
+
 using namespace TestSupport;
 
 /// 250 dots per inch, the resolution of the work: nothing is rescaled.
@@ -207,7 +209,7 @@ TEST_F(IpContrastMask2, RefusesAnInputWithoutResolution) {
         for (bool bX : {true, false}) {
             ClTestImage in = Flat(20, 10, 50);
             bX ? in.SetPelsX(nPels) : in.SetPelsY(nPels);
-            EXPECT_NUMBER(RunWithProb(in), -13);
+            EXPECT_THROWS(RunWithProb(in), ClExTessarin, -13, cszPels);
             EXPECT_EQ(m_Mask, ClMask2());
             ExpectEmptyImage(m_Prob);
         }
@@ -240,10 +242,55 @@ TEST_F(IpContrastMask2, RefusesAVerticalResolutionThatTheWorkLeavesNothingOf) {
 TEST_F(IpContrastMask2, RefusesAResolutionThatLeadsToAnAbsurdSize) {
     for (double d : {1e9, 1e300, std::numeric_limits<double>::infinity()}) {
         m_Ip.m_dWorkDpi = d;
-        EXPECT_NUMBER(Run(Flat(20, 10, 50)), -13);
+        EXPECT_THROWS(Run(Flat(20, 10, 50)), ClExTessarin, -13, cszPels);
     }
     m_Ip.m_dWorkDpi = 250.0;
-    EXPECT_NUMBER(Run(Flat(20, 10, 50, 1)), -13);
+    EXPECT_THROWS(Run(Flat(20, 10, 50, 1)), ClExTessarin, -13, cszPels);
+}
+
+namespace {
+
+/// The layout of an image, without a buffer.
+void Check(int nWidth, int nHeight, int nPelsX, int nPelsY) {
+    ClImage layout;
+    layout.Attach(nullptr, ClImage::eUInt8, nWidth, nHeight, 1, nPelsX, nPelsY);
+    ClIpContrastMask2().CheckWorkSize(layout);
+}
+
+} // namespace
+
+/// At 19685 per metre the work takes 9842: 8192 columns become 4095.79, rounded up, and 8193 one
+/// more.
+TEST_F(IpContrastMask2, WorksOnAtMost4096PixelsOfAnAxis) {
+    Check(8192, 100, 19685, 19685);
+    Check(100, 8192, 19685, 19685);
+    EXPECT_THROWS(Check(8193, 100, 19685, 19685), ClExTessarin, -13, cszPels);
+    EXPECT_THROWS(Check(100, 8193, 19685, 19685), ClExTessarin, -13, cszPels);
+    Check(4096, 100, cnWorkPels, cnWorkPels);
+    EXPECT_THROWS(Check(4097, 100, cnWorkPels, cnWorkPels), ClExTessarin, -13, cszPels);
+}
+
+TEST_F(IpContrastMask2, WorksOnAtMost8MillionPixels) {
+    Check(4000, 2000, cnWorkPels, cnWorkPels);
+    Check(2000, 4000, cnWorkPels, cnWorkPels);
+    EXPECT_THROWS(Check(4000, 2001, cnWorkPels, cnWorkPels), ClExTessarin, -13, cszPels);
+    EXPECT_THROWS(Check(2001, 4000, cnWorkPels, cnWorkPels), ClExTessarin, -13, cszPels);
+}
+
+/// One factor serves both axes, that of the horizontal resolution.
+TEST_F(IpContrastMask2, LimitsTheWorkByTheHorizontalResolution) {
+    Check(12, 6, 30, 60); // 328 times as wide and as high: 3937 by 1969
+    EXPECT_THROWS(Check(13, 6, 30, 60), ClExTessarin, -13, cszPels);
+    EXPECT_THROWS(Check(12, 7, 30, 60), ClExTessarin, -13, cszPels);
+    Check(12, 4096, 9842, 1);
+    EXPECT_THROWS(Check(12, 4097, 9842, 1), ClExTessarin, -13, cszPels);
+}
+
+TEST_F(IpContrastMask2, RefusesTooLargeAWorkBeforeItMakesAnything) {
+    ClTestImage in = Flat(70, 70, 50, 30);
+    EXPECT_THROWS(RunWithProb(in), ClExTessarin, -13, cszPels);
+    EXPECT_EQ(m_Mask, ClMask2());
+    ExpectEmptyImage(m_Prob);
 }
 
 // Mask

@@ -220,12 +220,12 @@ TEST(IpQK7DynamicCalibration30Run, EndsWhereAFileCannotBeWritten) {
     run.m_Calibration.m_bDumpDefectImage = true;
     run.m_Calibration.m_dDirtWarningLevel = -1.0;
     run.m_Calibration.m_dDryFingerWarningLevel = -1.0;
-    EXPECT_NUMBER(run.m_Calibration.Apply(), -200);
+    EXPECT_THROWS(run.m_Calibration.Apply(), ClExFilesystem, -200, "C:\\12_DefectImage.kpf");
     EXPECT_EQ(run.Dirt(), told.Dirt());
     EXPECT_EQ(run.Dry(), -1.0);
     folder.Block("C:\\01_InImage.kpf");
     run.m_Calibration.m_bDumpImages = true;
-    EXPECT_NUMBER(run.m_Calibration.Apply(), -200);
+    EXPECT_THROWS(run.m_Calibration.Apply(), ClExFilesystem, -200, "C:\\01_InImage.kpf");
 }
 
 // Memory
@@ -233,7 +233,17 @@ TEST(IpQK7DynamicCalibration30Run, EndsWhereAFileCannotBeWritten) {
 TEST(IpQK7DynamicCalibration30Run, AnswersEveryMissingAllocation) {
     ClTestImage image = SmallFinger();
     const ClTestImage before = image;
-    FailEachAllocation([&] { StDynamicRun run(image); });
+    const StDynamicRun told(image);
+    // A run that gets over a missing allocation has done all of its work.
+    FailEachAllocation([&] {
+        const StDynamicRun run(image);
+        const long nPaused = PauseFailures();
+        ExpectSameImage(run.m_Out, told.m_Out);
+        ExpectSameImage(run.m_Mask, told.m_Mask);
+        EXPECT_EQ(run.Dirt(), told.Dirt());
+        EXPECT_EQ(run.Dry(), told.Dry());
+        ResumeFailures(nPaused);
+    });
     ExpectSameImage(image, before);
 }
 

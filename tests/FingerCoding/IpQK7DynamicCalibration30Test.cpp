@@ -4,6 +4,7 @@
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
 
 #include "FingerCoding/OpenDynamicCalibration.h"
+#include "FingerCoding/TimerMarks.h"
 #include "support/PublishedParameters.h"
 
 #include <cstring>
@@ -11,6 +12,8 @@
 using namespace TestSupport;
 
 namespace {
+
+constexpr const char* cszPels = "Pels are not in a valid range (see documentation).";
 
 /// The left half of one value and the right half of another, of an odd width.
 ClTestImage Halves(int nLeft, int nRight) {
@@ -109,7 +112,7 @@ TEST(IpQK7DynamicCalibration30, RefusesOtherPixelTypes) {
                       "Image Type is not the assigned type");
     }
     ClTestImage image;
-    EXPECT_NUMBER(StDynamicRun{image}, -101);
+    EXPECT_THROWS(StDynamicRun{image}, ClException, -101, "Image Type is not the assigned type");
 }
 
 TEST(IpQK7DynamicCalibration30, RefusesSeveralPlanes) {
@@ -120,7 +123,27 @@ TEST(IpQK7DynamicCalibration30, RefusesSeveralPlanes) {
 
 TEST(IpQK7DynamicCalibration30, CannotSeekTheFingerWithoutAResolution) {
     ClTestImage image = WithoutResolution(WarpedCapture("loop"));
-    EXPECT_NUMBER(StDynamicRun{image}, -13);
+    EXPECT_THROWS(StDynamicRun{image}, ClExTessarin, -13, cszPels);
+}
+
+/// At the resolution of the work it would have 16000 pixels a line. Nothing is made of it before.
+TEST(IpQK7DynamicCalibration30, CannotSeekTheFingerAtAnAbsurdResolution) {
+    ClTestImage image = Halves(10, 200);
+    image.SetPelsX(75);
+    image.SetPelsY(75);
+    ClTimerMarks marks;
+    EXPECT_THROWS(StDynamicRun{image}, ClExTessarin, -13, cszPels);
+    EXPECT_EQ(marks.m_aNames, std::vector<std::string>{"ClIpStretchRangeGlobal"});
+    image.SetPelsX(600); // 123 * 9842 / 600 = 2018 by 2625
+    image.SetPelsY(600);
+    EXPECT_EQ(StDynamicRun(image).m_nResult, 0);
+}
+
+TEST(IpQK7DynamicCalibration30, NeedsNoResolutionWhereNoFingerIsSought) {
+    ClTestImage image = Halves(100, 196);
+    image.SetPelsX(1);
+    image.SetPelsY(1);
+    ExpectWithoutFinger(StDynamicRun(image));
 }
 
 TEST(IpQK7DynamicCalibration30, KeepsTheLevelsWhenARunEndsWithAnException) {
@@ -131,7 +154,7 @@ TEST(IpQK7DynamicCalibration30, KeepsTheLevelsWhenARunEndsWithAnException) {
     calibration.m_pOutImage = &out;
     calibration.m_dDirtWarningLevel = 12.5;
     calibration.m_dDryFingerWarningLevel = 62.5;
-    EXPECT_NUMBER(calibration.Apply(), -13);
+    EXPECT_THROWS(calibration.Apply(), ClExTessarin, -13, cszPels);
     EXPECT_EQ(calibration.m_dDirtWarningLevel, 12.5);
     EXPECT_EQ(calibration.m_dDryFingerWarningLevel, 62.5);
 }
@@ -150,7 +173,7 @@ TEST(IpQK7DynamicCalibration30, SeeksTheFingerInARangeAbove96) {
     ClTestImage narrow = WithoutResolution(Halves(100, 196));
     ExpectWithoutFinger(StDynamicRun(narrow));
     ClTestImage wide = WithoutResolution(Halves(100, 197));
-    EXPECT_NUMBER(StDynamicRun{wide}, -13);
+    EXPECT_THROWS(StDynamicRun{wide}, ClExTessarin, -13, cszPels);
 }
 
 /// A quarter of the image is 255, and what counts is the largest value below.
@@ -164,12 +187,12 @@ TEST(IpQK7DynamicCalibration30, SetsSaturatedSamplesAside) {
     ClTestImage narrow = Saturated(104);
     ExpectWithoutFinger(StDynamicRun(narrow));
     ClTestImage wide = Saturated(103);
-    EXPECT_NUMBER(StDynamicRun{wide}, -13);
+    EXPECT_THROWS(StDynamicRun{wide}, ClExTessarin, -13, cszPels);
 }
 
 TEST(IpQK7DynamicCalibration30, SeeksTheFingerInAnyRangeInTheSensitiveMode) {
     ClTestImage image = WithoutResolution(Halves(100, 196));
-    EXPECT_NUMBER((StDynamicRun{image, true}), -13);
+    EXPECT_THROWS((StDynamicRun{image, true}), ClExTessarin, -13, cszPels);
     image = Halves(100, 196);
     StDynamicRun run(image, true);
     EXPECT_EQ(run.m_nResult, 0);
@@ -306,7 +329,7 @@ TEST(IpQK7DynamicCalibration30, ChangesACaptureThatIsTheOutputOnlyWithSuccess) {
     ClIpQK7DynamicCalibration30 calibration;
     calibration.m_pInImage = &image;
     calibration.m_pOutImage = &image;
-    EXPECT_NUMBER(calibration.Apply(), -13);
+    EXPECT_THROWS(calibration.Apply(), ClExTessarin, -13, cszPels);
     ExpectSameImage(image, before);
 }
 

@@ -184,13 +184,17 @@ TEST(IpQK7FunctionalityCheck, HasAnEmptySensorMaskForAnEmptyImage) {
 TEST(IpQK7FunctionalityCheck, SurvivesEachMissingAllocation) {
     const ClTestImage In = RandomImage(ClImage::eUInt8, 91, 121, 1, 2);
     ClTestImage in = In;
-    const double dExpected = NaiveLevel(NaiveDefects(Pixels(In), 5));
+    const Rows aExpected = NaiveDefects(Pixels(In), 5);
+    const double dExpected = NaiveLevel(aExpected);
     ASSERT_GT(dExpected, 0.0);
     ClIpQK7FunctionalityCheck check;
     FailEachAllocation([&] {
         check.m_dOutDefectWarningLevel = 7.0;
         ClImage out;
         check.ApplyParam(in, out, ClImage::eTypeDefault);
+        const long nPaused = PauseFailures();
+        EXPECT_EQ(Pixels(out), aExpected);
+        ResumeFailures(nPaused);
         EXPECT_EQ(check.m_dOutDefectWarningLevel, dExpected);
     });
     EXPECT_EQ(check.m_dOutDefectWarningLevel, dExpected);

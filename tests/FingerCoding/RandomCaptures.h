@@ -20,12 +20,40 @@ public:
         static constexpr int aPels[][2] = {{19685, 19685}, {19685, 9842},  {9842, 19685},
                                            {19685, 39370}, {15000, 23000}, {9842, 9842}};
         const auto& Pels = aPels[Number(0, static_cast<int>(std::size(aPels)) - 1)];
-        m_Image.NewWithType(ClImage::eUInt8, Number(60, 220), Number(60, 260), 1, Pels[0], Pels[1]);
-        PaintPlaten();
-        for (int n = Number(0, 5) / 2; n > 0; --n)
-            PaintPrint();
+        Lay(60, 220, 60, 260, Pels[0], Pels[1]);
+        for (int n = Number(0, 5) / 2; n > 0; --n) {
+            const double dX = Number(0, m_Image.Width());
+            const double dY = Number(0, m_Image.Height());
+            const double dHalfWidth = Number(15, 90);
+            const double dHalfHeight = Number(20, 110);
+            PaintPrint(dX, dY, dHalfWidth, dHalfHeight, Number(30, 220));
+        }
         for (int n = Number(0, 3); n > 0; --n)
             PaintSpeck();
+        return m_Image;
+    }
+
+    /// A print of less than ten square millimetres on a platen of much noise.
+    ClTestImage MakeOnARoughPlaten() {
+        m_nMostNoise = 40;
+        Lay(100, 170, 100, 170, 19685, 19685);
+        const double dX = m_Image.Width() / 2.0 + Number(-9, 9);
+        const double dY = m_Image.Height() / 2.0 + Number(-9, 9);
+        const double dHalfWidth = Number(12, 26);
+        const double dHalfHeight = Number(12, 26);
+        PaintPrint(dX, dY, dHalfWidth, dHalfHeight, Number(60, 200));
+        return m_Image;
+    }
+
+    /// A print of a few millimetres.
+    ClTestImage MakeOfAScrap() {
+        const int nPels = Number(1, 2) * 9842;
+        Lay(110, 240, 110, 240, nPels, nPels);
+        const double dX = m_Image.Width() / 2.0 + Number(-9, 9);
+        const double dY = m_Image.Height() / 2.0 + Number(-9, 9);
+        const double dHalfWidth = Number(14, 44);
+        const double dHalfHeight = Number(14, 44);
+        PaintPrint(dX, dY, dHalfWidth, dHalfHeight, Number(20, 120));
         return m_Image;
     }
 
@@ -45,21 +73,25 @@ private:
             }
     }
 
+    /// A platen of a size between the limits.
+    void Lay(int nLeastWidth, int nMostWidth, int nLeastHeight, int nMostHeight, int nPelsX,
+             int nPelsY) {
+        const int nWidth = Number(nLeastWidth, nMostWidth);
+        m_Image.NewWithType(ClImage::eUInt8, nWidth, Number(nLeastHeight, nMostHeight), 1, nPelsX,
+                            nPelsY);
+        PaintPlaten();
+    }
+
     void PaintPlaten() {
         const int nLight = Number(150, 265);
         const double dSlope = Number(-60, 60);
-        const int nNoise = Number(0, 8);
+        const int nNoise = Number(0, m_nMostNoise);
         Paint([&](int x, int, double) {
             return nLight + dSlope * (1.0 * x / m_Image.Width() - 0.5) + Number(-nNoise, nNoise);
         });
     }
 
-    void PaintPrint() {
-        const double dX = Number(0, m_Image.Width());
-        const double dY = Number(0, m_Image.Height());
-        const double dHalfWidth = Number(15, 90);
-        const double dHalfHeight = Number(20, 110);
-        const double dDepth = Number(30, 220);
+    void PaintPrint(double dX, double dY, double dHalfWidth, double dHalfHeight, double dDepth) {
         const double dRidge = Number(60, 140) / 10.0;
         const double dSlant = Number(-20, 20) / 10.0;
         const double dClosed = Number(0, 60) / 100.0; // how little the valleys are seen
@@ -84,6 +116,7 @@ private:
     }
 
     std::mt19937 m_Random;
+    int m_nMostNoise = 8; ///< grey values
     ClTestImage m_Image;
 };
 

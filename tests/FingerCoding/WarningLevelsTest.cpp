@@ -50,6 +50,17 @@ ClTestImage Flat(int nValue, int nWidth = 30, int nHeight = 20) {
     return FlatImage(ClImage::eUInt8, nWidth, nHeight, 1, nValue);
 }
 
+constexpr const char* cszPlanes = "Only grey-scale images with 8-bit color-depth are supported.";
+
+/// Fields of 8 by 8 pixels.
+ClTestImage Checkerboard(int nWidth, int nHeight) {
+    ClTestImage image = Flat(0, nWidth, nHeight);
+    for (int y = 0; y < nHeight; ++y)
+        for (int x = 0; x < nWidth; ++x)
+            image.LineData(y)[x] = (x / 8 + y / 8) % 2 == 0 ? 90 : 250;
+    return image;
+}
+
 } // namespace
 
 // Weights
@@ -198,14 +209,25 @@ TEST(WarningLevels, AreZeroWithoutLines) {
     EXPECT_EQ(DryOf(ClTestImage(), Flat(0)), 0.0);
 }
 
-TEST(WarningLevels, AreTheBoundWithoutLinesForTheOtherDirtLevel) {
-    EXPECT_EQ(Dirt2Of(Flat(0), Flat(0, 20, 20)), 100.0); // no difference of unequal images
+/// A checkerboard has a level of its own, far above the bound; no difference leaves the bound.
+TEST(WarningLevels, AreTheBoundForTheOtherDirtLevelWhereNothingIsLeft) {
+    const ClTestImage dirty = Checkerboard(120, 160);
+    EXPECT_GT(Dirt2Of(dirty, Flat(255, 120, 160)), 100.0);
+    EXPECT_EQ(Dirt2Of(dirty, Flat(255, 120, 159)), 100.0); // unequal sizes
+    EXPECT_EQ(Dirt2Of(ClTestImage(), Flat(255)), 100.0);   // no capture
+}
+
+TEST(WarningLevels, NeedAMaskForTheOtherDirtLevel) {
+    EXPECT_THROWS(Dirt2Of(Flat(0), ClTestImage()), ClException, -33,
+                  "Input pixel type \"unknown\" not supported by processor.");
 }
 
 TEST(WarningLevels, RefuseImagesOfUnequalSize) {
     for (const auto& [nWidth, nHeight] : {std::pair{31, 20}, {29, 20}, {30, 21}, {30, 19}}) {
-        EXPECT_NUMBER(DirtOf(Flat(0, nWidth, nHeight), Flat(255)), -14);
-        EXPECT_NUMBER(DryOf(Flat(0, nWidth, nHeight), Flat(255)), -14);
+        EXPECT_THROWS(DirtOf(Flat(0, nWidth, nHeight), Flat(255)), ClExTessarin, -14,
+                      "The image is too small or too big.");
+        EXPECT_THROWS(DryOf(Flat(0, nWidth, nHeight), Flat(255)), ClExTessarin, -14,
+                      "The image is too small or too big.");
     }
 }
 
@@ -215,6 +237,6 @@ TEST(WarningLevels, RefuseOtherPixelTypesAndPlanes) {
                   "Image Type is not the assigned type");
     EXPECT_THROWS(DryOf(Flat(255), wide), ClException, -101, "Image Type is not the assigned type");
     const ClTestImage planes = BlankImage(ClImage::eUInt8, 30, 20, 3);
-    EXPECT_NUMBER(DirtOf(planes, Flat(255)), -11);
-    EXPECT_NUMBER(DryOf(Flat(255), planes), -11);
+    EXPECT_THROWS(DirtOf(planes, Flat(255)), ClExTessarin, -11, cszPlanes);
+    EXPECT_THROWS(DryOf(Flat(255), planes), ClExTessarin, -11, cszPlanes);
 }
