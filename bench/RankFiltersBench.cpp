@@ -6,8 +6,8 @@
 #include "ImageProcessing/IpFilterMedian.h"
 #include "ImageProcessing/IpFilterMid.h"
 #include "ImageProcessing/IpFilterMin.h"
-#include "ImageProcessing/MeanWalk.h"
-#include "ImageProcessing/RankWalk.h"
+#include "ImageProcessing/Walks/MeanWalk.h"
+#include "ImageProcessing/Walks/RankWalk.h"
 #include "Tools/FpImage.h"
 
 #include <benchmark/benchmark.h>

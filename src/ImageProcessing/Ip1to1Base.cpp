@@ -1,7 +1,7 @@
 #include "ImageProcessing/Ip1to1Base.h"
 
 #include "ImageProcessing/ImageParameters.h"
-#include "ImageProcessing/SampleWalk.h"
+#include "ImageProcessing/Walks/SampleWalk.h"
 
 // NewIpBase::ClIp1to1Base
 

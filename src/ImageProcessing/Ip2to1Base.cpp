@@ -2,7 +2,7 @@
 
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/Overlay.h"
-#include "ImageProcessing/PairWalk.h"
+#include "ImageProcessing/Walks/PairWalk.h"
 #include "Tools/Allocate.h"
 
 #include <TessarinCalibrateSDK.h>

@@ -40,7 +40,7 @@ public:
 
     /// Walks the overlap: `nWidth` by `nHeight` pixels, at the given offsets into the samples of
     /// each image, whose lines are the given strides apart. Nothing is written for a width or
-    /// height of 0 or less, nor where the plane counts cannot be paired, see PairWalk.h.
+    /// height of 0 or less, nor where the plane counts cannot be paired, see Walks/PairWalk.h.
     ///
     /// With `m_bUseLUT` and an 8-bit image 2, the results of GetValue() come from a table of 256
     /// by 256, whose rows and columns begin at the black of image 1 and of image 2 and end at

@@ -1,8 +1,8 @@
 #include "ImageProcessing/IpBinarizeGlobal.h"
 
 #include "ImageProcessing/ImageParameters.h"
-#include "ImageProcessing/SampleWalk.h"
 #include "ImageProcessing/SettingsText.h"
+#include "ImageProcessing/Walks/SampleWalk.h"
 #include "Tools/Allocate.h"
 
 #include <cmath>

@@ -1,10 +1,10 @@
 #pragma once
 
 /// `TpIpFilterExtreme`, what `ClIpFilterMax` and `ClIpFilterMin` share: everything but the order
-/// of samples and their names. See RankWalk.h for the walks.
+/// of samples and their names. See Walks/RankWalk.h for the walks.
 
 #include "ImageProcessing/IpFilterBase.h"
-#include "ImageProcessing/RankWalk.h"
+#include "ImageProcessing/Walks/RankWalk.h"
 
 template <EExtreme eExtreme>
 class TpIpFilterExtreme : public ClIpFilterBase {

@@ -5,7 +5,7 @@
 ///     out[x] = max(in[x - h], ..., in[x + h])      h = width / 2, cut at the image edge
 ///
 /// along lines (mode 1), along columns (2) or along both (3), which is the maximum over a square:
-/// lines first, then columns of that result. Every pixel type; see RankWalk.h for the way.
+/// lines first, then columns of that result. Every pixel type; see Walks/RankWalk.h for the way.
 
 #include "ImageProcessing/IpFilterExtreme.h"
 

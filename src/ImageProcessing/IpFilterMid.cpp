@@ -2,8 +2,8 @@
 
 #include "ImageProcessing/Kernels/Mean.h"
 #include "ImageProcessing/LocalTarget.h"
-#include "ImageProcessing/MeanWalk.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
+#include "ImageProcessing/Walks/MeanWalk.h"
 #include "Tools/Allocate.h"
 #include "Tools/ParameterContainer.h"
 

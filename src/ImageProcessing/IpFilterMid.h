@@ -15,7 +15,7 @@
 ///     edge     6 samples   ((sum + 3) * 682) >> 12
 ///     inside   9 samples   ((sum + 4) * 455) >> 12
 ///
-/// Bytes take Kernels/Mean.h, the other pixel types the walks of MeanWalk.h.
+/// Bytes take Kernels/Mean.h, the other pixel types the walks of Walks/MeanWalk.h.
 
 #include "ImageProcessing/IpFilterBase.h"
 

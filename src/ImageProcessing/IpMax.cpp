@@ -1,8 +1,8 @@
 #include "ImageProcessing/IpMax.h"
 
 #include "ImageProcessing/Kernels/Arithmetic.h"
-#include "ImageProcessing/PairWalk.h"
 #include "ImageProcessing/RangeClip.h"
+#include "ImageProcessing/Walks/PairWalk.h"
 #include "Tools/Allocate.h"
 
 namespace {

@@ -2,8 +2,8 @@
 
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/RangeClip.h"
-#include "ImageProcessing/SampleWalk.h"
 #include "ImageProcessing/SettingsText.h"
+#include "ImageProcessing/Walks/SampleWalk.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>

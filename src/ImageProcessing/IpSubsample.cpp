@@ -1,10 +1,10 @@
 #include "ImageProcessing/IpSubsample.h"
 
-#include "ImageProcessing/ByteSamples.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PlaneByPlane.h"
 #include "ImageProcessing/RequireBytes.h"
 #include "ImageProcessing/SettingsText.h"
+#include "ImageProcessing/Walks/ByteSamples.h"
 #include "Tools/Allocate.h"
 #include "Tools/ParameterContainer.h"
 

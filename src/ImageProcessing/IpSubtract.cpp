@@ -2,8 +2,8 @@
 
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/Kernels/Arithmetic.h"
-#include "ImageProcessing/PairWalk.h"
 #include "ImageProcessing/RangeClip.h"
+#include "ImageProcessing/Walks/PairWalk.h"
 #include "Tools/Allocate.h"
 
 #include <TessarinCalibrateSDK.h>

@@ -1,7 +1,7 @@
 #include "ImageProcessing/Overlay.h"
 
-#include "ImageProcessing/PairWalk.h"
-#include "ImageProcessing/SampleBlocks.h"
+#include "ImageProcessing/Walks/PairWalk.h"
+#include "ImageProcessing/Walks/SampleBlocks.h"
 #include "Tools/Exception.h"
 
 #include <algorithm>

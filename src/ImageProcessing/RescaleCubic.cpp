@@ -18,8 +18,8 @@
 // Its weights sum to 1, so it adds weighted differences to the tap at the position itself, which
 // keeps a constant exactly. Four taps a row and a table per column stand against sixteen roots.
 
-#include "ImageProcessing/ByteSamples.h"
 #include "ImageProcessing/RescaleModes.h"
+#include "ImageProcessing/Walks/ByteSamples.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>

@@ -7,9 +7,9 @@
 // Counted in W-th parts of a sample all ends of cells are integers, and sums of them exact: the
 // quotient is what the mean is, in every precision that holds it. Kernels/CellMean.h does the sums.
 
-#include "ImageProcessing/ByteSamples.h"
 #include "ImageProcessing/Kernels/CellMean.h"
 #include "ImageProcessing/RescaleModes.h"
+#include "ImageProcessing/Walks/ByteSamples.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>

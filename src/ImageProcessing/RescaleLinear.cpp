@@ -13,9 +13,9 @@
 // Shrinking. Column x is the mean of the cell from x * step to (x + 1) * step, the last one to
 // w << 12, see Kernels/CellMean.h. An axis that shrinks goes first: less is left for the other.
 
-#include "ImageProcessing/ByteSamples.h"
 #include "ImageProcessing/Kernels/CellMean.h"
 #include "ImageProcessing/RescaleModes.h"
+#include "ImageProcessing/Walks/ByteSamples.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>

@@ -6,7 +6,7 @@
 /// an image of three. Other counts pair nothing.
 
 #include "ImageProcessing/PixelTypeDispatch.h"
-#include "ImageProcessing/SampleBlocks.h"
+#include "ImageProcessing/Walks/SampleBlocks.h"
 #include "Tools/FpImage.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-#include "ImageProcessing/SampleBlocks.h"
+#include "ImageProcessing/Walks/SampleBlocks.h"
 
 #include "ImageProcessing/PixelTypeDispatch.h"
 
