@@ -1,30 +1,23 @@
 #pragma once
 
-/// Keeps the image pointers of a processor while a part of its work runs on other images.
+/// Lets an image pointer of a processor name another image while a part of its work runs on that
+/// one; the pointer gets its own image back at the end, an exception included.
 
 #include "Tools/FpImage.h"
 
 class ClImageSwitch {
 public:
-    ClImageSwitch(ClImage*& pIn, ClImage*& pOut)
-        : m_rIn(pIn), m_rOut(pOut), m_pIn(pIn), m_pOut(pOut) {}
+    explicit ClImageSwitch(ClImage*& pImage) : m_rImage(pImage), m_pOwn(pImage) {}
+    ClImageSwitch(ClImage*& pImage, ClImage& Other) : ClImageSwitch(pImage) { Set(Other); }
     ClImageSwitch(const ClImageSwitch&) = delete;
     ClImageSwitch& operator=(const ClImageSwitch&) = delete;
-    ~ClImageSwitch() {
-        m_rIn = m_pIn;
-        m_rOut = m_pOut;
-    }
+    ~ClImageSwitch() { m_rImage = m_pOwn; }
 
-    void Set(ClImage& In, ClImage& Out) {
-        m_rIn = &In;
-        m_rOut = &Out;
-    }
-    ClImage& In() const { return *m_pIn; }
-    ClImage& Out() const { return *m_pOut; }
+    void Set(ClImage& Other) { m_rImage = &Other; }
+    /// The image that the pointer named before, and will name again; may be null.
+    ClImage* Own() const { return m_pOwn; }
 
 private:
-    ClImage*& m_rIn;
-    ClImage*& m_rOut;
-    ClImage* m_pIn;
-    ClImage* m_pOut;
+    ClImage*& m_rImage;
+    ClImage* m_pOwn;
 };

@@ -1,6 +1,7 @@
 #include "ImageProcessing/IpArithmetic2to1Base.h"
 
 #include "ImageProcessing/ImageParameters.h"
+#include "ImageProcessing/ImageSwitch.h"
 #include "ImageProcessing/Overlay.h"
 #include "ImageProcessing/SettingsText.h"
 
@@ -14,21 +15,6 @@ namespace {
 constexpr const char* cszInImage1 = "In1: Original Image";
 constexpr const char* cszInImage2 = "In2: 2nd Original Image";
 constexpr const char* cszOutImage = "Out: Output Image";
-
-/// Lets a pointer name another image until it is destroyed.
-class ClRedirect {
-public:
-    ClRedirect(ClImage*& pImage, ClImage* pOther) : m_rImage(pImage), m_pOld(pImage) {
-        m_rImage = pOther;
-    }
-    ClRedirect(const ClRedirect&) = delete;
-    ClRedirect& operator=(const ClRedirect&) = delete;
-    ~ClRedirect() { m_rImage = m_pOld; }
-
-private:
-    ClImage*& m_rImage;
-    ClImage* m_pOld;
-};
 
 bool IsByteType(const ClImage& Image) {
     return Image.DataType() == ClImage::eUInt8 || Image.DataType() == ClImage::eInt8;
@@ -105,7 +91,7 @@ long ClIpArithmetic2to1Base::Process() {
     }
     ClImage Local;
     {
-        const ClRedirect Redirect(m_pOutImage, &Local);
+        const ClImageSwitch OutImage(m_pOutImage, Local);
         ProcessToOutImage();
     }
     m_pOutImage->Swap(Local);

@@ -6,15 +6,13 @@
 #include "ImageProcessing/IpSplitPlanes.h"
 #include "Tools/Exception.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
 
 /// The line that exceptions about an unknown mode name.
 constexpr long cnUnknownModeLine = 178;
-
-/// Numbers without a row in the catalogue; applications know it by its "Unknown error code.".
-constexpr long cnUnknownMode = -6;
 
 } // namespace
 
@@ -66,45 +64,59 @@ long ClIpFilterBase::ParameterString(char* pBuffer, unsigned long nSize) {
     return nLength;
 }
 
+bool ClIpFilterBase::HasInput() const {
+    return m_pInImage != nullptr && (m_pInImage->Data() != nullptr || m_pInImage->SizeBytes() == 0);
+}
+
 bool ClIpFilterBase::HasImages() const {
-    return m_pInImage != nullptr && m_pOutImage != nullptr &&
-           (m_pInImage->Data() != nullptr || m_pInImage->SizeBytes() == 0);
+    return HasInput() && m_pOutImage != nullptr;
+}
+
+long ClIpFilterBase::HalfWidth() const {
+    return std::max(m_nFilterWidth, 0L) / 2;
 }
 
 long ClIpFilterBase::Process() {
+    return m_nFilterWidth <= 1 ? CopyInput() : ProcessPlanes();
+}
+
+long ClIpFilterBase::CopyInput() {
     if (!HasImages())
         return QMT_ERROR_PARAM_OUT_OF_RANGE;
-    if (m_nFilterWidth <= 1) {
-        *m_pOutImage = *m_pInImage;
-        return 0;
-    }
-    return ProcessPlanes();
+    *m_pOutImage = *m_pInImage;
+    return 0;
 }
 
 long ClIpFilterBase::ProcessPlanes() {
-    if (m_pInImage->Planes() >= 2) {
-        ProcessMultiPlane();
-        return 0;
+    if (m_pInImage != nullptr && m_pInImage->Planes() >= 2) {
+        const long nResult = ProcessMultiPlane();
+        return HasImages() ? 0 : nResult;
     }
-    if (m_pInImage == m_pOutImage)
+    if (m_pInImage != nullptr && m_pInImage == m_pOutImage)
         return QMT_ERROR_BITMAP_PTR;
     return DoProcess();
 }
 
 long ClIpFilterBase::ProcessMultiPlane() {
-    ClImageSwitch Images(m_pInImage, m_pOutImage);
-    ClImage& In = Images.In();
+    if (!HasInput())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    ClImageSwitch InImage(m_pInImage);
+    ClImageSwitch OutImage(m_pOutImage);
+    ClImage& In = *InImage.Own();
     ClImage aPlane[ClIpSplitPlanes::cnMaxPlanes];
     ClImage aFiltered[ClIpSplitPlanes::cnMaxPlanes];
     ClIpSplitPlanes Split;
     long nResult = Split.ApplyParam(In, &aPlane[0], &aPlane[1], &aPlane[2], &aPlane[3]);
     for (int p = 0; p < In.Planes() && nResult == 0; ++p) {
-        Images.Set(aPlane[p], aFiltered[p]);
+        InImage.Set(aPlane[p]);
+        OutImage.Set(aFiltered[p]);
         nResult = DoProcess();
         aPlane[p].Delete();
     }
     if (nResult != 0)
         return nResult;
+    if (OutImage.Own() == nullptr)
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
 
     ClImage Joined;
     ClIpJoinPlanes Join;
@@ -114,7 +126,7 @@ long ClIpFilterBase::ProcessMultiPlane() {
         return nResult;
     Joined.SetContent(In.Content());
     Joined.SetAttribute(In.Attribute());
-    Images.Out().Swap(Joined);
+    OutImage.Own()->Swap(Joined);
     return 0;
 }
 
@@ -149,15 +161,17 @@ long ClIpFilterBase::ProcessY() {
 
 template <class First, class Second>
 long ClIpFilterBase::ProcessTwice(First first, Second second) {
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
     ClImage Local;
-    ClImageSwitch Images(m_pInImage, m_pOutImage);
-    Images.Set(Images.In(), Local);
-    long nResult = first();
-    if (nResult == 0) {
-        Images.Set(Local, Images.Out());
-        nResult = second();
+    {
+        const ClImageSwitch OutImage(m_pOutImage, Local);
+        const long nResult = first();
+        if (nResult != 0)
+            return nResult;
     }
-    return nResult;
+    const ClImageSwitch InImage(m_pInImage, Local);
+    return second();
 }
 
 long ClIpFilterBase::ProcessXY() {
@@ -184,11 +198,13 @@ long ClIpFilterBase::ProcessSignedDirected(bool) {
     return 0;
 }
 
-long ClIpFilterBase::CheckDirectionImages() const {
+long ClIpFilterBase::CheckDirectionImages(const char* szFile, long nLine) const {
     if (m_pInDxImage == nullptr)
         throw ClException("m_pInDxImage is not set", QMT_ERROR_BAD_POINTER, true, VEK_HERE);
     if (m_pInDyImage == nullptr)
-        throw ClException("m_pInDyImage is not set", QMT_ERROR_BAD_POINTER, true, VEK_HERE);
+        throw ClException("m_pInDyImage is not set", QMT_ERROR_BAD_POINTER, true, szFile, nLine);
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
     for (const ClImage* pImage : {m_pInDxImage, m_pInDyImage})
         if (pImage->Planes() != 1 || pImage->BytesPerSample() != 1 ||
             pImage->Width() != m_pInImage->Width() || pImage->Height() != m_pInImage->Height() ||

@@ -6,9 +6,6 @@
 
 namespace {
 
-/// Without a row in the catalogue, as in the frame.
-constexpr long cnUnknownMode = -6;
-
 /// The places that failures name: those of two files, which logs are searched for.
 template <EExtreme eExtreme>
 struct TpPlaces;
@@ -55,21 +52,8 @@ long TpIpFilterExtreme<eExtreme>::DoProcess() {
 template <EExtreme eExtreme>
 template <class T>
 long TpIpFilterExtreme<eExtreme>::ProcessT() {
-    if (m_pInImage->Data() == nullptr && m_pInImage->SizeBytes() > 0)
-        return QMT_ERROR_PARAM_OUT_OF_RANGE;
-    switch (m_nMode) {
-    case ModeX:
-        return ProcessT_X<T>();
-    case ModeY:
-        return ProcessT_Y<T>();
-    case ModeXY:
-        return ProcessT_XY<T>();
-    case ModeDirected:
-    case ModeDirectedOrtho:
-        return QMT_ERROR_FORMAT_NOTSUPPORTED;
-    default:
-        throw ClExTessarin(cnUnknownMode, TpPlaces<eExtreme>::cszFile, __LINE__);
-    }
+    return ProcessAxes([this] { return ProcessT_X<T>(); }, [this] { return ProcessT_Y<T>(); },
+                       [this] { return ProcessT_XY<T>(); }, TpPlaces<eExtreme>::cszFile, __LINE__);
 }
 
 template <EExtreme eExtreme>
@@ -87,8 +71,10 @@ template <EExtreme eExtreme>
 template <class Walk>
 long TpIpFilterExtreme<eExtreme>::Run(Walk walk) {
     CheckImages();
+    if (!HasInput())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
     return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Out) {
-        walk(In, HalfWidth(m_nFilterWidth), Out);
+        walk(In, HalfWidth(), Out);
         return 0L;
     });
 }

@@ -14,8 +14,9 @@ public:
     /// Images and width alone.
     void QueryParameters(ClParameterInterface& List) override;
     /// One plane. Tests in this order: throws "Filter width has to be odd." (-44); returns -35
-    /// without an input and its pixels, -101 for an unknown pixel type, -33 for the directed
-    /// modes; throws -6 for an unknown mode and "m_pOutImage is not set" (-701).
+    /// without an input, -101 for an unknown pixel type, -33 for the directed modes; throws -6 for
+    /// an unknown mode and "m_pOutImage is not set" (-701); returns -35 for an input without the
+    /// pixels that it claims.
     long DoProcess() override;
 
     long ApplyParam(ClImage& In, ClImage& Out, long nWidth, long nMode);

@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/Kernels/Median.h"
 #include "ImageProcessing/LocalTarget.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
@@ -43,9 +44,7 @@ long ClIpFilterMedian::Check(unsigned char nType) const {
         return QMT_ERROR_PARAM_OUT_OF_RANGE;
     if (m_pInImage->Width() < 1 || m_pInImage->Height() < 1)
         return QMT_ERROR_BITMAP_DIMENSION;
-    if (m_pInImage->DataType() != nType)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireType(*m_pInImage, nType, VEK_HERE);
     return 0;
 }
 
@@ -55,7 +54,7 @@ long ClIpFilterMedian::Filter(unsigned char nType, bool bX, bool bY) {
     if (nCheck != 0)
         return nCheck;
     return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Out) {
-        const long nHalf = m_nFilterWidth / 2;
+        const long nHalf = HalfWidth();
         Out = In;
         if (In.SizeBytes() > 0)
             Kernels::MedianOfWindow(In.Line<const T>(0), In.LineStrideSamples(), In.Width(),

@@ -3,6 +3,7 @@
 #include "ImageProcessing/Kernels/Mean.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
+#include "ImageProcessing/Walks/DirectedWalk.h"
 #include "ImageProcessing/Walks/MeanWalk.h"
 #include "Tools/Allocate.h"
 #include "Tools/ParameterContainer.h"
@@ -12,9 +13,6 @@
 namespace {
 
 constexpr long cnNoDyImageLine = 316;
-
-/// Without a row in the catalogue, as in the frame.
-constexpr long cnUnknownMode = -6;
 
 } // namespace
 
@@ -46,7 +44,7 @@ long ClIpFilterMid::Initialize() {
 }
 
 long ClIpFilterMid::DoProcess() {
-    if (!HasImages())
+    if (m_pInImage == nullptr)
         return QMT_ERROR_PARAM_OUT_OF_RANGE;
     const unsigned char nType = m_pInImage->DataType();
     if (nType == ClImage::eUInt8 || nType == ClImage::eInt8)
@@ -59,17 +57,12 @@ long ClIpFilterMid::DoProcess() {
 
 // The window
 
-long ClIpFilterMid::Half() const {
-    return std::max(m_nFilterWidth, 0L) / 2;
-}
-
 bool ClIpFilterMid::IsWiderThanImage(long nAxes) const {
-    const long nWindow = 2 * Half() + 1;
-    return ((nAxes & ModeX) != 0 && nWindow > m_pInImage->Width()) ||
-           ((nAxes & ModeY) != 0 && nWindow > m_pInImage->Height());
+    return ((nAxes & ModeX) != 0 && m_nFilterWidth > m_pInImage->Width()) ||
+           ((nAxes & ModeY) != 0 && m_nFilterWidth > m_pInImage->Height());
 }
 
-/// Calls `work(In, Half(), Out)` with an output like the input, or copies.
+/// Calls `work(In, HalfWidth(), Out)` with an output like the input, or copies.
 template <class Work>
 long ClIpFilterMid::Run(long nAxes, Work work) {
     if (!HasImages())
@@ -81,7 +74,7 @@ long ClIpFilterMid::Run(long nAxes, Work work) {
         }
         Out.New(In);
         if (In.SizeBytes() > 0)
-            work(In, Half(), Out);
+            work(In, HalfWidth(), Out);
         return 0L;
     });
 }
@@ -109,7 +102,7 @@ long ClIpFilterMid::Filter(long nAxes) {
 template <class T>
 long ClIpFilterMid::FilterXY() {
     return Run(ModeXY, [&](const ClImage& In, long nHalf, ClImage& Out) {
-        const bool bThree = nHalf == 1;
+        const bool bThree = m_nFilterWidth == 3;
         if (m_pRemainder != nullptr && bThree)
             Process3x3Remainder<T>(In, Out);
         else if (m_pRemainder != nullptr)
@@ -174,57 +167,37 @@ long ClIpFilterMid::ProcessSignedXY() {
 
 namespace {
 
-struct StStep {
-    long m_nX, m_nY; ///< 1/256 pixel
-};
-
-StStep StepOf(long nDx, long nDy, bool bOrtho) {
-    return bOrtho ? StStep{2 * nDy, 2 * nDx} : StStep{2 * nDx, -2 * nDy};
-}
-
-/// The mean of the samples at most `nReach` steps away, none of which leaves the image: a step is
-/// one pixel at most on either axis.
-unsigned char MeanAlong(const ClImage& In, long x, long y, StStep Step, long nReach) {
+/// The mean of the samples at most `nReach` steps away from pixel (`x`, `y`), none of which leaves
+/// the image.
+unsigned char MeanAlong(const ClImage& In, long x, long y, StPlanePoint Step, long nReach) {
     const unsigned char* pIn = In.Data();
     const long nStride = In.LineStrideBytes();
-    long nX = x * 256 + 128 - nReach * Step.m_nX;
-    long nY = y * 256 + 128 - nReach * Step.m_nY;
     long nSum = 0;
-    for (long i = 0; i <= 2 * nReach; ++i) {
-        nSum += pIn[(nY >> 8) * nStride + (nX >> 8)];
-        nX += Step.m_nX;
-        nY += Step.m_nY;
+    for (long i = -nReach; i <= nReach; ++i) {
+        const StPlanePoint At = PixelAt(x, y, Step, i);
+        nSum += pIn[At.m_nY * nStride + At.m_nX];
     }
     return static_cast<unsigned char>(nSum / (2 * nReach + 1));
 }
 
-/// One line; `pDx` and `pDy` are the directions of its samples.
-void MeansAlong(const ClImage& In, int y, const signed char* pDx, const signed char* pDy,
-                bool bOrtho, long nHalf, unsigned char* pOut) {
-    const int nToEdgeY = std::min(y, In.Height() - 1 - y);
-    for (int x = 0; x < In.Width(); ++x) {
-        const int nToEdge = std::min({x, In.Width() - 1 - x, nToEdgeY});
-        pOut[x] = MeanAlong(In, x, y, StepOf(pDx[x], pDy[x], bOrtho),
-                            std::min(nHalf, static_cast<long>(nToEdge)));
-    }
+long DistanceToEdge(const ClImage& Image, long x, long y) {
+    return std::min({x, Image.Width() - 1 - x, y, Image.Height() - 1 - y});
 }
 
 } // namespace
 
 long ClIpFilterMid::ProcessDirected(bool bOrtho) {
-    if (!HasImages())
-        return QMT_ERROR_PARAM_OUT_OF_RANGE;
-    if (m_pInDxImage != nullptr && m_pInDyImage == nullptr)
-        throw ClException("m_pInDyImage is not set", QMT_ERROR_BAD_POINTER, true, VEK_FILE,
-                          cnNoDyImageLine);
-    const long nCheck = CheckDirectionImages();
+    const long nCheck = CheckDirectionImages(VEK_FILE, cnNoDyImageLine);
     if (nCheck != 0)
         return nCheck;
     return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Out) {
         Out.New(In);
-        for (int y = 0; y < In.Height() && In.SizeBytes() > 0; ++y)
-            MeansAlong(In, y, m_pInDxImage->Line<signed char>(y),
-                       m_pInDyImage->Line<signed char>(y), bOrtho, Half(), Out.LineData(y));
+        if (In.SizeBytes() > 0)
+            WalkDirected<unsigned char>(
+                *m_pInDxImage, *m_pInDyImage, bOrtho, Out, [&](long x, long y, StPlanePoint Step) {
+                    const long nReach = std::min(HalfWidth(), DistanceToEdge(In, x, y));
+                    return MeanAlong(In, x, y, Step, nReach);
+                });
         return 0L;
     });
 }
@@ -233,19 +206,8 @@ long ClIpFilterMid::ProcessDirected(bool bOrtho) {
 
 template <class T>
 long ClIpFilterMid::ProcessT() {
-    switch (m_nMode) {
-    case ModeX:
-        return ProcessT_X<T>();
-    case ModeY:
-        return ProcessT_Y<T>();
-    case ModeXY:
-        return ProcessT_XY<T>();
-    case ModeDirected:
-    case ModeDirectedOrtho:
-        return QMT_ERROR_FORMAT_NOTSUPPORTED;
-    default:
-        throw ClExTessarin(cnUnknownMode, VEK_HERE);
-    }
+    return ProcessAxes([this] { return ProcessT_X<T>(); }, [this] { return ProcessT_Y<T>(); },
+                       [this] { return ProcessT_XY<T>(); }, VEK_HERE);
 }
 
 template <class T>

@@ -6,8 +6,8 @@
 ///     out = (sum of the samples in the window) / (their number)     toward zero
 ///
 /// along lines (mode 1), along columns (2), or over the square in one pass (3). The window is cut
-/// at the image edge and its divisor with it: a flat image stays flat. Where a window is wider than
-/// an axis that it filters, the output is a copy of the input.
+/// at the image edge and its divisor with it: a flat image stays flat. Where the filter width
+/// exceeds an axis that is filtered, the output is a copy of the input.
 ///
 /// The square of width 3 on 8-bit samples is in fixed point, which rounds:
 ///
@@ -29,8 +29,11 @@ public:
     void PublishParameters(ClParameterContainer& Container) override;
     /// Makes the width odd.
     long Initialize() override;
-    /// One plane. Returns -35 without images or pixels, -101 for an unknown pixel type, -33 for the
-    /// directed modes on samples that are not bytes; throws -6 for an unknown mode.
+    /// One plane. Tests in this order: returns -35 without an input, -101 for an unknown pixel
+    /// type, -33 for the directed modes on samples that are not bytes; throws -6 for an unknown
+    /// mode; returns -35 without pixels or output. An even width, which only a direct call meets,
+    /// counts as it is where it is compared with 3 or with the image; its window is that of the
+    /// next width.
     long DoProcess() override;
     long ProcessX() override;
     long ProcessY() override;
@@ -44,8 +47,9 @@ public:
     /// side, but no more than the distance to the nearest edge; the sum of the 2 h + 1 nearest
     /// samples is divided by their number and truncated.
     ///
-    /// Throws "m_pInDxImage is not set" and "m_pInDyImage is not set" (-701); returns -35 for
-    /// direction images that are not one plane of bytes of the input's size.
+    /// Throws "m_pInDxImage is not set" and "m_pInDyImage is not set" (-701); returns -35 without
+    /// images or pixels and for direction images that are not one plane of bytes of the input's
+    /// size.
     long ProcessDirected(bool bOrtho) override;
 
     /// Keeps the mode, which is XY by default.
@@ -57,7 +61,6 @@ public:
     ClImage* m_pRemainder = nullptr;
 
 private:
-    long Half() const;
     bool IsWiderThanImage(long nAxes) const;
     template <class Work>
     long Run(long nAxes, Work work);

@@ -47,8 +47,7 @@ long ClIpLabeling::Process() {
     Labels.SetBlack(m_pInImage->Black());
     Labels.SetWhite(m_pInImage->White());
     {
-        ClImageSwitch Switch(m_pInImage, m_pOutImage);
-        Switch.Set(Switch.In(), Labels);
+        const ClImageSwitch Out(m_pOutImage, Labels);
         for (long y = 0; y < Labels.Height(); ++y)
             LabelLine(y);
     }

@@ -1,7 +1,9 @@
 #include "ImageProcessing/IpLinFilterBase.h"
 
 #include "ImageProcessing/Kernels/LinearFilter.h"
+#include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
@@ -75,13 +77,11 @@ void ClIpLinFilterBase::TransferArray(TpArrayStatic<double>& rTaps, TpArrayStati
 long ClIpLinFilterBase::Process() {
     if (m_nFilterWidth < 0)
         return 0;
-    if (!HasImages())
-        return QMT_ERROR_PARAM_OUT_OF_RANGE;
-    if (m_pInImage->DataType() != ClImage::eUInt8 && m_pInImage->DataType() != ClImage::eInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    const long nCheck = CheckImages();
+    if (nCheck != 0)
+        return nCheck;
     if (m_nFilterWidth == 0)
-        return ClIpFilterBase::Process(); // copies
+        return CopyInput();
     if (m_pInImage->SizeBytes() == 0 && m_pInImage != m_pOutImage) {
         m_pOutImage->New(*m_pInImage); // throws, unless the output has no samples either
         return 0;
@@ -113,6 +113,31 @@ long ClIpLinFilterBase::Finalize(long nResult) {
     return 0;
 }
 
+// The operations of the modes
+
+/// -35 without images or pixels; throws for samples that are not 8 bits wide.
+long ClIpLinFilterBase::CheckImages() const {
+    if (!HasImages())
+        return QMT_ERROR_PARAM_OUT_OF_RANGE;
+    const bool bSigned = ClImage::IsSigned(m_pInImage->DataType());
+    RequireType(*m_pInImage, bSigned ? ClImage::eInt8 : ClImage::eUInt8, VEK_HERE);
+    return 0;
+}
+
+/// Calls `work(In, Out)` with an output like the input.
+template <class Work>
+long ClIpLinFilterBase::Run(Work work) const {
+    const long nCheck = CheckImages();
+    if (nCheck != 0)
+        return nCheck;
+    return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage& In, ClImage& Out) {
+        Out.New(In);
+        if (In.SizeBytes() > 0)
+            work(In, Out);
+        return 0L;
+    });
+}
+
 /// The taps, made ready for the lines of the input.
 Kernels::ClLinearFilter ClIpLinFilterBase::LineKernel() const {
     return Kernels::ClLinearFilter(m_aFilter.Data(), static_cast<long>(m_aFilter.Entries()),
@@ -122,90 +147,89 @@ Kernels::ClLinearFilter ClIpLinFilterBase::LineKernel() const {
 // Along lines
 
 template <class T>
-void ClIpLinFilterBase::FilterX() const {
-    m_pOutImage->New(*m_pInImage);
-    Kernels::ClLinearFilter Kernel = LineKernel();
-    for (int y = 0; y < m_pInImage->Height(); ++y)
-        Kernel.FilterLine(m_pInImage->Line<T>(y), m_pOutImage->Line<T>(y));
+long ClIpLinFilterBase::FilterX() const {
+    return Run([this](const ClImage& In, ClImage& Out) {
+        Kernels::ClLinearFilter Kernel = LineKernel();
+        for (int y = 0; y < In.Height(); ++y)
+            Kernel.FilterLine(In.Line<const T>(y), Out.Line<T>(y));
+    });
 }
 
 long ClIpLinFilterBase::ProcessX() {
-    FilterX<unsigned char>();
-    return 0;
+    return FilterX<unsigned char>();
 }
 
 long ClIpLinFilterBase::ProcessSignedX() {
-    FilterX<signed char>();
-    return 0;
+    return FilterX<signed char>();
 }
 
 // Along columns
 
 /// Calls `filter(lines, out)` for each line of the output with the lines that its taps meet.
 template <class T, class FilterLines>
-void ClIpLinFilterBase::ForEachLine(FilterLines filter) const {
-    const long nHeight = m_pInImage->Height();
+void ClIpLinFilterBase::ForEachLine(const ClImage& In, ClImage& Out, FilterLines filter) const {
+    const long nHeight = In.Height();
     // Without taps the kernel has one, of 0.
     const long nTaps = std::max(1L, static_cast<long>(m_aFilter.Entries()));
     auto pLines = Vek::NewArrayPtr<const T*>(static_cast<std::size_t>(nTaps));
     for (long y = 0; y < nHeight; ++y) {
         for (long i = 0; i < nTaps; ++i)
-            pLines[static_cast<std::size_t>(i)] = m_pInImage->Line<T>(
-                static_cast<int>(std::clamp(y + i - nTaps / 2, 0L, nHeight - 1)));
-        filter(pLines.get(), m_pOutImage->Line<T>(static_cast<int>(y)));
+            pLines[static_cast<std::size_t>(i)] =
+                In.Line<const T>(static_cast<int>(std::clamp(y + i - nTaps / 2, 0L, nHeight - 1)));
+        filter(pLines.get(), Out.Line<T>(static_cast<int>(y)));
     }
 }
 
 template <class T>
-void ClIpLinFilterBase::FilterY() const {
-    m_pOutImage->New(*m_pInImage);
-    const Kernels::ClLinearFilter Kernel = LineKernel();
-    ForEachLine<T>([&](const T* const* ppLines, T* pOut) { Kernel.FilterColumns(ppLines, pOut); });
+long ClIpLinFilterBase::FilterY() const {
+    return Run([this](const ClImage& In, ClImage& Out) {
+        const Kernels::ClLinearFilter Kernel = LineKernel();
+        ForEachLine<T>(In, Out, [&](const T* const* ppLines, T* pOut) {
+            Kernel.FilterColumns(ppLines, pOut);
+        });
+    });
 }
 
 long ClIpLinFilterBase::ProcessY() {
-    FilterY<unsigned char>();
-    return 0;
+    return FilterY<unsigned char>();
 }
 
 long ClIpLinFilterBase::ProcessSignedY() {
-    FilterY<signed char>();
-    return 0;
+    return FilterY<signed char>();
 }
 
 // Along both: one line of column sums, not a whole image in between
 
 template <class T>
-void ClIpLinFilterBase::FilterXY() const {
-    m_pOutImage->New(*m_pInImage);
-    Kernels::ClLinearFilter Kernel = LineKernel();
-    ForEachLine<T>([&](const T* const* ppLines, T* pOut) { Kernel.FilterBoth(ppLines, pOut); });
+long ClIpLinFilterBase::FilterXY() const {
+    return Run([this](const ClImage& In, ClImage& Out) {
+        Kernels::ClLinearFilter Kernel = LineKernel();
+        ForEachLine<T>(In, Out,
+                       [&](const T* const* ppLines, T* pOut) { Kernel.FilterBoth(ppLines, pOut); });
+    });
 }
 
 long ClIpLinFilterBase::ProcessXY() {
-    FilterXY<unsigned char>();
-    return 0;
+    return FilterXY<unsigned char>();
 }
 
 long ClIpLinFilterBase::ProcessSignedXY() {
-    FilterXY<signed char>();
-    return 0;
+    return FilterXY<signed char>();
 }
 
-// Along a direction per pixel, in steps of 1/256 pixel
+// Along a direction per pixel
 
 /// The sum of products along the line through the middle of pixel (`nX`, `nY`).
 template <class T>
-long ClIpLinFilterBase::SumAlong(long nX, long nY, long nStepX, long nStepY) const {
+long ClIpLinFilterBase::SumAlong(const ClImage& In, long nX, long nY, StPlanePoint Step) const {
     const long nTaps = static_cast<long>(m_aFilter.Entries());
-    const long nLastX = m_pInImage->Width() - 1;
-    const long nLastY = m_pInImage->Height() - 1;
+    const long nLastX = In.Width() - 1;
+    const long nLastY = In.Height() - 1;
     unsigned long nSum = 0; // modulo 2^64: taps may be of any size
     for (long i = 0; i < nTaps; ++i) {
-        const long nAt = i - nTaps / 2;
-        const long x = std::clamp((nX * 256 + 128 + nAt * nStepX) >> 8, 0L, nLastX);
-        const long y = std::clamp((nY * 256 + 128 + nAt * nStepY) >> 8, 0L, nLastY);
-        const long nSample = m_pInImage->Line<T>(static_cast<int>(y))[x];
+        const StPlanePoint At = PixelAt(nX, nY, Step, i - nTaps / 2);
+        const int y = static_cast<int>(std::clamp(At.m_nY, 0L, nLastY));
+        const long nSample = In.Line<const T>(y)[std::clamp(At.m_nX, 0L, nLastX)];
         nSum += static_cast<unsigned long>(m_aFilter[static_cast<unsigned long>(i)]) *
                 static_cast<unsigned long>(nSample);
     }
@@ -214,21 +238,15 @@ long ClIpLinFilterBase::SumAlong(long nX, long nY, long nStepX, long nStepY) con
 
 template <class T>
 long ClIpLinFilterBase::FilterDirected(bool bOrtho) const {
-    const long nCheck = CheckDirectionImages();
+    const long nCheck = CheckDirectionImages(VEK_HERE);
     if (nCheck != 0)
         return nCheck;
-    m_pOutImage->New(*m_pInImage);
-    for (int y = 0; y < m_pInImage->Height(); ++y) {
-        const signed char* pDx = m_pInDxImage->Line<signed char>(y);
-        const signed char* pDy = m_pInDyImage->Line<signed char>(y);
-        T* pOut = m_pOutImage->Line<T>(y);
-        for (int x = 0; x < m_pInImage->Width(); ++x) {
-            const long nStepX = 2L * (bOrtho ? pDy[x] : pDx[x]);
-            const long nStepY = 2L * (bOrtho ? pDx[x] : -pDy[x]);
-            pOut[x] = static_cast<T>(SumAlong<T>(x, y, nStepX, nStepY) / cnDivisor);
-        }
-    }
-    return 0;
+    return Run([&](const ClImage& In, ClImage& Out) {
+        WalkDirected<T>(*m_pInDxImage, *m_pInDyImage, bOrtho, Out,
+                        [&](long x, long y, StPlanePoint Step) {
+                            return static_cast<T>(SumAlong<T>(In, x, y, Step) / cnDivisor);
+                        });
+    });
 }
 
 long ClIpLinFilterBase::ProcessDirected(bool bOrtho) {

@@ -12,6 +12,7 @@
 /// divide once, by 2^24.
 
 #include "ImageProcessing/IpFilterBase.h"
+#include "ImageProcessing/Walks/DirectedWalk.h"
 #include "Tools/Array.h"
 
 namespace Kernels {
@@ -33,6 +34,9 @@ public:
     long Finalize(long nResult) override;
 
     long ProcessMultiPlane() override;
+    /// The operations of the modes filter by the taps of the last Initialize(), in place too. They
+    /// return -35 without images or pixels, the directed ones also as CheckDirectionImages(); throw
+    /// "Image Type is not the assigned type" (-101). The plain ones read samples as unsigned.
     long ProcessX() override;
     long ProcessY() override;
     long ProcessXY() override;
@@ -54,18 +58,21 @@ public:
 private:
     long LimitedWidth() const;
     Kernels::ClLinearFilter LineKernel() const;
+    long CheckImages() const;
+    template <class Work>
+    long Run(Work work) const;
     template <class T, class FilterLines>
-    void ForEachLine(FilterLines filter) const;
+    void ForEachLine(const ClImage& In, ClImage& Out, FilterLines filter) const;
     template <class T>
-    void FilterX() const;
+    long FilterX() const;
     template <class T>
-    void FilterY() const;
+    long FilterY() const;
     template <class T>
-    void FilterXY() const;
+    long FilterXY() const;
     template <class T>
     long FilterDirected(bool bOrtho) const;
     template <class T>
-    long SumAlong(long nX, long nY, long nStepX, long nStepY) const;
+    long SumAlong(const ClImage& In, long nX, long nY, StPlanePoint Step) const;
 
     TpArrayStatic<long> m_aFilter;
     bool m_bSigned = false;

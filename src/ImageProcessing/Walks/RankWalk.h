@@ -76,11 +76,6 @@ void WalkExtremes(const StSampleLine<const T>& In, long nCount, long nHalf,
     WalkRightMargin<eKind>(In, nCount, nHalf, std::max(nHalf + 1, nCount - nHalf), Out);
 }
 
-/// Half of a window of an odd width.
-inline long HalfWidth(long nFilterWidth) {
-    return std::max(nFilterWidth, 0L) / 2;
-}
-
 /// One plane along lines; `Out` becomes an image like `In`, which is another one.
 template <EExtreme eKind, class T>
 void ExtremesAlongX(const ClImage& In, long nHalf, ClImage& Out) {
