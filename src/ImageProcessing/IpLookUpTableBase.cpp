@@ -1,7 +1,15 @@
 #include "ImageProcessing/IpLookUpTableBase.h"
 
 #include "ImageProcessing/Kernels/LookUp.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "Tools/Exception.h"
+
+namespace {
+
+/// As many as operators take apart and join again.
+constexpr int cnMaxPlanes = 4;
+
+} // namespace
 
 ClIpLookUpTableBase::ClIpLookUpTableBase() {
     ClIpLookUpTableBase::SetParametersToDefault();
@@ -19,8 +27,9 @@ long ClIpLookUpTableBase::Initialize() {
 long ClIpLookUpTableBase::CheckInImage() const {
     if (m_pInImage == nullptr || m_pInImage->Data() == nullptr)
         return QMT_ERROR_PARAM_IS_MISSING;
-    if (m_pInImage->DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
+    RequireBytes(*m_pInImage, VEK_HERE);
+    if (m_pInImage->Planes() > cnMaxPlanes)
+        throw ClException("Image has more than 4 planes.", QMT_ERROR_PARAM_OUT_OF_RANGE, true,
                           VEK_HERE);
     return 0;
 }
@@ -40,6 +49,8 @@ long ClIpLookUpTableBase::Process() {
     const long nSamples = static_cast<long>(m_pInImage->Width()) * m_pInImage->Planes();
     for (int y = 0; y < m_pInImage->Height(); ++y)
         Kernels::LookUpLine(m_pInImage->LineData(y), nSamples, m_aLuT, Out.LineData(y));
+    if (m_pInImage->Planes() > 1)
+        Out.BlackWhiteFromType(Out.DataType());
     m_bLuTValid = true;
     return 0;
 }

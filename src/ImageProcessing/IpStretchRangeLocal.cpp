@@ -10,6 +10,7 @@
 #include "ImageProcessing/Kernels/LocalStretch.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "ImageProcessing/PlaneByPlane.h"
+#include "ImageProcessing/RequireBytes.h"
 #include "ImageProcessing/SettingsText.h"
 #include "Tools/Allocate.h"
 
@@ -95,9 +96,7 @@ long ClIpStretchRangeLocal::Process() {
         return QMT_ERROR_PARAM_IS_MISSING;
     if (m_pInImage->Planes() != 1 && m_pInImage->Planes() != cnPlanes)
         return QMT_ERROR_PARAM_IS_MISSING;
-    if (m_pInImage->DataType() != ClImage::eUInt8)
-        throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
-                          VEK_HERE);
+    RequireBytes(*m_pInImage, VEK_HERE);
     if (m_pInImage->Planes() == cnPlanes)
         return ProcessMultiPlane();
     return ProcessInto(*m_pInImage, *m_pOutImage,
