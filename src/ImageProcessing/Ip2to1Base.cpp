@@ -98,22 +98,22 @@ long ClIp2to1Base::ProcessToTarget(ClImage& Target) {
     ClImage& In1 = *m_pInImage1;
     ClImage& In2 = *m_pInImage2;
     const bool bDefault = m_nOutImageType == ClImage::eTypeDefault;
-    Target.NewWithType(In1, bDefault ? In1.DataType() : m_nOutImageType);
-    const long nResult = ProcessOverlayPreparations(In1, In2, Target);
-    if (nResult != 0)
-        return nResult;
+    const unsigned char nType = bDefault ? In1.DataType() : m_nOutImageType;
+    if (!IsPixelType(In1.DataType()) || !IsPixelType(In2.DataType()) || !IsPixelType(nType))
+        return cnUnknownPixelType;
+    ProcessOverlayPreparations(In1, In2, Target, nType);
     return DoProcess(In1, In2, Target, m_nOverlapWidth, m_nOverlapHeight, In1.Planes(),
                      In2.Planes(), m_nIn1Offset, In1.LineStrideSamples(), m_nIn2Offset,
                      In2.LineStrideSamples(), m_nOutOffset, Target.LineStrideSamples());
 }
 
-long ClIp2to1Base::ProcessOverlayPreparations(ClImage& In1, ClImage& In2, ClImage& Out) {
-    if (!ArePixelTypes(In1, In2, Out))
-        return cnUnknownPixelType;
+void ClIp2to1Base::ProcessOverlayPreparations(ClImage& In1, ClImage& In2, ClImage& Out,
+                                              unsigned char nType) {
+    Out.NewWithType(In1, nType);
     const StOverlay Overlay(In1, In2, m_nOffsetX, m_nOffsetY);
     m_nOverlapWidth = Overlay.m_X.m_nOverlap;
     m_nOverlapHeight = Overlay.m_Y.m_nOverlap;
-    Overlay.NewOutput(Out, Out.DataType(), In1);
+    Overlay.NewOutput(Out, nType, In1);
     if (!Overlay.IsPlain()) {
         FillPlanes(Out, Out.Planes() == 1 ? &m_dFillColor : m_adPlaneFillColor);
         PasteImage(In1, Out, Overlay.m_X.m_nStart1, Overlay.m_Y.m_nStart1);
@@ -122,7 +122,6 @@ long ClIp2to1Base::ProcessOverlayPreparations(ClImage& In1, ClImage& In2, ClImag
     m_nOutOffset = Overlay.OutOffset(Out);
     m_nIn1Offset = Overlay.In1Offset(In1);
     m_nIn2Offset = Overlay.In2Offset(In2);
-    return 0;
 }
 
 double ClIp2to1Base::GetValue(ClImage&, ClImage&, ClImage&, double, double) {

@@ -33,9 +33,9 @@ public:
     /// while sizes have to be equal.
     long Initialize() override;
     /// Where the output is one of the inputs, it becomes the result only when that is complete.
-    /// Returns the result of DoProcess(), or -101 for a value that is no pixel type. Throws
-    /// "Image area must be positive" (-101) for an output without area and for one with a side
-    /// above 2^31 - 1, `ClExBadAlloc` (-102), and what DoProcess() throws.
+    /// Returns -101 for a value that is no pixel type, before the output is touched, or the result
+    /// of DoProcess(). Throws "Image area must be positive" (-101) for an output without area and
+    /// for one with a side above 2^31 - 1, `ClExBadAlloc` (-102), and what DoProcess() throws.
     long Process() override;
 
     /// Walks the overlap: `nWidth` by `nHeight` pixels, at the given offsets into the samples of
@@ -82,7 +82,7 @@ protected:
 
 private:
     /// Allocates the output, paints what is not overlap and fixes the overlap.
-    long ProcessOverlayPreparations(ClImage& In1, ClImage& In2, ClImage& Out);
+    void ProcessOverlayPreparations(ClImage& In1, ClImage& In2, ClImage& Out, unsigned char nType);
     long ProcessToTarget(ClImage& Target);
     template <class TOut>
     void FillTable(const StPairArea& Area, TOut* pTable);

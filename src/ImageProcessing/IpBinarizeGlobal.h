@@ -6,7 +6,9 @@
 ///
 /// For integer types the threshold is rounded up to the next integer, which decides the same, and
 /// limited to the type. What is not set, that is not a number, comes from the input's range: black
-/// and white are its ends, the threshold is its middle.
+/// and white are its ends, the threshold is its middle. Of a range that has no middle the threshold
+/// is not a number even so: then every sample is white, but black in `eUInt8` images, which ask
+/// GetValue(). A sample that is not a number is white.
 
 #include "ImageProcessing/Ip1to1Base.h"
 #include "Tools/MathConst.h"
@@ -31,7 +33,8 @@ public:
     bool CanApply() override;
     /// Returns -35 where a check fails, -101 for an unknown pixel type.
     long DoProcess(ClImage& rIn, ClImage& rOut) override;
-    /// White from the threshold of this run on, else black.
+    /// White where `dValue` is at least the threshold of this run, else black; so black where
+    /// either is not a number.
     double GetValue(ClImage& rIn, ClImage& rOut, double dValue) override;
 
     /// Whether black, white and threshold, as far as they are set, lie between the ends of the

@@ -17,13 +17,20 @@ constexpr TpNamedValues<ClIpSubtract::EDataRangeType> caDataRanges = {
     {ClIpSubtract::InputDependent, "InputDependent"},
     {ClIpSubtract::UserDependent, "UserDependent"}};
 
-/// What a pixel type makes of a value.
+/// A sample of a pixel type made from a value.
 double AsSample(unsigned char nType, double dValue) {
     DispatchPixelType(nType, [&](auto Tag) {
         dValue = static_cast<double>(SampleFromDouble<typename decltype(Tag)::Type>(dValue));
         return 0L;
     });
     return dValue;
+}
+
+/// Bounds of integer samples are integers of their type, those of real ones stay in double.
+ClRangeClip ClipOf(unsigned char nType, double dLower, double dUpper) {
+    if (ClImage::IsFloat(nType))
+        return {dLower, dUpper};
+    return {AsSample(nType, dLower), AsSample(nType, dUpper)};
 }
 
 } // namespace
@@ -90,16 +97,16 @@ ClRangeClip ClIpSubtract::FixBounds(const StPairArea& Area) const {
     double dUpper = Area.m_rOut.White();
     switch (m_eDataRange) {
     case InputDependent:
-        return {AsSample(nType, Area.m_rIn1.Black() - Area.m_rIn2.White()),
-                AsSample(nType, Area.m_rIn1.White() - Area.m_rIn2.Black())};
+        return ClipOf(nType, Area.m_rIn1.Black() - Area.m_rIn2.White(),
+                      Area.m_rIn1.White() - Area.m_rIn2.Black());
     case UserDependent:
         Area.m_rOut.SetBlack(AsSample(nType, m_dLowerBound));
         Area.m_rOut.SetWhite(AsSample(nType, m_dUpperBound));
-        return {Area.m_rOut.Black(), Area.m_rOut.White()};
+        return ClipOf(nType, m_dLowerBound, m_dUpperBound);
     default:
         if (dUpper < dLower)
             std::swap(dLower, dUpper);
-        return {AsSample(nType, dLower), AsSample(nType, dUpper)};
+        return ClipOf(nType, dLower, dUpper);
     }
 }
 

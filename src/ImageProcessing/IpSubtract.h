@@ -8,9 +8,10 @@
 ///
 ///     DataDependent     black and white of the output, whichever is the smaller first
 ///     InputDependent    black 1 - white 2 and white 1 - black 2, of the inputs
-///     UserDependent     the two members, which also become the output's range
+///     UserDependent     the two members, which also become the output's range, in its type
 ///
-/// For an integer output the bounds are converted to its type first. So -255, the lower bound of
+/// For an integer output the bounds are converted to its type first, for a real one they stay as
+/// they are. So -255, the lower bound of
 /// two 8-bit inputs, counts as 1 where the output is `unsigned char`.
 
 #include "ImageProcessing/Ip2to1Base.h"
