@@ -4,38 +4,19 @@
 // then a column enters the sum of the window and one leaves it. Only that last, running sum goes
 // sample by sample; the rest works on whole lines.
 //
-// The division is a multiplication by a reciprocal, kept for each column and computed anew only
-// where the number of lines in the window changes. With a sum s of n samples, both integers,
-//
-//     trunc((s + 0.5) * (1 / n))     for s of 0 or more, and with - 0.5 below
-//
-// is s / n toward zero: (s + 0.5) / n lies at least 0.5 / n away from every integer, while two
-// roundings move a quotient of at most 255.5 by less than 255.5 * 2^-23 in single precision, which
-// is below 0.5 / n for n up to 16000, or 255.5 * 2^-52 in double precision. s + 0.5 itself is
-// exact: s has at most 21 and 39 bits. Areas of up to 2^13 samples, squares 89 wide, take the
-// first.
+// The division is that of MeanQuotient.h, by a reciprocal that is kept for each column and computed
+// anew only where the number of lines in the window changes.
 
+#include "ImageProcessing/Kernels/MeanQuotient.h"
 #include "Tools/Allocate.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <memory>
-#include <type_traits>
 
 namespace Kernels {
 
 namespace {
-
-/// Sums and reciprocals of windows of up to 2^13 samples, and of all others.
-struct StNarrow {
-    using Sum = std::int32_t;
-    using Real = float;
-    static constexpr long cnLargestArea = 1L << 13;
-};
-struct StWide {
-    using Sum = std::int64_t;
-    using Real = double;
-};
 
 template <class Numbers, class T>
 class ClMean {
@@ -80,12 +61,8 @@ public:
             FindReciprocals();
         const Sum* pSums = m_pSums.get();
         const Real* pReciprocals = m_pReciprocals.get();
-        for (long x = 0; x < m_nWidth; ++x) {
-            const bool bNegative = std::is_signed_v<T> && pSums[x] < 0;
-            const Real half = bNegative ? Real(-0.5) : Real(0.5);
-            const Real mean = (static_cast<Real>(pSums[x]) + half) * pReciprocals[x];
-            pOut[x] = static_cast<T>(static_cast<int>(mean));
-        }
+        for (long x = 0; x < m_nWidth; ++x)
+            pOut[x] = MeanQuotient<T, Numbers>(pSums[x], pReciprocals[x]);
     }
 
 private:
@@ -158,10 +135,10 @@ void MeanOfWindow(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHei
     nHalfX = std::min(nHalfX, nWidth - 1);
     nHalfY = std::min(nHalfY, nHeight - 1);
     const long nArea = std::min(2 * nHalfX + 1, nWidth) * std::min(2 * nHalfY + 1, nHeight);
-    if (nArea <= StNarrow::cnLargestArea)
-        MeanOf<StNarrow>(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
+    if (nArea <= StNarrowMean::cnLargestArea)
+        MeanOf<StNarrowMean>(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
     else
-        MeanOf<StWide>(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
+        MeanOf<StWideMean>(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
 }
 
 template void MeanOfWindow(const unsigned char*, std::ptrdiff_t, long, long, long, long,
