@@ -6,6 +6,7 @@
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/FileReport.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/RecordFault.h"
 #include "apps/qk7/TargetReport.h"
 
 #include "TessarinCalibrateSDK.h"
@@ -79,18 +80,19 @@ void DrawRefused(const StCall& Call, const StTargetDiagnosis& Diagnosis) {
     }
 }
 
+std::string RecaptureAdvice(const StCall& Call) {
+    return "Clean platen and target, lay the target flat and straight, and capture it again" +
+           std::string(Call.m_DebugImage.empty() ? "; --debug-image FILE shows what was found."
+                                                 : ".");
+}
+
 [[noreturn]] void Refuse(const StCall& Call, const StRun& Run, const ClLibraryError& Error) {
     const StTargetDiagnosis diagnosis = Diagnose(Run);
     DrawRefused(Call, diagnosis);
     std::string message = Call.m_Target + ": " + Error.what();
     if (!diagnosis.m_Words.empty())
         message += " " + diagnosis.m_Words;
-    const std::string picture =
-        Call.m_DebugImage.empty() ? "; --debug-image FILE shows what was found." : ".";
-    throw ClRefusedTarget(message, diagnosis,
-                          "Clean platen and target, lay the target flat and straight, and capture "
-                          "it again" +
-                              picture);
+    throw ClRefusedTarget(message, diagnosis, RecaptureAdvice(Call));
 }
 
 [[noreturn]] void Fail(const StCall& Call, const StRun& Run, const ClLibraryError& Error) {
@@ -103,23 +105,52 @@ void DrawRefused(const StCall& Call, const StTargetDiagnosis& Diagnosis) {
     throw ClFailure(Call.m_Target, Error.what() + BitmapAdvice(Error.Number(), Run.m_Target));
 }
 
-/// Of the block as it is stored, whose coordinates are rounded to 32-bit floats: results are then
-/// the same with the precalculated block and without it.
-Bytes PrecalculatedFor(const Bytes& Calibration) {
-    ClHandle handle;
-    handle.SetData(Calibration);
-    return handle.PrecalculatedData(ExpectedPrecalculatedBytes(Calibration));
+/// The blocks that are written; without bytes those that are not.
+struct StBlocks {
+    Bytes m_Calibration;
+    Bytes m_Precalculated;
+};
+
+/// Names the file whose fault it is, and the dot.
+[[noreturn]] void FailToLoad(const StCall& Call, const StRun& Run, const Bytes& Calibration,
+                             const ClLibraryError& Error) {
+    const std::string words =
+        std::string(": ") + Error.what() + " The calibration block derived from it does not load.";
+    const auto fault = FindRecordFault(Calibration);
+    if (!fault)
+        throw ClFailure(Call.m_Target + words);
+    if (fault->m_eList == StRecordFault::EList::eTarget && !Call.m_Reference.empty())
+        throw ClUnloadableRecord(Call.m_Reference + words, *fault,
+                                 "Measure the plate again, or leave --reference away; its block "
+                                 "has to tell the resolution of its target points.");
+    DrawRefused(Call, Diagnose(Run));
+    throw ClUnloadableRecord(Call.m_Target + words, *fault, RecaptureAdvice(Call));
 }
 
-void WriteOutputs(const StCall& Call, const StRun& Run, const StTargetDiagnosis& Diagnosis) {
-    const Bytes calibration = Run.m_Handle.Data();
-    if (!Call.m_Precalculated.empty()) {
-        const Bytes table = PrecalculatedFor(calibration);
-        WriteFile(Call.m_Precalculated, {&table});
+/// A block that was generated need not load, and one that is written has to: it is read back on a
+/// handle of its own. The table comes from there too, since a block holds coordinates rounded to
+/// 32-bit floats: results are then the same with the precalculated block and without it.
+StBlocks LoadableBlocks(const StCall& Call, const StRun& Run) {
+    StBlocks blocks;
+    blocks.m_Calibration = Run.m_Handle.Data();
+    try {
+        ClHandle handle;
+        handle.SetData(blocks.m_Calibration);
+        if (!Call.m_Precalculated.empty())
+            blocks.m_Precalculated =
+                handle.PrecalculatedData(ExpectedPrecalculatedBytes(blocks.m_Calibration));
+    } catch (const ClLibraryError& error) {
+        FailToLoad(Call, Run, blocks.m_Calibration, error);
     }
+    return blocks;
+}
+
+void WriteOutputs(const StCall& Call, const StBlocks& Blocks, const StTargetDiagnosis& Diagnosis) {
+    if (!Call.m_Precalculated.empty())
+        WriteFile(Call.m_Precalculated, {&Blocks.m_Precalculated});
     if (!Call.m_DebugImage.empty())
         WriteBlock(Call.m_DebugImage, Diagnosis.m_Picture);
-    WriteFile(Call.m_Output, {&calibration});
+    WriteFile(Call.m_Output, {&Blocks.m_Calibration});
 }
 
 /// What is known about the target; nothing where nobody asked.
@@ -132,10 +163,11 @@ StTargetDiagnosis Generate(const StCall& Call) {
     } catch (const ClLibraryError& error) {
         Fail(Call, run, error);
     }
+    const StBlocks blocks = LoadableBlocks(Call, run);
     StTargetDiagnosis diagnosis;
     if (Call.m_bJson || !Call.m_DebugImage.empty())
         diagnosis = Diagnose(run);
-    WriteOutputs(Call, run, diagnosis);
+    WriteOutputs(Call, blocks, diagnosis);
     return diagnosis;
 }
 
@@ -165,9 +197,9 @@ void AddOutputOptions(CLI::App& rCommand, StCall& rCall) {
         ->type_name("scanner.pre");
     rCommand
         .add_option("--debug-image", rCall.m_DebugImage,
-                    "Bitmap to write, too, also when the target is refused: spokes from the dots "
-                    "to their neighbours, crosses on what was refused, boxes where dots are "
-                    "missing")
+                    "Bitmap to write, too, also when the target is refused or its calibration does "
+                    "not load: spokes from the dots to their neighbours, crosses on what was "
+                    "refused, boxes where dots are missing")
         ->type_name("grid.bmp");
 }
 

@@ -86,6 +86,20 @@ std::string RefusedText(const StTargetDiagnosis& Diagnosis) {
     return text;
 }
 
+/// "\n  The dot at (195, 551), column 4, row 7 of the pattern: 103.9 lines to the dot ...".
+std::string TextOf(const StRecordFault& Fault) {
+    return "\n  The dot at " + Place(Fault.m_At.m_dX, Fault.m_At.m_dY) + ", column " +
+           std::to_string(Fault.m_nColumn) + ", row " + std::to_string(Fault.m_nRow) +
+           " of the pattern: " + Fault.m_Words + ".";
+}
+
+Json JsonOf(const StRecordFault& Fault) {
+    return {{"column", Fault.m_nColumn},
+            {"row", Fault.m_nRow},
+            {"at", {Fault.m_At.m_dX, Fault.m_At.m_dY}},
+            {"words", Fault.m_Words}};
+}
+
 Json JsonOf(const StRefusal& Refusal) {
     Json json = {{"reason", Refusal.m_Reason},
                  {"words", Refusal.m_Words},
@@ -130,12 +144,20 @@ ClRefusedTarget::ClRefusedTarget(const std::string& Message, const StTargetDiagn
     : ClFailure(Message + TextOf(Diagnosis) + "\n  " + Advice), m_Message(Message),
       m_Diagnosis(Diagnosis) {}
 
+ClUnloadableRecord::ClUnloadableRecord(const std::string& Message, const StRecordFault& Fault,
+                                       const std::string& Advice)
+    : ClFailure(Message + TextOf(Fault) + "\n  " + Advice), m_Message(Message), m_Fault(Fault) {}
+
 Json FailureJson(const std::string& Path, const std::exception& Error) {
-    const auto* pRefused = dynamic_cast<const ClRefusedTarget*>(&Error);
-    if (pRefused == nullptr)
-        return {{"file", Path}, {"error", WordsOf(Error)}};
-    return {
-        {"file", Path}, {"error", pRefused->Message()}, {"target", JsonOf(pRefused->Diagnosis())}};
+    if (const auto* pRefused = dynamic_cast<const ClRefusedTarget*>(&Error))
+        return {{"file", Path},
+                {"error", pRefused->Message()},
+                {"target", JsonOf(pRefused->Diagnosis())}};
+    if (const auto* pUnloadable = dynamic_cast<const ClUnloadableRecord*>(&Error))
+        return {{"file", Path},
+                {"error", pUnloadable->Message()},
+                {"dot", JsonOf(pUnloadable->Fault())}};
+    return {{"file", Path}, {"error", WordsOf(Error)}};
 }
 
 } // namespace qk7

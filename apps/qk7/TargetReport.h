@@ -1,7 +1,9 @@
 #pragma once
 
-/// A diagnosis of an image of the target as text and as JSON, and the failure that carries one.
+/// Diagnoses of an image of the target and of a record as text and as JSON, and the failures that
+/// carry them.
 
+#include "apps/qk7/RecordFault.h"
 #include "apps/qk7/TargetDiagnosis.h"
 
 #include <nlohmann/json.hpp>
@@ -35,7 +37,23 @@ private:
     StTargetDiagnosis m_Diagnosis;
 };
 
-/// "file" and "error", and "target" of a `ClRefusedTarget`.
+/// A calibration that was generated and would not load. what() is `Message`, the fault, `Advice`.
+class ClUnloadableRecord : public ClFailure {
+public:
+    ClUnloadableRecord(const std::string& Message, const StRecordFault& Fault,
+                       const std::string& Advice);
+
+    const StRecordFault& Fault() const { return m_Fault; }
+    /// Without fault and advice.
+    const std::string& Message() const { return m_Message; }
+
+private:
+    std::string m_Message;
+    StRecordFault m_Fault;
+};
+
+/// "file" and "error"; "target" of a `ClRefusedTarget`, "dot" with "column", "row" and its place in
+/// the capture of a `ClUnloadableRecord`.
 nlohmann::ordered_json FailureJson(const std::string& Path, const std::exception& Error);
 
 } // namespace qk7

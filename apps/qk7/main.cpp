@@ -1,6 +1,6 @@
 /// qk7: the command line tool of the calibration library, a capture application like any other.
-/// It works by the library's public header alone; only why a target was refused it finds out by
-/// looking inside.
+/// It works by the library's public header alone; only why a target or a record was refused it
+/// finds out by looking inside.
 
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"

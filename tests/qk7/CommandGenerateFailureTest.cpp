@@ -1,6 +1,7 @@
 /// `qk7 generate`: what it says when no calibration can be derived, and that it then keeps what
 /// there was.
 
+#include "apps/qk7/RecordFault.h"
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
 #include "qk7/Targets.h"
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <limits>
 
 using namespace TestSupport;
@@ -24,6 +26,23 @@ using Names = std::vector<std::string>;
 const std::string refusedWords =
     "-600 The calibration failed to generate the calibrations data from the given pattern. Not the "
     "expected dot count found.";
+
+const std::string unloadableWords =
+    ": -39 The input is corrupt; it can be a memoryblock or a file. The calibration block derived "
+    "from it does not load.\n";
+const std::string recaptureAdvice =
+    "Clean platen and target, lay the target flat and straight, and capture it again; "
+    "--debug-image FILE shows what was found.";
+const std::string plateAdvice =
+    "Measure the plate again, or leave --reference away; its block has to tell the resolution of "
+    "its target points.";
+
+/// Whose fault it is that a block does not load.
+struct StBlame {
+    std::string m_File;
+    std::string m_Place;
+    std::string m_Advice;
+};
 
 /// A folder with a target's capture, target.bmp, and an older result; the tool runs in it.
 class Qk7GenerateFailure : public testing::Test {
@@ -62,8 +81,40 @@ protected:
         ExpectFailure({"--reference", "plate.cal"}, 1, "plate.cal: " + Words);
     }
 
+    /// Expects that a block is generated of these and does not load, that the tool says so of a
+    /// file and of a dot, and that it writes nothing.
+    void ExpectUnloadable(const Bytes& Target, const Bytes& Reference, const StBlame& Blame) {
+        const Bytes block = DirectlyGenerated(Target, Reference);
+        ASSERT_EQ(DirectLoadStatus(block), -39);
+        const auto fault = qk7::FindRecordFault(block); // which has tests of its own
+        ASSERT_TRUE(fault.has_value());
+        Put(m_Folder / "target.bmp", Target);
+        Arguments more = {"--precalculated", "scanner.pre"};
+        if (!Reference.empty()) {
+            Put(m_Folder / "plate.cal", Reference);
+            more.insert(more.end(), {"--reference", "plate.cal"});
+        }
+        ExpectFailure(more, 1,
+                      Blame.m_File + unloadableWords + "  The dot at (" +
+                          std::to_string(std::lround(fault->m_At.m_dX)) + ", " +
+                          std::to_string(std::lround(fault->m_At.m_dY)) + "), " + Blame.m_Place +
+                          " of the pattern: " + fault->m_Words + ".\n  " + Blame.m_Advice);
+    }
+
     ClTemporaryFolder m_Folder;
 };
+
+/// A target whose dot 38, column 4, row 7 of the pattern, is not printed; dirt of a dot's size lies
+/// beside its place, millimetres to the right and down.
+Bytes TargetWithStandIn(double dRight, double dDown) {
+    const sim::ClPoint place = sim::DotPattern()[38];
+    sim::ClPlacedSpeck speck;
+    speck.m_Centre = {place.x + dRight, place.y + dDown};
+    speck.m_dDiameter = sim::g_dDotDiameter;
+    sim::ClDirtSettings dirt;
+    dirt.m_aPlaced = {speck};
+    return RawTarget(Without({38}), dirt);
+}
 
 Bytes With(Bytes block, std::size_t nAt, unsigned char nValue) {
     block[nAt] = nValue;
@@ -174,6 +225,57 @@ TEST_F(Qk7GenerateFailure, TellsOtherFailuresAsJsonToo) {
     EXPECT_EQ("qk7 generate: " + told.at("error").get<std::string>() + "\n", ended.m_Err);
 }
 
+// The dots are located within 0.31 of the pitch, 0.62 mm, and a record loads within 0.3 of the mean
+// step, 0.6 mm: 79.47 lines, 23.84 more or less. 0.61 mm are 24.24 lines.
+TEST_F(Qk7GenerateFailure, NamesTheDotWithWhichTheBlockWouldNotLoad) {
+    ExpectUnloadable(TargetWithStandIn(0.0, 0.61), {},
+                     {"target.bmp", "column 4, row 7", recaptureAdvice});
+}
+
+TEST_F(Qk7GenerateFailure, NamesTheReferenceWithWhichTheBlockWouldNotLoad) {
+    ExpectUnloadable(RawTarget(), StretchedCalibration(1.0F, 1.027F),
+                     {"plate.cal", "column 2, row 11", plateAdvice});
+    ExpectUnloadable(RawTarget(), StretchedCalibration(1.05F, 1.0F),
+                     {"plate.cal", "column 7, row 1", plateAdvice});
+}
+
+TEST_F(Qk7GenerateFailure, DrawsThePictureOfATargetWhoseBlockWouldNotLoad) {
+    Put(m_Folder / "target.bmp", TargetWithStandIn(0.0, 0.61));
+
+    const StEnded ended = Generate({"--debug-image", "grid.bmp", "--precalculated", "scanner.pre"});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_EQ(m_Folder.Names(), (Names{"grid.bmp", "scanner.cal", "target.bmp"}));
+    EXPECT_EQ(Get(m_Folder / "grid.bmp").size(), 14U + RawTarget().size());
+    EXPECT_EQ(Get(m_Folder / "scanner.cal"), ToBytes("old"));
+}
+
+TEST_F(Qk7GenerateFailure, TellsTheDotWithWhichTheBlockWouldNotLoadAsJson) {
+    Put(m_Folder / "target.bmp", TargetWithStandIn(0.0, -0.61));
+
+    const StEnded ended = Generate({"--json"});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    const json told = json::parse(ended.m_Out);
+    EXPECT_EQ(told.at("file"), "target.bmp");
+    EXPECT_EQ(told.at("error").get<std::string>() + "\n", "target.bmp" + unloadableWords);
+    const json& dot = told.at("dot");
+    EXPECT_EQ(dot.at("column"), 4);
+    EXPECT_EQ(dot.at("row"), 7);
+    const sim::ClPoint place = TargetCapture().m_aDots[38];
+    EXPECT_NEAR(dot.at("at")[0], place.x, 1.0);
+    EXPECT_NEAR(dot.at("at")[1], place.y - 24.24, 1.0);
+}
+
+// What lies a little nearer loads.
+TEST_F(Qk7GenerateFailure, IsNoneWhereTheBlockLoads) {
+    Put(m_Folder / "target.bmp", TargetWithStandIn(0.0, 0.58));
+    EXPECT_EQ(Generate({}).m_nExit, 0);
+    Put(m_Folder / "target.bmp", RawTarget());
+    Put(m_Folder / "plate.cal", StretchedCalibration(1.04F, 1.025F));
+    EXPECT_EQ(Generate({"--reference", "plate.cal"}).m_nExit, 0);
+}
+
 TEST_F(Qk7GenerateFailure, SaysHowABitmapHasToBeSaved) {
     constexpr std::size_t cnPlanesAt = 12;
     constexpr std::size_t cnBitsAt = 14;
@@ -213,7 +315,7 @@ TEST_F(Qk7GenerateFailure, NamesAReferenceThatIsNone) {
 
 TEST_F(Qk7GenerateFailure, NamesAReferenceWhosePointsAreNone) {
     const float fNotANumber = std::numeric_limits<float>::quiet_NaN();
-    ExpectFailureWith(StretchedCalibration(fNotANumber),
+    ExpectFailureWith(StretchedCalibration(fNotANumber, fNotANumber),
                       "-39 The input is corrupt; it can be a memoryblock or a file. Its target "
                       "points are not those of a plate.");
 }

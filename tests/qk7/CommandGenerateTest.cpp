@@ -81,7 +81,7 @@ TEST_F(Qk7Generate, WritesBlocksThatCorrectTheTarget) {
 
 TEST_F(Qk7Generate, UsesTheReferencePlate) {
     // The same plate a hundredth larger: its dots come to lie further apart.
-    const Bytes reference = StretchedCalibration(1.01F);
+    const Bytes reference = StretchedCalibration(1.01F, 1.01F);
     Put(m_Folder / "plate.cal", reference);
 
     ExpectDone({"--reference", "plate.cal"});

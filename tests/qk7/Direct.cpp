@@ -46,6 +46,13 @@ long DirectStatus(const qk7::Bytes& Calibration, const qk7::Bytes& Capture,
     return ::Calibrate(handle.get(), input.data(), input.size(), result.data(), &nSize);
 }
 
+long DirectLoadStatus(const qk7::Bytes& Calibration) {
+    const Handle handle(CalibrateCreate());
+    EXPECT_EQ(CalibrateSetOption(handle.get(), "PrecalculatedData=true"), QMT_SUCCESS);
+    qk7::Bytes block = Calibration;
+    return CalibrateSetData(handle.get(), block.data(), block.size());
+}
+
 qk7::Bytes DirectlyCalibrated(const qk7::Bytes& Calibration, const qk7::Bytes& Capture,
                               const std::vector<std::string>& options) {
     const Handle handle = HandleWith(Calibration, options);

@@ -14,6 +14,9 @@ namespace TestSupport {
 long DirectStatus(const qk7::Bytes& Calibration, const qk7::Bytes& Capture,
                   const std::vector<std::string>& options);
 
+/// The status of CalibrateSetData(), without the work of a warp table.
+long DirectLoadStatus(const qk7::Bytes& Calibration);
+
 /// The result of Calibrate() on a handle with these options and this calibration block. Fails the
 /// test, and is empty, where a call does not succeed.
 qk7::Bytes DirectlyCalibrated(const qk7::Bytes& Calibration, const qk7::Bytes& Capture,

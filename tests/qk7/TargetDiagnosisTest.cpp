@@ -200,7 +200,7 @@ TEST(Qk7TargetDiagnosis, LooksForTheDotsOfACorrectedImageToo) {
 TEST(Qk7TargetDiagnosis, MeasuresByTheReferenceWhereThereIsOne) {
     EXPECT_EQ(DiagnoseRaw(RawTarget(), TrueCalibration()).m_nFound, 75U);
     // Places half as far again apart than dots: those outside are nearest to no dot of their own.
-    EXPECT_LT(DiagnoseRaw(RawTarget(), StretchedCalibration(1.5F)).m_nFound, 75U);
+    EXPECT_LT(DiagnoseRaw(RawTarget(), StretchedCalibration(1.5F, 1.5F)).m_nFound, 75U);
 }
 
 TEST(Qk7TargetDiagnosis, SaysWhatIsWrongWithForeignBytes) {

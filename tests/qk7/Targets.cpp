@@ -34,6 +34,26 @@ void PutBigFloat(qk7::Bytes& rBlock, std::size_t nAt, float fValue) {
         rBlock.at(nAt + i) = static_cast<unsigned char>(nBits >> (24 - 8 * i));
 }
 
+constexpr std::size_t cnPoints = 75;
+constexpr std::size_t cnTargetPointsAt = 53;
+constexpr std::size_t cnActualPointsAt = cnTargetPointsAt + 8 * cnPoints + 4;
+
+/// `change` gets the point's two coordinates by reference.
+template <class Change>
+void ReplacePoint(qk7::Bytes& rBlock, std::size_t nAt, Change change) {
+    float fX = BigFloatAt(rBlock, nAt);
+    float fY = BigFloatAt(rBlock, nAt + 4);
+    change(fX, fY);
+    PutBigFloat(rBlock, nAt, fX);
+    PutBigFloat(rBlock, nAt + 4, fY);
+}
+
+qk7::Bytes WithChecksum(qk7::Bytes block) {
+    block.resize(block.size() - 4);
+    AppendBig32(block, qk7::Checksum(block.data(), block.size()));
+    return block;
+}
+
 } // namespace
 
 sim::ClCapture TargetCapture(const sim::ClTargetSettings& Target, const sim::ClDirtSettings& Dirt) {
@@ -67,17 +87,19 @@ qk7::Bytes TrueCalibration() {
     return sim::RecordBlock(Scanner());
 }
 
-qk7::Bytes StretchedCalibration(float fFactor) {
-    constexpr std::size_t cnFirstPoint = 53;
-    constexpr std::size_t cnCoordinates = 150;
+qk7::Bytes StretchedCalibration(float fFactorX, float fFactorY) {
     qk7::Bytes block = TrueCalibration();
-    for (std::size_t i = 0; i < cnCoordinates; ++i) {
-        const std::size_t nAt = cnFirstPoint + 4 * i;
-        PutBigFloat(block, nAt, fFactor * BigFloatAt(block, nAt));
-    }
-    block.resize(block.size() - 4);
-    AppendBig32(block, qk7::Checksum(block.data(), block.size()));
-    return block;
+    for (std::size_t i = 0; i < cnPoints; ++i)
+        ReplacePoint(block, cnTargetPointsAt + 8 * i,
+                     [&](float& rX, float& rY) { rX *= fFactorX, rY *= fFactorY; });
+    return WithChecksum(block);
+}
+
+qk7::Bytes CalibrationWithDotMoved(int nDot, float fColumns, float fLines) {
+    qk7::Bytes block = TrueCalibration();
+    ReplacePoint(block, cnActualPointsAt + 8 * static_cast<std::size_t>(nDot),
+                 [&](float& rX, float& rY) { rX += fColumns, rY += fLines; });
+    return WithChecksum(block);
 }
 
 } // namespace TestSupport

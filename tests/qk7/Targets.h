@@ -25,7 +25,9 @@ qk7::Bytes EmptyPlaten();
 
 /// The calibration block of that scanner by its true geometry.
 qk7::Bytes TrueCalibration();
-/// The same with its target points moved apart by a factor, and a right checksum.
-qk7::Bytes StretchedCalibration(float fFactor);
+/// The same with its target points moved apart by a factor for each axis, and a right checksum.
+qk7::Bytes StretchedCalibration(float fFactorX, float fFactorY);
+/// The same with one dot found elsewhere in the capture, by columns and lines.
+qk7::Bytes CalibrationWithDotMoved(int nDot, float fColumns, float fLines);
 
 } // namespace TestSupport
