@@ -138,25 +138,30 @@ TEST(SimDirt, RefusesSettingsOutOfRange) {
     ClDirtSettings Size;
     Size.m_dSpeckSize = 0.0;
 
-    EXPECT_NUMBER(sim::PaintDirt(Plate, Negative, 1), -35);
-    EXPECT_NUMBER(sim::PaintDirt(Plate, Many, 1), -35);
-    EXPECT_NUMBER(sim::PaintDirt(Plate, Size, 1), -35);
+    EXPECT_THROWS(sim::PaintDirt(Plate, Negative, 1), ClException, -35,
+                  "sim: dirt is counted from 0 to 10000");
+    EXPECT_THROWS(sim::PaintDirt(Plate, Many, 1), ClException, -35,
+                  "sim: dirt is counted from 0 to 10000");
+    EXPECT_THROWS(sim::PaintDirt(Plate, Size, 1), ClException, -35, "sim: a speck has up to 5 mm");
 }
 
 TEST(SimDirt, RefusesPlacedSpecksOutOfRange) {
     ClPlate Plate;
+    const char* const szSize = "sim: a speck has up to 5 mm";
+    const char* const szPlace = "sim: a speck's place is not finite";
+    const char* const szDarkness = "sim: a speck's darkness is not from 0 to 1";
     const double dNaN = std::nan("");
-    for (const sim::ClPlacedSpeck& Speck :
-         std::vector<sim::ClPlacedSpeck>{{{0.0, 0.0}, 0.0, 0.5},
-                                         {{0.0, 0.0}, 5.1, 0.5},
-                                         {{0.0, 0.0}, dNaN, 0.5},
-                                         {{dNaN, 0.0}, 0.2, 0.5},
-                                         {{0.0, HUGE_VAL}, 0.2, 0.5},
-                                         {{0.0, 0.0}, 0.2, -0.1},
-                                         {{0.0, 0.0}, 0.2, 1.1},
-                                         {{0.0, 0.0}, 0.2, dNaN}}) {
+    for (const auto& [Speck, szWords] : std::vector<std::pair<sim::ClPlacedSpeck, const char*>>{
+             {{{0.0, 0.0}, 0.0, 0.5}, szSize},
+             {{{0.0, 0.0}, 5.1, 0.5}, szSize},
+             {{{0.0, 0.0}, dNaN, 0.5}, szSize},
+             {{{dNaN, 0.0}, 0.2, 0.5}, szPlace},
+             {{{0.0, HUGE_VAL}, 0.2, 0.5}, szPlace},
+             {{{0.0, 0.0}, 0.2, -0.1}, szDarkness},
+             {{{0.0, 0.0}, 0.2, 1.1}, szDarkness},
+             {{{0.0, 0.0}, 0.2, dNaN}, szDarkness}}) {
         ClDirtSettings Settings;
         Settings.m_aPlaced = {Speck};
-        EXPECT_NUMBER(sim::PaintDirt(Plate, Settings, 1), -35);
+        EXPECT_THROWS(sim::PaintDirt(Plate, Settings, 1), ClException, -35, szWords);
     }
 }

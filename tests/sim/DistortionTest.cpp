@@ -143,8 +143,10 @@ TEST(SimDistortion, RefusesSettingsThatAreNoGeometry) {
     ClDistortionSettings NotANumber;
     NotANumber.m_dBow = std::numeric_limits<double>::quiet_NaN();
 
-    EXPECT_NUMBER(Make(Angle), -35);
-    EXPECT_NUMBER(Make(NotANumber), -35);
-    EXPECT_NUMBER(ClDistortion({}, g_Middle, 0.0, 1.0), -35);
-    EXPECT_NUMBER(ClDistortion({}, g_Middle, 1.0, -1.0), -35);
+    EXPECT_THROWS(Make(Angle), ClException, -35, "sim: an angle is not below 45 degrees");
+    EXPECT_THROWS(Make(NotANumber), ClException, -35, "sim: a distortion setting is not finite");
+    EXPECT_THROWS((ClDistortion({}, g_Middle, 0.0, 1.0)), ClException, -35,
+                  "sim: a scale is not positive");
+    EXPECT_THROWS((ClDistortion({}, g_Middle, 1.0, -1.0)), ClException, -35,
+                  "sim: a scale is not positive");
 }

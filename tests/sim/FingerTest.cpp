@@ -276,8 +276,12 @@ TEST(SimFinger, RefusesSettingsOutOfRange) {
     ClFingerSettings Rotation;
     Rotation.m_dRotation = 45.0;
 
-    EXPECT_NUMBER(sim::PaintFinger(Plate, Period, 1), -35);
-    EXPECT_NUMBER(sim::PaintFinger(Plate, Size, 1), -35);
-    EXPECT_NUMBER(sim::PaintFinger(Plate, Dryness, 1), -35);
-    EXPECT_NUMBER(sim::PaintFinger(Plate, Rotation, 1), -35);
+    EXPECT_THROWS(sim::PaintFinger(Plate, Period, 1), ClException, -35,
+                  "sim: a setting of the finger is out of range");
+    EXPECT_THROWS(sim::PaintFinger(Plate, Size, 1), ClException, -35,
+                  "sim: a setting of the finger is out of range");
+    EXPECT_THROWS(sim::PaintFinger(Plate, Dryness, 1), ClException, -35,
+                  "sim: a setting of the finger is out of range");
+    EXPECT_THROWS(sim::PaintFinger(Plate, Rotation, 1), ClException, -35,
+                  "sim: a setting of the finger is out of range");
 }

@@ -148,8 +148,12 @@ TEST(SimScanner, RefusesSettingsOutOfRange) {
     ClScannerSettings Light = Good;
     Light.m_Light.m_dBright = 1001.0;
 
-    EXPECT_NUMBER(ClScanner(1, Size), -35);
-    EXPECT_NUMBER(ClScanner(1, Height), -35);
-    EXPECT_NUMBER(ClScanner(1, Blur), -35);
-    EXPECT_NUMBER(ClScanner(1, Light), -35);
+    EXPECT_THROWS(ClScanner(1, Size), ClException, -35,
+                  "sim: a raw frame has 16 to 4096 columns and lines");
+    EXPECT_THROWS(ClScanner(1, Height), ClException, -35,
+                  "sim: a raw frame has 16 to 4096 columns and lines");
+    EXPECT_THROWS(ClScanner(1, Blur), ClException, -35,
+                  "sim: a setting of the sensor or the light is out of range");
+    EXPECT_THROWS(ClScanner(1, Light), ClException, -35,
+                  "sim: a setting of the sensor or the light is out of range");
 }

@@ -202,8 +202,10 @@ TEST(SimTarget, BesideADotIsToldInThePatternsDirections) {
     EXPECT_NEAR(Right.y, 1.0, 1e-12);
     EXPECT_NEAR(Below.x, 0.5 - 1.0, 1e-12);
     EXPECT_NEAR(Below.y, std::sqrt(3.0), 1e-12);
-    EXPECT_NUMBER(sim::BesideDot(Settings, -1, 1.0, 0.0), -35);
-    EXPECT_NUMBER(sim::BesideDot(Settings, 75, 1.0, 0.0), -35);
+    EXPECT_THROWS(sim::BesideDot(Settings, -1, 1.0, 0.0), ClException, -35,
+                  "sim: dots count from 0 to 74");
+    EXPECT_THROWS(sim::BesideDot(Settings, 75, 1.0, 0.0), ClException, -35,
+                  "sim: dots count from 0 to 74");
 }
 
 TEST(SimTarget, MayBeCutOffByTheEdgeOfTheCapture) {
@@ -279,9 +281,13 @@ TEST(SimTarget, RefusesSettingsOutOfRange) {
     ClTargetSettings Spacing;
     Spacing.m_dLineSpacing = 0.05;
 
-    EXPECT_NUMBER(sim::PaintDots(Plate, Angle), -35);
-    EXPECT_NUMBER(sim::PaintDots(Plate, Lean), -35);
-    EXPECT_NUMBER(sim::PaintDots(Plate, Contrast), -35);
-    EXPECT_NUMBER(sim::PaintDots(Plate, Diameter), -35);
-    EXPECT_NUMBER(sim::PaintRules(Plate, Spacing), -35);
+    EXPECT_THROWS(sim::PaintDots(Plate, Angle), ClException, -35,
+                  "sim: an angle is not below 45 degrees");
+    EXPECT_THROWS(sim::PaintDots(Plate, Lean), ClException, -35,
+                  "sim: an angle is not below 45 degrees");
+    EXPECT_THROWS(sim::PaintDots(Plate, Contrast), ClException, -35,
+                  "sim: contrast is not from 0 to 1");
+    EXPECT_THROWS(sim::PaintDots(Plate, Diameter), ClException, -35, "sim: a dot has up to 5 mm");
+    EXPECT_THROWS(sim::PaintRules(Plate, Spacing), ClException, -35,
+                  "sim: rules are too close or too thin");
 }
