@@ -1,8 +1,10 @@
 // How accurate a calibration is that was derived from one capture of the dot target, over many
 // simulated scanners, and where deriving one is refused:
 //
-//     accuracy [SCANNERS [FIRST_SEED]]            10 scanners from seed 1
-//     accuracy --limits [SCANNERS [FIRST_SEED]]   the limits of success
+//     accuracy [SCANNERS [FIRST_SEED]]                     10 scanners from seed 1
+//     accuracy --limits [SCANNERS [FIRST_SEED]]            the limits of success
+//     accuracy --plates [SCANNERS [FIRST_SEED]]            plates that are not the target
+//     accuracy --residuals PNG [SCANNERS [FIRST_SEED]]     errors over the whole corrected image
 //
 // For each scanner the target is laid by hand and captured. The generated points are compared with
 // the true centres of the dots. Then three captures are corrected with the generated data: the same
@@ -14,6 +16,8 @@
 #include "bench/Generation.h"
 #include "bench/Limits.h"
 #include "bench/PlateFrame.h"
+#include "bench/Plates.h"
+#include "bench/Residuals.h"
 #include "bench/Straightness.h"
 #include "sim/Record.h"
 
@@ -230,19 +234,57 @@ int MeasureScanners(unsigned long nScanners, unsigned long nFirst) {
     return 0;
 }
 
+struct ClCall {
+    std::string m_sMode; ///< empty for the first table
+    std::string m_sPicture;
+    unsigned long m_nScanners = 10;
+    unsigned long m_nFirst = 1;
+};
+
+/// False where the arguments are not those of the head of this file.
+bool ReadCall(std::vector<std::string> aArguments, ClCall& rCall) {
+    std::reverse(aArguments.begin(), aArguments.end());
+    const auto Take = [&aArguments] {
+        const std::string sFirst = aArguments.back();
+        aArguments.pop_back();
+        return sFirst;
+    };
+    if (!aArguments.empty() && aArguments.back().rfind("--", 0) == 0)
+        rCall.m_sMode = Take();
+    if (rCall.m_sMode == "--residuals" && !aArguments.empty())
+        rCall.m_sPicture = Take();
+    if (!aArguments.empty())
+        rCall.m_nScanners = std::strtoul(Take().c_str(), nullptr, 10);
+    if (!aArguments.empty())
+        rCall.m_nFirst = std::strtoul(Take().c_str(), nullptr, 10);
+    return aArguments.empty() && rCall.m_nScanners > 0 &&
+           rCall.m_sPicture.empty() == (rCall.m_sMode != "--residuals");
+}
+
+int Run(const ClCall& Call) {
+    if (Call.m_sMode == "--limits")
+        return bench::PrintLimits(Call.m_nScanners, Call.m_nFirst);
+    if (Call.m_sMode == "--plates")
+        return bench::PrintPlates(Call.m_nScanners, Call.m_nFirst);
+    if (Call.m_sMode == "--residuals")
+        return bench::PrintResiduals(Call.m_sPicture, Call.m_nScanners, Call.m_nFirst);
+    return MeasureScanners(Call.m_nScanners, Call.m_nFirst);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
-    const bool bLimits = argc > 1 && std::string(argv[1]) == "--limits";
-    const int nFrom = bLimits ? 2 : 1;
-    const unsigned long nScanners = argc > nFrom ? std::strtoul(argv[nFrom], nullptr, 10) : 10;
-    const unsigned long nFirst = argc > nFrom + 1 ? std::strtoul(argv[nFrom + 1], nullptr, 10) : 1;
-    if (argc > nFrom + 2 || nScanners == 0) {
-        std::fprintf(stderr, "usage: %s [--limits] [SCANNERS [FIRST_SEED]]\n", argv[0]);
+    ClCall Call;
+    const std::vector<std::string> aModes{"", "--limits", "--plates", "--residuals"};
+    if (!ReadCall({argv + 1, argv + argc}, Call) ||
+        std::count(aModes.begin(), aModes.end(), Call.m_sMode) == 0) {
+        std::fprintf(stderr,
+                     "usage: %s [--limits|--plates|--residuals PNG] [SCANNERS [FIRST_SEED]]\n",
+                     argv[0]);
         return 2;
     }
     try {
-        return bLimits ? bench::PrintLimits(nScanners, nFirst) : MeasureScanners(nScanners, nFirst);
+        return Run(Call);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "accuracy: %s\n", e.what());
         return 1;

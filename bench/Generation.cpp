@@ -104,6 +104,14 @@ ClGeneration Generate(const sim::ClRaster& Raw) {
     return Result;
 }
 
+bool Loads(const Bytes& aCalibration) {
+    Bytes aData = aCalibration;
+    const ClHandle Handle;
+    // Where the points are judged, no table is needed.
+    Require(CalibrateSetOption(Handle, "PrecalculatedData=true"));
+    return CalibrateSetData(Handle, aData.data(), aData.size()) == QMT_SUCCESS;
+}
+
 Bytes Correct(const Bytes& aCalibration, const sim::ClRaster& Raw) {
     Bytes aData = aCalibration;
     Bytes aCapture = sim::BitmapBlock(Raw);

@@ -28,6 +28,9 @@ struct ClGeneration {
 
 ClGeneration Generate(const sim::ClRaster& Raw);
 
+/// Whether a calibration block is loaded; what was generated need not be.
+bool Loads(const Bytes& aCalibration);
+
 /// The capture corrected with a calibration block, finger mask off: 320 x 480 pixels as a block.
 /// Throws what the library answers.
 Bytes Correct(const Bytes& aCalibration, const sim::ClRaster& Raw);
