@@ -39,25 +39,14 @@ const StPixelType* FindType(unsigned char nType) {
 }
 
 [[noreturn]] void ThrowAreaNotPositive() {
-    throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, false, "Unknown", -1);
-}
-
-/// A reference to nothing, with a count of its own where memory allows: the buffer of an empty
-/// image. Becoming empty must not fail.
-boost::shared_ptr<unsigned char> NullBuffer() noexcept {
-    try {
-        return {static_cast<unsigned char*>(nullptr), ClImage::void_deleter()};
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
+    throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
 }
 
 } // namespace
 
 // State
 
-ClImage::ClImage() noexcept
-    : m_pData(NullBuffer()), m_dBlack(MathConst::cdNaN), m_dWhite(MathConst::cdNaN) {}
+ClImage::ClImage() noexcept : m_dBlack(MathConst::cdNaN), m_dWhite(MathConst::cdNaN) {}
 
 ClImage::ClImage(int nWidth, int nHeight, int nPlanes, int nPelsX, int nPelsY) : ClImage() {
     NewWithType(eUInt8, nWidth, nHeight, nPlanes, nPelsX, nPelsY);
@@ -66,8 +55,7 @@ ClImage::ClImage(int nWidth, int nHeight, int nPlanes, int nPelsX, int nPelsY) :
 ClImage::~ClImage() = default;
 
 void ClImage::Initialize() noexcept {
-    boost::shared_ptr<unsigned char> pNull = NullBuffer();
-    m_pData.swap(pNull);
+    m_pData.reset();
     m_nDataType = eTypeUnknown;
     m_eContent = eUnknown;
     m_nWidth = m_nHeight = 0;
@@ -237,7 +225,7 @@ ClImage& ClImage::operator=(const ClImage& Src) {
 ClImage& ClImage::operator=(unsigned char nValue) {
     if (nValue != 0 && BytesPerSample() != 1)
         throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, false,
-                          "Unknown", -1);
+                          VEK_NOWHERE);
     if (HasBytes())
         std::memset(Data(), nValue, SizeBytes());
     return *this;
@@ -257,7 +245,7 @@ void ClImage::Attach(void* pData, unsigned char nType, int nWidth, int nHeight, 
     m_nPelsY = nPelsY;
     ContentFromPlanes(nPlanes);
     BlackWhiteFromType(nType);
-    m_nBufferSize = SizeBytes();
+    m_nBufferSize = m_pData ? SizeBytes() : 0;
 }
 
 void ClImage::Attach(void* pData, const ClImage& Layout) {
@@ -266,7 +254,7 @@ void ClImage::Attach(void* pData, const ClImage& Layout) {
         return;
     HoldForeign(pData);
     CopyDescription(Layout);
-    m_nBufferSize = SizeBytes();
+    m_nBufferSize = m_pData ? SizeBytes() : 0;
 }
 
 void ClImage::Attach(const ClImage& Src) {
@@ -278,7 +266,10 @@ void ClImage::Attach(const ClImage& Src) {
     m_nBufferSize = Src.m_nBufferSize;
 }
 
+/// For an empty image.
 void ClImage::HoldForeign(void* pData) {
+    if (pData == nullptr)
+        return;
     try {
         m_pData.reset(static_cast<unsigned char*>(pData), void_deleter());
     } catch (const std::bad_alloc&) {
@@ -344,8 +335,10 @@ void ClImage::GetPlane(int nPlane, ClImage& Out) const {
 }
 
 void ClImage::FillAligment(int nValue) {
+    if (!HasBytes())
+        return;
     const int nPad = LineStrideBytes() - m_nWidth;
-    if (nPad < 1 || !HasBytes())
+    if (nPad < 1)
         return;
     for (int y = 0; y < m_nHeight; ++y)
         std::memset(LineData(y) + m_nWidth, nValue, static_cast<std::size_t>(nPad));
@@ -373,6 +366,6 @@ bool ClImage::IsValid() const {
 
 bool ClImage::CheckValid() const {
     if (const char* szDefect = FirstDefect())
-        throw ClException(szDefect, QMT_ERROR_INTERNAL, false, "Unknown", -1);
+        throw ClException(szDefect, QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
     return true;
 }

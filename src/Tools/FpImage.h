@@ -85,7 +85,9 @@ public:
     /// one byte; else throws "Image Type is not the assigned type" (-101).
     ClImage& operator=(unsigned char nValue);
 
-    /// Points at the caller's pixels, which follow the line rule and outlive the image.
+    /// Points at the caller's pixels, which follow the line rule and outlive the image. With null
+    /// the image has the geometry and no pixels, until NewWithType() or an assignment gives it
+    /// some.
     void Attach(void* pData, unsigned char nType, int nWidth, int nHeight, int nPlanes, int nPelsX,
                 int nPelsY);
     /// The same with the type, geometry, range, content and attribute of `Layout`. With itself as
@@ -184,7 +186,7 @@ private:
     int m_nHeight = 0;
     int m_nPelsX = 0;
     int m_nPelsY = 0;
-    boost::shared_ptr<unsigned char> m_pData;
+    boost::shared_ptr<unsigned char> m_pData; ///< without pixels null: being empty needs no memory
     int m_nPlanes = 0;
     double m_dBlack;
     double m_dWhite;

@@ -248,6 +248,10 @@ TEST(ImageAllocation, HasNoBytesForNegativeSidesWhoseProductIsPositive) {
     image.FillAligment(1);
     EXPECT_EQ(image.Data()[0], 200);
     EXPECT_EQ(image.Data()[47], 200);
+    unsigned char nByte = 200;
+    image.Attach(&nByte, ClImage::eUInt8, INT_MAX, 1, -1, 0, 0);
+    image.FillAligment(1);
+    EXPECT_EQ(nByte, 200);
 }
 
 // Missing memory

@@ -127,6 +127,50 @@ TEST(ImageAttach, SharesNothingOfAnEmptyImage) {
     ExpectEmptyImage(image);
 }
 
+TEST(ImageAttach, HasNoPixelsWithNull) {
+    const ClTestImage layout = Peculiar();
+    const ClFailAllocation fail(0);
+    ClImage image;
+    image.Attach(nullptr, ClImage::eUInt8, 2, 2, 1, 100, 200);
+    EXPECT_EQ(image.Data(), nullptr);
+    EXPECT_EQ(image.Width(), 2);
+    image.Attach(nullptr, layout);
+    EXPECT_EQ(image.Data(), nullptr);
+    EXPECT_EQ(image.Width(), layout.Width());
+    image = static_cast<unsigned char>(0);
+    image.FillAligment(0);
+    EXPECT_FALSE(ClFailAllocation::Happened());
+}
+
+TEST(ImageAttach, GetsPixelsOfItsOwnWhereItHadNone) {
+    const ClTestImage source = Img({{1, 2}, {3, 4}});
+    const auto ExpectPixels = [&](void (*fill)(const ClImage&, ClImage&), const auto& aExpected) {
+        ClTestImage image;
+        image.Attach(nullptr, ClImage::eUInt8, 2, 2, 1, 0, 0);
+        fill(source, image);
+        ASSERT_NE(image.Data(), nullptr);
+        EXPECT_EQ(Pixels(image), aExpected);
+    };
+    ExpectPixels([](const ClImage& from, ClImage& image) { image = from; }, Rows({{1, 2}, {3, 4}}));
+    ExpectPixels([](const ClImage& from, ClImage& image) { from.GetPlane(0, image); },
+                 Rows({{1, 2}, {3, 4}}));
+    ExpectPixels([](const ClImage& from, ClImage& image) { image.New(from); },
+                 Rows({{0, 0}, {0, 0}}));
+    ExpectPixels(
+        [](const ClImage&, ClImage& image) { image.NewWithType(ClImage::eUInt8, 2, 2, 1, 0, 0); },
+        Rows({{0, 0}, {0, 0}}));
+}
+
+TEST(ImageAttach, AnEmptyImageThatIsSharedTakesAnotherEmptyOne) {
+    const ClImage empty;
+    ClImage image;
+    image.Attach(empty);
+    image = empty;
+    ExpectEmptyImage(image);
+    image.NewWithType(ClImage::eUInt8, 0, 0, 0, 0, 0);
+    EXPECT_EQ(image.Data(), nullptr);
+}
+
 TEST(ImageAttach, IsEmptyWithItself) {
     ClImage image(4, 4, 1, 0, 0);
     image.SetAttribute(7);

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <typeinfo>
 
 namespace TestSupport {
 
@@ -19,17 +20,22 @@ inline std::string Words(const ClException& e) {
 
 } // namespace TestSupport
 
-/// The statement throws an exception of class `Class` with the number and the words.
+/// The statement throws an exception of exactly the class `Class`, with the number and the words.
 #define EXPECT_THROWS(statement, Class, number, words)                                             \
     try {                                                                                          \
         statement;                                                                                 \
         ADD_FAILURE() << "nothing was thrown by " #statement;                                      \
-    } catch (const Class& e) {                                                                     \
+    } catch (const ClException& e) {                                                               \
+        EXPECT_TRUE(typeid(e) == typeid(Class)) << typeid(e).name() << " is no " #Class;           \
         EXPECT_EQ(e.Number(), number);                                                             \
         EXPECT_EQ(TestSupport::Words(e), words);                                                   \
     }
 
-/// The statement throws a `ClExTessarin`, or another class of the family, with the number.
+/// The statement throws exactly a `ClExTessarin`, whose words are the catalogue's.
+#define EXPECT_TESSARIN(statement, number)                                                         \
+    EXPECT_THROWS(statement, ClExTessarin, number, GetErrorDescriptionIntern(number))
+
+/// The statement throws any class of the family with the number: for what still has to tell more.
 #define EXPECT_NUMBER(statement, number)                                                           \
     try {                                                                                          \
         statement;                                                                                 \
