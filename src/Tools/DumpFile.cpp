@@ -2,8 +2,9 @@
 
 #include "Tools/Allocate.h"
 #include "Tools/DumpTarget.h"
+#include "Tools/PlainLocale.h"
+#include "Tools/Text.h"
 
-#include <cctype>
 #include <cstdarg>
 #include <cstring>
 
@@ -13,15 +14,8 @@ namespace {
 
 constexpr std::size_t cnCommentSize = 1024;
 
-std::unique_ptr<char[]> CopyOf(const char* szText) {
-    const std::size_t nSize = std::strlen(szText) + 1;
-    auto pCopy = Vek::NewArrayPtr<char>(nSize);
-    std::memcpy(pCopy.get(), szText, nSize);
-    return pCopy;
-}
-
 char GuardCharacter(char c) {
-    return c == '.' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return c == '.' ? '_' : Vek::UpperLetter(c);
 }
 
 } // namespace
@@ -29,7 +23,7 @@ char GuardCharacter(char c) {
 // ClDumpFile
 
 ClDumpFile::ClDumpFile(const char* pFile, const char* pPath)
-    : m_pName(CopyOf(TextOrEmpty(pFile))), m_pFile(Vek::OpenDump(pFile, pPath)) {}
+    : m_pName(Vek::CopyOf(TextOrEmpty(pFile))), m_pFile(Vek::OpenDump(pFile, pPath)) {}
 
 ClDumpFile::~ClDumpFile() {
     std::fclose(m_pFile);
@@ -38,6 +32,7 @@ ClDumpFile::~ClDumpFile() {
 void ClDumpFile::Out(const char* pFormat, ...) {
     va_list arguments;
     va_start(arguments, pFormat);
+    const Vek::ClPlainLocale plain; // a decimal point is part of the language written
     std::vfprintf(m_pFile, TextOrEmpty(pFormat), arguments);
     va_end(arguments);
 }
@@ -48,6 +43,7 @@ void ClDumpFile::NewLines(int nCount) {
 }
 
 void ClDumpFile::Comment(const char* pFormat, ...) {
+    const Vek::ClPlainLocale plain;
     char szText[cnCommentSize];
     va_list arguments;
     va_start(arguments, pFormat);

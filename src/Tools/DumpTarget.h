@@ -17,9 +17,4 @@ std::FILE* OpenDump(const char* pFile, const char* pPath);
 /// The date and time of now, local.
 std::tm LocalNow();
 
-/// A null text counts as empty.
-inline const char* TextOrEmpty(const char* pText) {
-    return pText != nullptr ? pText : "";
-}
-
 } // namespace Vek

@@ -3,6 +3,7 @@
 #include "Tools/FormatText.h"
 #include "Tools/ParameterEnum.h"
 #include "Tools/ParameterNumeric.h"
+#include "Tools/Text.h"
 
 #include <TessarinCalibrateSDK.h>
 
@@ -11,14 +12,6 @@
 // Every failure that tells a parameter's name is raised here, so that the templates stay small.
 // Missing texts show as empty ones.
 
-namespace {
-
-const char* Shown(const char* pText) {
-    return pText != nullptr ? pText : "";
-}
-
-} // namespace
-
 namespace Vek {
 
 void ThrowAbstractFunction() {
@@ -26,30 +19,30 @@ void ThrowAbstractFunction() {
 }
 
 void ThrowUnbound(const char* pName) {
-    const auto pWords = FormatText("Parameter \"%s\" is not bound", Shown(pName));
+    const auto pWords = FormatText("Parameter \"%s\" is not bound", TextOrEmpty(pName));
     throw ClException(pWords.get(), QMT_ERROR_BAD_POINTER, true, VEK_HERE);
 }
 
 void ThrowNotANumber(const char* pName, const char* pText) {
-    const auto pWords =
-        FormatText("Failed to set parameter \"%s\" to value \"%s\"", Shown(pName), Shown(pText));
+    const auto pWords = FormatText("Failed to set parameter \"%s\" to value \"%s\"",
+                                   TextOrEmpty(pName), TextOrEmpty(pText));
     throw ClException(pWords.get(), QMT_ERROR_INVALID_PARAMETER, true, VEK_HERE);
 }
 
 void ThrowOutOfRange(const char* pName) {
-    const auto pWords = FormatText("Value out of range for parameter \"%s\"", Shown(pName));
+    const auto pWords = FormatText("Value out of range for parameter \"%s\"", TextOrEmpty(pName));
     throw ClExRange(pWords.get(), QMT_ERROR_PARAM_OUT_OF_RANGE, true, VEK_HERE);
 }
 
 void ThrowUnknownValueName(const char* pName, const char* pText) {
-    const auto pWords =
-        FormatText("Value \"%s\" out of range for parameter \"%s\"", Shown(pText), Shown(pName));
+    const auto pWords = FormatText("Value \"%s\" out of range for parameter \"%s\"",
+                                   TextOrEmpty(pText), TextOrEmpty(pName));
     throw ClException(pWords.get(), QMT_ERROR_PARAM_OUT_OF_RANGE, true, VEK_HERE);
 }
 
 void ThrowUnprintableValue(const char* pName, const char* pText) {
-    const auto pWords =
-        FormatText("Parameter \"%s\" out of range using value \"%s\"", Shown(pName), Shown(pText));
+    const auto pWords = FormatText("Parameter \"%s\" out of range using value \"%s\"",
+                                   TextOrEmpty(pName), TextOrEmpty(pText));
     throw ClException(pWords.get(), QMT_ERROR_PARAM_OUT_OF_RANGE, true, VEK_HERE);
 }
 

@@ -1,7 +1,7 @@
 #include "Tools/ParameterBase.h"
 
-#include "Tools/Allocate.h"
 #include "Tools/ParameterContainer.h"
+#include "Tools/Text.h"
 
 #include <cstring>
 
@@ -82,15 +82,6 @@ void WritePath(const ClParameterBase* pNode, char* pEnd) {
     }
 }
 
-std::unique_ptr<char[]> CopyOf(const char* pText) {
-    if (pText == nullptr)
-        return nullptr;
-    const std::size_t nBytes = std::strlen(pText) + 1;
-    auto pCopy = Vek::NewArrayPtr<char>(nBytes);
-    std::memcpy(pCopy.get(), pText, nBytes);
-    return pCopy;
-}
-
 } // namespace
 
 ClParameterBase* ClParameterBase::GetRoot() {
@@ -110,7 +101,7 @@ bool ClParameterBase::GetPathName(char* pBuffer, unsigned long& nSize) const {
 }
 
 void ClParameterBase::SetString(char** ppTarget, const char* pText) {
-    std::unique_ptr<char[]> pCopy = CopyOf(pText);
+    std::unique_ptr<char[]> pCopy = Vek::CopyOf(pText);
     delete[] * ppTarget;
     *ppTarget = pCopy.release();
 }
@@ -121,7 +112,7 @@ ClParameter::~ClParameter() {
 }
 
 void ClParameter::CopyHeadTo(ClParameter& Target) const {
-    std::unique_ptr<char[]> pName = CopyOf(m_szName);
+    std::unique_ptr<char[]> pName = Vek::CopyOf(m_szName);
     SetString(&Target.m_szDescription, m_szDescription);
     delete[] Target.m_szName;
     Target.m_szName = pName.release();

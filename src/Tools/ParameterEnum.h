@@ -6,9 +6,8 @@
 
 #include "Tools/Array.h"
 #include "Tools/Parameter.h"
+#include "Tools/Text.h"
 #include "Tools/TextAnswer.h"
-
-#include <strings.h>
 
 #include <utility>
 
@@ -130,7 +129,7 @@ private:
 
     const ClMapEntry* FindName(const char* pName) const {
         for (unsigned long i = 0; pName != nullptr && i < m_aEntries.Entries(); ++i)
-            if (strcasecmp(m_aEntries[i].m_szName, pName) == 0)
+            if (Vek::IsSameName(m_aEntries[i].m_szName, pName))
                 return &m_aEntries[i];
         return nullptr;
     }

@@ -1,5 +1,6 @@
 #include "Tools/Allocate.h"
 #include "Tools/ParameterInterface.h"
+#include "Tools/PlainLocale.h"
 
 #include <algorithm>
 #include <charconv>
@@ -59,12 +60,14 @@ char* CopyText(const char* pText, char* pBuffer, long nSize) {
 }
 
 char* FmtReal(char* pBuffer, long nSize, double dValue) {
+    const Vek::ClPlainLocale plain;
     return CheckFits(std::snprintf(pBuffer, static_cast<std::size_t>(nSize), "%.5f", dValue),
                      pBuffer, nSize);
 }
 
 /// A 16-bit angle, itself and in degrees.
 char* FmtAngle(char* pBuffer, long nSize, unsigned short nAngle) {
+    const Vek::ClPlainLocale plain;
     constexpr double cdBy65535 = 1.5259021896696422e-5;
     const double dDegrees = (nAngle * 360 + 0.5) * cdBy65535;
     return CheckFits(

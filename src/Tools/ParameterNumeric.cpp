@@ -1,10 +1,9 @@
 #include "Tools/ParameterNumeric.h"
 
-#include "Tools/TextAnswer.h"
+#include "Tools/PlainLocale.h"
 
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -59,79 +58,13 @@ bool ParseHexadecimal(const char* pText, long double& dValue) {
 }
 
 bool ParseDecimal(const char* pText, long double& dValue) {
+    const ClPlainLocale plain;
     char* pEnd = nullptr;
     errno = 0;
     const double dParsed = std::strtod(pText, &pEnd);
     const bool bOverflow = errno == ERANGE && std::isinf(dParsed);
     dValue = dParsed;
     return *pEnd == '\0' && !bOverflow;
-}
-
-/// What a `printf` format takes besides its text: one conversion, to be complete and safe.
-struct StConversion {
-    int m_nCount = 0;   ///< conversions found
-    int m_nStars = 0;   ///< '*' in them
-    int m_nLongs = 0;   ///< 'l' in the length
-    char m_cType = 0;   ///< the conversion character
-    bool m_bFit = true; ///< no length other than 'h' and 'l'
-};
-
-/// Reads the conversion behind a '%' and returns what follows it.
-const char* ReadConversion(const char* p, StConversion& found) {
-    ++found.m_nCount;
-    for (; *p != '\0' && std::strchr("-+ #0123456789.*", *p) != nullptr; ++p)
-        found.m_nStars += *p == '*';
-    for (; *p != '\0' && std::strchr("hlLqjzt", *p) != nullptr; ++p) {
-        found.m_nLongs += *p == 'l';
-        found.m_bFit = found.m_bFit && (*p == 'h' || *p == 'l');
-    }
-    found.m_cType = *p;
-    return *p != '\0' ? p + 1 : p;
-}
-
-StConversion FindConversion(const char* pFormat) {
-    StConversion found;
-    while ((pFormat = std::strchr(pFormat, '%')) != nullptr) {
-        ++pFormat;
-        if (*pFormat == '%')
-            ++pFormat;
-        else
-            pFormat = ReadConversion(pFormat, found);
-    }
-    return found;
-}
-
-/// Whether the format is text alone or takes one value of a conversion among `pTypes`, of a length
-/// that a value of 64-bit integer (`bLong`) or of another type has, and a precision before it if
-/// `bStar`.
-bool Takes(const char* pFormat, const char* pTypes, bool bLong, bool bStar) {
-    const StConversion found = FindConversion(pFormat);
-    if (found.m_nCount == 0)
-        return true;
-    return found.m_nCount == 1 && found.m_bFit && found.m_cType != '\0' &&
-           std::strchr(pTypes, found.m_cType) != nullptr && (found.m_nLongs > 0) == bLong &&
-           found.m_nStars == (bStar ? 1 : 0);
-}
-
-template <class Value>
-bool Print(const char* pFormat, bool bStar, int nPrecision, Value value, char* pBuffer,
-           unsigned long& nSize) {
-    const auto print = [&](char* pTarget, std::size_t nBytes) {
-        return bStar ? std::snprintf(pTarget, nBytes, pFormat, nPrecision, value)
-                     : std::snprintf(pTarget, nBytes, pFormat, value);
-    };
-    const int nLength = print(nullptr, 0);
-    if (nLength < 0)
-        return false;
-    const bool bEnough = nSize > static_cast<unsigned long>(nLength);
-    nSize = static_cast<unsigned long>(nLength) + 1;
-    if (bEnough && pBuffer != nullptr)
-        print(pBuffer, nSize);
-    return bEnough;
-}
-
-bool HoldsStar(const char* pFormat) {
-    return std::strchr(pFormat, '*') != nullptr;
 }
 
 } // namespace
@@ -142,27 +75,6 @@ bool ParseNumber(const char* pText, long double& dValue) {
         if (*p == 'x' || *p == 'X')
             pLast = p;
     return pLast != nullptr ? ParseHexadecimal(pLast + 1, dValue) : ParseDecimal(pText, dValue);
-}
-
-bool PrintNumber(const char* pFormat, int nPrecision, double dValue, char* pBuffer,
-                 unsigned long& nSize) {
-    const bool bStar = HoldsStar(pFormat);
-    return Takes(pFormat, "aAeEfFgG", false, bStar) &&
-           Print(pFormat, bStar, nPrecision, dValue, pBuffer, nSize);
-}
-
-bool PrintNumber(const char* pFormat, int nPrecision, int nValue, char* pBuffer,
-                 unsigned long& nSize) {
-    const bool bStar = HoldsStar(pFormat);
-    return Takes(pFormat, "diouxXc", false, bStar) &&
-           Print(pFormat, bStar, nPrecision, nValue, pBuffer, nSize);
-}
-
-bool PrintNumber(const char* pFormat, int nPrecision, long long nValue, char* pBuffer,
-                 unsigned long& nSize) {
-    const bool bStar = HoldsStar(pFormat);
-    return Takes(pFormat, "diouxX", true, bStar) &&
-           Print(pFormat, bStar, nPrecision, nValue, pBuffer, nSize);
 }
 
 } // namespace Vek

@@ -8,6 +8,7 @@
 #include "Tools/Array.h"
 #include "Tools/NumericFormat.h"
 #include "Tools/Parameter.h"
+#include "Tools/PrintNumber.h"
 
 #include <cmath>
 #include <limits>
@@ -50,8 +51,8 @@ public:
     double GetNumberScaled() const { return GetNumber() * m_dScale; }
     void SetNumberSecaled(double dValue) { SetNumber(dValue / m_dScale); }
 
-    /// The `printf` format of the value, with at most a precision of '*'. Null stands for the
-    /// format of the type. Stores a copy.
+    /// The `printf` format of the value, see `Vek::PrintNumber`. Null stands for the format of the
+    /// type. Stores a copy.
     const char* GetFormat() const { return m_aFormat.Data(); }
     void SetFormat(const char* pFormat);
 
@@ -74,19 +75,9 @@ template <>
 bool IsEqual<double>(const double& a, const double& b);
 
 /// A number read from text: what stands behind the last 'x' or 'X' as hexadecimal digits of at
-/// most 64 bits, else the whole text by `strtod`; nothing is 0. False where characters are left
-/// over or the number is too large.
+/// most 64 bits, else the whole text by `strtod` of the C locale; nothing is 0. False where
+/// characters are left over or the number is too large.
 bool ParseNumber(const char* pText, long double& dValue);
-
-/// Prints `value`, and `nPrecision` before it if the format holds a '*'; a format that takes
-/// nothing is printed as it is. False, without any writing, for a format that takes other
-/// arguments than these, and as AnswerText().
-bool PrintNumber(const char* pFormat, int nPrecision, double dValue, char* pBuffer,
-                 unsigned long& nSize);
-bool PrintNumber(const char* pFormat, int nPrecision, int nValue, char* pBuffer,
-                 unsigned long& nSize);
-bool PrintNumber(const char* pFormat, int nPrecision, long long nValue, char* pBuffer,
-                 unsigned long& nSize);
 
 [[noreturn]] void ThrowNotANumber(const char* pName, const char* pText);
 [[noreturn]] void ThrowOutOfRange(const char* pName);
@@ -191,8 +182,6 @@ private:
         if constexpr (std::is_floating_point_v<T>)
             return Vek::PrintNumber(pFormat, m_nPrecision, static_cast<double>(value), pBuffer,
                                     nSize);
-        else if constexpr (sizeof(T) <= sizeof(int))
-            return Vek::PrintNumber(pFormat, m_nPrecision, static_cast<int>(value), pBuffer, nSize);
         else
             return Vek::PrintNumber(pFormat, m_nPrecision, static_cast<long long>(value), pBuffer,
                                     nSize);

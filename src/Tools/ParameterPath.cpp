@@ -4,11 +4,11 @@
 // its author likes.
 
 #include "Tools/ParameterContainer.h"
+#include "Tools/Text.h"
 
 #include <TessarinCalibrateSDK.h>
 
 #include <cstring>
-#include <strings.h>
 
 namespace {
 
@@ -37,7 +37,7 @@ ClParameter* ClParameterContainer::FindLocal(const char* pName) const {
         return nullptr;
     for (unsigned long i = 0; i < Entries(); ++i) {
         const char* pEntryName = m_aParameters[i]->GetName();
-        if (pEntryName != nullptr && strcasecmp(pEntryName, pName) == 0)
+        if (pEntryName != nullptr && Vek::IsSameName(pEntryName, pName))
             return m_aParameters[i];
     }
     return nullptr;

@@ -155,22 +155,68 @@ TEST(ParameterFormat, AnswersFalseWherePrintfFails) {
     EXPECT_FALSE(CanPrint<int>("%2147483648d")); // longer than an int can tell
 }
 
-TEST(ParameterFormat, AnswersFalseForAFormatThatDoesNotTakeTheValue) {
-    for (const char* pFormat :
-         {"%s", "%n", "%d%d", "%f", "%ld", "%*.*d", "* %d", "%", "%l", "%jd", "100 %"})
-        EXPECT_FALSE(CanPrint<int>(pFormat)) << pFormat;
-    for (const char* pFormat : {"%d", "%f", "%lf", "%Lf", "%s", "%ln"})
-        EXPECT_FALSE(CanPrint<long>(pFormat)) << pFormat;
-    for (const char* pFormat : {"%d", "%Lf", "%s", "%f%f", "%.*"})
-        EXPECT_FALSE(CanPrint<double>(pFormat)) << pFormat;
+TEST(ParameterFormat, AnswersFalseWhereACharacterCannotBeEncoded) {
+    EXPECT_EQ(Printed<int>('A', "%lc"), "A");
+    int nValue = 0x7FFFFFFF; // no character
+    TpParameterNumeric<int> parameter;
+    parameter.Bind(&nValue);
+    parameter.SetFormat("%lc");
+    unsigned long nSize = 64;
+    EXPECT_FALSE(parameter.GetValue(nullptr, nSize));
+    EXPECT_EQ(nSize, 64u);
 }
 
-TEST(ParameterFormat, AcceptsTheFormatsOfAType) {
-    for (const char* pFormat : {"%d", "%5i", "%-5u|", "0x%02X", "%+d", "%o"})
+TEST(ParameterFormat, AnswersFalseForAFormatThatTakesNoNumberOrMoreThanOne) {
+    for (const char* pFormat : {"%s", "%n", "%p", "%m", "%d%d", "%*.*d", "%", "%l", "100 %", "%hhf",
+                                "%Ld", "%lln", "%hhhd", "%jc", "%.*"}) {
+        EXPECT_FALSE(CanPrint<int>(pFormat)) << pFormat;
+        EXPECT_FALSE(CanPrint<long>(pFormat)) << pFormat;
+        EXPECT_FALSE(CanPrint<double>(pFormat)) << pFormat;
+    }
+}
+
+TEST(ParameterFormat, PrintsAnIntegerInEveryStandardLength) {
+    for (const char* pFormat : {"%d", "%i", "%ld", "%lld", "%jd", "%zd", "%td", "%qd", "%'ld"}) {
+        EXPECT_EQ(Printed<int>(-7, pFormat), "-7") << pFormat;
+        EXPECT_EQ(Printed<long>(-7, pFormat), "-7") << pFormat;
+        EXPECT_EQ(Printed<short>(-7, pFormat), "-7") << pFormat;
+    }
+    EXPECT_EQ(Printed<long>(9223372036854775807, "%jd"), "9223372036854775807");
+    EXPECT_EQ(Printed<unsigned int>(4294967295u, "%ju"), "4294967295");
+    EXPECT_EQ(Printed<unsigned long>(18446744073709551615u, "%zu"), "18446744073709551615");
+    EXPECT_EQ(Printed<int>(-1, "%x"), "ffffffff");
+    EXPECT_EQ(Printed<int>(0x123, "%hhx"), "23");
+    EXPECT_EQ(Printed<long>((1L << 32) + 5, "%d"), "5"); // the length is what the format says
+}
+
+TEST(ParameterFormat, PrintsARealNumberInEveryStandardLength) {
+    for (const char* pFormat : {"%.2f", "%.2lf", "%.2Lf", "%'.2f"}) {
+        EXPECT_EQ(Printed<double>(-1234.5, pFormat), "-1234.50") << pFormat;
+        EXPECT_EQ(Printed<float>(-1234.5f, pFormat), "-1234.50") << pFormat;
+    }
+    EXPECT_EQ(Printed<double>(1.5, "%.*Lf", 3), "1.500");
+    EXPECT_EQ(Printed<double>(0.5, "%a"), "0x1p-1");
+}
+
+TEST(ParameterFormat, PassesANumberAsTheConversionWantsIt) {
+    EXPECT_EQ(Printed<double>(-2.75, "%d"), "-2");
+    EXPECT_EQ(Printed<double>(1e300, "%ld"), "0");
+    EXPECT_EQ(Printed<double>(9223372036854775808.0, "%ld"), "0");
+    EXPECT_EQ(Printed<double>(-9223372036854775808.0, "%ld"), "-9223372036854775808");
+    EXPECT_EQ(Printed<double>(std::numeric_limits<double>::quiet_NaN(), "%d"), "0");
+    EXPECT_EQ(Printed<int>(3, "%.1f"), "3.0");
+    EXPECT_EQ(Printed<long>(-3, "%.1Lf"), "-3.0");
+}
+
+TEST(ParameterFormat, TakesAStarForAWidthToo) {
+    EXPECT_EQ(Printed<int>(7, "<%*d>", 3), "<  7>");
+    EXPECT_EQ(Printed<int>(7, "a * %d", 3), "a * 7"); // this one is text
+}
+
+TEST(ParameterFormat, AcceptsAllFlags) {
+    for (const char* pFormat : {"%5i", "%-5u|", "0x%02X", "%+d", "%o", "% d", "%#lx"})
         EXPECT_TRUE(CanPrint<int>(pFormat)) << pFormat;
-    for (const char* pFormat : {"%ld", "%lx", "%.*lu", "%lld"})
-        EXPECT_TRUE(CanPrint<long>(pFormat)) << pFormat;
-    for (const char* pFormat : {"%f", "%e", "%G", "%a", "%10.3f", "%.*f", "%#g"})
+    for (const char* pFormat : {"%e", "%G", "%10.3f", "%#g", "%F", "%A", "% E"})
         EXPECT_TRUE(CanPrint<double>(pFormat)) << pFormat;
 }
 

@@ -2,46 +2,22 @@
 
 /// Files that a test lets write into a directory of its own, and the times that they tell.
 
-#include <gtest/gtest.h>
+#include "support/TestFolder.h"
 
 #include <cstdio>
 #include <ctime>
-#include <fstream>
-#include <iterator>
-#include <stdlib.h>
 #include <string>
-#include <unistd.h>
-#include <vector>
 
 namespace TestSupport {
 
-/// A directory that is removed at the end, with the files that were named.
+/// A directory of its own for a writer of dumps.
 class ClDumpDirectory {
 public:
-    ClDumpDirectory() : m_Path(testing::TempDir() + "dumps.XXXXXX") {
-        EXPECT_NE(mkdtemp(m_Path.data()), nullptr);
-    }
-    ClDumpDirectory(const ClDumpDirectory&) = delete;
-    ClDumpDirectory& operator=(const ClDumpDirectory&) = delete;
-    ~ClDumpDirectory() {
-        for (const std::string& File : m_aFiles)
-            std::remove(File.c_str());
-        rmdir(m_Path.c_str());
-    }
-
-    const char* Path() const { return m_Path.c_str(); }
-
-    /// Content of a file of the directory, which is removed at the end.
-    std::string Text(const std::string& Name) {
-        m_aFiles.push_back(m_Path + "/" + Name);
-        std::ifstream File(m_aFiles.back(), std::ios::binary);
-        EXPECT_TRUE(File.good()) << Name;
-        return {std::istreambuf_iterator<char>(File), {}};
-    }
+    const char* Path() const { return m_Folder.Path().c_str(); }
+    std::string Text(const std::string& Name) const { return m_Folder.Get(Name); }
 
 private:
-    std::string m_Path;
-    std::vector<std::string> m_aFiles;
+    ClTestFolder m_Folder;
 };
 
 /// The local time behind a text "dd.mm.yyyy, hh:mm:ss"; -1 for another text.
