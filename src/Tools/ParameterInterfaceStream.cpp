@@ -1,7 +1,9 @@
-#include "Tools/Allocate.h"
+#include "Tools/Exception.h"
 #include "Tools/ParameterInterface.h"
 #include "Tools/Stream.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 using ClEntry = ClParameterInterface::ClParameter;
@@ -27,12 +29,22 @@ private:
     bool m_bShort = false;
 };
 
-/// Reads a name, in no more memory than `pOwn` takes, and compares.
+/// Reads a name block by block and compares all of it: bytes behind a zero count. A text without
+/// any bytes is a name that is not set.
 bool ReadsName(ClStream& Stream, const char* pOwn) {
-    const std::size_t nBytes = std::strlen(pOwn) + 2; // a longer name differs in the last but one
-    const auto Name = Vek::NewArrayPtr<char>(nBytes);
-    Stream.ReadString(Name.get(), nBytes);
-    return std::strcmp(Name.get(), pOwn) == 0;
+    std::uint32_t nLength = 0;
+    Stream.ReadAutoSwap(nLength);
+    const std::size_t nOwn = std::strlen(pOwn) + 1;
+    bool bSame = nLength == nOwn || (nLength == 0 && nOwn == 1);
+    for (unsigned long nDone = 0; nLength > 0; nLength -= static_cast<std::uint32_t>(nDone)) {
+        char acBlock[256];
+        nDone = Stream.Read(acBlock, std::min<unsigned long>(nLength, sizeof acBlock));
+        bSame = bSame && nDone > 0 && std::memcmp(acBlock, pOwn, nDone) == 0;
+        if (nDone == 0)
+            break;
+        pOwn += bSame ? nDone : 0;
+    }
+    return bSame;
 }
 
 } // namespace

@@ -272,11 +272,11 @@ TEST(ParameterInterfaceStream, RefusesAnotherType) {
 
 TEST(ParameterInterfaceStream, RefusesAStreamThatEndsEarly) {
     const Bytes aEntry = LongEntryBytes();
-    for (std::size_t nBytes = 5; nBytes < aEntry.size(); ++nBytes) {
+    for (std::size_t nBytes = 6; nBytes < aEntry.size(); ++nBytes) {
         SCOPED_TRACE(nBytes);
         ExpectRefused(Bytes(aEntry.begin(), aEntry.begin() + static_cast<long>(nBytes)), -201);
     }
-    for (std::size_t nBytes = 0; nBytes < 5; ++nBytes) { // within the name
+    for (std::size_t nBytes = 0; nBytes < 6; ++nBytes) { // within the name
         SCOPED_TRACE(nBytes);
         ExpectRefused(Bytes(aEntry.begin(), aEntry.begin() + static_cast<long>(nBytes)), -39);
     }
@@ -292,20 +292,72 @@ TEST(ParameterInterfaceStream, LeavesTheEntryWhereAStrictStreamEndsEarly) {
         long nWidth = 11;
         List.AddParameter(&nWidth, "W", "", ClParameterInterface::eOut, 1.0, 20.0);
         const Bytes aBefore = Stored(List);
-        EXPECT_NUMBER(List.ReadFromStream(stream), -201);
+        EXPECT_THROWS(List.ReadFromStream(stream), ClExStreamUnexpectedEnd, -201,
+                      "Unexpected end of stream");
         EXPECT_EQ(Stored(List), aBefore) << nBytes;
     }
 }
 
 TEST(ParameterInterfaceStream, TakesNoMemoryForTheLengthThatAStreamClaims) {
     const Bytes aClaim = {0xFF, 0xFF, 0xFF, 0xFF, 'W', 0};
-    ExpectRefused(aClaim, -201);
+    ExpectRefused(aClaim, -39); // no name of ours is as long
     TestSupport::ClPipeStream pipe(aClaim);
     ClParameterInterface List;
     long nWidth = 11;
     List.AddParameter(&nWidth, "W", "", ceIn, 0.0, 0.0);
-    EXPECT_NUMBER(List.ReadFromStream(pipe), -201);
+    EXPECT_TESSARIN(List.ReadFromStream(pipe), -39);
     EXPECT_EQ(nWidth, 11);
+}
+
+TEST(ParameterInterfaceStream, ComparesWholeNames) {
+    for (const std::string& Name :
+         {std::string("W\0X\0", 4), std::string("W\0\0", 3), std::string("W"),
+          std::string("WX\0", 3), std::string("\0", 1), std::string(), std::string("w\0", 2)}) {
+        Bytes aEntry = {0, 0, 0, static_cast<unsigned char>(Name.size())};
+        aEntry.insert(aEntry.end(), Name.begin(), Name.end());
+        const Bytes aUsual = LongEntryBytes();
+        aEntry.insert(aEntry.end(), aUsual.begin() + 6, aUsual.end());
+        SCOPED_TRACE(testing::PrintToString(Name));
+        ExpectRefused(aEntry, -39);
+    }
+}
+
+TEST(ParameterInterfaceStream, ComparesLongNamesToTheirEnd) {
+    const std::string Name(1000, 'n');
+    for (std::size_t nDifferent :
+         {std::size_t{0}, std::size_t{255}, std::size_t{256}, std::size_t{999}, Name.size()}) {
+        std::string Other = Name;
+        if (nDifferent < Other.size())
+            Other[nDifferent] = 'm';
+        ClParameterInterface Source;
+        ClParameterInterface Target;
+        long nFrom = 8;
+        long nTo = 0;
+        Source.AddParameter(&nFrom, Other.c_str(), "", ceIn, 0.0, 0.0);
+        Target.AddParameter(&nTo, Name.c_str(), "", ceIn, 0.0, 0.0);
+        ClMemStream stream;
+        Source.WriteToStream(stream);
+        stream.Seek(0, 0);
+        if (nDifferent < Name.size()) {
+            EXPECT_TESSARIN(Target.ReadFromStream(stream), -39);
+        } else {
+            Target.ReadFromStream(stream);
+        }
+        EXPECT_EQ(nTo, nDifferent < Name.size() ? 0 : 8);
+    }
+}
+
+TEST(ParameterInterfaceStream, TakesATextWithoutBytesForNoName) {
+    Bytes aEntry = LongEntryBytes();
+    aEntry.erase(aEntry.begin() + 4, aEntry.begin() + 6);
+    aEntry[3] = 0;
+    ClMemStream stream;
+    Fill(stream, aEntry);
+    ClParameterInterface List;
+    long nWidth = 11;
+    List.AddParameter(&nWidth, nullptr, "", ClParameterInterface::eOut, 1.0, 20.0);
+    List.ReadFromStream(stream);
+    EXPECT_EQ(nWidth, -2);
 }
 
 TEST(ParameterInterfaceStream, StopsAtTheFirstEntryThatFails) {
@@ -320,26 +372,20 @@ TEST(ParameterInterfaceStream, StopsAtTheFirstEntryThatFails) {
     long anTo[2] = {0, 0};
     Target.AddParameter(&anTo[0], "W", "", ceIn, 0.0, 0.0);
     Target.AddParameter(&anTo[1], "Y", "", ceIn, 0.0, 0.0);
-    EXPECT_NUMBER(Target.ReadFromStream(stream), -39);
+    EXPECT_TESSARIN(Target.ReadFromStream(stream), -39);
     EXPECT_EQ(anTo[0], 8);
     EXPECT_EQ(anTo[1], 0);
 }
 
-TEST(ParameterInterfaceStream, AnswersMissingMemoryWithoutAChange) {
+TEST(ParameterInterfaceStream, ReadsWithoutAskingForMemory) {
     ClParameterInterface List;
     long nWidth = 11;
     List.AddParameter(&nWidth, "W", "", ClParameterInterface::eOut, 1.0, 20.0);
     ClMemStream stream;
     Fill(stream, LongEntryBytes());
-    TestSupport::FailEachAllocation([&] {
-        stream.Seek(0, 0);
-        try {
-            List.ReadFromStream(stream);
-        } catch (...) {
-            EXPECT_EQ(nWidth, 11);
-            throw;
-        }
-    });
+    const TestSupport::ClFailAllocation fail(0);
+    List.ReadFromStream(stream);
+    EXPECT_FALSE(TestSupport::ClFailAllocation::Happened());
     EXPECT_EQ(nWidth, -2);
 }
 
