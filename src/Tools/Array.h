@@ -12,6 +12,8 @@ class TpArrayStatic {
 public:
     TpArrayStatic() = default;
     TpArrayStatic(const TpArrayStatic& other) { Assign(other.m_pData, other.Entries()); }
+    /// A deep copy of the other's elements, whatever the growth of the two; on failure nothing
+    /// changes.
     TpArrayStatic& operator=(const TpArrayStatic& other) {
         if (this != &other)
             Assign(other.m_pData, other.Entries());
@@ -40,16 +42,20 @@ public:
     const T& operator[](unsigned long nIndex) const { return m_pData[nIndex]; }
 
 protected:
-    /// A deep copy of `nEntries` elements in storage of exactly `nEntries`; on failure nothing
-    /// changes.
+    /// Copies `nEntries` elements into storage of exactly `nEntries`; on failure nothing changes.
     void Assign(const T* pSource, unsigned long nEntries) {
         std::unique_ptr<T[]> pCopy;
         if (nEntries > 0) {
             pCopy = Vek::NewArrayPtr<T>(nEntries);
             std::copy(pSource, pSource + nEntries, pCopy.get());
         }
+        Adopt(pCopy.release(), nEntries);
+    }
+
+    /// Takes over storage that holds exactly `nEntries` elements.
+    virtual void Adopt(T* pData, unsigned long nEntries) noexcept {
         delete[] m_pData;
-        m_pData = pCopy.release();
+        m_pData = pData;
         m_nSize = nEntries;
     }
 
@@ -64,10 +70,7 @@ public:
     TpArrayDynamic() = default;
     TpArrayDynamic(const TpArrayDynamic& other) : TpArrayStatic<T>() { *this = other; }
     TpArrayDynamic& operator=(const TpArrayDynamic& other) {
-        if (this != &other) {
-            this->Assign(other.m_pData, other.m_nEntries);
-            m_nEntries = other.m_nEntries;
-        }
+        TpArrayStatic<T>::operator=(other);
         return *this;
     }
 
@@ -128,5 +131,10 @@ public:
     unsigned long Capacity() const { return this->m_nSize; }
 
 private:
+    void Adopt(T* pData, unsigned long nEntries) noexcept override {
+        TpArrayStatic<T>::Adopt(pData, nEntries);
+        m_nEntries = nEntries;
+    }
+
     unsigned long m_nEntries = 0;
 };

@@ -384,11 +384,43 @@ TEST(ArrayDynamic, ChangesNothingWhenAnElementCannotBeCopied) {
     array.Append(StFragile(2));
     for (int nGood : {0, 1, 2}) {
         StFragile::s_nGoodCopies = nGood;
-        EXPECT_NUMBER(array.Append(StFragile(3)), -35);
+        EXPECT_THROWS(array.Append(StFragile(3)), ClExRange, -35, "fragile");
         EXPECT_EQ(array.Entries(), 2u);
         EXPECT_EQ(array.Capacity(), 2u);
         EXPECT_EQ(array[1].m_n, 2);
     }
+}
+
+TEST(ArrayDynamic, IsAssignedWholeThroughItsBase) {
+    const TpArrayDynamic<int, 10> source = Counting(5);
+    TpArrayDynamic<int, 10> array = Counting(12);
+    TpArrayStatic<int>& rBase = array;
+    rBase = source;
+    EXPECT_EQ(Values(array), (std::vector<int>{0, 1, 2, 3, 4}));
+    EXPECT_EQ(array.Capacity(), 5u);
+    array.Append(5);
+    EXPECT_EQ(Values(array), (std::vector<int>{0, 1, 2, 3, 4, 5}));
+    rBase = TpArrayStatic<int>();
+    EXPECT_EQ(array.Entries(), 0u);
+    EXPECT_EQ(array.Data(), nullptr);
+    array.Append(7);
+    EXPECT_EQ(Values(array), (std::vector<int>{7}));
+    rBase = rBase;
+    EXPECT_EQ(Values(array), (std::vector<int>{7}));
+}
+
+TEST(ArrayDynamic, KeepsItsContentWhenAnAssignmentThroughItsBaseFails) {
+    const TpArrayDynamic<int, 10> source = Counting(4);
+    TpArrayDynamic<int, 10> array = Counting(2);
+    FailEachAllocation([&] {
+        try {
+            static_cast<TpArrayStatic<int>&>(array) = source;
+        } catch (const ClExBadAlloc&) {
+            EXPECT_EQ(Values(array), (std::vector<int>{0, 1}));
+            throw;
+        }
+    });
+    EXPECT_EQ(Values(array), (std::vector<int>{0, 1, 2, 3}));
 }
 
 TEST(ArrayDynamic, IsEmptyAfterNewWithoutMemory) {
