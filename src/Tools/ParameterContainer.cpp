@@ -2,15 +2,12 @@
 
 #include <TessarinCalibrateSDK.h>
 
-Vek::ClKeptMember::~ClKeptMember() = default;
-
 ClParameterContainer::ClParameterContainer(const char* pName) : ClParameterContainer() {
     SetName(pName);
 }
 
 ClParameterContainer::~ClParameterContainer() {
     Clear();
-    ForgetKept();
 }
 
 // Entries
@@ -19,8 +16,8 @@ void ClParameterContainer::AddParameter(const char* pName, ClParameter* pParamet
     const bool bOwned = pParameter == nullptr || pParameter->GetContainer() != nullptr;
     if (bOwned || pParameter == GetRoot())
         throw ClExTessarin(QMT_ERROR_INVALID_PARAMETER, VEK_HERE);
-    pParameter->SetName(pName);
-    if (FindLocal(pName) != nullptr)
+    pParameter->SetName(pName); // pName may be the old name, which is gone from here on
+    if (FindLocal(pParameter->GetName()) != nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_VALUE_DUPLICATE, VEK_HERE);
     m_aParameters.Append(pParameter);
     pParameter->SetContainer(this);
@@ -50,24 +47,15 @@ void ClParameterContainer::DeleteFrom(unsigned long nFirst) {
 
 // Members that are no parameters
 
-void ClParameterContainer::KeepMember(Vek::ClKeptMember* pKept) {
-    std::unique_ptr<Vek::ClKeptMember> pOwner(pKept);
-    m_aKept.Append(pKept);
-    static_cast<void>(pOwner.release());
-}
-
 void ClParameterContainer::RestoreKept() {
-    for (unsigned long i = 0; i < m_aKept.Entries(); ++i)
-        m_aKept[i]->Restore();
+    m_Kept.Restore();
     for (unsigned long i = 0; i < Entries(); ++i)
         if (ClParameterContainer* pContainer = m_aParameters[i]->GetContainerInterface())
             pContainer->RestoreKept();
 }
 
 void ClParameterContainer::ForgetKept() {
-    for (unsigned long i = 0; i < m_aKept.Entries(); ++i)
-        delete m_aKept[i];
-    m_aKept.Clear();
+    m_Kept.Forget();
     for (unsigned long i = 0; i < Entries(); ++i)
         if (ClParameterContainer* pContainer = m_aParameters[i]->GetContainerInterface())
             pContainer->ForgetKept();

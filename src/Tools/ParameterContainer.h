@@ -15,11 +15,10 @@
 ///     }
 
 #include "Tools/Array.h"
+#include "Tools/KeptMembers.h"
 #include "Tools/ParameterEnum.h"
 #include "Tools/ParameterNumeric.h"
 
-#include <algorithm>
-#include <cstddef>
 #include <initializer_list>
 #include <memory>
 
@@ -36,40 +35,6 @@ struct TpValueName {
 template <class T>
 struct TpIdentity {
     using Type = T;
-};
-
-/// The saved content of a member.
-class ClKeptMember {
-public:
-    ClKeptMember() = default;
-    ClKeptMember(const ClKeptMember&) = delete;
-    ClKeptMember& operator=(const ClKeptMember&) = delete;
-    virtual ~ClKeptMember();
-    virtual void Restore() const = 0;
-};
-
-template <class T>
-class TpKeptMember final : public ClKeptMember {
-public:
-    explicit TpKeptMember(T* pMember) : m_pMember(pMember), m_Saved(*pMember) {}
-    void Restore() const override { *m_pMember = m_Saved; }
-
-private:
-    T* m_pMember;
-    T m_Saved;
-};
-
-template <class T, std::size_t N>
-class TpKeptMember<T[N]> final : public ClKeptMember {
-public:
-    explicit TpKeptMember(T (*pMember)[N]) : m_pMember(*pMember) {
-        std::copy(m_pMember, m_pMember + N, m_aSaved);
-    }
-    void Restore() const override { std::copy(m_aSaved, m_aSaved + N, m_pMember); }
-
-private:
-    T* m_pMember;
-    T m_aSaved[N];
 };
 
 } // namespace Vek
@@ -113,7 +78,7 @@ public:
     /// their present values back when it has captured the defaults.
     template <class... T>
     void Keep(T*... pMembers) {
-        (KeepMember(Vek::NewObject<Vek::TpKeptMember<T>>(pMembers)), ...);
+        (m_Kept.Keep(pMembers), ...);
     }
 
     /// The first direct entry with the name, in upper or lower case, or null.
@@ -186,12 +151,11 @@ private:
     ClParameter* FindStep(const char*& pPath);
     void TakeOver(ClParameterContainer& Other);
     void DeleteFrom(unsigned long nFirst);
-    void KeepMember(Vek::ClKeptMember* pKept);
     void RestoreKept();
     void ForgetKept();
 
     TpArrayDynamic<ClParameter*, 10> m_aParameters;
-    TpArrayDynamic<Vek::ClKeptMember*, 10> m_aKept;
+    Vek::ClKeptMembers m_Kept;
 };
 
 template <class T>

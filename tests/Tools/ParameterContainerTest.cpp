@@ -98,18 +98,18 @@ TEST(ParameterContainer, RefusesANameThatDiffersOnlyInCase) {
     container.AddNumeric("Width", &nValue);
     EXPECT_THROWS(container.AddNumeric("WIDTH", &nValue), ClExTessarin, -46,
                   GetErrorDescriptionIntern(-46));
-    EXPECT_NUMBER(container.AddContainer("width"), -46);
+    EXPECT_TESSARIN(container.AddContainer("width"), -46);
     bool bValue = false;
-    EXPECT_NUMBER(container.AddBool("Width", &bValue), -46);
+    EXPECT_TESSARIN(container.AddBool("Width", &bValue), -46);
     long* pValue = nullptr;
-    EXPECT_NUMBER(container.AddPointer("Width", &pValue), -46);
+    EXPECT_TESSARIN(container.AddPointer("Width", &pValue), -46);
     EXPECT_EQ(container.Entries(), 1u);
 }
 
 TEST(ParameterContainer, DestroysARefusedParameterOfItsOwnMaking) {
     ClParameterContainer container;
     container.AddParam<ClCounted>("a");
-    EXPECT_NUMBER(container.AddParam<ClCounted>("A"), -46);
+    EXPECT_TESSARIN(container.AddParam<ClCounted>("A"), -46);
     EXPECT_EQ(ClCounted::s_nAlive, 1);
 }
 
@@ -117,7 +117,7 @@ TEST(ParameterContainer, LeavesARefusedParameterToTheCaller) {
     ClParameterContainer container;
     container.AddParam<ClCounted>("a");
     const auto pRefused = std::make_unique<ClCounted>();
-    EXPECT_NUMBER(container.AddParameter("A", pRefused.get()), -46);
+    EXPECT_TESSARIN(container.AddParameter("A", pRefused.get()), -46);
     EXPECT_EQ(pRefused->GetContainer(), nullptr);
     EXPECT_EQ(container.Entries(), 1u);
 }
@@ -143,10 +143,10 @@ TEST(ParameterContainer, RefusesWhatItMustNotOwn) {
     ClParameterContainer root;
     ClParameterContainer* pInner = root.AddContainer("Inner");
     ClParameterContainer other;
-    EXPECT_NUMBER(root.AddParameter("a", nullptr), -44);
-    EXPECT_NUMBER(other.AddParameter("a", pInner), -44);
-    EXPECT_NUMBER(root.AddParameter("a", &root), -44);
-    EXPECT_NUMBER(pInner->AddParameter("a", &root), -44);
+    EXPECT_TESSARIN(root.AddParameter("a", nullptr), -44);
+    EXPECT_TESSARIN(other.AddParameter("a", pInner), -44);
+    EXPECT_TESSARIN(root.AddParameter("a", &root), -44);
+    EXPECT_TESSARIN(pInner->AddParameter("a", &root), -44);
     EXPECT_EQ(root.Entries(), 1u);
     EXPECT_EQ(pInner->Entries(), 0u);
 }
@@ -272,12 +272,28 @@ TEST(ParameterContainer, HandlesDefaultsOfTheWholeTree) {
     EXPECT_EQ(DefaultText(*container.FindLocal("Width")), "1");
 }
 
+TEST(ParameterContainer, AddsAParameterUnderTheNameItHas) {
+    ClParameterContainer container;
+    auto pFirst = std::make_unique<TpParameterNumeric<long>>();
+    pFirst->SetName("A name that is longer than what stands in a string itself");
+    container.AddParameter(pFirst->GetName(), pFirst.get());
+    const ClParameter* pAdded = pFirst.release();
+    EXPECT_EQ(container.FindLocal(pAdded->GetName()), pAdded);
+
+    TpParameterNumeric<long> second;
+    second.SetName(pAdded->GetName());
+    EXPECT_TESSARIN(container.AddParameter(second.GetName(), &second), -46);
+    EXPECT_EQ(container.Entries(), 1u);
+    EXPECT_EQ(second.GetContainer(), nullptr);
+}
+
 TEST(ParameterContainer, UndoesASwapThatFailsHalfway) {
     long nFirst = 1;
     ClParameterContainer container;
     container.AddNumeric("a", &nFirst);
     container.AddParam<TpParameterNumeric<long>>("unbound");
-    EXPECT_NUMBER(container.SwapDefaultAndValue(), -701);
+    EXPECT_THROWS(container.SwapDefaultAndValue(), ClException, -701,
+                  "Parameter \"unbound\" is not bound");
     EXPECT_EQ(nFirst, 1);
     EXPECT_EQ(DefaultText(*container.FindLocal("a")), "0");
 }
