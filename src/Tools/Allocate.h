@@ -12,7 +12,7 @@
 namespace Vek {
 
 [[noreturn]] inline void ThrowBadAlloc() {
-    throw ClExBadAlloc("Memory allocation failed", QMT_ERROR_OUT_OF_MEMORY, false, "Unknown", -1);
+    throw ClExBadAlloc("Memory allocation failed", QMT_ERROR_OUT_OF_MEMORY, false, VEK_NOWHERE);
 }
 
 /// `new T[nCount]`, default-initialised: numbers are not cleared.

@@ -1,6 +1,7 @@
 #include "Tools/Exception.h"
 
 #include "Tools/ErrorCatalogue.h"
+#include "Tools/Text.h"
 
 #include <cerrno>
 #include <cstdarg>
@@ -9,10 +10,6 @@
 #include <new>
 
 namespace {
-
-const char* TextOrEmpty(const char* text) {
-    return text != nullptr ? text : "";
-}
 
 const char* FileOrUnknown(const char* file) {
     return file != nullptr ? file : "Unknown";
@@ -48,7 +45,7 @@ char* FormatV(int& length, bool& failed, const char* format, va_list arguments) 
 }
 
 [[noreturn]] void ThrowBadAlloc() {
-    throw ClExBadAlloc("Memory allocation failed", QMT_ERROR_OUT_OF_MEMORY, false, "Unknown", -1);
+    throw ClExBadAlloc("Memory allocation failed", QMT_ERROR_OUT_OF_MEMORY, false, VEK_NOWHERE);
 }
 
 /// The words of a `ClExBadAlloc` whose comment cannot be allocated.
@@ -70,7 +67,7 @@ ClException::ClException(long number, bool ownComment, const char* file, long li
 ClException::ClException(const char* text, long number, bool ownComment, const char* file,
                          long line)
     : m_szFile(FileOrUnknown(file)), m_nLine(line), m_nNumber(number), m_bOwnComment(ownComment) {
-    SetCommentV("%s\n%s", GetErrorDescriptionIntern(number), TextOrEmpty(text));
+    SetCommentV("%s\n%s", GetErrorDescriptionIntern(number), Vek::TextOrEmpty(text));
 }
 
 ClException::ClException(const ClException& other)
@@ -182,7 +179,7 @@ ClExBadAlloc::ClExBadAlloc(const char* text, long number, bool, const char* file
     int length = 0;
     bool failed = false;
     char* comment =
-        Format(length, failed, "%s\n%s", GetErrorDescriptionIntern(number), TextOrEmpty(text));
+        Format(length, failed, "%s\n%s", GetErrorDescriptionIntern(number), Vek::TextOrEmpty(text));
     if (failed)
         PointComment(cszBadAllocComment);
     else
@@ -217,7 +214,7 @@ ClExSystem::ClExSystem(const char* text, const char* file, long line)
 
 ClExSystem::ClExSystem(const char* text, const char* file, long line, int systemError)
     : ClException(text, QMT_ERROR_FROM_SYSTEM_FUNCTION, true, file, line) {
-    SetCommentV("%s\n%s", std::strerror(systemError), TextOrEmpty(text));
+    SetCommentV("%s\n%s", std::strerror(systemError), Vek::TextOrEmpty(text));
 }
 
 // One destructor per class here keeps each class's tables in this file.

@@ -7,7 +7,7 @@
 /// The classes are thrown by value and caught by reference. Three forms are in use:
 ///   throw ClExTessarin(number, VEK_HERE);                   a number with the catalogue's words
 ///   throw ClException("words", number, true, VEK_HERE);     words that say more
-///   throw ClException("words", number, false, "Unknown", -1);  checks inside headers
+///   throw ClException("words", number, false, VEK_NOWHERE);  checks inside headers
 
 #include "Tools/SourcePosition.h"
 

@@ -1,6 +1,7 @@
 #include "Tools/FileStream.h"
 
 #include "Tools/Allocate.h"
+#include "Tools/Text.h"
 #include "Tools/XChar.h"
 
 #include <cerrno>
@@ -12,13 +13,6 @@
 namespace {
 
 constexpr unsigned int cnRefused = 0xFFFFFFFFu;
-
-std::unique_ptr<char[]> CopyOf(const char* szText) {
-    const std::size_t nSize = std::strlen(szText) + 1;
-    auto pCopy = Vek::NewArrayPtr<char>(nSize);
-    std::memcpy(pCopy.get(), szText, nSize);
-    return pCopy;
-}
 
 bool IsDirectory(std::FILE* pFile) {
     struct stat Status;
@@ -34,7 +28,7 @@ std::FILE* OpenFile(const char* szName, const char* szMode) {
         errno = EISDIR;
     }
     if (pFile == nullptr)
-        throw ClExFilesystem(szName, QMT_ERROR_FILE_OPEN_FAIL, "Unknown", -1);
+        throw ClExFilesystem(szName, QMT_ERROR_FILE_OPEN_FAIL, VEK_NOWHERE);
     return pFile;
 }
 
@@ -56,7 +50,7 @@ std::unique_ptr<char[]> Narrow(const wchar_t* szText) {
 std::unique_ptr<char[]> NarrowOrThrow(const wchar_t* szText, const char* szComplaint) {
     auto pText = Narrow(szText);
     if (pText == nullptr)
-        throw ClException(szComplaint, QMT_ERROR_PARAM_IS_MISSING, false, "Unknown", -1);
+        throw ClException(szComplaint, QMT_ERROR_PARAM_IS_MISSING, false, VEK_NOWHERE);
     return pText;
 }
 
@@ -81,10 +75,10 @@ ClFileStream::~ClFileStream() {
 bool ClFileStream::Open(const char* pName, const char* pMode) {
     const auto pFormerName = CloseAndForget(); // pName may be this very text
     if (pName == nullptr)
-        throw ClException("szName is NULL", QMT_ERROR_INVALID_PARAMETER, false, "Unknown", -1);
+        throw ClException("szName is NULL", QMT_ERROR_INVALID_PARAMETER, false, VEK_NOWHERE);
     if (pMode == nullptr)
-        throw ClException("szMode is NULL", QMT_ERROR_INVALID_PARAMETER, false, "Unknown", -1);
-    auto pCopy = CopyOf(pName);
+        throw ClException("szMode is NULL", QMT_ERROR_INVALID_PARAMETER, false, VEK_NOWHERE);
+    auto pCopy = Vek::CopyOf(pName);
     m_pFile = OpenFile(pName, pMode);
     m_szName = pCopy.release();
     return true;
@@ -112,8 +106,7 @@ void ClFileStream::Close() {
         throw;
     }
     if (!CloseFile())
-        throw ClExStream("ClFileStream::Close. Failed to Close", QMT_ERROR_IO, false, "Unknown",
-                         -1);
+        throw ClExStream("ClFileStream::Close. Failed to Close", QMT_ERROR_IO, false, VEK_NOWHERE);
 }
 
 bool ClFileStream::CloseFile() noexcept {
@@ -173,4 +166,8 @@ unsigned long ClFileStream::WriteRaw(const void* pData, unsigned long nSize) {
         return 0;
     SetDirection(eWrite);
     return std::fwrite(pData, 1, nSize, m_pFile);
+}
+
+bool ClFileStream::HasFailed() const {
+    return m_pFile != nullptr && std::ferror(m_pFile) != 0;
 }

@@ -36,6 +36,8 @@ public:
     bool IsSeekable() const override;
     unsigned long WriteRaw(const void* pData, unsigned long nSize) override;
     unsigned long ReadRaw(void* pData, unsigned long nSize) override;
+    /// Whether a transfer since Open() has met an error of the system, and not just the end.
+    bool HasFailed() const;
 
 private:
     enum ELast : unsigned char { eNone, eRead, eWrite };

@@ -1,5 +1,6 @@
 #include "Tools/MD5.h"
 
+#include "Tools/Exception.h"
 #include "Tools/FileStream.h"
 
 #include <algorithm>
@@ -141,6 +142,8 @@ void ClMD5::Make(const char* pFileName, unsigned char* pDigest) {
     unsigned char aBlock[1024];
     while (const unsigned long nSize = File.Read(aBlock, sizeof aBlock))
         Update(&Context, aBlock, nSize);
+    if (File.HasFailed())
+        throw ClExStream("ClMD5::Make. Failed to read", QMT_ERROR_IO, true, VEK_HERE);
     File.Close();
     Final(pDigest, &Context);
 }

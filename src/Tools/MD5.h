@@ -19,10 +19,11 @@ public:
 
     /// The digest of a block, 16 bytes.
     static void Make(const unsigned char* pData, unsigned long nSize, unsigned char* pDigest);
-    /// The digest of a file. Throws as `ClFileStream::Open`.
+    /// The digest of a file. Throws as `ClFileStream::Open`, and "ClMD5::Make. Failed to read"
+    /// (-204) where the file cannot be read to its end.
     static void Make(const char* pFileName, unsigned char* pDigest);
     /// Stores the digest of the first file as the 16 bytes of the second, which is created or
-    /// replaced once the first has been read. Throws as `ClFileStream`, and "Unexpected end of
+    /// replaced once the first has been read. Throws as the form above, and "Unexpected end of
     /// stream" (-201) on a short write.
     static void Make(const char* pFileName, const char* pDigestFileName);
 

@@ -113,7 +113,7 @@ unsigned long ClMemStream::ReadRaw(void* pData, unsigned long nSize) {
 unsigned long ClMemStream::WriteRaw(const void* pData, unsigned long nSize) {
     if (!m_bWritable)
         throw ClExStream("ClMemStream::WriteRaw. Stream is not open for write", QMT_ERROR_IO, false,
-                         "Unknown", -1);
+                         VEK_NOWHERE);
     if (nSize > m_nCapacity - m_nPos) { // the position is never behind the capacity
         unsigned long nNeeded = 0;
         if (__builtin_add_overflow(m_nCapacity, nSize, &nNeeded) || nNeeded > LONG_MAX)
@@ -130,7 +130,7 @@ unsigned long ClMemStream::WriteRaw(const void* pData, unsigned long nSize) {
 void ClMemStream::ExpandData(unsigned long nNewCapacity) {
     if (m_bAttached)
         throw ClExStream("ClMemStream::ExpandData. Stream too small", QMT_ERROR_IO, false,
-                         "Unknown", -1);
+                         VEK_NOWHERE);
     if (nNewCapacity == ~0UL)
         nNewCapacity = m_nCapacity * 2;
     if (nNewCapacity <= m_nCapacity)

@@ -52,7 +52,7 @@ T ReadNumber(ClStream& rStream) {
 }
 
 [[noreturn]] void ThrowDamaged(const char* szText) {
-    throw ClException(szText, QMT_ERROR_INTERNAL, false, "Unknown", -1);
+    throw ClException(szText, QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
 }
 
 void ReadMagic(ClStream& rStream, const char* szComplaint) {
@@ -84,14 +84,11 @@ StDescription ReadDescription(ClStream& rStream, std::uint32_t nVersion) {
 
 /// A record is believed as far as its stream reaches: what lies beyond is the end that is missing.
 void CheckRest(const ClStream& rStream, std::int64_t nBytes) {
-    if (!rStream.IsSeekable())
-        return;
-    const unsigned long nRest = rStream.Size() > rStream.Pos() ? rStream.Size() - rStream.Pos() : 0;
-    if (nBytes <= 0 || static_cast<unsigned long>(nBytes) <= nRest)
+    const std::optional<unsigned long> nRest = rStream.Rest();
+    if (!nRest || nBytes <= 0 || static_cast<unsigned long>(nBytes) <= *nRest)
         return;
     if (rStream.GetThrowOnShort())
-        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
-                                      "Unknown", -1);
+        Vek::ThrowUnexpectedEnd();
     ThrowDamaged("KPF end Magic is missing");
 }
 

@@ -52,5 +52,8 @@ private:
         return static_cast<const char*>(cPath.m_szPath);                                           \
     }())
 
+/// No position, for throws that are not worth telling apart.
+#define VEK_NOWHERE "Unknown", -1
+
 /// File and line, the last two arguments of every exception constructor.
 #define VEK_HERE VEK_FILE, __LINE__

@@ -50,10 +50,15 @@ bool ArrayBytes(unsigned long nCount, unsigned long nElementSize, unsigned long&
 
 } // namespace
 
+void Vek::ThrowUnexpectedEnd() {
+    throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
+                                  VEK_NOWHERE);
+}
+
 ClStream::~ClStream() = default;
 
 void ClStream::Close() {
-    if (m_bBitWrite)
+    if (m_eBits == EBits::eWritten)
         BitFlush();
 }
 
@@ -77,6 +82,16 @@ const char* ClStream::Name() const {
     return "Unknown Stream";
 }
 
+std::optional<unsigned long> ClStream::Rest() const {
+    if (!IsSeekable())
+        return std::nullopt;
+    const unsigned long nPos = Pos();
+    const unsigned long nSize = Size();
+    if (nSize == 0 || nSize < nPos)
+        return std::nullopt;
+    return nSize - nPos;
+}
+
 // Bytes
 
 unsigned long ClStream::Read(void* pData, unsigned long nSize) {
@@ -95,8 +110,7 @@ unsigned long ClStream::Write(const void* pData, unsigned long nSize) {
 
 void ClStream::ThrowIfShort(unsigned long nDone, unsigned long nWanted) const {
     if (m_bThrowOnShort && nDone < nWanted)
-        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
-                                      "Unknown", -1);
+        Vek::ThrowUnexpectedEnd();
 }
 
 void ClStream::CheckBitPosByteAlignment() const {

@@ -9,7 +9,15 @@
 /// A stream is used by one thread at a time and has no error state: a transfer answers how far it
 /// came. What happens on a short one is told by the strict flag, which is clear at construction.
 
+#include <optional>
 #include <type_traits>
+
+namespace Vek {
+
+/// "Unexpected end of stream" (-201).
+[[noreturn]] void ThrowUnexpectedEnd();
+
+} // namespace Vek
 
 class ClStream {
 public:
@@ -32,6 +40,10 @@ public:
     /// Transfers up to `nSize` bytes and returns how many.
     virtual unsigned long WriteRaw(const void* pData, unsigned long nSize) = 0;
     virtual unsigned long ReadRaw(void* pData, unsigned long nSize) = 0;
+
+    /// The bytes from the position to the end. Nobody knows for a stream that cannot seek, nor for
+    /// a pipe that was opened by name: it calls itself seekable and stands at byte 0 of 0.
+    std::optional<unsigned long> Rest() const;
 
     /// Bytes as they are: checks alignment, honours the strict flag, returns the bytes
     /// transferred.
@@ -60,9 +72,9 @@ public:
     /// the empty text.
     void WriteString(const char* pText);
     /// Replaces the text at `ppText` (freed by array delete) by the one read, which the caller
-    /// owns; null for length 0 and after every failure. The last byte is always 0. A length that
-    /// a seekable stream cannot hold is a short read before anything is allocated: -201 if the
-    /// stream is strict, else null.
+    /// owns; null for length 0 and after every failure. The last byte is always 0. A length beyond
+    /// Rest() is a short read before anything is allocated: -201 if the stream is strict, else
+    /// null.
     void ReadString(char** ppText);
     /// Reads into the caller's buffer of `nSize` bytes, which is always terminated and zero behind
     /// the text, and drops what does not fit. With size 0 the whole text is dropped.
@@ -116,9 +128,17 @@ protected:
     /// Forgets all bit access, pending bits included.
     void ResetBits() noexcept;
 
-    bool m_bBitWrite = false; ///< the last bit access was a write
+    /// Where the byte stands whose bits are in m_nBitBuffer.
+    enum class EBits : unsigned char {
+        eNone,   ///< no bits are pending
+        eRead,   ///< it has been read and stands before the position
+        ePeeked, ///< it stands at the position, BitPosSet() has looked at it
+        eWritten ///< it belongs to the position and waits for its other bits
+    };
+
+    EBits m_eBits = EBits::eNone;
     bool m_bThrowOnShort = false;
-    unsigned long m_nBitPos = 0; ///< bits of m_nBitBuffer in use, 0 to 7
+    unsigned long m_nBitPos = 0; ///< bits of m_nBitBuffer in use, 0 to 7, 0 with eNone alone
     unsigned char m_nBitBuffer = 0;
     bool m_bSwapRead = IsNotNetorder();
     bool m_bSwapWrite = IsNotNetorder();
@@ -134,9 +154,7 @@ private:
     void PassPeekedByte();
     unsigned char PeekByte();
     bool GoToBit(unsigned long nPos);
-
-    /// BitPosSet() has read the pending byte ahead: it stands at the position, not before it.
-    bool m_bBitPeeked = false;
+    void SetBits(EBits ePending, unsigned long nBitPos) noexcept;
 };
 
 template <class T>

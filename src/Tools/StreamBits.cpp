@@ -6,12 +6,8 @@
 
 // Bit access has one cursor, BitPos(), for both directions. At a byte boundary it is the byte
 // position and nothing is pending. Within a byte, that byte's bits are in m_nBitBuffer, the first
-// m_nBitPos of them are behind the cursor, and the byte itself is in one of three places:
-//
-//   written  (m_bBitWrite)   it stands at Pos() and waits for its other bits; the low bits of the
-//                            buffer are 0
-//   peeked   (m_bBitPeeked)  it stands at Pos(), BitPosSet() has looked at it, nothing is written
-//   read     (neither)       it has been read and stands before Pos()
+// m_nBitPos of them are behind the cursor, and `EBits` says where the byte itself stands. The low
+// bits of the buffer are 0 while it is written.
 //
 // A change of direction within a byte goes through GoToBit(), which leads from any of them to
 // "peeked", where both directions can start.
@@ -34,7 +30,7 @@ void ClStream::WriteBits(unsigned int nValue, unsigned long nBits) {
     CheckBitCount(nBits);
     if (nBits == 0)
         return;
-    if (m_nBitPos > 0 && !m_bBitWrite && !m_bBitPeeked)
+    if (m_eBits == EBits::eRead)
         GoToBit(BitPos());
     while (nBits > 0) {
         const unsigned long nTake = std::min(8 - m_nBitPos, nBits);
@@ -46,9 +42,7 @@ void ClStream::WriteBits(unsigned int nValue, unsigned long nBits) {
         if (nRight == 0)
             PutBitByte(nByte);
         m_nBitBuffer = nByte;
-        m_nBitPos = (m_nBitPos + nTake) & 7;
-        m_bBitWrite = true;
-        m_bBitPeeked = false;
+        SetBits(EBits::eWritten, (m_nBitPos + nTake) & 7);
     }
 }
 
@@ -58,20 +52,19 @@ void ClStream::ReadBits(unsigned int& nValue, unsigned long nBits) {
         nValue = 0;
         return;
     }
-    if (m_nBitPos > 0 && m_bBitWrite)
+    if (m_eBits == EBits::eWritten)
         GoToBit(BitPos());
-    m_bBitWrite = false;
-    PassPeekedByte();
+    if (m_eBits == EBits::ePeeked)
+        PassPeekedByte();
     unsigned int nResult = 0;
     while (nBits > 0) {
-        if (m_nBitPos == 0)
+        if (m_eBits == EBits::eNone)
             GetBitByte();
         const unsigned long nTake = std::min(8 - m_nBitPos, nBits);
         const unsigned int nPart = (m_nBitBuffer & LowBits(m_nBitPos)) >> (8 - m_nBitPos - nTake);
         nResult = (nResult << nTake) | nPart;
         nBits -= nTake;
-        m_nBitPos = (m_nBitPos + nTake) & 7;
-        m_bBitPeeked = m_bBitPeeked && m_nBitPos > 0;
+        SetBits(m_eBits, (m_nBitPos + nTake) & 7);
     }
     nValue = nResult;
 }
@@ -79,23 +72,23 @@ void ClStream::ReadBits(unsigned int& nValue, unsigned long nBits) {
 void ClStream::PutBitByte(unsigned char nByte) {
     if (WriteRaw(&nByte, 1) != 1)
         throw ClExStreamFailToWrite("Fail to write BitBuffer into stream", QMT_ERROR_WRITE_FAIL,
-                                    false, "Unknown", -1);
+                                    false, VEK_NOWHERE);
 }
 
 /// The next byte into the buffer.
 void ClStream::GetBitByte() {
     unsigned char nByte = 0;
     if (ReadRaw(&nByte, 1) != 1)
-        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
-                                      "Unknown", -1);
+        Vek::ThrowUnexpectedEnd();
     m_nBitBuffer = nByte;
+    m_eBits = EBits::eRead;
 }
 
 /// Moves behind a byte that was peeked at. One that does not exist stays ahead.
 void ClStream::PassPeekedByte() {
     unsigned char nByte = 0;
-    if (m_bBitPeeked)
-        m_bBitPeeked = ReadRaw(&nByte, 1) != 1;
+    if (ReadRaw(&nByte, 1) == 1)
+        m_eBits = EBits::eRead;
 }
 
 /// The byte at the position of a seekable stream, 0 where there is none.
@@ -108,33 +101,31 @@ unsigned char ClStream::PeekByte() {
 }
 
 void ClStream::BitFlush() {
-    if (m_nBitPos == 0)
-        return;
-    if (m_bBitWrite) {
+    if (m_eBits == EBits::eWritten) {
         const unsigned int nStanding = IsSeekable() ? PeekByte() & LowBits(m_nBitPos) : 0;
         PutBitByte(static_cast<unsigned char>(m_nBitBuffer | nStanding));
     }
-    m_nBitPos = 0;
-    m_bBitPeeked = false;
+    SetBits(EBits::eNone, 0);
 }
 
 void ClStream::ReadBitFlush() {
-    if (m_bBitWrite)
-        return;
-    m_nBitPos = 0;
-    m_bBitPeeked = false;
+    if (m_eBits != EBits::eWritten)
+        SetBits(EBits::eNone, 0);
 }
 
 void ClStream::ResetBits() noexcept {
-    m_bBitWrite = false;
-    m_bBitPeeked = false;
-    m_nBitPos = 0;
+    SetBits(EBits::eNone, 0);
     m_nBitBuffer = 0;
 }
 
+/// At the end of a byte nothing is pending.
+void ClStream::SetBits(EBits ePending, unsigned long nBitPos) noexcept {
+    m_eBits = nBitPos > 0 ? ePending : EBits::eNone;
+    m_nBitPos = nBitPos;
+}
+
 unsigned long ClStream::BitPos() const {
-    const bool bBehind = m_nBitPos > 0 && !m_bBitWrite && !m_bBitPeeked;
-    return Pos() * 8 + m_nBitPos - (bBehind ? 8 : 0);
+    return Pos() * 8 + m_nBitPos - (m_eBits == EBits::eRead ? 8 : 0);
 }
 
 void ClStream::BitPosSet(unsigned long nPos) {
@@ -146,12 +137,10 @@ bool ClStream::GoToBit(unsigned long nPos) {
     BitFlush();
     if (!IsSeekable() || Seek(static_cast<long>(nPos / 8), 0) != 0)
         return false;
-    m_bBitWrite = false;
-    if (nPos % 8 == 0)
-        return true;
-    m_nBitBuffer = PeekByte();
-    m_nBitPos = nPos % 8;
-    m_bBitPeeked = true;
+    if (nPos % 8 != 0) {
+        m_nBitBuffer = PeekByte();
+        SetBits(EBits::ePeeked, nPos % 8);
+    }
     return true;
 }
 

@@ -7,9 +7,9 @@
 #include <cstring>
 #include <memory>
 
-// Texts with a length in front. The length is foreign: a seekable stream is asked whether it holds
-// as much, from any other the text is taken in blocks, so that memory is used for bytes that have
-// come and not for bytes that are claimed.
+// Texts with a length in front. The length is foreign: a stream that knows its rest is asked
+// whether it holds as much, from any other the text is taken in blocks, so that memory is used for
+// bytes that have come and not for bytes that are claimed.
 
 void ClStream::WriteString(const char* pText) {
     if (pText == nullptr)
@@ -28,19 +28,16 @@ void ClStream::ReadString(char** ppText) {
     ReadAutoSwap(nLength);
     if (nLength == 0)
         return;
-    if (IsSeekable()) {
-        const unsigned long nRest = Size() > Pos() ? Size() - Pos() : 0;
-        ThrowIfShort(nRest, nLength);
-        if (nRest < nLength)
-            return;
-    }
-    *ppText = ReadText(nLength);
+    const unsigned long nRest = Rest().value_or(nLength);
+    ThrowIfShort(nRest, nLength);
+    if (nRest >= nLength)
+        *ppText = ReadText(nLength);
 }
 
 /// `nLength` bytes, the last of them overwritten by 0; bytes that are missing are 0.
 char* ClStream::ReadText(unsigned long nLength) {
     constexpr unsigned long nFirstBlock = 4096;
-    unsigned long nRoom = IsSeekable() ? nLength : std::min(nLength, nFirstBlock);
+    unsigned long nRoom = Rest() ? nLength : std::min(nLength, nFirstBlock);
     auto pText = Vek::NewArrayPtr<char>(nRoom);
     unsigned long nDone = ReadRaw(pText.get(), nRoom);
     while (nDone == nRoom && nRoom < nLength) {

@@ -1,15 +1,19 @@
 #include "Tools/FileStream.h"
 
+#include "Tools/MemStream.h"
 #include "support/AllocationFailures.h"
+#include "support/TestFolder.h"
 #include "support/TestStreams.h"
 #include "support/Throws.h"
 
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <random>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using TestSupport::Bytes;
@@ -19,23 +23,18 @@ namespace {
 constexpr unsigned int cnRefused = 0xFFFFFFFFu;
 const char* const cszFullDevice = "/dev/full"; // takes bytes and fails to store them
 
-/// Tests that keep files: each has a name of its own, which is removed at the end.
+/// Tests that keep a file.
 class FileStream : public testing::Test {
 protected:
-    FileStream()
-        : m_Name(testing::TempDir() + "FileStreamTest." + std::to_string(getpid()) + ".bin") {}
-    ~FileStream() override { std::remove(m_Name.c_str()); }
-
     const char* Name() const { return m_Name.c_str(); }
     std::wstring WideName() const { return {m_Name.begin(), m_Name.end()}; }
 
-    void Put(const std::string& Content) { std::ofstream(m_Name, std::ios::binary) << Content; }
-    std::string Get() const {
-        std::ifstream File(m_Name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(File), {}};
-    }
+    void Put(const std::string& Content) const { m_Folder.Put(cszName, Content); }
+    std::string Get() const { return m_Folder.Get(m_Name.substr(m_Folder.Path().size() + 1)); }
 
-    std::string m_Name;
+    static constexpr const char* cszName = "stream.bin";
+    TestSupport::ClTestFolder m_Folder;
+    std::string m_Name = m_Folder / cszName;
 };
 
 /// The words of an exception of the system: behind the reason, or the whole where there is none.
@@ -181,7 +180,7 @@ TEST_F(FileStream, AFileThatDoesNotOpenIsNamedWithTheReason) {
 }
 
 TEST_F(FileStream, ADirectoryIsNoFile) {
-    const std::string Directory = testing::TempDir();
+    const std::string& Directory = m_Folder.Path();
     for (const char* szMode : {"rb", "wb"}) {
         try {
             ClFileStream Stream(Directory.c_str(), szMode);
@@ -200,7 +199,7 @@ TEST_F(FileStream, TheModeIsPassedOnAsItStands) {
     Stream.WriteRaw("b", 1);
     Stream.Close();
     EXPECT_EQ(Get(), "ab");
-    EXPECT_NUMBER(Stream.Open(Name(), "nonsense"), -200);
+    EXPECT_THROWS(Stream.Open(Name(), "nonsense"), ClExFilesystem, -200, m_Name);
 }
 
 TEST_F(FileStream, TheNameOutlivesTheFile) {
@@ -213,7 +212,8 @@ TEST_F(FileStream, TheNameOutlivesTheFile) {
 TEST_F(FileStream, AFailedOpenLeavesNoFileAndNoName) {
     ClFileStream Stream(Name(), "wb");
     Stream.WriteRaw("a", 1);
-    EXPECT_NUMBER(Stream.Open((m_Name + ".missing").c_str(), "rb"), -200);
+    EXPECT_THROWS(Stream.Open((m_Name + ".missing").c_str(), "rb"), ClExFilesystem, -200,
+                  m_Name + ".missing");
     EXPECT_STREQ(Stream.Name(), "No file open");
     EXPECT_EQ(Stream.Size(), 0u);
     EXPECT_EQ(Get(), "a");
@@ -249,6 +249,59 @@ TEST_F(FileStream, MissingMemoryLeavesNoFileOpen) {
     });
     const std::wstring Wide = WideName();
     TestSupport::FailEachAllocation([&Wide] { ClFileStream Stream(Wide.c_str(), L"wb"); });
+}
+
+TEST_F(FileStream, TheRestIsWhatStandsBehindThePosition) {
+    Put("letters");
+    ClFileStream Stream(Name(), "rb");
+    EXPECT_EQ(Stream.Rest(), 7u);
+    Stream.Seek(5, 0);
+    EXPECT_EQ(Stream.Rest(), 2u);
+    Stream.Seek(7, 0);
+    EXPECT_EQ(Stream.Rest(), 0u);
+    Stream.Seek(8, 0);
+    EXPECT_EQ(Stream.Rest(), std::nullopt);
+    EXPECT_EQ(Stream.Pos(), 8u);
+}
+
+TEST_F(FileStream, ANamedPipeDoesNotKnowItsRest) {
+    ASSERT_EQ(mkfifo(Name(), 0600), 0);
+    const int nPipe = open(Name(), O_RDWR); // a writer and a reader: opening cannot block
+    ASSERT_EQ(write(nPipe, "ab", 2), 2);
+    ClFileStream Stream(Name(), "rb");
+    char acTwo[2] = {};
+    EXPECT_EQ(Stream.Rest(), std::nullopt);
+    EXPECT_EQ(Stream.ReadRaw(acTwo, 2), 2u);
+    EXPECT_EQ(Stream.Rest(), std::nullopt);
+    close(nPipe);
+}
+
+TEST_F(FileStream, TextsComeThroughANamedPipe) {
+    const std::string Text(10000, 'x'); // more than a first block
+    ClMemStream Memory;
+    Memory.WriteString(Text.c_str());
+    ASSERT_EQ(mkfifo(Name(), 0600), 0);
+    const int nPipe = open(Name(), O_RDWR);
+    ASSERT_EQ(write(nPipe, Memory.GetData(), Memory.Size()), static_cast<long>(Memory.Size()));
+    ClFileStream Stream(Name(), "rb");
+    Stream.SetThrowOnShort(true);
+    char* szText = nullptr;
+    Stream.ReadString(&szText);
+    EXPECT_EQ(szText, Text);
+    delete[] szText;
+    close(nPipe);
+}
+
+TEST_F(FileStream, TellsAFailureFromTheEnd) {
+    Put("a");
+    ClFileStream Stream(Name(), "rb");
+    char acTwo[2] = {};
+    EXPECT_EQ(Stream.ReadRaw(acTwo, 2), 1u);
+    EXPECT_FALSE(Stream.HasFailed());
+    EXPECT_EQ(Stream.WriteRaw("b", 1), 0u); // opened for reading alone
+    EXPECT_TRUE(Stream.HasFailed());
+    Stream.Close();
+    EXPECT_FALSE(Stream.HasFailed());
 }
 
 // Wide names
@@ -289,13 +342,14 @@ TEST_F(FileStream, WideTextsThatAreNullOrDoNotConvertAreRefused) {
 }
 
 TEST_F(FileStream, AnEmptyWideNameIsNoFile) {
-    EXPECT_NUMBER(ClFileStream(L"", L"rb"), -200);
+    EXPECT_THROWS(ClFileStream(L"", L"rb"), ClExFilesystem, -200, "");
 }
 
 TEST_F(FileStream, AWideOpenThatFailsClosesTheFormerFile) {
     ClFileStream Stream(Name(), "wb");
     Stream.WriteRaw("a", 1);
-    EXPECT_NUMBER(Stream.Open(static_cast<const wchar_t*>(nullptr), L"rb"), -37);
+    EXPECT_THROWS(Stream.Open(static_cast<const wchar_t*>(nullptr), L"rb"), ClException, -37,
+                  "the szName parameter is invalid.");
     EXPECT_STREQ(Stream.Name(), "No file open");
     EXPECT_EQ(Get(), "a");
 }

@@ -1,13 +1,12 @@
 #include "Tools/MD5.h"
 
+#include "support/TestFolder.h"
 #include "support/Throws.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <gtest/gtest.h>
-#include <iterator>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -44,29 +43,15 @@ Bytes Message(std::size_t nSize) {
     return aBytes;
 }
 
-/// Two files that are removed at the end.
+/// Two files, of which a test makes what it needs.
 class MD5Files : public testing::Test {
 protected:
-    MD5Files()
-        : m_Name(testing::TempDir() + "MD5Test." + std::to_string(getpid())),
-          m_DigestName(m_Name + ".md5") {}
-    ~MD5Files() override {
-        std::remove(m_Name.c_str());
-        std::remove(m_DigestName.c_str());
-    }
+    void Put(const Bytes& aBytes) const { m_Folder.Put("message", aBytes); }
+    Bytes GetDigest() const { return m_Folder.Get<Bytes>("digest"); }
 
-    void Put(const Bytes& aBytes) {
-        std::ofstream(m_Name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(aBytes.data()),
-                   static_cast<std::streamsize>(aBytes.size()));
-    }
-    Bytes GetDigest() const {
-        std::ifstream File(m_DigestName, std::ios::binary);
-        return Bytes(std::istreambuf_iterator<char>(File), {});
-    }
-
-    std::string m_Name;
-    std::string m_DigestName;
+    TestSupport::ClTestFolder m_Folder;
+    const std::string m_Name = m_Folder / "message";
+    const std::string m_DigestName = m_Folder / "digest";
 };
 
 } // namespace
@@ -168,9 +153,21 @@ TEST_F(MD5Files, TheDigestOfAFileGoesIntoAnother) {
 
 TEST_F(MD5Files, AMissingFileIsReportedAndNoDigestIsWritten) {
     unsigned char acDigest[16];
-    EXPECT_NUMBER(ClMD5::Make(m_Name.c_str(), acDigest), -200);
-    EXPECT_NUMBER(ClMD5::Make(m_Name.c_str(), m_DigestName.c_str()), -200);
+    EXPECT_THROWS(ClMD5::Make(m_Name.c_str(), acDigest), ClExFilesystem, -200, m_Name);
+    EXPECT_THROWS(ClMD5::Make(m_Name.c_str(), m_DigestName.c_str()), ClExFilesystem, -200, m_Name);
     EXPECT_NE(access(m_DigestName.c_str(), F_OK), 0);
+}
+
+TEST_F(MD5Files, AFileThatCannotBeReadHasNoDigest) {
+    const char* szOwnMemory = "/proc/self/mem"; // nothing can be read at its address 0
+    ASSERT_EQ(access(szOwnMemory, R_OK), 0) << "every Linux has this file";
+    unsigned char acDigest[16] = {1};
+    EXPECT_THROWS(ClMD5::Make(szOwnMemory, acDigest), ClExStream, -204,
+                  "ClMD5::Make. Failed to read");
+    EXPECT_EQ(acDigest[0], 1);
+    EXPECT_THROWS(ClMD5::Make(szOwnMemory, m_DigestName.c_str()), ClExStream, -204,
+                  "ClMD5::Make. Failed to read");
+    EXPECT_TRUE(m_Folder.Names().empty());
 }
 
 TEST_F(MD5Files, ANullNameIsReported) {
@@ -183,5 +180,6 @@ TEST_F(MD5Files, ADigestThatCannotBeStoredIsReported) {
     const char* szFullDevice = "/dev/full";
     ASSERT_EQ(access(szFullDevice, W_OK), 0) << "every Linux has this device";
     Put(Message(10));
-    EXPECT_NUMBER(ClMD5::Make(m_Name.c_str(), szFullDevice), -204);
+    EXPECT_THROWS(ClMD5::Make(m_Name.c_str(), szFullDevice), ClExStream, -204,
+                  "ClFileStream::Close. Failed to Close");
 }

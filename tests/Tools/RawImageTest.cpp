@@ -3,14 +3,16 @@
 #include "Tools/FileStream.h"
 #include "Tools/MathConst.h"
 #include "support/AllocationFailures.h"
+#include "support/TestFolder.h"
 #include "support/TestStreams.h"
 #include "support/Throws.h"
 
 #include <cmath>
-#include <cstdio>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using TestSupport::Bytes;
@@ -264,14 +266,15 @@ TEST(RawImage, AWrongMagicIsReported) {
 
 TEST(RawImage, LoadingForgetsTheFormerImageBeforeTheFirstByte) {
     ClImage Image(2, 2, 1, 0, 0);
-    EXPECT_NUMBER(Load(Image, Bytes()), -101);
+    EXPECT_THROWS(Load(Image, Bytes()), ClException, -101, "KPF Magic is missing");
     EXPECT_EQ(Image.Data(), nullptr);
     EXPECT_EQ(Image.Width(), 0);
 }
 
 TEST(RawImage, NegativeSidesWhoseProductIsPositiveStoreNoSamples) {
     ClImage Image(8, 6, 1, 0, 0);
-    EXPECT_NUMBER(Image.NewWithType(ClImage::eUInt8, -8000, 6, -1, 0, 0), -101);
+    EXPECT_THROWS(Image.NewWithType(ClImage::eUInt8, -8000, 6, -1, 0, 0), ClException, -101,
+                  "Image area must be positive");
     EXPECT_EQ(RecordOf(Image).size(), cnHeader + 4); // what stands behind the buffer stays there
 }
 
@@ -322,9 +325,10 @@ TEST(RawImage, AClaimOfEverythingIsReported) {
         aRecord[i] = (i - 9) % 4 == 0 ? 0x7F : 0xFF;
     aRecord[8] = 0xDF; // a type of 31 bytes
     ClImage Image;
-    EXPECT_NUMBER(Load(Image, aRecord, true), -201);
+    EXPECT_THROWS(Load(Image, aRecord, true), ClExStreamUnexpectedEnd, -201,
+                  "Unexpected end of stream");
     ClPipeStream Pipe(aRecord); // does not know how much is left
-    EXPECT_NUMBER(Image.Load(Pipe), -102);
+    EXPECT_THROWS(Image.Load(Pipe), ClExBadAlloc, -102, "Memory allocation failed");
 }
 
 TEST(RawImage, ARecordThatEndsAnywhereIsReported) {
@@ -334,8 +338,10 @@ TEST(RawImage, ARecordThatEndsAnywhereIsReported) {
         ClImage Image;
         EXPECT_THROWS(Load(Image, aCut, true), ClExStreamUnexpectedEnd, -201,
                       "Unexpected end of stream");
-        if (nSize + 1 < aRecord.size()) // the last byte is 0, as a missing one is taken to be
-            EXPECT_NUMBER(Load(Image, aCut), -101);
+        if (nSize + 1 <
+            aRecord.size()) // missing bytes count as 0, as the last ones of both magics are
+            EXPECT_THROWS(Load(Image, aCut), ClException, -101,
+                          nSize < 3 ? "KPF Magic is missing" : "KPF end Magic is missing");
     }
 }
 
@@ -376,8 +382,10 @@ TEST(RawImage, PendingBitsAreReported) {
     ClImage Loaded;
     ClMemStream Stream;
     Stream.WriteBits(1, 1);
-    EXPECT_NUMBER(Image.Store(Stream), -39);
-    EXPECT_NUMBER(Loaded.Load(Stream), -39);
+    EXPECT_THROWS(Image.Store(Stream), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
+    EXPECT_THROWS(Loaded.Load(Stream), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
 }
 
 TEST(RawImage, MissingMemoryLeaksNothing) {
@@ -396,7 +404,8 @@ TEST(RawImage, MissingMemoryLeaksNothing) {
 // Files
 
 TEST(RawImage, SurvivesInAFile) {
-    const std::string Name = testing::TempDir() + "RawImageTest." + std::to_string(getpid());
+    const TestSupport::ClTestFolder Folder;
+    const std::string Name = Folder / "image.kpf";
     std::mt19937 Random(6);
     ClImage Image;
     MakeRandom(Image, ClImage::eFloat32, Random);
@@ -405,12 +414,30 @@ TEST(RawImage, SurvivesInAFile) {
     Loaded.Load(Name.c_str());
     ExpectSame(Loaded, Image);
     std::remove(Name.c_str());
-    EXPECT_NUMBER(Loaded.Load(Name.c_str()), -200);
+    EXPECT_THROWS(Loaded.Load(Name.c_str()), ClExFilesystem, -200, Name);
+}
+
+TEST(RawImage, LoadsFromANamedPipe) {
+    const TestSupport::ClTestFolder Folder;
+    const std::string Name = Folder / "pipe";
+    std::mt19937 Random(7);
+    ClImage Image;
+    MakeRandom(Image, ClImage::eUInt16, Random);
+    const Bytes aRecord = RecordOf(Image);
+    ASSERT_EQ(mkfifo(Name.c_str(), 0600), 0);
+    const int nPipe = open(Name.c_str(), O_RDWR); // a writer and a reader: opening cannot block
+    ASSERT_EQ(write(nPipe, aRecord.data(), aRecord.size()), static_cast<long>(aRecord.size()));
+    ClImage Loaded;
+    Loaded.Load(Name.c_str());
+    ExpectSame(Loaded, Image);
+    close(nPipe);
 }
 
 TEST(RawImage, AFileThatCannotBeStoredIsReported) {
     const char* szFullDevice = "/dev/full";
     ASSERT_EQ(access(szFullDevice, W_OK), 0) << "every Linux has this device";
-    EXPECT_NUMBER(ClImage(2, 2, 1, 0, 0).Store(szFullDevice), -204);
-    EXPECT_NUMBER(ClImage(300, 300, 1, 0, 0).Store(szFullDevice), -204);
+    EXPECT_THROWS(ClImage(2, 2, 1, 0, 0).Store(szFullDevice), ClExStream, -204,
+                  "ClFileStream::Close. Failed to Close");
+    EXPECT_THROWS(ClImage(300, 300, 1, 0, 0).Store(szFullDevice), ClExStream, -204,
+                  "ClFileStream::Close. Failed to Close");
 }

@@ -1,6 +1,7 @@
 #include "Tools/Stream.h"
 
 #include "Tools/FileStream.h"
+#include "support/TestFolder.h"
 #include "support/TestStreams.h"
 #include "support/Throws.h"
 
@@ -81,8 +82,8 @@ TEST(StreamBits, MoreThan32BitsAreRefused) {
     unsigned int nValue = 9;
     EXPECT_THROW(Stream.WriteBits(1, 33), ClExTessarin);
     EXPECT_THROW(Stream.ReadBits(nValue, 33), ClExTessarin);
-    EXPECT_NUMBER(Stream.WriteBits(1, 33), -44);
-    EXPECT_NUMBER(Stream.ReadBits(nValue, ~0UL), -44);
+    EXPECT_TESSARIN(Stream.WriteBits(1, 33), -44);
+    EXPECT_TESSARIN(Stream.ReadBits(nValue, ~0UL), -44);
     EXPECT_EQ(nValue, 9u);
     EXPECT_EQ(Stream.Size(), 0u);
 }
@@ -266,7 +267,8 @@ TEST(StreamBits, AByteThatIsMissingAtThePositionCountsAsZero) {
     EXPECT_EQ(ReadOnly.BitPos(), 11u);
     EXPECT_EQ(ReadBits(ReadOnly, 5), 0u);
     unsigned int nValue = 0;
-    EXPECT_NUMBER(ReadOnly.ReadBits(nValue, 1), -201);
+    EXPECT_THROWS(ReadOnly.ReadBits(nValue, 1), ClExStreamUnexpectedEnd, -201,
+                  "Unexpected end of stream");
 }
 
 TEST(StreamBits, AMissingByteThatWasReadIsForgotten) {
@@ -282,9 +284,44 @@ TEST(StreamBits, AWriteThatFailsBehindASetPositionLeavesThePosition) {
     const Bytes aBytes{0xAB, 0xCD};
     ClMemStream Stream(aBytes.data(), aBytes.size());
     Stream.BitPosSet(5);
-    EXPECT_NUMBER(Stream.WriteBits(7, 3), -204);
+    EXPECT_THROWS(Stream.WriteBits(7, 3), ClExStream, -204,
+                  "ClMemStream::WriteRaw. Stream is not open for write");
     EXPECT_EQ(Stream.BitPos(), 5u);
     EXPECT_EQ(ReadBits(Stream, 3), 3u);
+}
+
+TEST(StreamBits, SeeksToABitThatBeginsAByte) {
+    const Bytes aBytes{0xAB, 0xCD, 0xEF};
+    ClMemStream Stream(aBytes.data(), aBytes.size());
+    ReadBits(Stream, 5);
+    EXPECT_EQ(Stream.BitSeek(16, 0), 0);
+    EXPECT_EQ(Stream.Pos(), 2u);
+    EXPECT_NO_THROW(Stream.CheckBitPosByteAlignment());
+    EXPECT_EQ(ReadBits(Stream, 8), 0xEFu);
+    EXPECT_EQ(Stream.BitSeek(-16, 2), 0);
+    EXPECT_EQ(ReadBits(Stream, 4), 0xCu);
+    EXPECT_EQ(Stream.BitSeek(-20, 1), 0); // from bit 20: a byte behind the pending bits
+    EXPECT_EQ(ReadBits(Stream, 8), 0xABu);
+}
+
+TEST(StreamBits, DropsTheBitsThatASetPositionHasLookedAt) {
+    const Bytes aBytes{0xAB, 0xCD};
+    ClMemStream Stream(aBytes.data(), aBytes.size());
+    Stream.BitPosSet(11);
+    Stream.ReadBitFlush();
+    EXPECT_EQ(Stream.BitPos(), 8u);
+    EXPECT_NO_THROW(Stream.CheckBitPosByteAlignment());
+    EXPECT_EQ(ReadBits(Stream, 8), 0xCDu);
+}
+
+TEST(StreamBits, DropsNoBitsThatWaitToBeWritten) {
+    ClMemStream Stream;
+    Stream.BitPosSet(3);
+    Stream.WriteBits(3, 2);
+    Stream.ReadBitFlush();
+    EXPECT_EQ(Stream.BitPos(), 5u);
+    Stream.BitFlush();
+    EXPECT_EQ(Content(Stream), (Bytes{0x18}));
 }
 
 TEST(StreamBits, ARefusedTargetLeavesThePosition) {
@@ -449,9 +486,9 @@ TEST(StreamBits, RandomMixturesDoWhatAListOfBitsDoes) {
 }
 
 TEST(StreamBits, RandomMixturesDoSoOnAFile) {
-    const std::string Name = testing::TempDir() + "StreamBitsTest." + std::to_string(getpid());
+    const TestSupport::ClTestFolder Folder;
     for (unsigned int nSeed = 0; nSeed < 5; ++nSeed) {
-        ClFileStream Stream(Name.c_str(), "w+b");
+        ClFileStream Stream((Folder / "bits").c_str(), "w+b");
         ClBitRehearsal Rehearsal(Stream, nSeed);
         Rehearsal.Run(200);
         Stream.BitFlush();
@@ -461,7 +498,6 @@ TEST(StreamBits, RandomMixturesDoSoOnAFile) {
         Stream.Read(aContent.data(), aContent.size());
         ASSERT_EQ(aContent, aExpected) << "seed " << nSeed;
     }
-    std::remove(Name.c_str());
 }
 
 TEST(StreamBits, ChangesOfDirectionGoOnAtTheNextByteWhereAStreamCannotSeek) {

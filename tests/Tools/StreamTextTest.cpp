@@ -129,7 +129,8 @@ TEST(StreamText, AMissingLengthLeavesNoText) {
     EXPECT_EQ(ReadText(Stream), nullptr);
     Stream.SetThrowOnShort(true);
     char* szText = OwnText("old");
-    EXPECT_NUMBER(Stream.ReadString(&szText), -201);
+    EXPECT_THROWS(Stream.ReadString(&szText), ClExStreamUnexpectedEnd, -201,
+                  "Unexpected end of stream");
     EXPECT_EQ(szText, nullptr);
 }
 
@@ -137,7 +138,8 @@ TEST(StreamText, PendingBitsLeaveNoText) {
     ClMemStream Stream;
     Stream.WriteBits(1, 1);
     char* szText = OwnText("old");
-    EXPECT_NUMBER(Stream.ReadString(&szText), -39);
+    EXPECT_THROWS(Stream.ReadString(&szText), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
     EXPECT_EQ(szText, nullptr);
 }
 
@@ -278,6 +280,7 @@ TEST(StreamText, ABufferIsEmptyWhereTheLengthIsMissing) {
     ClMemStream Stream;
     Stream.SetThrowOnShort(true);
     char szText[4] = "abc";
-    EXPECT_NUMBER(Stream.ReadString(szText, 4), -201);
+    EXPECT_THROWS(Stream.ReadString(szText, 4), ClExStreamUnexpectedEnd, -201,
+                  "Unexpected end of stream");
     EXPECT_STREQ(szText, "");
 }
