@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstring>
 
 namespace {
 
@@ -150,21 +151,14 @@ StFileHead ReadHead(ClStream& Stream) {
     return head;
 }
 
-/// Whether the stream can hold what the head claims. A pipe does not know: opened by name it
-/// calls itself seekable and stands, behind the header as before, at byte 0 of 0.
+/// Whether the stream can hold what the head claims, as far as it knows.
 void CheckClaim(const ClStream& Stream, const StFileHead& head) {
-    if (!Stream.IsSeekable())
-        return;
-    const std::uint64_t nPos = Stream.Pos();
-    const std::uint64_t nSize = Stream.Size();
-    if (nPos == 0 || nSize < nPos)
-        return;
+    const std::optional<unsigned long> nRest = Stream.Rest();
     const std::uint64_t nPixels =
         head.m_bRle ? 0 : static_cast<std::uint64_t>(ClBitmap::PixelBytes(head.m_Header));
     const auto nPalette = static_cast<std::uint64_t>(ClBitmap::PaletteBytes(head.m_Header));
-    if (nPixels + std::max(nPalette, head.m_nPaletteArea) > nSize - nPos)
-        throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, true,
-                                      VEK_HERE);
+    if (nRest && nPixels + std::max(nPalette, head.m_nPaletteArea) > *nRest)
+        Vek::ThrowUnexpectedEnd();
 }
 
 void SkipBytes(ClStream& Stream, std::uint64_t nBytes) {
@@ -205,12 +199,26 @@ void ReadPlainLines(ClStream& Stream, const ClFileLines& lines, std::int64_t nSt
 /// The 8-bit run-length encoding: pairs of count and value, where count 0 makes the value a
 /// code. A run that fills its line goes on in the next one; a run of literal bytes goes there at
 /// once, and is never padded to an even length.
+///
+/// Pixels that are not told are 0. A line is cleared when the walk puts its first byte into it or
+/// beyond: a short file that claims a large block does not make the system provide it.
 class ClRleDecoder {
 public:
-    ClRleDecoder(ClStream& Stream, const ClFileLines& lines, long nWidth)
-        : m_Stream(Stream), m_Lines(lines), m_nWidth(nWidth) {}
+    ClRleDecoder(ClStream& Stream, const ClFileLines& lines, const tagBITMAPINFOHEADER& header)
+        : m_Stream(Stream), m_Lines(lines), m_nWidth(header.biWidth),
+          m_nStride(static_cast<std::size_t>(ClBitmap::StrideBytes(header))) {}
 
     void Decode() {
+        Walk();
+        ClearBelow(m_Lines.Height());
+    }
+
+private:
+    static constexpr unsigned char cnEndOfLine = 0;
+    static constexpr unsigned char cnEndOfBitmap = 1;
+    static constexpr unsigned char cnDelta = 2;
+
+    void Walk() {
         while (IsInside()) {
             const unsigned char nCount = ReadByte();
             const unsigned char nValue = ReadByte();
@@ -227,17 +235,18 @@ public:
         }
     }
 
-private:
-    static constexpr unsigned char cnEndOfLine = 0;
-    static constexpr unsigned char cnEndOfBitmap = 1;
-    static constexpr unsigned char cnDelta = 2;
-
     bool IsInside() const { return m_y < m_Lines.Height(); }
     unsigned char ReadByte() { return ReadNumber<unsigned char>(m_Stream); }
 
     [[noreturn]] static void ThrowCorrupt() {
         throw ClException("ClBitmap::Load. RLE Encoding corrupt", QMT_ERROR_CURRUPT_BYTECODE, true,
                           VEK_HERE);
+    }
+
+    /// Clears the lines before line `nEnd` that have not been cleared yet.
+    void ClearBelow(long nEnd) {
+        for (; m_nCleared < nEnd; ++m_nCleared)
+            std::memset(m_Lines[m_nCleared], 0, m_nStride);
     }
 
     void NextLine() {
@@ -250,6 +259,7 @@ private:
             NextLine();
         if (!IsInside())
             ThrowCorrupt();
+        ClearBelow(m_y + 1);
         m_Lines[m_y][m_x++] = nValue;
     }
 
@@ -278,8 +288,10 @@ private:
     ClStream& m_Stream;
     const ClFileLines& m_Lines;
     long m_nWidth;
+    std::size_t m_nStride;
     long m_x = 0;
     long m_y = 0;
+    long m_nCleared = 0;
 };
 
 /// What a file needs and a block does without.
@@ -352,12 +364,10 @@ void ClBitmap::Load(ClStream& Stream) {
     loaded.ResetPixel();
     ReadPalette(Stream, head, pBlock.get() + 1);
     const ClFileLines lines(loaded, head.m_bTopDown);
-    if (head.m_bRle) {
-        loaded = static_cast<unsigned char>(0);
-        ClRleDecoder(Stream, lines, head.m_Header.biWidth).Decode();
-    } else {
+    if (head.m_bRle)
+        ClRleDecoder(Stream, lines, head.m_Header).Decode();
+    else
         ReadPlainLines(Stream, lines, StrideBytes(head.m_Header));
-    }
     Swap(loaded);
 }
 
@@ -381,6 +391,7 @@ void ClBitmap::Store(ClStream& Stream) const {
 
 void ClBitmap::Store(const char* pFileName) const {
     RequireParts();
+    AdjustForFile(*m_pBI); // what is refused leaves a file that exists as it is
     ClFileStream stream(pFileName, "wb");
     Store(stream);
     stream.Close();

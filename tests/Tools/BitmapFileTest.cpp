@@ -5,6 +5,7 @@
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
 #include "support/BitmapStreams.h"
+#include "support/TestFolder.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -49,10 +50,23 @@ Bytes Claim(const StHead& head, std::uint32_t nOffBits = 54) {
     return FileBytes(HeaderBytes(head), nOffBits);
 }
 
-void ExpectRefused(const Bytes& aFile, long nNumber) {
+template <class Class>
+void ExpectRefused(const Bytes& aFile, long nNumber, const char* szWords) {
     ClBitmap bitmap(4, 4, 8, 0);
-    EXPECT_NUMBER(Load(bitmap, aFile), nNumber);
+    EXPECT_THROWS(Load(bitmap, aFile), Class, nNumber, szWords);
     EXPECT_EQ(bitmap.Header(), nullptr);
+}
+
+void ExpectHeaderRefused(const Bytes& aFile, long nNumber, const char* szWords) {
+    ExpectRefused<ClException>(aFile, nNumber, szWords);
+}
+
+void ExpectSizesRefused(const Bytes& aFile) {
+    ExpectRefused<ClExTessarin>(aFile, -38, GetErrorDescriptionIntern(-38));
+}
+
+void ExpectEndMissing(const Bytes& aFile) {
+    ExpectRefused<ClExStreamUnexpectedEnd>(aFile, -201, "Unexpected end of stream");
 }
 
 } // namespace
@@ -138,39 +152,43 @@ TEST(BitmapFile, ChecksTheHeaderNext) {
     StHead head = Head(0, 3, 2);
     head.m_nPlanes = 2;
     head.m_nSize = 41;
-    ExpectRefused(Claim(head), -32);
+    ExpectHeaderRefused(Claim(head), -32, "ClBitmap::Attach, Bitmap Header size is not known.");
     head.m_nSize = 0x10000 + 40;
-    ExpectRefused(HeaderBytes(head), -32); // the half that follows the signature of a bare header
+    ExpectHeaderRefused(
+        HeaderBytes(head), -32,
+        "ClBitmap::Attach, Bitmap Header size is not known."); // the half that follows the
+                                                               // signature of a bare header
     head.m_nSize = 0x4D42;
-    ExpectRefused(Claim(head), -32);
+    ExpectHeaderRefused(Claim(head), -32, "ClBitmap::Attach, Bitmap Header size is not known.");
     head.m_nSize = 40;
-    ExpectRefused(Claim(head), -11);
+    ExpectHeaderRefused(Claim(head), -11, "ClBitmap::Attach, pBI->biPlanes != 1.");
     head.m_nPlanes = 1;
-    ExpectRefused(Claim(head), -12);
+    ExpectHeaderRefused(Claim(head), -12,
+                        "The Bitmap format does only support 1, 4, 8, 16, 24 and 32 bit counts!");
 }
 
 TEST(BitmapFile, RefusesSizesThatFitNoBlock) {
     for (int nWidth : {0, -1, INT_MIN})
-        ExpectRefused(Claim(Head(nWidth, 3, 8), 1078), -38);
-    ExpectRefused(Claim(Head(3, INT_MIN, 8), 1078), -38);
-    ExpectRefused(Claim(Head(INT_MAX, 1, 8), 1078), -38);
-    ExpectRefused(Claim(Head(INT_MAX, INT_MAX, 32)), -38);
-    ExpectRefused(Claim(Head(INT_MAX, -INT_MAX, 32)), -38);
-    ExpectRefused(Claim(Head(0x4000, 0x8000, 32)), -38);          // 2^31 bytes of pixels
-    ExpectRefused(Claim(Head(4, 0x20000000 - 10, 8), 1078), -38); // 2^31 with header and palette
+        ExpectSizesRefused(Claim(Head(nWidth, 3, 8), 1078));
+    ExpectSizesRefused(Claim(Head(3, INT_MIN, 8), 1078));
+    ExpectSizesRefused(Claim(Head(INT_MAX, 1, 8), 1078));
+    ExpectSizesRefused(Claim(Head(INT_MAX, INT_MAX, 32)));
+    ExpectSizesRefused(Claim(Head(INT_MAX, -INT_MAX, 32)));
+    ExpectSizesRefused(Claim(Head(0x4000, 0x8000, 32)));          // 2^31 bytes of pixels
+    ExpectSizesRefused(Claim(Head(4, 0x20000000 - 10, 8), 1078)); // 2^31 with header and palette
 }
 
 TEST(BitmapFile, RefusesAPaletteBeyondItsArea) {
     StHead head = Head(5, 3, 24);
     head.m_nClrUsed = 1;
-    ExpectRefused(Claim(head, 57), -38);
-    ExpectRefused(Claim(head, 58), -201); // it fits, and is not there
+    ExpectSizesRefused(Claim(head, 57));
+    ExpectEndMissing(Claim(head, 58)); // it fits, and is not there
     head.m_nClrUsed = UINT_MAX;
-    ExpectRefused(Claim(head, UINT_MAX), -38);
-    ExpectRefused(HeaderBytes(head), -38); // without file header it is the block that has no room
+    ExpectSizesRefused(Claim(head, UINT_MAX));
+    ExpectSizesRefused(HeaderBytes(head)); // without file header it is the block that has no room
     head.m_nCompression = 3;
-    ExpectRefused(Claim(head, 65), -38);
-    ExpectRefused(Claim(head, 66), -201);
+    ExpectSizesRefused(Claim(head, 65));
+    ExpectEndMissing(Claim(head, 66));
 }
 
 TEST(BitmapFile, AsksForNothingThatTheStreamCannotHold) {
@@ -185,7 +203,7 @@ TEST(BitmapFile, AsksForNothingThatTheStreamCannotHold) {
     const Bytes aGap = FileBytes(UsualBlock(Head(5, 3, 8)), UINT_MAX);
     ClMemStream stream(aGap.data(), aGap.size());
     ClBitmap bitmap;
-    EXPECT_NUMBER(bitmap.Load(stream), -201);
+    EXPECT_THROWS(bitmap.Load(stream), ClExStreamUnexpectedEnd, -201, "Unexpected end of stream");
     EXPECT_EQ(stream.Pos(), 54u);
 }
 
@@ -254,7 +272,8 @@ TEST(BitmapFile, RefusesEveryTruncation) {
                 const auto pFile = Exactly(aFile, nSize);
                 ClMemStream stream(static_cast<const unsigned char*>(pFile.get()), nSize);
                 ClBitmap bitmap(4, 4, 8, 0);
-                EXPECT_NUMBER(bitmap.Load(stream), -201);
+                EXPECT_THROWS(bitmap.Load(stream), ClExStreamUnexpectedEnd, -201,
+                              "Unexpected end of stream");
                 EXPECT_EQ(bitmap.Header(), nullptr);
                 EXPECT_LE(stream.Pos(), bBare ? 40u : 54u); // no palette, no line was begun
             }
@@ -266,7 +285,8 @@ TEST(BitmapFile, RefusesEveryTruncationOfAPipe) {
     for (std::size_t nSize = 0; nSize < aFile.size(); ++nSize) {
         ClPipe stream(Bytes(aFile.begin(), aFile.begin() + static_cast<long>(nSize)));
         ClBitmap bitmap(4, 4, 8, 0);
-        EXPECT_NUMBER(bitmap.Load(stream), -201);
+        EXPECT_THROWS(bitmap.Load(stream), ClExStreamUnexpectedEnd, -201,
+                      "Unexpected end of stream");
         EXPECT_EQ(bitmap.Header(), nullptr);
     }
     ClPipe stream(aFile);
@@ -338,26 +358,27 @@ TEST(BitmapFile, RefusesAStreamWithPendingBits) {
     unsigned int nBits = 0;
     stream.ReadBits(nBits, 3);
     ClBitmap bitmap(4, 4, 8, 0);
-    EXPECT_NUMBER(bitmap.Load(stream), -39);
+    EXPECT_THROWS(bitmap.Load(stream), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
     EXPECT_EQ(bitmap.Header(), nullptr);
 }
 
 // Names
 
 TEST(BitmapFile, LoadsWhatItStoredUnderAName) {
-    const std::string Name = testing::TempDir() + "bitmap-file-test.bmp";
+    const ClTestFolder folder;
+    const std::string Name = folder / "image.bmp";
     const ClBitmap bitmap(Bytes(UsualBlock(Head(5, 3, 8))).data(), true);
     bitmap.Store(Name.c_str());
     ClBitmap back(4, 4, 8, 0);
     back.Load(Name.c_str());
     EXPECT_TRUE(back == bitmap);
-    std::remove(Name.c_str());
 }
 
 TEST(BitmapFile, LoadsFromANamedPipe) {
-    const std::string Name = testing::TempDir() + "bitmap-file-test.pipe";
+    const ClTestFolder folder;
+    const std::string Name = folder / "pipe";
     const Bytes aFile = UsualFile(Head(5, 3, 8));
-    std::remove(Name.c_str());
     ASSERT_EQ(mkfifo(Name.c_str(), 0600), 0);
     const int nPipe = open(Name.c_str(), O_RDWR); // a writer and a reader: opening cannot block
     ASSERT_EQ(write(nPipe, aFile.data(), aFile.size()), static_cast<long>(aFile.size()));
@@ -365,21 +386,38 @@ TEST(BitmapFile, LoadsFromANamedPipe) {
     bitmap.Load(Name.c_str());
     EXPECT_EQ(Written(bitmap), UsualBlock(Head(5, 3, 8)));
     close(nPipe);
-    std::remove(Name.c_str());
 }
 
 TEST(BitmapFile, IsEmptyWhereThereIsNoFile) {
-    const std::string Name = testing::TempDir() + "no-such-directory/bitmap.bmp";
+    const ClTestFolder folder;
+    const std::string Name = folder / "no-such-folder/image.bmp";
     ClBitmap bitmap(4, 4, 8, 0);
-    EXPECT_NUMBER(bitmap.Store(Name.c_str()), -200);
-    EXPECT_NUMBER(bitmap.Store(static_cast<const char*>(nullptr)), -44);
-    EXPECT_NUMBER(bitmap.Load(Name.c_str()), -200);
+    EXPECT_THROWS(bitmap.Store(Name.c_str()), ClExFilesystem, -200, Name);
+    EXPECT_THROWS(bitmap.Store(static_cast<const char*>(nullptr)), ClException, -44,
+                  "szName is NULL");
+    EXPECT_THROWS(bitmap.Load(Name.c_str()), ClExFilesystem, -200, Name);
     EXPECT_EQ(bitmap.Header(), nullptr);
-    EXPECT_NUMBER(bitmap.Load(static_cast<const char*>(nullptr)), -44);
+    EXPECT_THROWS(bitmap.Load(static_cast<const char*>(nullptr)), ClException, -44,
+                  "szName is NULL");
 }
 
 TEST(BitmapFile, MakesNoFileOfAnEmptyBitmap) {
-    const std::string Name = testing::TempDir() + "bitmap-never-made.bmp";
-    EXPECT_NUMBER(ClBitmap().Store(Name.c_str()), -10);
-    EXPECT_NUMBER(ClBitmap().Load(Name.c_str()), -200);
+    const ClTestFolder folder;
+    const std::string Name = folder / "never-made.bmp";
+    EXPECT_TESSARIN(ClBitmap().Store(Name.c_str()), -10);
+    EXPECT_THROWS(ClBitmap().Load(Name.c_str()), ClExFilesystem, -200, Name);
+}
+
+TEST(BitmapFile, LeavesAFileAloneThatItCannotReplace) {
+    const ClTestFolder folder;
+    folder.Put("kept.bmp", std::string("kept"));
+    StHead head = Head(5, 3, 8);
+    head.m_nCompression = 1; // without the size of its codes
+    Bytes aBlock = UsualBlock(head);
+    ClBitmap encoded;
+    encoded.Attach(aBlock.data(), 0);
+    EXPECT_THROWS(encoded.Store((folder / "kept.bmp").c_str()), ClException, -33,
+                  "Bitmap Store: Combination of biSizeImage not set and compression set to "
+                  "other than plain not allowed");
+    EXPECT_EQ(folder.Get("kept.bmp"), "kept");
 }

@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <random>
+#include <unistd.h>
 
 using namespace TestSupport;
 
@@ -44,6 +46,26 @@ void ExpectCorrupt(int nWidth, int nHeight, const Bytes& aCodes) {
                   "ClBitmap::Load. RLE Encoding corrupt");
     EXPECT_EQ(bitmap.Header(), nullptr);
 }
+
+/// Memory of the process that has been touched.
+std::size_t ResidentBytes() {
+    std::size_t nPages = 0;
+    std::ifstream("/proc/self/statm") >> nPages >> nPages;
+    return nPages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+}
+
+/// A pipe that remembers how much memory was in use when it was read.
+class ClWatchingPipe : public ClPipe {
+public:
+    using ClPipe::ClPipe;
+
+    unsigned long ReadRaw(void* pData, unsigned long nSize) override {
+        m_nMost = std::max(m_nMost, ResidentBytes());
+        return ClPipe::ReadRaw(pData, nSize);
+    }
+
+    std::size_t m_nMost = 0;
+};
 
 /// Codes for lines, by chance as runs, literal bytes or jumps over zeros.
 class ClEncoder {
@@ -161,7 +183,8 @@ TEST(BitmapRle, EndsQuietlyWhereLiteralBytesFillTheBlock) {
 
 TEST(BitmapRle, WaitsForAnEndBehindAFilledBlock) {
     ClBitmap bitmap;
-    EXPECT_NUMBER(Load(bitmap, File(2, 2, {4, 5})), -201);
+    EXPECT_THROWS(Load(bitmap, File(2, 2, {4, 5})), ClExStreamUnexpectedEnd, -201,
+                  "Unexpected end of stream");
     EXPECT_EQ(Decoded(2, 2, {4, 5, 0, 1}), (Lines{{5, 5}, {5, 5}}));
 }
 
@@ -207,7 +230,8 @@ TEST(BitmapRle, RefusesEveryTruncation) {
         const auto pFile = Exactly(aFile, nSize);
         ClMemStream stream(static_cast<const unsigned char*>(pFile.get()), nSize);
         ClBitmap bitmap(4, 4, 8, 0);
-        EXPECT_NUMBER(bitmap.Load(stream), -201);
+        EXPECT_THROWS(bitmap.Load(stream), ClExStreamUnexpectedEnd, -201,
+                      "Unexpected end of stream");
         EXPECT_EQ(bitmap.Header(), nullptr);
     }
 }
@@ -246,6 +270,32 @@ TEST(BitmapRle, SurvivesEveryMutationOfItsHeaders) {
                 EXPECT_EQ(bitmap.Header(), nullptr);
             }
         }
+}
+
+TEST(BitmapRle, TakesNoMemoryForLinesThatNoCodeHasReached) {
+    constexpr std::size_t cnMost = std::size_t{1} << 30; // a sanitizer has its own share of 2 GiB
+    Bytes aCodes = {5, 7};
+    for (int i = 0; i < 150; ++i) // far into the block
+        Append(aCodes, {0, 2, 0, 255});
+    for (const Bytes& aSome : {Bytes(), aCodes}) {
+        ClWatchingPipe pipe(File(46336, 46336, aSome));
+        const std::size_t nBefore = ResidentBytes();
+        ClBitmap bitmap;
+        EXPECT_THROWS(bitmap.Load(pipe), ClExStreamUnexpectedEnd, -201, "Unexpected end of stream");
+        EXPECT_GT(pipe.m_nMost, 0u);
+        EXPECT_LT(pipe.m_nMost, nBefore + cnMost);
+    }
+}
+
+TEST(BitmapRle, LinesThatAreNotToldAreZeroWhateverWasInTheirMemory) {
+    for (int i = 0; i < 20; ++i) {
+        { const std::vector<unsigned char> aUsed(40 + 1024 + 4 * 40, 0xEE); }
+        for (int nHeight : {40, -40}) {
+            Lines aLines(40, Bytes{0, 0});
+            aLines[nHeight > 0 ? 10 : 29] = {0, 7};
+            EXPECT_EQ(Decoded(2, nHeight, {0, 2, 1, 10, 1, 7, 0, 1}), aLines);
+        }
+    }
 }
 
 TEST(BitmapRle, RestoresTheStreamsSettingsAtTheEndMarker) {
