@@ -3,6 +3,7 @@
 #include "Tools/FpImage.h"
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
+#include "support/BitmapStreams.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -99,6 +100,25 @@ void UseEverything(ClBitmap& bitmap) {
             RunAndSwallow([&] { bitmap.SetPixel(x, y, bitmap.GetPixel(x, y)); });
 }
 
+/// The bytes of a block from `nFirst` on.
+Bytes BytesFrom(const Bytes& aBlock, std::ptrdiff_t nFirst) {
+    return Bytes(aBlock.begin() + nFirst, aBlock.end());
+}
+
+/// What a bitmap of 5 x 3 pixels shows: its pixels, and as far as they are to be had its channels.
+std::vector<unsigned int> Seen(ClBitmap& bitmap) {
+    std::vector<unsigned int> aSeen;
+    for (long y = 0; y < 3; ++y)
+        for (long x = 0; x < 5; ++x)
+            aSeen.push_back(bitmap.GetPixel(x, y));
+    for (int nChannel = 0; nChannel < 3; ++nChannel) {
+        ClImage image;
+        bitmap.GetChannel(nChannel, image);
+        aSeen.insert(aSeen.end(), image.Data(), image.Data() + image.SizeBytes());
+    }
+    return aSeen;
+}
+
 } // namespace
 
 TEST(BitmapAttach, RefusesNull) {
@@ -137,7 +157,7 @@ TEST(BitmapAttach, ChecksAPointerInTheSameWay) {
             const auto pBlock = Exactly(aBlock, nSize);
             const long nExpected = ExpectedStatus(form, nSize, aBlock.size());
             if (nExpected != 0) {
-                EXPECT_NUMBER(ClBitmap::CheckPtr(pBlock.get(), nSize), nExpected);
+                EXPECT_TESSARIN(ClBitmap::CheckPtr(pBlock.get(), nSize), nExpected);
                 continue;
             }
             ClBitmap bitmap;
@@ -173,8 +193,8 @@ TEST(BitmapAttach, TakesAHeaderAloneBehindAFileHeader) {
 TEST(BitmapAttach, NeedsMoreThanAFileHeader) {
     Bytes aBlock = FileBytes(UsualBlock({}), 1078);
     ClBitmap bitmap;
-    EXPECT_NUMBER(bitmap.Attach(aBlock.data(), 14), -10);
-    EXPECT_NUMBER(bitmap.Attach(aBlock.data(), 15), -21);
+    EXPECT_TESSARIN(bitmap.Attach(aBlock.data(), 14), -10);
+    EXPECT_TESSARIN(bitmap.Attach(aBlock.data(), 15), -21);
 }
 
 TEST(BitmapAttach, DoesNotReadASingleByte) {
@@ -182,7 +202,7 @@ TEST(BitmapAttach, DoesNotReadASingleByte) {
     for (unsigned char nByte : {'B', '('}) {
         const auto pBlock = Exactly({nByte}, 1);
         ClBitmap bitmap;
-        EXPECT_NUMBER(bitmap.Attach(pBlock.get(), 1), -21);
+        EXPECT_TESSARIN(bitmap.Attach(pBlock.get(), 1), -21);
     }
 }
 
@@ -205,7 +225,8 @@ TEST(BitmapAttach, StillChecksTheHeaderForAnUnknownSize) {
     head.m_nPlanes = 3;
     Bytes aBlock = HeaderBytes(head);
     ClBitmap bitmap;
-    EXPECT_NUMBER(bitmap.Attach(aBlock.data(), 0), -11);
+    EXPECT_THROWS(bitmap.Attach(aBlock.data(), 0), ClException, -11,
+                  "ClBitmap::Attach, pBI->biPlanes != 1.");
 }
 
 TEST(BitmapAttach, ChecksTheHeaderBeforePaletteAndPixels) {
@@ -214,7 +235,8 @@ TEST(BitmapAttach, ChecksTheHeaderBeforePaletteAndPixels) {
     Bytes aBlock = HeaderBytes(head);
     aBlock.push_back(0);
     ClBitmap bitmap;
-    EXPECT_NUMBER(bitmap.Attach(aBlock.data(), aBlock.size()), -31);
+    EXPECT_THROWS(bitmap.Attach(aBlock.data(), aBlock.size()), ClException, -31,
+                  "ClBitmap::Attach, Not Supported FOCC.");
 }
 
 TEST(BitmapAttach, RefusesSizesThatNoBlockHas) {
@@ -230,7 +252,7 @@ TEST(BitmapAttach, RefusesSizesThatNoBlockHas) {
             ClBitmap bitmap;
             if (ClBitmap::PixelBytes(*ClBitmap::MemToBitmapInfoHeader(aBlock.data())) == 0)
                 continue; // a width of -1 takes no whole word
-            EXPECT_NUMBER(bitmap.Attach(aBlock.data(), aBlock.size()), -21);
+            EXPECT_TESSARIN(bitmap.Attach(aBlock.data(), aBlock.size()), -21);
         }
 }
 
@@ -242,7 +264,7 @@ TEST(BitmapAttach, TakesANegativePixelSizeAsBeyondEveryKnownBlock) {
     Bytes aBlock = HeaderBytes(head);
     aBlock.resize(40 + 48);
     ClBitmap bitmap;
-    EXPECT_NUMBER(bitmap.Attach(aBlock.data(), aBlock.size()), -21);
+    EXPECT_TESSARIN(bitmap.Attach(aBlock.data(), aBlock.size()), -21);
     bitmap.Attach(aBlock.data(), 0);
     EXPECT_EQ(bitmap.Pixels(), aBlock.data() + 40);
     UseEverything(bitmap);
@@ -255,7 +277,7 @@ TEST(BitmapAttach, RefusesAPaletteThatTheBlockCannotHold) {
         Bytes aBlock = HeaderBytes(head);
         aBlock.resize(40 + 1024 + 3);
         ClBitmap bitmap;
-        EXPECT_NUMBER(bitmap.Attach(aBlock.data(), aBlock.size()), -21);
+        EXPECT_TESSARIN(bitmap.Attach(aBlock.data(), aBlock.size()), -21);
     }
 }
 
@@ -268,14 +290,23 @@ TEST(BitmapAttach, AcceptsALargerBlock) {
 }
 
 TEST(BitmapAttach, WorksAtEveryAddress) {
-    for (const StForm& form : AllForms())
-        for (std::size_t nOffset = 0; nOffset < 4; ++nOffset) {
-            Bytes aBlock(nOffset);
-            Append(aBlock, BlockOf(form));
+    for (const StForm& form : AllForms()) {
+        Bytes aBlock = BlockOf(form);
+        ClBitmap reference;
+        reference.Attach(aBlock.data(), aBlock.size());
+        for (std::size_t nOffset = 1; nOffset < 8; ++nOffset) {
+            Bytes aMoved(nOffset);
+            Append(aMoved, aBlock);
             ClBitmap bitmap;
-            bitmap.Attach(aBlock.data() + nOffset, aBlock.size() - nOffset);
+            bitmap.Attach(aMoved.data() + nOffset, aBlock.size());
+            ASSERT_EQ(bitmap.Pixels() - reinterpret_cast<const unsigned char*>(bitmap.Header()),
+                      reference.Pixels() -
+                          reinterpret_cast<const unsigned char*>(reference.Header()));
+            EXPECT_EQ(Seen(bitmap), Seen(reference)) << form.m_Head.m_nBits << " bits";
+            EXPECT_EQ(Written(bitmap), BytesFrom(aBlock, form.m_bFileHeader ? 14 : 0));
             UseEverything(bitmap);
         }
+    }
 }
 
 TEST(BitmapAttach, SurvivesEveryMutationOfAHeader) {

@@ -309,10 +309,10 @@ TEST(BitmapChannels, RefusesEncodedPixels) {
         ClBitmap bitmap;
         made.AttachTo(bitmap);
         ClImage image(4, 4, 1, 0, 0);
-        EXPECT_NUMBER(bitmap.GetImage(image), -31);
-        EXPECT_NUMBER(bitmap.GetRedChannel(image), -31);
-        EXPECT_NUMBER(bitmap.SetRedChannel(image), -31);
-        EXPECT_NUMBER(bitmap.IsGray(true), -31);
+        EXPECT_TESSARIN(bitmap.GetImage(image), -31);
+        EXPECT_TESSARIN(bitmap.GetRedChannel(image), -31);
+        EXPECT_TESSARIN(bitmap.SetRedChannel(image), -31);
+        EXPECT_TESSARIN(bitmap.IsGray(true), -31);
         EXPECT_TRUE(bitmap.IsGray(false));
         EXPECT_EQ(bitmap.GetPixel(0, 0), 0xFFFFFFFFu);
     }
@@ -369,13 +369,13 @@ TEST(BitmapChannels, RefusesChannelsThatThereAreNot) {
     for (int nBits : {8, 16, 24, 32}) {
         ClBitmap bitmap(4, 4, nBits, 0);
         for (int nChannel : {-1, 4, 1000}) {
-            EXPECT_NUMBER(bitmap.GetChannel(nChannel, image), -35);
-            EXPECT_NUMBER(bitmap.SetChannel(nChannel, image), -35);
+            EXPECT_TESSARIN(bitmap.GetChannel(nChannel, image), -35);
+            EXPECT_TESSARIN(bitmap.SetChannel(nChannel, image), -35);
         }
     }
     ClBitmap rgb(4, 4, 24, 0);
-    EXPECT_NUMBER(rgb.GetAlphaChannel(image), -35);
-    EXPECT_NUMBER(rgb.SetAlphaChannel(image), -35);
+    EXPECT_TESSARIN(rgb.GetAlphaChannel(image), -35);
+    EXPECT_TESSARIN(rgb.SetAlphaChannel(image), -35);
 }
 
 TEST(BitmapChannels, WritesWhatItReads) {
@@ -418,21 +418,21 @@ TEST(BitmapChannels, WritesFieldsOfSixteenBits) {
 
 TEST(BitmapChannels, RefusesImagesThatDoNotFit) {
     ClBitmap bitmap(4, 4, 24, 0);
-    EXPECT_NUMBER(bitmap.SetRedChannel(ClImage()), -14);
-    EXPECT_NUMBER(bitmap.SetRedChannel(ClImage(5, 4, 1, 0, 0)), -14);
-    EXPECT_NUMBER(bitmap.SetRedChannel(ClImage(4, 3, 1, 0, 0)), -14);
-    EXPECT_NUMBER(bitmap.SetRedChannel(ClImage(4, 4, 3, 0, 0)), -14);
+    EXPECT_TESSARIN(bitmap.SetRedChannel(ClImage()), -14);
+    EXPECT_TESSARIN(bitmap.SetRedChannel(ClImage(5, 4, 1, 0, 0)), -14);
+    EXPECT_TESSARIN(bitmap.SetRedChannel(ClImage(4, 3, 1, 0, 0)), -14);
+    EXPECT_TESSARIN(bitmap.SetRedChannel(ClImage(4, 4, 3, 0, 0)), -14);
     ClImage typed;
     typed.NewWithType(ClImage::eInt8, 4, 4, 1, 0, 0);
-    EXPECT_NUMBER(bitmap.SetRedChannel(typed), -14);
+    EXPECT_TESSARIN(bitmap.SetRedChannel(typed), -14);
 }
 
 TEST(BitmapChannels, WritesNoIndices) {
     const ClImage image(4, 4, 1, 0, 0);
     for (int nBits : {1, 4, 8}) {
         ClBitmap bitmap(4, 4, nBits, 0);
-        EXPECT_NUMBER(bitmap.SetRedChannel(image), -33);
-        EXPECT_NUMBER(bitmap.JoinChannels(image, image, image), -33);
+        EXPECT_TESSARIN(bitmap.SetRedChannel(image), -33);
+        EXPECT_TESSARIN(bitmap.JoinChannels(image, image, image), -33);
     }
 }
 
@@ -455,10 +455,10 @@ TEST(BitmapChannels, JoinsChannelsIntoATrueColourBitmap) {
 TEST(BitmapChannels, JoinsNothingWhereOneImageDoesNotFit) {
     const ClImage fitting(5, 3, 1, 0, 0), other(5, 4, 1, 0, 0);
     ClBitmap empty;
-    EXPECT_NUMBER(empty.JoinChannels(fitting, fitting, other), -14);
+    EXPECT_TESSARIN(empty.JoinChannels(fitting, fitting, other), -14);
     EXPECT_EQ(empty.Header(), nullptr);
     ClBitmap bitmap(5, 3, 24, 0);
     bitmap = static_cast<unsigned char>(7);
-    EXPECT_NUMBER(bitmap.JoinChannels(fitting, other, fitting), -14);
+    EXPECT_TESSARIN(bitmap.JoinChannels(fitting, other, fitting), -14);
     EXPECT_EQ(bitmap.GetPixel(0, 0), 0x070707u);
 }

@@ -103,7 +103,7 @@ TEST(BitmapPixels, ReadsStoredMasksInTheirOrder) {
     EXPECT_EQ(MaskOf(line.m_Bitmap, 2).m_nUp, 0u); // 32 bits are more than the quotient has
     EXPECT_EQ(MaskOf(line.m_Bitmap, 2).m_nDown, 0xFFFFFFFFu);
     EXPECT_EQ(MaskOf(line.m_Bitmap, 3).m_nMask, 0xFF000000u);
-    EXPECT_NUMBER(MaskOf(line.m_Bitmap, 4), -35);
+    EXPECT_TESSARIN(MaskOf(line.m_Bitmap, 4), -35);
 }
 
 TEST(BitmapPixels, DoesNotTakeAPaletteForMasks) {
@@ -127,7 +127,7 @@ TEST(BitmapPixels, SaysThatMasksAreMissing) {
     Bytes aBlock = HeaderBytes(head);
     ClBitmap bitmap;
     bitmap.Attach(aBlock.data(), aBlock.size());
-    EXPECT_NUMBER(MaskOf(bitmap, 0), -10);
+    EXPECT_TESSARIN(MaskOf(bitmap, 0), -10);
     EXPECT_EQ(MaskOf(bitmap, 3).m_nMask, 0x8000u);
 }
 

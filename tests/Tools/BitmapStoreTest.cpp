@@ -146,12 +146,12 @@ TEST(BitmapStore, WritesNoPixelsOfNegativeSize) {
 
 TEST(BitmapStore, NeedsHeaderPaletteAndPixels) {
     ClMemStream stream;
-    EXPECT_NUMBER(ClBitmap().Store(stream), -10);
+    EXPECT_TESSARIN(ClBitmap().Store(stream), -10);
     Bytes aBlock = UsualBlock(Head(5, 3, 8));
     for (std::size_t nSize : {40u, 1064u}) {
         ClBitmap bitmap;
         bitmap.Attach(aBlock.data(), nSize);
-        EXPECT_NUMBER(bitmap.Store(stream), -10);
+        EXPECT_TESSARIN(bitmap.Store(stream), -10);
     }
     EXPECT_EQ(stream.Size(), 0u);
 }
@@ -217,9 +217,11 @@ TEST(BitmapStore, PassesOnWhatTheStreamThrows) {
     const ClBitmap bitmap(5, 3, 8, 0);
     unsigned char aSmall[100];
     ClMemStream stream(aSmall, sizeof aSmall, true);
-    EXPECT_NUMBER(bitmap.Store(stream), -204);
+    EXPECT_THROWS(bitmap.Store(stream), ClExStream, -204,
+                  "ClMemStream::ExpandData. Stream too small");
     EXPECT_TRUE(stream.GetBigEndian4Write());
     ClMemStream pending;
     pending.WriteBits(1, 3);
-    EXPECT_NUMBER(bitmap.Store(pending), -39);
+    EXPECT_THROWS(bitmap.Store(pending), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
 }

@@ -109,7 +109,8 @@ TEST(DumpTabsToFile, NamesAFileThatDoesNotOpen) {
 
 TEST(DumpTabsToFile, AnswersAMissingAllocation) {
     const TestSupport::ClFailAllocation fail(0);
-    EXPECT_NUMBER(ClDumpTabsToFile::DumpHeader("Tabs.cpp", "/", false), -102);
+    EXPECT_THROWS(ClDumpTabsToFile::DumpHeader("Tabs.cpp", "/", false), ClExBadAlloc, -102,
+                  "Memory allocation failed");
 }
 
 // Tables
@@ -150,12 +151,13 @@ TEST(DumpTabsToFile, WritesTheBitsOfNegativeNumbers) {
 
 TEST(DumpTabsToFile, RefusesAMissingFileOrTable) {
     const int nEntry = 1;
-    EXPECT_NUMBER(ClDumpTabsToFile::DumpTab(nullptr, &nEntry, 1), -44);
-    EXPECT_NUMBER(ClDumpTabsToFile::DumpTab(stderr, static_cast<const int*>(nullptr), 1), -44);
-    EXPECT_NUMBER(ClDumpTabsToFile::DumpClose(nullptr), -44);
+    EXPECT_TESSARIN(ClDumpTabsToFile::DumpTab(nullptr, &nEntry, 1), -44);
+    EXPECT_TESSARIN(ClDumpTabsToFile::DumpTab(stderr, static_cast<const int*>(nullptr), 1), -44);
+    EXPECT_TESSARIN(ClDumpTabsToFile::DumpClose(nullptr), -44);
 }
 
 TEST(DumpTabsToFile, SaysThatATableHasNotReachedItsFile) {
     std::FILE* pFile = ClDumpTabsToFile::DumpHeader("full", "/dev", false); // stores nothing
-    EXPECT_NUMBER(ClDumpTabsToFile::DumpClose(pFile), -200);
+    EXPECT_THROWS(ClDumpTabsToFile::DumpClose(pFile), ClExFilesystem, -200,
+                  "ClDumpTabsToFile::DumpClose");
 }

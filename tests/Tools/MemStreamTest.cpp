@@ -66,7 +66,8 @@ TEST(MemStream, OfSizeZeroHasNoData) {
 
 TEST(MemStream, RefusesToStartWhereMemoryIsMissing) {
     TestSupport::FailEachAllocation([] { ClMemStream Stream(16, true); });
-    EXPECT_NUMBER(ClMemStream(std::numeric_limits<unsigned long>::max(), true), -102);
+    EXPECT_THROWS(ClMemStream(std::numeric_limits<unsigned long>::max(), true), ClExBadAlloc, -102,
+                  "Memory allocation failed");
 }
 
 TEST(MemStream, AReadOnlyStreamRefusesEveryWrite) {
@@ -100,7 +101,8 @@ TEST(MemStream, AWriteThatDoesNotFitAnAttachedBlockLeavesItAlone) {
     unsigned char acBlock[4] = {1, 2, 3, 4};
     ClMemStream Stream(acBlock, 4, true);
     Stream.Seek(2, 0);
-    EXPECT_NUMBER(Stream.WriteRaw("abc", 3), -204);
+    EXPECT_THROWS(Stream.WriteRaw("abc", 3), ClExStream, -204,
+                  "ClMemStream::ExpandData. Stream too small");
     EXPECT_EQ(Bytes(acBlock, acBlock + 4), (Bytes{1, 2, 3, 4}));
     EXPECT_EQ(Stream.Pos(), 2u);
 }
@@ -117,7 +119,8 @@ TEST(MemStream, ANullBlockIsEmpty) {
     unsigned char nByte = 0;
     EXPECT_EQ(Stream.Size(), 0u);
     EXPECT_EQ(Stream.ReadRaw(&nByte, 1), 0u);
-    EXPECT_NUMBER(Stream.WriteRaw("a", 1), -204);
+    EXPECT_THROWS(Stream.WriteRaw("a", 1), ClExStream, -204,
+                  "ClMemStream::ExpandData. Stream too small");
 }
 
 TEST(MemStream, AttachingKeepsStrictFlagAndByteOrderAndForgetsTheRest) {
@@ -135,7 +138,8 @@ TEST(MemStream, AttachingKeepsStrictFlagAndByteOrderAndForgetsTheRest) {
     EXPECT_EQ(Stream.Size(), 3u);
     EXPECT_TRUE(Stream.GetThrowOnShort());
     EXPECT_FALSE(Stream.GetBigEndian());
-    EXPECT_NUMBER(Stream.WriteRaw("a", 1), -204);
+    EXPECT_THROWS(Stream.WriteRaw("a", 1), ClExStream, -204,
+                  "ClMemStream::WriteRaw. Stream is not open for write");
 }
 
 TEST(MemStream, AttachingWritesPendingBitsIntoTheFormerBlock) {
@@ -174,7 +178,7 @@ TEST(MemStream, CloseLetsGoAlsoWhereBitsCannotBeWritten) {
     ClMemStream Stream(&nByte, 1, true);
     Stream.Seek(0, 2);
     Stream.WriteBits(1, 1);
-    EXPECT_NUMBER(Stream.Close(), -204);
+    EXPECT_THROWS(Stream.Close(), ClExStream, -204, "ClMemStream::ExpandData. Stream too small");
     EXPECT_EQ(Stream.Size(), 0u);
     EXPECT_EQ(Stream.BitPos(), 0u);
     EXPECT_NO_THROW(Stream.Close());
@@ -242,9 +246,11 @@ TEST(MemStream, AGrowthThatFailsChangesNothing) {
 TEST(MemStream, AWriteBeyondAllMemoryIsRefused) {
     ClMemStream Stream;
     const unsigned char nByte = 0;
-    EXPECT_NUMBER(Stream.WriteRaw(&nByte, std::numeric_limits<unsigned long>::max()), -102);
+    EXPECT_THROWS(Stream.WriteRaw(&nByte, std::numeric_limits<unsigned long>::max()), ClExBadAlloc,
+                  -102, "Memory allocation failed");
     Stream.WriteRaw("a", 1);
-    EXPECT_NUMBER(Stream.WriteRaw(&nByte, std::numeric_limits<unsigned long>::max()), -102);
+    EXPECT_THROWS(Stream.WriteRaw(&nByte, std::numeric_limits<unsigned long>::max()), ClExBadAlloc,
+                  -102, "Memory allocation failed");
     EXPECT_EQ(Content(Stream), (Bytes{'a'}));
 }
 
@@ -376,7 +382,8 @@ TEST(MemStream, AnOwnReadOnlyBufferDoesNotGrowByGoingBehindIt) {
 
 TEST(MemStream, ATargetBeyondAllMemoryIsOutOfMemory) {
     ClMemStream Stream;
-    EXPECT_NUMBER(Stream.SetReadPos(std::numeric_limits<long>::max()), -102);
+    EXPECT_THROWS(Stream.SetReadPos(std::numeric_limits<long>::max()), ClExBadAlloc, -102,
+                  "Memory allocation failed");
     EXPECT_EQ(Stream.Pos(), 0u);
 }
 

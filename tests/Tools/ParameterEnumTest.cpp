@@ -92,7 +92,7 @@ TEST(ParameterEnum, AddsARepeatOnce) {
 
 TEST(ParameterEnum, RefusesAMissingName) {
     StModeParameter p;
-    EXPECT_NUMBER(p.m_Parameter.AddValue(EMode::eHidden, nullptr), -44);
+    EXPECT_TESSARIN(p.m_Parameter.AddValue(EMode::eHidden, nullptr), -44);
 }
 
 TEST(ParameterEnum, UsesTheFirstOfTwoNamesForAValue) {

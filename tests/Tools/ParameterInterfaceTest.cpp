@@ -162,7 +162,7 @@ TEST(ParameterInterface, RefusesAnEnumOfAWidthThatNoIntegerHas) {
     ClParameterInterface List;
     long nMode = 0;
     for (std::size_t nWidth : {std::size_t{0}, std::size_t{3}, std::size_t{16}})
-        EXPECT_NUMBER(List.AddEnum(&nMode, "Mode", "", "Cut\0", ceIn, nWidth), -44);
+        EXPECT_TESSARIN(List.AddEnum(&nMode, "Mode", "", "Cut\0", ceIn, nWidth), -44);
     EXPECT_EQ(List.Count(), 0);
 }
 

@@ -151,7 +151,7 @@ TEST(ParameterProvider, RefusesASecondRunIntoOneContainer) {
     ClParameterContainer container;
     sample.QueryParameters(container);
     Change(sample, nullptr);
-    EXPECT_NUMBER(sample.QueryParameters(container), -46);
+    EXPECT_TESSARIN(sample.QueryParameters(container), -46);
     ExpectChanged(sample, nullptr);
     EXPECT_EQ(container.Entries(), 5u);
     EXPECT_EQ(DefaultText(*container.Find("nWidth")), "7");
@@ -163,7 +163,7 @@ TEST(ParameterProvider, TakesBackWhatItPublishedBeforeACollision) {
     Change(sample, nullptr);
     ClParameterContainer container;
     container.AddNumeric("DSCALE", &nTaken);
-    EXPECT_NUMBER(sample.QueryParameters(container), -46);
+    EXPECT_TESSARIN(sample.QueryParameters(container), -46);
     ExpectChanged(sample, nullptr);
     EXPECT_EQ(container.Entries(), 1u);
     EXPECT_EQ(nTaken, 5);
@@ -174,7 +174,7 @@ TEST(ParameterProvider, RestoresTheMembersWhenTheDefaultsFail) {
     Change(sample, nullptr);
     sample.m_bFailing = true;
     ClParameterContainer container;
-    EXPECT_NUMBER(sample.QueryParameters(container), -37);
+    EXPECT_TESSARIN(sample.QueryParameters(container), -37);
     ExpectChanged(sample, nullptr);
     EXPECT_EQ(container.Entries(), 0u);
 }
@@ -258,7 +258,7 @@ TEST(ParameterProvider, RefusesASubContainerOfATakenName) {
     ClIpSample sample;
     ClParameterContainer container;
     container.AddContainer("Part");
-    EXPECT_NUMBER(sample.PublishParamSubContainer(container, "part"), -46);
+    EXPECT_TESSARIN(sample.PublishParamSubContainer(container, "part"), -46);
     EXPECT_EQ(container.Entries(), 1u);
 }
 

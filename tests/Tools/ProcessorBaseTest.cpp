@@ -176,7 +176,7 @@ TEST(ProcessorBase, LetsExceptionsPassAndDoesNotFinalize) {
 TEST(ProcessorBase, RunsAgainAfterAFailure) {
     ClIpScripted processor;
     processor.m_bThrowing = true;
-    EXPECT_NUMBER(processor.Apply(), -37);
+    EXPECT_TESSARIN(processor.Apply(), -37);
     processor.m_bThrowing = false;
     EXPECT_EQ(processor.Apply(), 0);
 }
@@ -205,7 +205,7 @@ TEST(ProcessorBase, StopsNoTimerForARunThatFails) {
     processor.Apply();
     processor.m_nInit = 0;
     processor.m_nFinal = -1;
-    EXPECT_NUMBER(processor.Apply(), -1);
+    EXPECT_THROWS(processor.Apply(), ClException, -1, "Finalization failed");
     EXPECT_EQ(timer.m_aMarks, (Calls{"start (null)", "start (null)"}));
 }
 
@@ -266,9 +266,9 @@ TEST(ProcessorBase, CountsARunWithAnyResultButNoneThatFails) {
     processor.Apply();
     EXPECT_EQ(table.Calls(), 1);
     processor.m_nFinal = -1;
-    EXPECT_NUMBER(processor.Apply(), -1);
+    EXPECT_THROWS(processor.Apply(), ClException, -1, "Finalization failed");
     processor.m_bThrowing = true;
-    EXPECT_NUMBER(processor.Apply(), -37);
+    EXPECT_TESSARIN(processor.Apply(), -37);
     EXPECT_EQ(table.Calls(), 1);
 }
 

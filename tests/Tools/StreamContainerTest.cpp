@@ -103,8 +103,10 @@ TYPED_TEST(StreamContainer, RefusesPendingBits) {
     Stream.WriteAutoSwap(1);
     Stream.WriteBits(1, 1);
     TypeParam aBytes;
-    EXPECT_NUMBER(IO::Load<TypeParam>(aBytes, Stream), -39);
-    EXPECT_NUMBER(IO::Store<TypeParam>(aBytes, Stream), -39);
+    EXPECT_THROWS(IO::Load<TypeParam>(aBytes, Stream), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
+    EXPECT_THROWS(IO::Store<TypeParam>(aBytes, Stream), ClException, -39,
+                  "the last bit I/O was finish with out bitflush.");
 }
 
 TYPED_TEST(StreamContainer, MissingMemoryIsTheLibrarysOwnException) {
@@ -120,5 +122,6 @@ TYPED_TEST(StreamContainer, MissingMemoryIsTheLibrarysOwnException) {
 TYPED_TEST(StreamContainer, AStreamBeyondAllMemoryIsOutOfMemory) {
     ClEndlessStream Stream;
     TypeParam aBytes;
-    EXPECT_NUMBER(IO::Load<TypeParam>(aBytes, Stream), -102);
+    EXPECT_THROWS(IO::Load<TypeParam>(aBytes, Stream), ClExBadAlloc, -102,
+                  "Memory allocation failed");
 }

@@ -413,7 +413,8 @@ inline void ExpectSettings(ClProcessorBase& Processor, const std::string& Text) 
         EXPECT_EQ(std::string(aBuffer.begin() + static_cast<long>(nSize), aBuffer.end()),
                   std::string(aBuffer.size() - nSize, '#'));
     }
-    EXPECT_NUMBER(Processor.ParameterString(nullptr, 0), -101);
+    EXPECT_THROWS(Processor.ParameterString(nullptr, 0), ClException, -101,
+                  "String-Length exceeded available size");
 }
 inline void ExpectSettings(ClProcessorBase&& Processor, const std::string& Text) {
     ExpectSettings(Processor, Text);
