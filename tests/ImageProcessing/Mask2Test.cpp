@@ -1,10 +1,11 @@
 #include "ImageProcessing/Mask2.h"
 
 #include "ImageProcessing/MaskCases.h"
-#include "support/AllocationFailures.h"
+#include "ImageProcessing/MissingMemory.h"
 #include "support/Throws.h"
 
 #include <limits>
+#include <optional>
 #include <type_traits>
 
 namespace {
@@ -215,6 +216,25 @@ TEST(Mask2, RangeIsTheExtentOfTheRuns) {
     EXPECT_EQ((std::array{nLeft, nRight, nTop, nBottom}), (std::array{0L, 0L, 0L, 0L}));
 }
 
+TEST(Mask2, RangeIsTheExtentOfRandomRuns) {
+    std::mt19937 random(4);
+    for (int i = 0; i < 100; ++i) {
+        std::array<long, 4> aExpected{99, -99, 99, -99};
+        ClMask2 mask;
+        for (int nRun = RandomInt(random, 1, 9); nRun > 0; --nRun) {
+            const int nFrom = RandomInt(random, -50, 50);
+            const int nTo = RandomInt(random, nFrom, 60);
+            const int nLine = RandomInt(random, -50, 50);
+            mask.m_aEntries.Append({nFrom, nTo, nLine});
+            aExpected = {std::min<long>(aExpected[0], nFrom), std::max<long>(aExpected[1], nTo),
+                         std::min<long>(aExpected[2], nLine), std::max<long>(aExpected[3], nLine)};
+        }
+        std::array<long, 4> aRange{};
+        mask.GetRange(aRange[0], aRange[1], aRange[2], aRange[3]);
+        EXPECT_EQ(aRange, aExpected);
+    }
+}
+
 /// Runs 0, 2 and 5 of 6 are there, the others consumed.
 ClMask2 PartlyConsumed() {
     ClMask2 mask = MaskOf({"#.#.#.#.#.#"});
@@ -415,15 +435,19 @@ TEST(Mask2, AssignmentIsADeepCopyAndItselfChangesNothing) {
 
 template <class Change>
 void ExpectUnchangedWithoutMemory(const ClMask2& Mask, Change change) {
-    FailEachAllocation([&] {
-        ClMask2 subject(Mask);
-        try {
-            change(subject);
-        } catch (...) {
-            EXPECT_TRUE(subject == Mask);
-            throw;
-        }
-    });
+    ClMask2 changed(Mask);
+    change(changed);
+    EXPECT_TRUE(changed != Mask);
+    std::optional<ClMask2> subject(Mask); // made anew for each run, with no room to spare
+    ExpectAllOrNothing([&] { change(*subject); },
+                       [&] {
+                           EXPECT_TRUE(*subject == Mask);
+                           subject.emplace(Mask);
+                       },
+                       [&] {
+                           EXPECT_TRUE(*subject == changed);
+                           subject.emplace(Mask);
+                       });
 }
 
 TEST(Mask2, StaysAsItWasWhereMemoryIsMissing) {
@@ -436,7 +460,8 @@ TEST(Mask2, StaysAsItWasWhereMemoryIsMissing) {
     ExpectUnchangedWithoutMemory(mask, [&](ClMask2& m) { m.CopyHeader(large); });
     ExpectUnchangedWithoutMemory(mask, [&](ClMask2& m) { m.Invert(large); });
     ExpectUnchangedWithoutMemory(mask, [&](ClMask2& m) { m.RemoveSubMask(large); });
-    ExpectUnchangedWithoutMemory(mask, [](ClMask2& m) { m.SetBoundingBox(); });
+    ExpectUnchangedWithoutMemory(MaskWithRuns(60, 40, {{10, 12, 5}, {11, 30, 9}}),
+                                 [](ClMask2& m) { m.SetBoundingBox(); });
     ExpectUnchangedWithoutMemory(mask, [](ClMask2& m) { m.RemoveSmallFgBlobs(5, true); });
     ExpectUnchangedWithoutMemory(mask, [](ClMask2& m) { m.RemoveSmallFgBlobs(); });
     ExpectUnchangedWithoutMemory(mask, [](ClMask2& m) { m.RemoveBgBlobs(); });
@@ -456,11 +481,13 @@ TEST(Mask2, StaysAsItWasWhereMemoryIsMissing) {
 
 TEST(Mask2, BuildsOrReportsMissingMemory) {
     const ClTestImage image = ImageOf({"#.#", "###"});
-    FailEachAllocation([&] {
-        ClMask2 mask;
-        mask.BuildFromImage(image, cnBackground);
-        EXPECT_EQ(mask.m_aEntries.Entries(), 3UL);
-    });
+    std::optional<ClMask2> mask;
+    ExpectAllOrNothing([&] { mask.emplace().BuildFromImage(image, cnBackground); },
+                       [&] { EXPECT_EQ(RunsOf(*mask), RunList{}); },
+                       [&] {
+                           EXPECT_EQ(RunsOf(*mask), (RunList{{0, 0, 0}, {2, 2, 0}, {0, 2, 1}}));
+                           EXPECT_EQ(StepsOf(*mask), (StepList{{0, 0, 3, 2}}));
+                       });
 }
 
 } // namespace
