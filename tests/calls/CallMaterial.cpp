@@ -25,6 +25,11 @@ StRecord OfOtherSize() {
     return Record;
 }
 
+/// Large enough for a finger.
+StRecord OfLargerSize() {
+    return PlausibleRecord(48, 80, 24, 32, cnPels);
+}
+
 StRecord OfAnotherScanner() {
     StRecord Record = Good();
     Record.m_aActual[0][37].x += 0.25F;
@@ -49,9 +54,15 @@ StRecord LargeWithTwinPoints() {
     return WithTwinPoints(PlausibleRecord(16, 16, 600, 600, cnPels));
 }
 
-StRecord WithoutCapture() {
+StRecord WithoutColumns() {
     StRecord Record = Good();
     Record.m_nSourceWidth = 0;
+    return Record;
+}
+
+StRecord WithoutLines() {
+    StRecord Record = Good();
+    Record.m_nSourceHeight = 0;
     return Record;
 }
 
@@ -74,10 +85,12 @@ const std::vector<Bytes>& UsualRecords() {
         RecordBlock(Good()),
         RecordBlock(OfOtherSize()),
         RecordBlock(OfAnotherScanner()),
+        RecordBlock(OfLargerSize()),
         RecordBlock(WithTwinPoints(Good())),
         RecordBlock(LargeWithTwinPoints()),
         RecordBlock(OfThreePlanes()),
-        RecordBlock(WithoutCapture()),
+        RecordBlock(WithoutColumns()),
+        RecordBlock(WithoutLines()),
         RecordBlock(WithoutResolution()),
         RecordBlock(WithAStepTooLong()),
     };
@@ -221,15 +234,18 @@ void AppendEntry(StTable& rTable, std::int32_t nOffset) {
     rTable.m_aTable.insert(rTable.m_aTable.end(), aEntry.begin(), aEntry.end());
 }
 
-/// An offset that is inside the source, or just at its edge.
-std::int32_t AnyOffsetIn(ClChoices& rChoices, const StSize& Source) {
-    if (Source.m_nWidth < 4 || Source.m_nHeight < 4 || Source.m_nWidth > 64 ||
-        Source.m_nHeight > 64 || rChoices.OneIn(4))
+bool HasOffsets(const StSize& Source) {
+    return Source.m_nWidth >= 4 && Source.m_nHeight >= 4 && Source.m_nWidth <= 64 &&
+           Source.m_nHeight <= 64;
+}
+
+/// An offset inside the source, or up to `nBeyond` lines and columns outside.
+std::int32_t AnyOffsetIn(ClChoices& rChoices, const StSize& Source, std::uint32_t nBeyond) {
+    if (!HasOffsets(Source) || rChoices.OneIn(4))
         return -1;
     const std::uint32_t nStride = (Source.m_nWidth + 3) / 4 * 4;
-    const std::uint32_t nReach = rChoices.OneIn(64) ? 1 : 0; // one step too far
-    return static_cast<std::int32_t>(rChoices.Below(Source.m_nHeight - 3 + nReach) * nStride +
-                                     rChoices.Below(Source.m_nWidth - 3 + nReach));
+    return static_cast<std::int32_t>(rChoices.Below(Source.m_nHeight - 3 + nBeyond) * nStride +
+                                     rChoices.Below(Source.m_nWidth - 3 + nBeyond));
 }
 
 StTable AnyTable(ClChoices& rChoices, const StSize& Handle) {
@@ -242,8 +258,9 @@ StTable AnyTable(ClChoices& rChoices, const StSize& Handle) {
     Table.m_nPixelBytes = 36 * nPlanes;
     const std::uint32_t nEntries = Table.m_nTargetWidth * Table.m_nTargetHeight * nPlanes;
     const bool bAllWithoutSource = rChoices.OneIn(4);
+    const std::uint32_t nBeyond = rChoices.OneIn(8) ? 1 : 0;
     for (std::uint32_t i = 0; i < nEntries; ++i)
-        AppendEntry(Table, bAllWithoutSource ? -1 : AnyOffsetIn(rChoices, Source));
+        AppendEntry(Table, bAllWithoutSource ? -1 : AnyOffsetIn(rChoices, Source, nBeyond));
     return Table;
 }
 
@@ -298,6 +315,45 @@ const Bytes& NoisePool() {
     return aPool;
 }
 
+using Painter = unsigned char (*)(double u, double v);
+
+/// Ridges on a finger in the middle, dark on bright. `u` and `v` go from -1 to 1.
+unsigned char Finger(double u, double v) {
+    if (u * u + v * v > 0.5)
+        return 220;
+    return static_cast<int>(12.0 * u + 18.0 * v + 40.0) % 2 == 0 ? 70 : 170;
+}
+
+/// A platen with a dark blot and a shadow.
+unsigned char DirtyPlaten(double u, double v) {
+    const double dX = u - 0.3;
+    const double dY = v + 0.4;
+    return dX * dX + dY * dY < 0.02 ? 40 : static_cast<unsigned char>(210.0 + 20.0 * u);
+}
+
+unsigned char CleanPlaten(double /*u*/, double /*v*/) {
+    return 200;
+}
+
+void Paint(Painter pPainter, const StSize& Size, Bytes& rPixels) {
+    const std::size_t nStride = TestSupport::WordsStride(8, Size.m_nWidth);
+    for (std::uint32_t y = 0; y < Size.m_nHeight; ++y)
+        for (std::uint32_t x = 0; x < Size.m_nWidth; ++x)
+            rPixels[y * nStride + x] =
+                pPainter(2.0 * x / Size.m_nWidth - 1.0, 2.0 * y / Size.m_nHeight - 1.0);
+}
+
+Bytes AnyPixels(ClChoices& rChoices, const StSize& Size, int nBits) {
+    static const Painter capPainters[] = {Finger, DirtyPlaten, CleanPlaten};
+    const auto First = NoisePool().begin() + rChoices.Below(16) * 64;
+    Bytes aPixels(First,
+                  First + static_cast<std::ptrdiff_t>(
+                              TestSupport::WordsStride(nBits, Size.m_nWidth) * Size.m_nHeight));
+    if (nBits == 8 && rChoices.OneIn(2))
+        Paint(rChoices.Of(capPainters), Size, aPixels);
+    return aPixels;
+}
+
 /// A block with two palette entries: small, and read like one with all of them.
 Bytes CaptureOf(ClChoices& rChoices, const StSize& Size, int nBits) {
     StHead Head;
@@ -309,12 +365,7 @@ Bytes CaptureOf(ClChoices& rChoices, const StSize& Size, int nBits) {
     Head.m_nPelsY = 4967;
     Bytes aBlock = TestSupport::HeaderBytes(Head);
     aBlock.resize(aBlock.size() + 4 * Head.m_nClrUsed);
-    const std::size_t nPixels = TestSupport::WordsStride(nBits, Head.m_nWidth) * Size.m_nHeight;
-    const auto First = NoisePool().begin() + rChoices.Below(16) * 64;
-    if (rChoices.OneIn(4))
-        aBlock.resize(aBlock.size() + nPixels, 0xC8);
-    else
-        aBlock.insert(aBlock.end(), First, First + static_cast<std::ptrdiff_t>(nPixels));
+    TestSupport::Append(aBlock, AnyPixels(rChoices, Size, nBits));
     return aBlock;
 }
 
@@ -345,7 +396,7 @@ Bytes SpoiltCapture(ClChoices& rChoices, Bytes aBlock) {
 Bytes AnyCapture(ClChoices& rChoices, const StSize& Size) {
     static const StSize caOther[] = {{1, 1}, {7, 1}, {1, 7}, {5, 4}, {10, 9}, {33, 20}};
     static const int canDepths[] = {1, 4, 16, 24, 32};
-    const bool bUsable = Size.m_nWidth - 1 < 64 && Size.m_nHeight - 1 < 64;
+    const bool bUsable = Size.m_nWidth - 1 < 64 && Size.m_nHeight - 1 < 80; // not 0
     const StSize Used = bUsable && !rChoices.OneIn(8) ? Size : rChoices.Of(caOther);
     const int nBits = rChoices.OneIn(32) ? rChoices.Of(canDepths) : 8;
     Bytes aBlock = CaptureOf(rChoices, Used, nBits);

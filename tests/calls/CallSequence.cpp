@@ -67,6 +67,8 @@ void ClCallSequence::MakeStep() {
     StSlot& rSlot = m_aSlots[m_rChoices.Below(3)];
     if (rSlot.m_pHandle == nullptr)
         Create(rSlot);
+    else if (!rSlot.m_Model.IsReady() && !m_rChoices.OneIn(3))
+        SetData(rSlot); // without data there is little to see
     else
         (this->*ChooseStep())(rSlot);
 }

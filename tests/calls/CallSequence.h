@@ -34,6 +34,15 @@ public:
     virtual void OnBroken(const std::string& Promise) = 0;
 };
 
+/// Calls from further down the stack: what a handle remembers of an earlier call's locals is
+/// something else by then.
+template <class Call>
+[[gnu::noinline]] long AtDepth(std::uint32_t nDepth, Call& rCall) {
+    volatile unsigned char acRoom[400];
+    acRoom[nDepth] = 1;
+    return nDepth == 0 ? rCall() : AtDepth(nDepth - 1, rCall) * acRoom[nDepth];
+}
+
 class ClCallSequence {
 public:
     ClCallSequence(ClChoices& rChoices, ClFaults& rFaults, ClObserver& rObserver);
@@ -103,9 +112,10 @@ private:
     template <class Call>
     StAnswer Try(Call call) {
         const long nAfter = ChooseFault();
+        const std::uint32_t nDepth = m_rChoices.Below(8);
         StAnswer Answer{0, false};
         m_rFaults.Arm(nAfter);
-        Answer.m_nStatus = call();
+        Answer.m_nStatus = AtDepth(nDepth, call);
         Answer.m_bFault = m_rFaults.Disarm();
         return Answer;
     }

@@ -49,6 +49,8 @@ public:
 
     long Run(Bytes aIn, Bytes& rOut) const {
         rOut.resize(cnRoomForResults);
+        if (aIn.empty())
+            aIn.reserve(1); // empty is not null
         unsigned long nSize = rOut.size();
         const long nStatus = Calibrate(m_pHandle, aIn.data(), aIn.size(), rOut.data(), &nSize);
         rOut.resize(nStatus == QMT_SUCCESS ? nSize : 0);
