@@ -49,6 +49,11 @@ void Enter(const StTexts& Texts, Arguments... arguments) {
     VekLFLog(Vek::eLogTrace, Texts.m_szEnter, Shown(arguments)...);
 }
 
+template <class... Arguments>
+void EnterWith(const StTexts& Texts, const std::tuple<Arguments...>& CallArguments) {
+    std::apply([&](auto... arguments) { Enter(Texts, arguments...); }, CallArguments);
+}
+
 /// Logs the Leaving line and returns the code.
 long Leave(const StTexts& Texts, long nCode, long nLevel = Vek::eLogTrace);
 
@@ -106,8 +111,17 @@ long OnHandle(const StTexts& Texts, void* handle, Check check, Work work,
 template <class... Arguments, class... Steps>
 long WithHandle(const StTexts& Texts, const std::tuple<void*, Arguments...>& CallArguments,
                 Steps... steps) {
-    std::apply([&](auto... arguments) { Enter(Texts, arguments...); }, CallArguments);
+    EnterWith(Texts, CallArguments);
     return OnHandle(Texts, std::get<0>(CallArguments), steps...);
+}
+
+/// The same for a call that only looks at the processor or sets it: `answer(processor)` tests its
+/// arguments itself, and throws nothing.
+template <class... Arguments, class Answer>
+long AnswerWithHandle(const StTexts& Texts, const std::tuple<void*, Arguments...>& CallArguments,
+                      Answer answer) {
+    EnterWith(Texts, CallArguments);
+    return Leave(Texts, Answered(std::get<0>(CallArguments), answer));
 }
 
 } // namespace CallFrame

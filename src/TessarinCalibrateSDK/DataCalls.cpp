@@ -24,14 +24,15 @@ void LogVersion(const char* szFormat, const unsigned char* data, unsigned long s
 /// Copies what was written by the size protocol.
 long AnswerBlock(const ClMemStream& Stream, const char* szFormat, unsigned char* data,
                  unsigned long* size) {
+    const unsigned long nNeeded = Stream.Size();
     const unsigned long nOldSize = *size;
-    *size = Stream.Size();
-    VekLFLog(Vek::eLogTrace, szFormat, static_cast<int>(nOldSize), static_cast<int>(*size));
-    if (nOldSize < *size)
+    *size = nNeeded;
+    VekLFLog(Vek::eLogTrace, szFormat, static_cast<int>(nOldSize), static_cast<int>(nNeeded));
+    if (nOldSize < nNeeded)
         return QMT_ERROR_TEMPLATE_SIZE;
     if (data == nullptr)
         return QMT_ERROR_TEMPLATE_PTR;
-    std::memcpy(data, Stream.GetData(), *size);
+    std::memcpy(data, Stream.GetData(), nNeeded);
     return QMT_SUCCESS;
 }
 

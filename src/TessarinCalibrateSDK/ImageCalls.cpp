@@ -34,9 +34,10 @@ long AnswerBlock(const ClImage& Image, unsigned char* outBitmap, unsigned long* 
     Result.Attach(Image);
     if (Result.Header() == nullptr) // of an empty image
         throw ClExTessarin(QMT_ERROR_BITMAP_PTR, VEK_HERE);
+    const unsigned long nNeeded = BitmapBlock::SizeByRule(*Result.Header());
     const unsigned long nAvailable = *outBitmapSize;
-    *outBitmapSize = BitmapBlock::SizeByRule(*Result.Header());
-    if (nAvailable < *outBitmapSize)
+    *outBitmapSize = nNeeded;
+    if (nAvailable < nNeeded)
         return QMT_ERROR_TEMPLATE_SIZE;
     Result.CopyTo(outBitmap);
     return QMT_SUCCESS;

@@ -224,35 +224,32 @@ long CalibrateDelete(void** handle) {
 
 long CalibrateSetOption(void* handle, const char* option) {
     static constexpr auto Texts = TESSARIN_CALL_TEXTS("CalibrateSetOption", "0x%p, 0x%p");
-    CallFrame::Enter(Texts, handle, option);
-    return CallFrame::Leave(Texts,
-                            CallFrame::Answered(handle, [&](ClIpCalibrateLumivane2& rProcessor) {
-                                return SetOption(rProcessor, option);
-                            }));
+    return CallFrame::AnswerWithHandle(
+        Texts, std::tuple(handle, option),
+        [&](ClIpCalibrateLumivane2& rProcessor) { return SetOption(rProcessor, option); });
 }
 
 long CalibrateGetOption(void* handle, const char* key, char* value, unsigned long* valueSize) {
     static constexpr auto Texts =
         TESSARIN_CALL_TEXTS("CalibrateGetOption", "0x%p, 0x%p, 0x%p, 0x%p");
-    CallFrame::Enter(Texts, handle, key, value, valueSize);
-    return CallFrame::Leave(
-        Texts, CallFrame::Answered(handle, [&](const ClIpCalibrateLumivane2& rProcessor) {
-            return GetOption(rProcessor, key, value, valueSize);
-        }));
+    return CallFrame::AnswerWithHandle(Texts, std::tuple(handle, key, value, valueSize),
+                                       [&](const ClIpCalibrateLumivane2& rProcessor) {
+                                           return GetOption(rProcessor, key, value, valueSize);
+                                       });
 }
 
 long GetCalibrationWarningLevels(void* handle, double* dirtLevel, double* dryFingerLevel) {
     static constexpr auto Texts =
         TESSARIN_CALL_TEXTS("GetCalibrationWarningLevels", "0x%p, 0x%p, 0x%p");
-    CallFrame::Enter(Texts, handle, dirtLevel, dryFingerLevel);
-    return CallFrame::Leave(
-        Texts, CallFrame::Answered(handle, [&](const ClIpCalibrateLumivane2& rProcessor) {
+    return CallFrame::AnswerWithHandle(
+        Texts, std::tuple(handle, dirtLevel, dryFingerLevel),
+        [&](const ClIpCalibrateLumivane2& rProcessor) {
             if (dirtLevel != nullptr)
                 *dirtLevel = rProcessor.m_DynamicCalibration.m_dDirtWarningLevel;
             if (dryFingerLevel != nullptr)
                 *dryFingerLevel = rProcessor.m_DynamicCalibration.m_dDryFingerWarningLevel;
             return QMT_SUCCESS;
-        }));
+        });
 }
 
 const char* CalibrateGetErrorDescription(long code) {

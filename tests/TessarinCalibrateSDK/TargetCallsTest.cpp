@@ -154,19 +154,39 @@ TEST(TargetCalls, CallsSetTheImagesTheyWorkOn) {
     EXPECT_EQ(Own.m_Processor.m_pOutImage, nullptr);
 }
 
+namespace {
+
+/// The calibration block of a handle that has data.
+Bytes DataOf(StOwn& rOwn) {
+    Bytes aBlock(2000);
+    unsigned long nSize = aBlock.size();
+    EXPECT_EQ(CalibrateGetData(rOwn.Handle(), aBlock.data(), &nSize), 0);
+    aBlock.resize(nSize);
+    return aBlock;
+}
+
+} // namespace
+
 // A sample of all allocations, each of which takes a capture.
 TEST(TargetCalls, GeneratingSurvivesMissingMemory) {
     StOwn Own;
     Bytes aBlock = TargetBlock(StTargetImage());
+    ASSERT_EQ(CalibrateGenerateData(Own.Handle(), aBlock.data(), aBlock.size()), 0);
+    const Bytes aUndisturbed = DataOf(Own);
     int nFailures = 0;
     for (long nAfter = 0; nAfter < 100000; nAfter += 1 + nAfter / 3, ++nFailures) {
-        const ClFailAllocation Fail(nAfter);
-        const long nStatus = CalibrateGenerateData(Own.Handle(), aBlock.data(), aBlock.size());
+        long nStatus = 0;
+        {
+            const ClFailAllocation Fail(nAfter);
+            nStatus = CalibrateGenerateData(Own.Handle(), aBlock.data(), aBlock.size());
+        }
         EXPECT_EQ(Own.m_Processor.IsInitialized(), nStatus == 0);
+        if (nStatus == 0) // sorting does without memory that it does not get
+            EXPECT_EQ(DataOf(Own), aUndisturbed) << nAfter;
+        else
+            EXPECT_EQ(nStatus, -102) << nAfter;
         if (!ClFailAllocation::Happened())
             break;
-        // sorting does without memory that it does not get
-        EXPECT_TRUE(nStatus == -102 || nStatus == 0) << nStatus << " at " << nAfter;
     }
     EXPECT_TRUE(Own.m_Processor.IsInitialized());
     EXPECT_GT(nFailures, 10);
@@ -185,7 +205,7 @@ TEST(TargetCalls, CheckingSurvivesMissingMemory) {
         EXPECT_TRUE(Own.m_Processor.IsInitialized());
         if (!ClFailAllocation::Happened())
             break;
-        EXPECT_TRUE(nStatus == -102 || nStatus == 0) << nStatus << " at " << nAfter;
+        EXPECT_EQ(nStatus, dResult == 100.0 ? 0 : -102) << nAfter;
         EXPECT_EQ(dResult, nStatus == 0 ? 100.0 : 5.0);
         dResult = 5.0;
     }
