@@ -170,6 +170,36 @@ TEST(CalibrateSetData, TakesBytesBehindTheBlock) {
     }
 }
 
+TEST(CalibrateSetData, OfACaptureWithASideOf0LoadsAndIsNoData) {
+    for (const bool bWidth : {true, false}) {
+        StRecord Record = PlausibleRecord();
+        (bWidth ? Record.m_nSourceWidth : Record.m_nSourceHeight) = 0;
+        StLoaded Handle;
+        EXPECT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+        EXPECT_FALSE(Handle.IsReady());
+        long nStatus = 0;
+        Handle.Corrected(Capture(48, 132), &nStatus);
+        EXPECT_EQ(nStatus, QMT_ERROR_NOT_INITIALIZED);
+    }
+}
+
+TEST(CalibrateSetData, OfATargetWithASideOf0ServesTheOtherModes) {
+    for (const bool bWidth : {true, false}) {
+        StRecord Record = PlausibleRecord();
+        (bWidth ? Record.m_nTargetWidth : Record.m_nTargetHeight) = 0;
+        StLoaded Handle;
+        EXPECT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+        EXPECT_EQ(Handle.Data(), RecordBlock(Record));
+        long nStatus = 0;
+        Handle.Corrected(Capture(5, 5), &nStatus); // before the size is looked at
+        EXPECT_EQ(nStatus, QMT_ERROR_NOT_INITIALIZED);
+        Handle.Set("GeometricCalibrate=oddLines");
+        EXPECT_EQ(TestSupport::Height(Handle.Corrected(Capture(48, 132))), 66);
+        const Bytes aTable = Handle.PrecalculatedData();
+        EXPECT_EQ(Handle.SetPrecalculatedData(aTable), QMT_ERROR_CURRUPT_DATA);
+    }
+}
+
 TEST(CalibrateSetData, RefusesTheOldTagsOfVersion001) {
     const StRecord Record = PlausibleRecord(390, 1052, 320, 480, 19685);
     ClApiHandle Handle;

@@ -1,6 +1,7 @@
 // ContaminationDetection() and CalibrateCheckEfts(): their tests and what they leave alone.
 
 #include "api/Api.h"
+#include "support/DotTargets.h"
 #include "support/Records.h"
 
 using TestSupport::Bytes;
@@ -92,9 +93,18 @@ TEST(CalibrateCheckEfts, TestsReadinessBeforeWhatOnlyImagesRefuse) {
 
 TEST(CalibrateCheckEfts, KeepsTheData) {
     ClApiHandle Handle;
-    Handle.SetData(RecordBlock(PlausibleRecord()));
-    double dResult = 0;
-    Bytes aBlock = Capture(8, 8, 24);
-    CalibrateCheckEfts(Handle, aBlock.data(), aBlock.size(), &dResult);
-    EXPECT_EQ(Handle.Data(), RecordBlock(PlausibleRecord()));
+    ASSERT_EQ(Handle.SetData(RecordBlock(PlausibleRecord())), 0);
+    const Bytes aTable = Handle.PrecalculatedData();
+    const Bytes aCorrected = Handle.Corrected(Capture(48, 132));
+    for (const auto& [aBlock, nExpected] :
+         {std::pair(Capture(8, 8, 24), QMT_ERROR_BITMAP_PLANE),       // refused before the work,
+          {Capture(48, 132), QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE}, // within it,
+          {TargetBlock(TestSupport::CorrectedTarget()), QMT_SUCCESS}}) {
+        double dResult = 0.0;
+        Bytes aIn = aBlock;
+        EXPECT_EQ(CalibrateCheckEfts(Handle, aIn.data(), aIn.size(), &dResult), nExpected);
+        EXPECT_EQ(Handle.Data(), RecordBlock(PlausibleRecord()));
+        EXPECT_EQ(Handle.PrecalculatedData(), aTable);
+        EXPECT_EQ(Handle.Corrected(Capture(48, 132)), aCorrected);
+    }
 }

@@ -29,6 +29,18 @@ struct StWaiting : ClApiHandle {
 
 constexpr unsigned long cnBlock = 28 + 94 + 40 * 60 * 36 + 4;
 
+/// The block of a handle with this record whose warp has no table: all its numbers are 0.
+Bytes BlockWithoutTable(const StRecord& Record) {
+    TestSupport::StTable None;
+    None.m_nSourceWidth = None.m_nSourceHeight = 0;
+    None.m_nTargetWidth = None.m_nTargetHeight = 0;
+    None.m_nTargetPelsX = None.m_nTargetPelsY = 0;
+    None.m_nPlanes = None.m_nBackground = 0;
+    None.m_nImageWidth = None.m_nImageHeight = None.m_nPixelBytes = 0;
+    None.m_nImagePelsX = None.m_nImagePelsY = 0;
+    return PrecalculatedBlock(None, HashOf(Record));
+}
+
 } // namespace
 
 TEST(CalibratePrecalculatedData, GivesTheSameCorrectionOnAnotherHandle) {
@@ -70,12 +82,16 @@ TEST(CalibratePrecalculatedData, ThatIsMissingFailsTheRunsOfPointsWithoutAMappin
     ClApiHandle Handle;
     Handle.Set("PrecalculatedData=true");
     ASSERT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+    const Bytes aWithout = Handle.PrecalculatedData();
+    EXPECT_EQ(aWithout, BlockWithoutTable(Record));
     for (int i = 0; i < 2; ++i) {
         long nStatus = 0;
         Handle.Corrected(Capture(i == 0 ? 48 : 5, 132), &nStatus); // before the size is looked at
         EXPECT_EQ(nStatus, QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE);
         EXPECT_TRUE(Handle.IsReady());
+        EXPECT_EQ(Handle.PrecalculatedData(), aWithout);
     }
+    EXPECT_EQ(Handle.SetPrecalculatedData(aWithout), QMT_ERROR_UNEXPECTED_SIGNATURE);
 }
 
 TEST(CalibratePrecalculatedData, WithoutATableIsRefused) {
@@ -132,6 +148,21 @@ TEST(CalibratePrecalculatedData, NeedsACalibrationBlockFirst) {
     Handle.SetData(RecordBlock(PlausibleRecord()));
     Handle.SetReferenceData(RecordBlock(PlausibleRecord()));
     EXPECT_EQ(Handle.SetPrecalculatedData(aBlock), QMT_ERROR_UNEXPECTED_SIGNATURE);
+}
+
+TEST(CalibratePrecalculatedData, OfAnEmptyRecordIsRefusedByAHandleWithoutData) {
+    StRecord Empty;
+    Empty.m_nPlanes = 0;
+    const Bytes aBlock = PrecalculatedBlock(TableOf(), HashOf(Empty));
+    ClApiHandle Fresh;
+    EXPECT_EQ(Fresh.SetPrecalculatedData(aBlock), QMT_ERROR_PARAM_IS_MISSING);
+    StLoaded Handle;
+    const Bytes aTable = Handle.PrecalculatedData();
+    Handle.SetReferenceData(RecordBlock(PlausibleRecord())); // drops the data
+    EXPECT_EQ(Handle.SetPrecalculatedData(aBlock), QMT_ERROR_UNEXPECTED_SIGNATURE);
+    EXPECT_FALSE(Handle.IsReady());
+    EXPECT_EQ(Handle.SetData(RecordBlock(PlausibleRecord())), 0);
+    EXPECT_EQ(Handle.PrecalculatedData(), aTable);
 }
 
 TEST(CalibratePrecalculatedData, OfAnotherScannerThrowsTheDataAway) {
