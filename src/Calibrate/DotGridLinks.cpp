@@ -10,7 +10,7 @@
 #include "Calibrate/DotHolders.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Tools/Allocate.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 #include <algorithm>
 #include <cmath>
@@ -176,66 +176,55 @@ void TakeOutInTurn(ClBase::DotGrid& rQueue, const ClDotHolders& rHolders) {
 } // namespace
 
 void ClBase::BuildGrid(DotGrid& rGrid, const ComponentsArray_t& rComponents) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildGrid() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::BuildGrid()");
     ReleaseDots(rGrid);
     MakeDots(rGrid, rComponents);
     SortXY(rGrid);
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         TestShape(*rGrid[i], *this);
     LinkNeighbours(rGrid, StSpacing(*this));
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildGrid() Leaving");
 }
 
 void ClBase::RemoveLessNeighbours(DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours()");
     ClBase::DotGrid aQueue;
     aQueue.Reserve(rGrid.Entries()); // every dot may come to stand in it
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         QueueIfLonely(*rGrid[i], aQueue);
     if (aQueue.Entries() > 0)
         TakeOutInTurn(aQueue, ClDotHolders(rGrid));
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveLessNeighbours() Leaving");
 }
 
 void ClBase::ReduceToFittingNeighbours(DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::ReduceToFittingNeighbours() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::ReduceToFittingNeighbours()");
     const StExpected Expected{StSpacing(*this)};
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         KeepFittingNeighbours(*rGrid[i], Expected);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::ReduceToFittingNeighbours() Leaving");
 }
 
 void ClBase::RemoveGridPoint(DotGrid& rGrid, long n) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::RemoveGridPoint() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::RemoveGridPoint()");
     ClDot* pRemoved = rGrid[static_cast<unsigned long>(n)];
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         rGrid[i]->Remove(pRemoved);
     pRemoved->m_bValid = false;
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::RemoveGridPoint() Leaving");
 }
 
 void ClBase::RemoveWrongAngleNeighbours(DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveWrongAngleNeighbours() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::RemoveWrongAngleNeighbours()");
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         KeepStraightNeighbours(*rGrid[i], *this);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveWrongAngleNeighbours() Leaving");
 }
 
 double ClBase::GetMedian(double* pValues, long nCount) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetMedian() Enter");
-    double dMedian = 0.0;
-    if (nCount > 0) {
-        // What is not a number goes last: it has no order that a sort could live with.
-        std::sort(pValues, pValues + nCount,
-                  [](double dA, double dB) { return std::isnan(dB) ? !std::isnan(dA) : dA < dB; });
-        dMedian = pValues[nCount / 2];
-    }
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetMedian() Leaving");
-    return dMedian;
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GetMedian()");
+    if (nCount <= 0)
+        return 0.0;
+    // What is not a number goes last: it has no order that a sort could live with.
+    std::sort(pValues, pValues + nCount,
+              [](double dA, double dB) { return std::isnan(dB) ? !std::isnan(dA) : dA < dB; });
+    return pValues[nCount / 2];
 }

@@ -4,7 +4,7 @@
 
 #include "Calibrate/DotHolders.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 using ClDot = ClBase::ClDot;
@@ -96,7 +96,7 @@ void MatchTwice(ClBase& rBase, const ClBase::DotGrid& rGrid) {
 } // namespace
 
 void ClBase::AssociatePoints(DotGrid& rGrid, PointList& rActual) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::AssociatePoints() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::AssociatePoints()");
     RemoveLessNeighbours(rGrid);
     ReduceToFittingNeighbours(rGrid);
     RemoveLessNeighbours(rGrid);
@@ -104,16 +104,12 @@ void ClBase::AssociatePoints(DotGrid& rGrid, PointList& rActual) {
     GridToArray(rGrid, rActual);
     if (m_pOutDebugImage != nullptr)
         GridToDebugImage(rGrid, *m_pOutDebugImage);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::AssociatePoints() Leaving");
 }
 
 void ClBase::GridRemoveBadPoints(DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::GridRemoveBadPoints() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GridRemoveBadPoints()");
     if (rGrid.Entries() > 0)
         MatchTwice(*this, rGrid);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::GridRemoveBadPoints() Leaving");
 }
 
 // Asked for every dot and its neighbours, so that two lines each would bury the rest of the trace.
@@ -125,9 +121,6 @@ ClDot* ClBase::RetrieveDot(const DotGrid& rGrid, int nX, int nY) const {
 }
 
 ClDot* ClBase::GetBottumLeftDot(const DotGrid& rGrid) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot() Enter");
-    ClDot* pDot = NearestDot(ValidDots(rGrid), {0.0, 0.0}, cdFarFromOrigin);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot() Leaving");
-    return pDot;
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GetBottumLeftDot()");
+    return NearestDot(ValidDots(rGrid), {0.0, 0.0}, cdFarFromOrigin);
 }

@@ -2,6 +2,7 @@
 
 #include "Calibrate/DotDirection.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
+#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
 
@@ -73,7 +74,7 @@ struct StNeighbourText {
 } // namespace
 
 void ClBase::GridToDebugImage(const DotGrid& rGrid, ClImage& rImage) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GridToDebugImage() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GridToDebugImage()");
     if (rImage.DataType() != ClImage::eUInt8)
         throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
                           VEK_HERE);
@@ -81,27 +82,23 @@ void ClBase::GridToDebugImage(const DotGrid& rGrid, ClImage& rImage) const {
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         if (rGrid[i]->m_bValid && IsInside(rGrid[i]->m_vPos, rImage))
             DrawDot(*rGrid[i], rImage);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::GridToDebugImage() Leaving");
 }
 
 void ClBase::TraceGrid(const DotGrid& rGrid) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::TraceGrid() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::TraceGrid()");
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         VekLFLog(Vek::eLogTrace, "%d: (%.3f, %.3f) status %u, %d neighbours",
                  static_cast<int>(rGrid[i]->m_nIndex), rGrid[i]->m_vPos.x, rGrid[i]->m_vPos.y,
                  static_cast<unsigned>(rGrid[i]->m_nStatus),
                  static_cast<int>(rGrid[i]->m_aNeighbours.Entries()));
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::TraceGrid() Leaving");
 }
 
 void ClBase::LogGrid(const DotGrid& rGrid) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::LogGrid() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::LogGrid()");
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         VekLFLog(Vek::eLogTrace,
                  "%d: (%.3f, %.3f) status %u, eccentricity %.3f, area %.0f, neighbours%s",
                  static_cast<int>(rGrid[i]->m_nIndex), rGrid[i]->m_vPos.x, rGrid[i]->m_vPos.y,
                  static_cast<unsigned>(rGrid[i]->m_nStatus), rGrid[i]->m_dEccentricity,
                  rGrid[i]->m_dArea, StNeighbourText(*rGrid[i]).m_acText);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::LogGrid() Leaving");
 }

@@ -5,7 +5,7 @@
 #include "Calibrate/DotPattern.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Math/RegressionLine.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 #include <algorithm>
 #include <cmath>
@@ -149,11 +149,10 @@ void ClBase::TakeDots(DotGrid& rGrid, PointList& rPoints, Reject_t pReject,
 }
 
 void ClBase::CheckGridLines(const PointList& rPoints) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CheckGridLines() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::CheckGridLines()");
     TpArrayStatic<int> aLengths;
     GetGridColumnLengths(aLengths);
     CheckLinesOf(aLengths, rPoints);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CheckGridLines() Leaving");
 }
 
 void ClBase::CheckLinesOf(const TpArrayStatic<int>& rLengths, const PointList& rPoints) const {

@@ -2,8 +2,8 @@
 
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Tools/Bitmap.h"
+#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
-#include "Tools/LoggingFacility.h"
 #include "Tools/MathConst.h"
 
 #include <algorithm>
@@ -120,7 +120,7 @@ void DebugFileName(char (&szFile)[cnNameSize], const char* szName, const char* s
 
 void ClIpCalibrateGeometricBuildRefPointsBase::CheckDot(const ClImage& rImage, long nX, long nY,
                                                         long nRef, ClVector& rCentre) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CheckDot() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::CheckDot()");
     if (rImage.Data() == nullptr) {
         rCentre = {MathConst::cdNaN, MathConst::cdNaN};
     } else {
@@ -132,12 +132,11 @@ void ClIpCalibrateGeometricBuildRefPointsBase::CheckDot(const ClImage& rImage, l
         rCentre = DarkCentre(rImage, SpanAround(nX, dHalfX, rImage.Width()),
                              SpanAround(nY, dHalfY, rImage.Height()), nRef);
     }
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CheckDot() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::RemoveSmallPoints(PointList& rIn,
                                                                  PointList& rOut) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::RemoveSmallPoints() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::RemoveSmallPoints()");
     const double dX = Pixels(m_dDotDiameter, m_dSourceDpiX);
     const double dY = Pixels(m_dDotDiameter, m_dSourceDpiY);
     const double dLessX = Pixels(cdDiameterTolerance, m_dSourceDpiX);
@@ -152,13 +151,11 @@ void ClIpCalibrateGeometricBuildRefPointsBase::RemoveSmallPoints(PointList& rIn,
         if (dArea - dTolerance < dCount && dArea + dTolerance > dCount)
             rOut.Append({Cluster.m_vSum.x / dCount, Cluster.m_vSum.y / dCount});
     }
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::RemoveSmallPoints() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::StoreDebug(ClImage* pImage, const char* szName,
                                                           const char* szPath) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::StoreDebug() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::StoreDebug()");
     if (pImage == nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
     char szFile[cnNameSize];
@@ -166,5 +163,4 @@ void ClIpCalibrateGeometricBuildRefPointsBase::StoreDebug(ClImage* pImage, const
     ClBitmap Bitmap;
     Bitmap.Attach(*pImage);
     Bitmap.Store(szFile);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::StoreDebug() Leaving");
 }

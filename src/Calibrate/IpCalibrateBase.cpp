@@ -1,11 +1,10 @@
 #include "Calibrate/IpCalibrateBase.h"
 
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 long ClIpCalibrateBase::Process() {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateBase::Process() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateBase::Process()");
     Initiate();
     Calibrate();
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateBase::Process() Leaving");
     return 0;
 }

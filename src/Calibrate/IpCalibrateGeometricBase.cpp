@@ -1,19 +1,17 @@
 #include "Calibrate/IpCalibrateGeometricBase.h"
 
+#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
-#include "Tools/LoggingFacility.h"
 
 void ClIpCalibrateGeometricBase::Reset() {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Reset() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBase::Reset()");
     Drop();
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Reset() Leaving");
 }
 
 void ClIpCalibrateGeometricBase::Initiate() {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Initiate() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBase::Initiate()");
     if (!HasTable())
         Prepare();
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Initiate() Leaving");
 }
 
 void ClIpCalibrateGeometricBase::Prepare() {
@@ -37,16 +35,15 @@ void ClIpCalibrateGeometricBase::Prepare() {
 }
 
 void ClIpCalibrateGeometricBase::Calibrate() {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Calibrate() Enter");
-    if (m_pInImage != nullptr) {
-        CheckInput();
-        PrepareOutput();
-        if (m_pTable == nullptr)
-            throw ClException("Calibrate is not initialized", QMT_ERROR_NOT_INITIALIZED, true,
-                              VEK_HERE);
-        CalibrateGeo(*m_pInImage, *m_pOutImage);
-    }
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Calibrate() Leaving");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBase::Calibrate()");
+    if (m_pInImage == nullptr)
+        return;
+    CheckInput();
+    PrepareOutput();
+    if (m_pTable == nullptr)
+        throw ClException("Calibrate is not initialized", QMT_ERROR_NOT_INITIALIZED, true,
+                          VEK_HERE);
+    CalibrateGeo(*m_pInImage, *m_pOutImage);
 }
 
 void ClIpCalibrateGeometricBase::CheckInput() const {

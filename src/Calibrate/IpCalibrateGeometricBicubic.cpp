@@ -3,8 +3,8 @@
 #include "ImageProcessing/Kernels/Warp.h"
 #include "Math/ThinPlateSplines.h"
 #include "Tools/Allocate.h"
+#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
-#include "Tools/LoggingFacility.h"
 
 #include <cmath>
 #include <cstring>
@@ -28,7 +28,7 @@ double ClIpCalibrateGeometricBicubic::CubicConvolution(double t) {
 
 void ClIpCalibrateGeometricBicubic::InitiateParams(PointList& rTarget, PointList* pActual,
                                                    unsigned int nPlanes) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBicubic::InitiateParams() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBicubic::InitiateParams()");
     if (!Warp::IsSizeAllowed(m_nTargetWidth, m_nTargetHeight, nPlanes))
         throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
     TpThinPlateSplines<double> aSplines[ClCalibrateGeometricData::cnMaxPlanes];
@@ -50,7 +50,6 @@ void ClIpCalibrateGeometricBicubic::InitiateParams(PointList& rTarget, PointList
                 FillEntry(sx, sy, pEntry);
             }
     m_pTable = std::move(pTable);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBicubic::InitiateParams() Leaving");
 }
 
 namespace {
@@ -117,11 +116,10 @@ void ClIpCalibrateGeometricBicubic::FillEntry(double sx, double sy, unsigned cha
 }
 
 void ClIpCalibrateGeometricBicubic::CalibrateGeo(ClImage& rIn, ClImage& rOut) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBicubic::CalibrateGeo() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBicubic::CalibrateGeo()");
     const std::size_t nLineEntries = std::size_t{m_nTargetWidth} * m_nPlanes;
     const unsigned char* pEntries = m_pTable.get();
     for (int y = 0; y < rOut.Height(); ++y, pEntries += nLineEntries * m_nEntrySize)
         Kernels::WarpLine(pEntries, nLineEntries, rIn.Data(), rIn.LineStrideBytes(),
                           static_cast<int>(m_nPlanes), m_nBackground, rOut.LineData(y));
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBicubic::CalibrateGeo() Leaving");
 }

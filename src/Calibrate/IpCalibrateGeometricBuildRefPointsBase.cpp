@@ -8,7 +8,7 @@
 #include "ImageProcessing/IpInvert.h"
 #include "ImageProcessing/IpSplitPlanes.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 #include "Tools/MathConst.h"
 
 #include <algorithm>
@@ -60,7 +60,7 @@ void ClIpCalibrateGeometricBuildRefPointsBase::PublishParameters(ClParameterCont
 }
 
 long ClIpCalibrateGeometricBuildRefPointsBase::Process() {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::Process() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::Process()");
     if (m_pInImage == nullptr)
         throw ClException("ClIpCalibrateGeometricBuildRefPointsBase m_pInImage is NULL",
                           QMT_ERROR_PARAM_IS_MISSING, true, VEK_HERE);
@@ -77,7 +77,6 @@ long ClIpCalibrateGeometricBuildRefPointsBase::Process() {
     BuildTarget(m_pOutData->m_aTarget, m_dTargetDpiX, m_dTargetDpiY, 0.0, 0.0);
     CenterTarget(m_pOutData->m_aTarget, m_pOutData->m_aActual, nPlanes);
     FillRecord(nPlanes);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::Process() Leaving");
     return 0;
 }
 
@@ -113,7 +112,7 @@ void ClIpCalibrateGeometricBuildRefPointsBase::FillRecord(std::uint32_t nPlanes)
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints(ClImage& rImage, DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints()");
     ClImage Binary;
     ClIpBinarizeLocal2 Binarize;
     Binarize.m_nAboveValue = m_bBrightDots ? 0 : 255; // dots become 0, what a region is made of
@@ -133,13 +132,12 @@ void ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints(ClImage& rImage, Dot
     Measure.m_pComponents = &Components;
     CheckResult(Measure.Apply());
     BuildGrid(rGrid, Components);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget(PointList& rTarget, double dDpiX,
                                                            double dDpiY, double dOffsetX,
                                                            double dOffsetY) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget()");
     if (m_pRefData == nullptr) {
         BuildTargetPoints(rTarget, dDpiX, dDpiY, dOffsetX, dOffsetY);
     } else {
@@ -152,17 +150,15 @@ void ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget(PointList& rTarget, d
             rTarget[i].y = rTarget[i].y * dScaleY + dOffsetY;
         }
     }
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::SortXY(DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::SortXY() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::SortXY()");
     DotSorting::IntoColumns(rGrid, m_cdHalfPitchFactor * m_dSourceDpiX * m_dPitch);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::SortXY() Leaving");
 }
 
 ClVector ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid(const DotGrid& rGrid) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid()");
     ClVector vSum;
     unsigned long nCount = 0;
     for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
@@ -171,28 +167,24 @@ ClVector ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid(const DotGrid
         vSum = vSum + rGrid[i]->m_vPos;
         ++nCount;
     }
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfGrid() Leaving");
     return Mean(vSum, nCount);
 }
 
 ClVector
 ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray(const PointList& rArray) const {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray()");
     ClVector vSum;
     for (unsigned long i = 0; i < rArray.Entries(); ++i)
         vSum = vSum + rArray[i];
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::GetCentreOfVectorArray() Leaving");
     return Mean(vSum, rArray.Entries());
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::MoveArray(PointList& rArray,
                                                          const ClVector& rMove) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::MoveArray() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::MoveArray()");
     for (unsigned long i = 0; i < rArray.Entries(); ++i)
         rArray[i] = rArray[i] + rMove;
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::MoveArray() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::ReleaseDots(DotGrid& rGrid) {

@@ -2,7 +2,7 @@
 
 #include "Calibrate/DotPattern.h"
 #include "Tools/Allocate.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 // The defaults of the base are those of the raw capture.
 ClIpCalibrateGeometricBuildRefPointsQK7::ClIpCalibrateGeometricBuildRefPointsQK7() = default;
@@ -18,31 +18,24 @@ const char* ClIpCalibrateGeometricBuildRefPointsQK7::Name() const {
 void ClIpCalibrateGeometricBuildRefPointsQK7::BuildTargetPoints(PointList& rTarget, double dDpiX,
                                                                 double dDpiY, double dOffsetX,
                                                                 double dOffsetY) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7::BuildTargetPoints() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsQK7::BuildTargetPoints()");
     BuildPatternPoints(rTarget, dDpiX, dDpiY, dOffsetX, dOffsetY);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7::BuildTargetPoints() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7::GridToArray(DotGrid& rGrid, PointList& rPoints) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7::GridToArray() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsQK7::GridToArray()");
     TakeDots(
         rGrid, rPoints, [](ClDot& rDot) { rDot.m_nStatus = ClDot::eOutsideColumn; },
         "Not the expected dot count found.");
     CheckGridLines(rPoints);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7::GridToArray() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7::GetGridColumnLengths(TpArrayStatic<int>& rLengths) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7::GetGridColumnLengths() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsQK7::GetGridColumnLengths()");
     DotPattern::GetColumnLengths(rLengths);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7::GetGridColumnLengths() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7::MoveTarget(PointList& rTarget, PointList&) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7::MoveTarget() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsQK7::MoveTarget()");
     MoveByPitch(rTarget);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7::MoveTarget() Leaving");
 }

@@ -2,7 +2,7 @@
 
 #include "Calibrate/DotPattern.h"
 #include "Tools/Allocate.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 // A round dot is round here, and has half of the raw capture's lines.
 ClIpCalibrateGeometricBuildRefPointsQK7Half::ClIpCalibrateGeometricBuildRefPointsQK7Half() {
@@ -26,35 +26,29 @@ void ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints(PointList& r
                                                                     double dDpiX, double dDpiY,
                                                                     double dOffsetX,
                                                                     double dOffsetY) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints()");
     BuildPatternPoints(rTarget, dDpiX, dDpiY, dOffsetX, dOffsetY);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7Half::BuildTargetPoints() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray(DotGrid& rGrid, PointList& rPoints) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray()");
     TakeDots(
         rGrid, rPoints, [](ClDot& rDot) { rDot.m_dWeight = 0.0; },
         "Not the expected Dot count found.");
     TpArrayStatic<int> aLengths;
     DotPattern::GetColumnLengths(aLengths);
     CheckLinesOf(aLengths, rPoints);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths(
     TpArrayStatic<int>& rLengths) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths()");
     DotPattern::GetColumnLengths(rLengths);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths() Leaving");
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget(PointList& rTarget, PointList&) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget()");
     MoveByPitch(rTarget);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsQK7Half::MoveTarget() Leaving");
 }

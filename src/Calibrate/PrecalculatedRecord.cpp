@@ -6,8 +6,8 @@
 
 #include "Calibrate/BlockTags.h"
 #include "Tools/Allocate.h"
+#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
-#include "Tools/LoggingFacility.h"
 #include "Tools/RawImage.h"
 #include "Tools/Stream.h"
 
@@ -130,7 +130,7 @@ void ReadTable(ClStream& rStream, StWarp& rWarp) {
 } // namespace
 
 void ClIpCalibrateGeometricBase::Store(ClStream& rStream) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Store() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBase::Store()");
     rStream.Write(cacType, sizeof cacType);
     rStream.Write(cacSubType, sizeof cacSubType);
     rStream.Write(cacVersion, sizeof cacVersion);
@@ -154,11 +154,10 @@ void ClIpCalibrateGeometricBase::Store(ClStream& rStream) const {
     if (m_pTable != nullptr)
         rStream.Write(m_pTable.get(), TableBytes());
     rStream.WriteAutoSwap(RawImage::cnMagic);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Store() Leaving");
 }
 
 void ClIpCalibrateGeometricBase::Load(ClStream& rStream) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Load() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBase::Load()");
     CheckTags(rStream);
     Drop(); // two tables would not fit into every device
     StWarp Loaded;
@@ -166,5 +165,4 @@ void ClIpCalibrateGeometricBase::Load(ClStream& rStream) {
     ReadImageHeader(rStream, Loaded);
     ReadTable(rStream, Loaded);
     static_cast<StWarp&>(*this) = std::move(Loaded);
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBase::Load() Leaving");
 }

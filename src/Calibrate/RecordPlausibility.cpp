@@ -4,7 +4,7 @@
 #include "Calibrate/DotGridOwner.h"
 #include "Calibrate/RecordLimits.h"
 #include "Tools/Allocate.h"
-#include "Tools/LoggingFacility.h"
+#include "Tools/CallTrace.h"
 
 #include <cmath>
 
@@ -108,7 +108,7 @@ void CheckSteps(const ClBase& rBase, const ClBase::DotGrid& rGrid) {
 } // namespace
 
 void ClBase::ArrayToGrid(const PointList& rSource, const PointList& rTarget, DotGrid& rGrid) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::ArrayToGrid() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::ArrayToGrid()");
     ClPlaces Places(*this);
     RecordLimits::CheckCount(rSource, rTarget);
     ReleaseDots(rGrid);
@@ -120,30 +120,25 @@ void ClBase::ArrayToGrid(const PointList& rSource, const PointList& rTarget, Dot
         pDot->m_vGrid = Places.Next();
         rGrid.Append(pDot);
     }
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::ArrayToGrid() Leaving");
 }
 
 void ClBase::ValidateTargetPoints(const ClCalibrateGeometricData& rData) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::ValidateTargetPoints() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::ValidateTargetPoints()");
     RecordLimits::CheckTarget(rData);
     PointList aIdeal;
     BuildTargetPoints(aIdeal, rData.m_nTargetPelsX * cdDpiPerPels,
                       rData.m_nTargetPelsY * cdDpiPerPels, 0.0, 0.0);
     if (!IsMoved(aIdeal, rData.m_aTarget))
         RecordLimits::RefuseTarget();
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::ValidateTargetPoints() Leaving");
 }
 
 void ClBase::ValidateCalibrationData(const ClCalibrateGeometricData& rData) {
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::ValidateCalibrationData() Enter");
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::ValidateCalibrationData()");
     ValidateTargetPoints(rData);
     RecordLimits::CheckSource(rData);
     ClDotGridOwner Owner;
     ArrayToGrid(rData.m_aActual[0], rData.m_aTarget, Owner.m_aGrid);
     CheckSteps(*this, Owner.m_aGrid);
-    VekLFLog(Vek::eLogTrace,
-             "ClIpCalibrateGeometricBuildRefPointsBase::ValidateCalibrationData() Leaving");
 }

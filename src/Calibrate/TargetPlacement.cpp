@@ -5,8 +5,8 @@
 
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Calibrate/RecordLimits.h"
+#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
-#include "Tools/LoggingFacility.h"
 
 #include <algorithm>
 
@@ -36,14 +36,13 @@ StExtent ExtentOf(const PointList& rPoints) {
 
 void ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget(PointList& rTarget, PointList* pActual,
                                                             unsigned int) {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget()");
     if (pActual != nullptr)
         RecordLimits::CheckCount(*pActual, rTarget); // the spline reads both lists side by side
     Spline spline;
     spline.Setup(static_cast<long>(rTarget.Entries()), rTarget.Data(),
                  pActual != nullptr ? pActual->Data() : nullptr);
     MoveArray(rTarget, m_bCenterByBorders ? MoveByBorders(spline) : MoveByExtent(rTarget));
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget() Leaving");
 }
 
 ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByBorders(Spline& rSpline) const {
@@ -75,7 +74,7 @@ ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByExtent(const PointList&
 
 double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(Spline& rSpline, int nX, int nY,
                                                                 int nLength, bool bVertical) const {
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta() Enter");
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta()");
     float sum = 0.0F;
     for (long i = 0; i < nLength; ++i) {
         const long nStepX = bVertical ? nX : nX + i;
@@ -85,7 +84,5 @@ double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(Spline& rSpline,
         rSpline.Transform(static_cast<float>(nStepX), static_cast<float>(nStepY), &x, &y);
         sum += bVertical ? x : y;
     }
-    const float mean = nLength > 0 ? sum / static_cast<float>(nLength) : 0.0F;
-    VekLFLog(Vek::eLogTrace, "ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta() Leaving");
-    return static_cast<double>(mean);
+    return static_cast<double>(nLength > 0 ? sum / static_cast<float>(nLength) : 0.0F);
 }
