@@ -113,7 +113,8 @@ StRecord Newer() {
 class ClExpectation {
 public:
     ClExpectation(int nLayout, unsigned long nSize)
-        : m_nSize(nSize), m_State(StateOf(Former(), std::string("006\0", 4))), m_New(StateOf(Newer(), "")) {
+        : m_nSize(nSize), m_State(StateOf(Former(), std::string("006\0", 4))),
+          m_New(StateOf(Newer(), "")) {
         Pass(8);
         if (Pass(4))
             m_State.m_Version = std::string("00") + std::to_string(nLayout) + '\0';

@@ -67,7 +67,8 @@ TEST(GridRemoveBadPoints, ReturnsAtOnceForAnEmptyGrid) {
     ClTestGrid Grid;
     EXPECT_NO_THROW(Builder.GridRemoveBadPoints(Grid));
     Grid.Add(1, 1);
-    EXPECT_NUMBER(Builder.GridRemoveBadPoints(Grid), -35);
+    EXPECT_THROWS(Builder.GridRemoveBadPoints(Grid), ClExTessarin, -35,
+                  "One of the parameters is out of range.");
 }
 
 TEST(GridRemoveBadPoints, GivesEveryDotOfThePatternItsIdealPoint) {

@@ -100,7 +100,8 @@ TEST(GridToDebugImage, RefusesOtherTypesThanBytes) {
                       "Image Type is not the assigned type");
     }
     ClTestImage Empty;
-    EXPECT_NUMBER(ClQK7().GridToDebugImage(ClTestGrid(), Empty), -101);
+    EXPECT_THROWS(ClQK7().GridToDebugImage(ClTestGrid(), Empty), ClException, -101,
+                  "Image Type is not the assigned type");
 }
 
 TEST(TraceGrid, LogsALineForEachDot) {

@@ -149,20 +149,29 @@ TEST(CheckGridLines, TellsTheAngleOfRowsThenTheirDistanceThenColumns) {
 TEST(CheckGridLines, WantsThePatternsCount) {
     Places aPlaces = PatternPlaces();
     aPlaces.pop_back();
-    EXPECT_NUMBER(ClQK7().CheckGridLines(ListOf(aPlaces)), -35);
-    EXPECT_NUMBER(ClQK7().CheckGridLines(ListOf({})), -35);
+    EXPECT_THROWS(ClQK7().CheckGridLines(ListOf(aPlaces)), ClExTessarin, -35,
+                  "One of the parameters is out of range.");
+    EXPECT_THROWS(ClQK7().CheckGridLines(ListOf({})), ClExTessarin, -35,
+                  "One of the parameters is out of range.");
 }
 
-TEST(CheckGridLines, SurvivesHostileCoordinates) {
+TEST(CheckGridLines, RefusesAPlaceFarOutByTheAngleOfItsRow) {
+    for (const double d : {1e5, -1e5, 1e20, 1e150, -1e150}) { // what is left of the row is a point
+        Places aPlaces = PatternPlaces();
+        aPlaces[40] = {d, d};
+        ExpectRefused(aPlaces, cszAngleX);
+    }
+}
+
+// Sums beyond all numbers have no line, and nothing is above a limit that is no number.
+TEST(CheckGridLines, JudgesNoLineThatNumbersCannotDescribe) {
     for (const double d : {1e308, -1e308, std::numeric_limits<double>::infinity(),
                            std::numeric_limits<double>::quiet_NaN()}) {
         Places aPlaces = PatternPlaces();
         aPlaces[40] = {d, d};
-        try {
-            ClQK7().CheckGridLines(ListOf(aPlaces));
-        } catch (const ClException& e) {
-            EXPECT_EQ(e.Number(), -600);
-        }
+        ExpectAccepted(aPlaces);
+        aPlaces[PointAt(3, 5)].y += 500; // in the same column, which has no line: its row tells
+        ExpectRefused(aPlaces, cszDistX);
     }
 }
 

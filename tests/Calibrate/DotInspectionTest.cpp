@@ -253,7 +253,15 @@ TEST(DotInspection, AnswersForAFileThatCannotBe) {
     auto Image = Img({{1}});
     auto Wide = Img(ClImage::eUInt16, {{1}});
     const ClOpenDotBuilder Builder;
-    EXPECT_NUMBER(Builder.StoreDebug(nullptr, "grid", ""), -37);
-    EXPECT_NUMBER(Builder.StoreDebug(&Image, "grid", "missing/"), -200);
-    EXPECT_NUMBER(Builder.StoreDebug(&Wide, "grid", ""), -33);
+    EXPECT_THROWS(Builder.StoreDebug(nullptr, "grid", ""), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
+    try { // the words are the name, which has the time in it
+        Builder.StoreDebug(&Image, "grid", "missing/");
+        ADD_FAILURE() << "a file came to be in a folder that is not there";
+    } catch (const ClExFilesystem& e) {
+        EXPECT_EQ(e.Number(), -200);
+        EXPECT_THAT(TestSupport::Words(e), testing::StartsWith("missing/Calibrate["));
+    }
+    EXPECT_THROWS(Builder.StoreDebug(&Wide, "grid", ""), ClException, -33,
+                  "Only unsigned 8 bit images supported");
 }

@@ -154,10 +154,12 @@ TEST(DotLocation, RefusesAWindowWithoutPixels) {
     for (const double dDpi : {0.0, -500.0, 11.0, std::numeric_limits<double>::quiet_NaN(), 1e300}) {
         ClOpenDotBuilder Builder;
         Builder.m_dSourceDpiX = dDpi;
-        EXPECT_NUMBER(Builder.LocatePoints(Image, Grid), -35);
+        EXPECT_THROWS(Builder.LocatePoints(Image, Grid), ClExTessarin, -35,
+                      "One of the parameters is out of range.");
         Builder.m_dSourceDpiX = 508.0;
         Builder.m_dSourceDpiY = dDpi;
-        EXPECT_NUMBER(Builder.LocatePoints(Image, Grid), -35);
+        EXPECT_THROWS(Builder.LocatePoints(Image, Grid), ClExTessarin, -35,
+                      "One of the parameters is out of range.");
     }
 }
 
@@ -165,26 +167,45 @@ TEST(DotLocation, RefusesWhatIsNoPlaneOfBytes) {
     ClOpenDotBuilder Builder;
     ClTestGrid Grid;
     ClImage Empty;
-    EXPECT_NUMBER(Builder.LocatePoints(Empty, Grid), -10);
+    EXPECT_THROWS(Builder.LocatePoints(Empty, Grid), ClExTessarin, -10,
+                  "The input image is not valid.");
     ClTestImage Planes = TestSupport::BlankImage(ClImage::eUInt8, 90, 90, 2);
-    EXPECT_NUMBER(Builder.LocatePoints(Planes, Grid), -11);
+    EXPECT_THROWS(Builder.LocatePoints(Planes, Grid), ClExTessarin, -11,
+                  "Only grey-scale images with 8-bit color-depth are supported.");
     ClTestImage Wide = TestSupport::BlankImage(ClImage::eUInt16, 90, 90);
     EXPECT_THROWS(Builder.LocatePoints(Wide, Grid), ClException, -101,
                   "Image Type is not the assigned type");
 }
 
-TEST(DotLocation, OffsetsBeyondAllPixelsAreNoMatter) {
-    ClTestImage Image = PaintedPlate({{100, 100}});
+TEST(DotLocation, AnOffsetBeyondWholeNumbersIsNone) {
+    ClTestImage Image = TestSupport::RandomImage(ClImage::eUInt8, 31, 24, 1, 8);
     const double dNaN = std::numeric_limits<double>::quiet_NaN();
-    for (const double dOffset : {1e300, -1e300, -9223372036854775808.0, 9.3e18, dNaN}) {
-        ClOpenDotBuilder Builder;
-        Builder.m_dBinarizeOffset = dOffset;
-        ClTestGrid Grid;
+    for (const double dOffset : {1e300, -1e300, 9.3e18, -9.3e18, dNaN})
         for (const bool bBright : {true, false}) {
+            ClOpenDotBuilder Builder;
+            Builder.m_dSourceDpiX = 60.0; // windows of 5.197 by 7.362 pixels
+            Builder.m_dSourceDpiY = 85.0;
+            Builder.m_dBinarizeOffset = dOffset;
             Builder.m_bBrightDots = bBright;
-            EXPECT_NO_THROW(Builder.LocatePoints(Image, Grid)) << dOffset;
+            EXPECT_EQ(Located(Builder, Image), Thresholded(Image, 5, 7, bBright, 0)) << dOffset;
         }
-    }
+}
+
+TEST(DotLocation, AnOffsetBeyondAllGreyValuesMarksAllOrNothing) {
+    ClTestImage Image = TestSupport::RandomImage(ClImage::eUInt8, 31, 24, 1, 8);
+    const Marks aAll(24, std::vector<bool>(31, true));
+    const Marks aNone(24, std::vector<bool>(31, false));
+    for (const double dBeyond : {256.0, 1e6, 9.2e18})
+        for (const bool bBright : {true, false}) {
+            ClOpenDotBuilder Builder;
+            Builder.m_dSourceDpiX = 60.0;
+            Builder.m_dSourceDpiY = 85.0;
+            Builder.m_bBrightDots = bBright;
+            Builder.m_dBinarizeOffset = dBeyond;
+            EXPECT_EQ(Located(Builder, Image), aNone) << dBeyond << bBright;
+            Builder.m_dBinarizeOffset = -dBeyond;
+            EXPECT_EQ(Located(Builder, Image), aAll) << dBeyond << bBright;
+        }
 }
 
 // The dots
@@ -349,7 +370,7 @@ TEST(DotLocation, WorksAgainAfterAFailure) {
     ClCalibrateGeometricData Data;
     QK7 Builder = Prepared<QK7>(Image, Data);
     Builder.m_pInImage = &Empty;
-    EXPECT_NUMBER(Builder.Apply(), -10);
+    EXPECT_THROWS(Builder.Apply(), ClExTessarin, -10, "The input image is not valid.");
     Builder.m_pInImage = &Image;
     EXPECT_EQ(Builder.Apply(), 0);
     ExpectPoints(Data.m_aActual[0], PlatePlaces(), 0.0);

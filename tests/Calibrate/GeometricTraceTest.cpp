@@ -2,14 +2,16 @@
 // reaches with more than two lines.
 
 #include "Calibrate/DotGrids.h"
+#include "Calibrate/IpCalibrateGeometricBicubic.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsQK7.h"
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsQK7Half.h"
 #include "Tools/FpImage.h"
+#include "Tools/MemStream.h"
 #include "support/LogCapture.h"
+#include "support/Records.h"
+#include "support/WorkingFolder.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
 
 using TestSupport::ClLogCapture;
 using TestSupport::StLogLine;
@@ -83,6 +85,32 @@ TEST(GeometricTrace, LookingUpADotLeavesNoLine) {
     EXPECT_TRUE(Log.Lines().empty());
 }
 
+// They run hundreds or thousands of times in a call.
+TEST(GeometricTrace, DotsRecordsSplinesAndTheKernelLeaveNoLine) {
+    ClCalibrateGeometricData Data;
+    Fill(TestSupport::PlausibleRecord(), Data);
+    const ClLogCapture Log;
+    TestSupport::ClTestGrid Grid({{1.0, 2.0}, {40.0, 2.0}});
+    Grid(0).AddDot(&Grid(1), true);
+    Grid(0).GetNeighbourDirection(0);
+    Grid(0).GetNeighbourInDirection(0, 1.0);
+    Grid(0).Remove(&Grid(1));
+    ClMemStream Stream;
+    static_cast<ClCalibrateDataBase&>(Data).Write(Stream);
+    Stream.Seek(0, 0);
+    ClCalibrateGeometricData Back;
+    static_cast<ClCalibrateDataBase&>(Back).Read(Stream);
+    unsigned char acHash[ClCalibrateGeometricData::cnHashSize];
+    Back.GenerateHash(acHash);
+    TpThinPlateSplines<double> Splines;
+    Splines.Setup(75, Data.m_aTarget.Data(), Data.m_aActual[0].Data());
+    double x = 0.0;
+    double y = 0.0;
+    Splines.Transform(1.0, 2.0, &x, &y);
+    ClIpCalibrateGeometricBicubic::CubicConvolution(0.5);
+    EXPECT_TRUE(Log.Lines().empty());
+}
+
 TEST(GeometricTrace, StepsAskTheModelForItsColumnLengths) {
     const std::string Lengths = "ClIpCalibrateGeometricBuildRefPointsQK7::GetGridColumnLengths";
     ClIpCalibrateGeometricBuildRefPointsQK7 Model;
@@ -114,14 +142,10 @@ TEST(GeometricTrace, StepsForDevelopersLeaveTwoLines) {
 }
 
 TEST(GeometricTrace, StoringAPictureLeavesTwoLines) {
-    const std::filesystem::path Folder =
-        std::filesystem::path(testing::TempDir()) / "geometric_trace";
-    std::filesystem::create_directories(Folder);
+    const TestSupport::ClWorkingFolder Folder;
     ClIpCalibrateGeometricBuildRefPointsQK7 Model;
     ClImage Image(4, 4, 1, 0, 0);
-    ExpectTwoLines(cBase + "StoreDebug",
-                   [&] { Model.StoreDebug(&Image, "grid", (Folder.string() + "/").c_str()); });
-    std::filesystem::remove_all(Folder);
+    ExpectTwoLines(cBase + "StoreDebug", [&] { Model.StoreDebug(&Image, "grid", ""); });
 }
 
 TEST(GeometricTrace, ModelsLogUnderTheirOwnNames) {

@@ -125,7 +125,9 @@ TEST(IpCalibrateGeometricBase, FailuresOfTheSplinesPassAndLeaveNothing) {
     ClOpenWarp Warp;
     Warp.m_pData = &Data;
     for (int nTry = 0; nTry < 2; ++nTry) {
-        EXPECT_NUMBER(Warp.Initiate(), -600);
+        EXPECT_THROWS(Warp.Initiate(), ClException, -600,
+                      "Generation of Geometric Calibration data not possible, simgularity "
+                      "detected, contact Tessarin");
         ExpectNothingPrepared(Warp);
     }
 
@@ -153,13 +155,16 @@ TEST(IpCalibrateGeometricBase, RefusesRecordsThatNoTableFits) {
     for (const std::uint32_t nWidth : {16385u, 0xFFFFFFFFu}) {
         Fill(PlausibleRecord(), Data);
         Data.m_nTargetWidth = nWidth;
-        EXPECT_NUMBER(Warp.Initiate(), -39);
+        EXPECT_THROWS(Warp.Initiate(), ClExTessarin, -39,
+                      "The input is corrupt; it can be a memoryblock or a file.");
     }
     Fill(PlausibleRecord(), Data);
     Data.m_nPlanes = 4;
-    EXPECT_NUMBER(Warp.Initiate(), -39);
+    EXPECT_THROWS(Warp.Initiate(), ClExTessarin, -39,
+                  "The input is corrupt; it can be a memoryblock or a file.");
     Data.m_nPlanes = 2; // the second list is empty
-    EXPECT_NUMBER(Warp.Initiate(), -39);
+    EXPECT_THROWS(Warp.Initiate(), ClExTessarin, -39,
+                  "The input is corrupt; it can be a memoryblock or a file.");
 }
 
 // Runs
@@ -254,19 +259,20 @@ TEST(IpCalibrateGeometricBase, CalibrateTestsSizesThenTheInputThenTheTable) {
     Ready.m_Warp.m_pOutImage = &Ready.m_In;
     Ready.m_In.NewWithType(ClImage::eUInt8, 5, 5, 1, 0, 0);
     Ready.m_Warp.m_nTargetHeight = 0;
-    EXPECT_NUMBER(Ready.m_Warp.Calibrate(), -2);
+    EXPECT_THROWS(Ready.m_Warp.Calibrate(), ClException, -2, cszNotInitialized);
     Ready.m_Warp.m_nTargetHeight = 60;
-    EXPECT_NUMBER(Ready.m_Warp.Calibrate(), -14);
+    EXPECT_THROWS(Ready.m_Warp.Calibrate(), ClException, -14, "InImage can't be the out image");
     Ready.m_In.NewWithType(ClImage::eUInt8, 48, 132, 1, 0, 0);
-    EXPECT_NUMBER(Ready.m_Warp.Calibrate(), -35);
+    EXPECT_THROWS(Ready.m_Warp.Calibrate(), ClException, -35, "InImage can't be the out image");
     Ready.m_Warp.m_pOutImage = &Ready.m_Out;
-    EXPECT_NUMBER(Ready.m_Warp.Calibrate(), -2);
+    EXPECT_THROWS(Ready.m_Warp.Calibrate(), ClException, -2, cszNotInitialized);
 }
 
 TEST(IpCalibrateGeometricBase, CalibrateWantsAnOutputAnd8Bits) {
     StReady Ready;
     Ready.m_Warp.m_pOutImage = nullptr;
-    EXPECT_NUMBER(Ready.m_Warp.Calibrate(), -37);
+    EXPECT_THROWS(Ready.m_Warp.Calibrate(), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     Ready.m_Warp.m_pOutImage = &Ready.m_Out;
     Ready.m_In.NewWithType(ClImage::eInt16, 48, 132, 1, 0, 0);
     EXPECT_THROWS(Ready.m_Warp.Calibrate(), ClException, -101,

@@ -179,7 +179,7 @@ TEST(DotBuilderBase, RefusesACaptureWithoutPixels) {
     StRun Run;
     Run.m_Builder.m_Locate = nullptr;
     Run.m_Builder.m_pInImage = &Empty;
-    EXPECT_NUMBER(Run.m_Builder.Apply(), -10);
+    EXPECT_THROWS(Run.m_Builder.Apply(), ClExTessarin, -10, "The input image is not valid.");
     Run.m_Builder.m_pOutDebugImage = &Run.m_In;
     EXPECT_THROWS(Run.m_Builder.Apply(), ClException, -101, "Image area must be positive");
 }
@@ -305,9 +305,9 @@ TEST(DotBuilderBase, ClearsTheRecordFirst) {
     Run.m_Data.m_aActual[2] = Run.m_Data.m_aTarget;
     Run.m_Builder.m_Locate = [&](ClImage&, DotGrid&) {
         EXPECT_EQ(Run.m_Data.m_aTarget.Entries(), 0u);
-        throw ClExTessarin(-99, VEK_HERE);
+        throw ClException("stopped", -99, true, VEK_HERE);
     };
-    EXPECT_NUMBER(Run.m_Builder.Apply(), -99);
+    EXPECT_THROWS(Run.m_Builder.Apply(), ClException, -99, "stopped");
     EXPECT_FALSE(Run.m_Data.IsValid());
     EXPECT_EQ(Run.m_Data.m_nTargetPelsX, 0u);
     EXPECT_EQ(Run.m_Data.m_aActual[2].Entries(), 0u);

@@ -85,7 +85,8 @@ TEST(TargetPlacement, UsesTheFirstListOnly) {
 TEST(TargetPlacement, NeedsTheCaptureForItsBorders) {
     StPlacement Placement;
     Placement.m_Builder.m_pInImage = nullptr;
-    EXPECT_NUMBER(Placement.Center(), -37);
+    EXPECT_THROWS(Placement.Center(), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     ExpectPoints(Placement.m_aTarget, caTarget, 0.0);
 }
 
@@ -124,7 +125,9 @@ TEST(TargetPlacement, PassesTheSplinesFailureInBothPlacements) {
         StPlacement Placement;
         Placement.m_Builder.m_bCenterByBorders = bByBorders;
         Placement.m_aTarget[1] = Placement.m_aTarget[0]; // one place, two sources
-        EXPECT_NUMBER(Placement.Center(), -600);
+        EXPECT_THROWS(Placement.Center(), ClException, -600,
+                      "Generation of Geometric Calibration data not possible, simgularity "
+                      "detected, contact Tessarin");
         EXPECT_EQ(Placement.m_aTarget[0].x, 3.0);
         EXPECT_EQ(Placement.m_aTarget[9].y, 80.0);
     }
@@ -193,5 +196,6 @@ TEST(TargetPlacement, AddsUpABorderInFloats) {
 TEST(TargetPlacement, ABorderNeedsASpline) {
     const ClOpenDotBuilder Builder;
     Spline spline;
-    EXPECT_NUMBER(Builder.GetBorderDelta(spline, 0, 0, 1, true), -1);
+    EXPECT_THROWS(Builder.GetBorderDelta(spline, 0, 0, 1, true), ClExTessarin, -1,
+                  "Multiple initialization.");
 }
