@@ -21,7 +21,10 @@ namespace {
 /// A mapped origin may miss its target by this much, in pixels.
 constexpr double cdTolerance = 0.01;
 
-/// U(s) = s log s of the squared distance, 0 at the point itself.
+/// U(s) = s log s of the squared distance, 0 at the point itself. The logarithm is the C library's,
+/// whose last bit depends on its version and on whether the processor fuses multiplication and
+/// addition: splines of one record, and the tables made of them, may differ in single last digits
+/// between two machines. On one machine they are always the same.
 template <class T>
 T Radial(T s) {
     return s > T(0) ? s * std::log(s) : T(0);
