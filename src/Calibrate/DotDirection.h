@@ -4,16 +4,16 @@
 /// downward. The eight places around a dot lie at the multiples of pi / 4, its sectors.
 
 #include "Math/Vector.h"
+#include "Tools/MathConst.h"
 
 #include <cmath>
 
 namespace DotDirection {
 
 inline constexpr long cnSectors = 8;
-inline constexpr double cdFullTurn = 6.283185307179586;
-inline constexpr double cdHalfTurn = 3.141592653589793;
-inline constexpr double cdSector = 0.7853981633974483;
-inline constexpr double cdHalfSector = 0.39269908169872414;
+inline constexpr double cdFullTurn = 2 * MathConst::cdPi;
+inline constexpr double cdSector = MathConst::cdPi / 4;
+inline constexpr double cdHalfSector = MathConst::cdPi / 8;
 
 /// From 0 to 2 pi. The axes come out exactly.
 inline double AngleOf(const ClVector& rOffset) {
@@ -24,7 +24,7 @@ inline double AngleOf(const ClVector& rOffset) {
 /// The smaller of the two arcs between two directions, 0 to pi.
 inline double Distance(double dA, double dB) {
     const double dArc = std::fmod(std::fabs(dA - dB), cdFullTurn);
-    return dArc > cdHalfTurn ? cdFullTurn - dArc : dArc;
+    return dArc > MathConst::cdPi ? cdFullTurn - dArc : dArc;
 }
 
 } // namespace DotDirection

@@ -11,6 +11,7 @@
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Tools/Allocate.h"
 #include "Tools/CallTrace.h"
+#include "Tools/MathConst.h"
 
 #include <algorithm>
 #include <cmath>
@@ -24,11 +25,11 @@ constexpr unsigned long cnFewestNeighbours = 2;
 
 /// The pitch in the capture, and by how much a step may miss it. Pixels.
 struct StSpacing {
-    explicit StSpacing(const ClBase& rBase)
-        : m_dPitchX(rBase.m_dSourceDpiX / 25.4 * rBase.m_dPitch),
-          m_dPitchY(rBase.m_dSourceDpiY / 25.4 * rBase.m_dPitch),
-          m_dTolX(m_dPitchX * rBase.m_dPitchTolerance),
-          m_dTolY(m_dPitchY * rBase.m_dPitchTolerance) {}
+    explicit StSpacing(const StDotSettings& rSettings)
+        : m_dPitchX(rSettings.m_dSourceDpiX / MathConst::cdMillimetresPerInch * rSettings.m_dPitch),
+          m_dPitchY(rSettings.m_dSourceDpiY / MathConst::cdMillimetresPerInch * rSettings.m_dPitch),
+          m_dTolX(m_dPitchX * rSettings.m_dPitchTolerance),
+          m_dTolY(m_dPitchY * rSettings.m_dPitchTolerance) {}
 
     double m_dPitchX;
     double m_dPitchY;
@@ -67,14 +68,14 @@ void Refuse(ClDot& rDot, ClDot::EStatus eStatus) {
 }
 
 /// Every test is made: the last that fails gives the status.
-void TestShape(ClDot& rDot, const ClBase& rBase) {
-    if (!(rDot.m_dEccentricity >= rBase.m_dMinEccentricity))
+void TestShape(ClDot& rDot, const StDotSettings& rLimits) {
+    if (!(rDot.m_dEccentricity >= rLimits.m_dMinEccentricity))
         Refuse(rDot, ClDot::eEccentricityTooSmall);
-    if (rDot.m_dEccentricity > rBase.m_dMaxEccentricity)
+    if (rDot.m_dEccentricity > rLimits.m_dMaxEccentricity)
         Refuse(rDot, ClDot::eEccentricityTooBig);
-    if (!(rDot.m_dArea >= rBase.m_dMinArea))
+    if (!(rDot.m_dArea >= rLimits.m_dMinArea))
         Refuse(rDot, ClDot::eAreaTooSmall);
-    if (rDot.m_dArea > rBase.m_dMaxArea)
+    if (rDot.m_dArea > rLimits.m_dMaxArea)
         Refuse(rDot, ClDot::eAreaTooBig);
 }
 

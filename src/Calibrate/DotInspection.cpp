@@ -17,8 +17,7 @@ namespace {
 
 using PointList = ClIpCalibrateGeometricBuildRefPointsBase::PointList;
 
-constexpr double cdMillimetresPerInch = 25.4;
-constexpr double cdQuarterPi = 0.7853981633974483;
+constexpr double cdQuarterPi = MathConst::cdPi / 4;
 /// Pixels as near as this touch each other.
 constexpr double cdNear = 1.5;
 /// How much smaller a dot may be, in millimetres of its diameter.
@@ -52,7 +51,7 @@ StSpan SpanAround(long nCentre, double dHalf, int nSize) {
 }
 
 double Pixels(double dMillimetres, double dDpi) {
-    return dMillimetres * dDpi / cdMillimetresPerInch;
+    return dMillimetres * dDpi / MathConst::cdMillimetresPerInch;
 }
 
 /// The weighted centre of what is darker than `nRef` in a window.

@@ -1,5 +1,6 @@
 // The places are sorted beside the dots and not through them: dots lie far apart in memory, and a
-// look at each for every comparison takes most of the time where there are many.
+// look at each for every comparison takes most of the time where there are many. All places differ,
+// so that a sort that needs no memory of its own keeps the order of equals as well.
 
 #include "Calibrate/DotSorting.h"
 
@@ -16,6 +17,7 @@ using DotGrid = ClIpCalibrateGeometricBuildRefPointsBase::DotGrid;
 struct StPlace {
     double m_dAlong; ///< the coordinate that is sorted by
     std::int32_t m_nIndex;
+    unsigned long m_nBefore; ///< the place in the grid, so that no two are equal
     ClDot* m_pDot;
 
     /// Equal places keep the order of the components, and what is not a number stands last, so
@@ -25,15 +27,15 @@ struct StPlace {
             return m_dAlong < Other.m_dAlong;
         if (std::isnan(m_dAlong) != std::isnan(Other.m_dAlong))
             return std::isnan(Other.m_dAlong);
-        return m_nIndex < Other.m_nIndex;
+        return m_nIndex != Other.m_nIndex ? m_nIndex < Other.m_nIndex : m_nBefore < Other.m_nBefore;
     }
 };
 
 template <double ClVector::*pAxis>
 void Sort(ClDot** pDots, unsigned long nDots, StPlace* pPlaces) {
     for (unsigned long i = 0; i < nDots; ++i)
-        pPlaces[i] = {pDots[i]->m_vPos.*pAxis, pDots[i]->m_nIndex, pDots[i]};
-    std::stable_sort(pPlaces, pPlaces + nDots);
+        pPlaces[i] = {pDots[i]->m_vPos.*pAxis, pDots[i]->m_nIndex, i, pDots[i]};
+    std::sort(pPlaces, pPlaces + nDots);
     for (unsigned long i = 0; i < nDots; ++i)
         pDots[i] = pPlaces[i].m_pDot;
 }

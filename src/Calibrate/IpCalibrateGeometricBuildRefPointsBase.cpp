@@ -1,11 +1,10 @@
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 
 #include "Calibrate/DotGridOwner.h"
+#include "Calibrate/DotLocation.h"
 #include "Calibrate/DotSorting.h"
 #include "Calibrate/RecordLimits.h"
 #include "ImageProcessing/ImageParameters.h"
-#include "ImageProcessing/IpBinarizeLocal2.h"
-#include "ImageProcessing/IpInvert.h"
 #include "ImageProcessing/IpSplitPlanes.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
 #include "Tools/CallTrace.h"
@@ -24,8 +23,6 @@ constexpr double cdPelsPerDpi = 39.37007874015748;
 /// What turns the resolutions of a reference record back into dots per inch. It is the rounder
 /// number on purpose: measured references have always been read with it.
 constexpr double cdReferencePelsPerDpi = 39.37;
-/// Side of the threshold's window in pitches, per millimetre and dot per inch: 1.1 / 25.4.
-constexpr double cdWindowFactor = 0.043307086614173235;
 
 void CheckResult(long nResult) {
     if (nResult != 0)
@@ -113,24 +110,8 @@ void ClIpCalibrateGeometricBuildRefPointsBase::FillRecord(std::uint32_t nPlanes)
 
 void ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints(ClImage& rImage, DotGrid& rGrid) {
     const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::LocatePoints()");
-    ClImage Binary;
-    ClIpBinarizeLocal2 Binarize;
-    Binarize.m_nAboveValue = m_bBrightDots ? 0 : 255; // dots become 0, what a region is made of
-    Binarize.m_nBelowValue = m_bBrightDots ? 255 : 0;
-    CheckResult(Binarize.ApplyParam(
-        rImage, Binary, SampleFromDouble<long>(cdWindowFactor * m_dPitch * m_dSourceDpiX),
-        SampleFromDouble<long>(cdWindowFactor * m_dPitch * m_dSourceDpiY),
-        SampleFromDouble<long>(m_bBrightDots ? -m_dBinarizeOffset : m_dBinarizeOffset)));
-    ClImage Inverted;
-    if (m_bBrightDots)
-        CheckResult(ClIpInvert().ApplyParam(rImage, Inverted));
     ComponentsArray_t Components;
-    ClIpConnectedComponent2 Measure;
-    Measure.m_pInImage = &Binary;
-    Measure.m_pInImageGrey = m_bBrightDots ? &Inverted : &rImage;
-    Measure.m_pOutImage = m_pOutLabelImage;
-    Measure.m_pComponents = &Components;
-    CheckResult(Measure.Apply());
+    DotLocation::Measure(rImage, *this, m_pOutLabelImage, Components);
     BuildGrid(rGrid, Components);
 }
 

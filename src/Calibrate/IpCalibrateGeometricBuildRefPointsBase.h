@@ -2,7 +2,9 @@
 
 /// `ClIpCalibrateGeometricBuildRefPointsBase` turns a capture of the dot target into calibration
 /// data: it finds the dots, decides which of them are the pattern's, places the ideal pattern in
-/// the corrected image and fills the record. Derived classes know the pattern and its limits.
+/// the corrected image and fills the record. Derived classes know the pattern and its limits. This
+/// class holds the settings and the order of the steps; the steps' work is done in files of their
+/// own, by functions that see the settings and the dots only.
 ///
 ///     capture -> local threshold -> regions -> dots with neighbours   LocatePoints, BuildGrid
 ///             -> dots of the pattern, in its order                    AssociatePoints, GridToArray
@@ -12,6 +14,7 @@
 /// millimetres, resolutions dots per inch, positions pixels with y downward.
 
 #include "Calibrate/CalibrateGeometricData.h"
+#include "Calibrate/DotSettings.h"
 #include "ImageProcessing/IpConnectedComponent2.h"
 #include "Math/ThinPlateSplines.h"
 #include "Math/Vector.h"
@@ -22,7 +25,9 @@
 
 class ClImage;
 
-class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase {
+class ClIpCalibrateGeometricBuildRefPointsBase : public ClProcessorBase,
+                                                 public StDotRun,
+                                                 public StDotSettings {
 public:
     /// A candidate for a dot of the pattern.
     class ClDot {
@@ -190,36 +195,6 @@ public:
     /// Deletes all dots and empties the grid.
     static void ReleaseDots(DotGrid& rGrid);
 
-    ClImage* m_pInImage = nullptr;                  ///< the capture; borrowed, as all pointers
-    ClCalibrateGeometricData* m_pRefData = nullptr; ///< optional: its target replaces the pattern
-    ClImage* m_pOutDebugImage = nullptr;            ///< optional: receives the picture of the grid
-    ClImage* m_pOutLabelImage = nullptr;            ///< optional: receives the labels
-    ClCalibrateGeometricData* m_pOutData = nullptr; ///< receives the calibration data
-    double m_dBinarizeOffset = 10.0;                ///< grey values
-    bool m_bCenterByBorders = true;
-    double m_dBottomMargin = 0.0; ///< below the pattern, where it is not centred by borders
-    double m_dDotDiameter = 0.8;
-    double m_dDotTolerance = 0.1; ///< kept, and not read
-    double m_dPitch = 2.0;
-    double m_dPitchTolerance = 0.31; ///< as a fraction of the pitch
-    double m_dAngleTolerance = 0.08726646259971647;
-    long m_nReserved = 0; ///< without effect
-    double m_dMinEccentricity = 0.25;
-    double m_dMaxEccentricity = 0.5;
-    double m_dMinArea = 200.0; ///< pixels
-    double m_dMaxArea = 700.0; ///< pixels
-    bool m_bBrightDots = true; ///< bright dots on dark, or dark ones on bright
-    double m_dSourceDpiX = 492.706;
-    double m_dSourceDpiY = 1009.287;
-    double m_dTargetDpiX = 500.0;
-    double m_dTargetDpiY = 500.0;
-    std::int32_t m_nTargetWidth = 320;
-    std::int32_t m_nTargetHeight = 480;
-    double m_dMaxAngleY = 15.0; ///< of a column against the y axis, degrees
-    double m_dMaxDistY = 50.0;  ///< of a dot from its column's line, pixels
-    double m_dMaxAngleX = 15.0; ///< of a row against the x axis, degrees
-    double m_dMaxDistX = 50.0;  ///< of a dot from its row's line, pixels
-
 protected:
     // What the models of the target have in common
     /// What becomes of a dot that stands in no column where one is expected.
@@ -232,17 +207,11 @@ protected:
     /// rejects the others. Throws `szCountMessage` (-600) unless the pattern's count comes out;
     /// the list then has what was accepted.
     void TakeDots(DotGrid& rGrid, PointList& rPoints, Reject_t pReject, const char* szCountMessage);
-    /// CheckGridLines() of columns of these lengths.
-    void CheckLinesOf(const TpArrayStatic<int>& rLengths, const PointList& rPoints) const;
     /// One pitch in x and in y at the target resolution.
     void MoveByPitch(PointList& rTarget) const;
 
 private:
-    /// Half a pitch in pixels, per millimetre and dot per inch: 0.5 / 25.4.
-    static constexpr double m_cdHalfPitchFactor = 0.01968503937007874;
-
     void LocateDots(std::uint32_t nPlanes);
     void FillRecord(std::uint32_t nPlanes);
     ClVector MoveByBorders(Spline& rSpline) const;
-    ClVector MoveByExtent(const PointList& rTarget) const;
 };

@@ -1,6 +1,7 @@
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsQK7Half.h"
 
 #include "Calibrate/DotPattern.h"
+#include "Calibrate/GridLines.h"
 #include "Tools/Allocate.h"
 #include "Tools/CallTrace.h"
 
@@ -38,7 +39,7 @@ void ClIpCalibrateGeometricBuildRefPointsQK7Half::GridToArray(DotGrid& rGrid, Po
         "Not the expected Dot count found.");
     TpArrayStatic<int> aLengths;
     DotPattern::GetColumnLengths(aLengths);
-    CheckLinesOf(aLengths, rPoints);
+    GridLines::Check(aLengths, rPoints, *this);
 }
 
 void ClIpCalibrateGeometricBuildRefPointsQK7Half::GetGridColumnLengths(

@@ -7,14 +7,13 @@
 #include "Calibrate/RecordLimits.h"
 #include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
+#include "Tools/MathConst.h"
 
 #include <algorithm>
 
 namespace {
 
 using PointList = ClIpCalibrateGeometricBuildRefPointsBase::PointList;
-
-constexpr double cdMillimetresPerInch = 25.4;
 
 struct StExtent {
     ClVector m_vMin;
@@ -32,6 +31,25 @@ StExtent ExtentOf(const PointList& rPoints) {
     return Extent;
 }
 
+/// What brings the pattern, with half a pitch around it, to the middle of the corrected image.
+ClVector MoveByExtent(const PointList& rTarget, const StDotSettings& rSettings) {
+    const double dHalfX =
+        rSettings.m_dPitch * rSettings.m_dTargetDpiX * StDotSettings::m_cdHalfPitchFactor;
+    const double dHalfY =
+        rSettings.m_dPitch * rSettings.m_dTargetDpiY * StDotSettings::m_cdHalfPitchFactor;
+    const double dBelow = (rSettings.m_dPitch / 2 + rSettings.m_dBottomMargin) *
+                          rSettings.m_dTargetDpiY / MathConst::cdMillimetresPerInch;
+    const StExtent Extent = ExtentOf(rTarget);
+    const double dMinX = Extent.m_vMin.x - dHalfX;
+    const double dMaxX = Extent.m_vMax.x + dHalfX;
+    const double dMinY = Extent.m_vMin.y - dHalfY;
+    const double dMaxY = Extent.m_vMax.y + dBelow;
+    // Whole pixels here, unlike the capture's middle.
+    const int nMiddleX = rSettings.m_nTargetWidth / 2;
+    const int nMiddleY = rSettings.m_nTargetHeight / 2;
+    return {nMiddleX - (dMinX + dMaxX) / 2, nMiddleY - (dMinY + dMaxY) / 2};
+}
+
 } // namespace
 
 void ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget(PointList& rTarget, PointList* pActual,
@@ -42,7 +60,7 @@ void ClIpCalibrateGeometricBuildRefPointsBase::CenterTarget(PointList& rTarget, 
     Spline spline;
     spline.Setup(static_cast<long>(rTarget.Entries()), rTarget.Data(),
                  pActual != nullptr ? pActual->Data() : nullptr);
-    MoveArray(rTarget, m_bCenterByBorders ? MoveByBorders(spline) : MoveByExtent(rTarget));
+    MoveArray(rTarget, m_bCenterByBorders ? MoveByBorders(spline) : MoveByExtent(rTarget, *this));
 }
 
 ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByBorders(Spline& rSpline) const {
@@ -56,20 +74,6 @@ ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByBorders(Spline& rSpline
     const double dMiddleY = m_pInImage->Height() / 2.0;
     return {(m_dTargetDpiX / m_dSourceDpiX) * ((dLeft + dRight) / 2 - dMiddleX),
             (m_dTargetDpiY / m_dSourceDpiY) * ((dTop + dBottom) / 2 - dMiddleY)};
-}
-
-ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByExtent(const PointList& rTarget) const {
-    const double dHalfX = m_dPitch * m_dTargetDpiX * m_cdHalfPitchFactor;
-    const double dHalfY = m_dPitch * m_dTargetDpiY * m_cdHalfPitchFactor;
-    const double dBelow = (m_dPitch / 2 + m_dBottomMargin) * m_dTargetDpiY / cdMillimetresPerInch;
-    const StExtent Extent = ExtentOf(rTarget);
-    const double dMinX = Extent.m_vMin.x - dHalfX;
-    const double dMaxX = Extent.m_vMax.x + dHalfX;
-    const double dMinY = Extent.m_vMin.y - dHalfY;
-    const double dMaxY = Extent.m_vMax.y + dBelow;
-    const int nMiddleX = m_nTargetWidth / 2; // whole pixels here, unlike the capture's middle
-    const int nMiddleY = m_nTargetHeight / 2;
-    return {nMiddleX - (dMinX + dMaxX) / 2, nMiddleY - (dMinY + dMaxY) / 2};
 }
 
 double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(Spline& rSpline, int nX, int nY,

@@ -2,13 +2,15 @@
 
 /// The form of a warp and its table, and the limits that keep hostile sizes from being allocated.
 
+#include "ImageProcessing/Kernels/Warp.h"
+
 #include <cstdint>
 #include <memory>
 
 namespace Warp {
 
 /// One table entry: an offset and 16 weights of 2 bytes.
-inline constexpr unsigned long cnEntrySize = 36;
+inline constexpr unsigned long cnEntrySize = Kernels::cnWarpEntrySize;
 /// The offset of a pixel without source.
 inline constexpr std::int32_t cnNoSource = -1;
 /// A weight of 1.0.

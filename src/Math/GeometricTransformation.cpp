@@ -1,13 +1,14 @@
 #include "Math/GeometricTransformation.h"
 
 #include "Tools/Exception.h"
+#include "Tools/MathConst.h"
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
+using MathConst::cdPi;
 
 /// Direction from point `i` to the first point.
 double Direction(const ClGeometricTransformation::PointList& rPoints, unsigned long i) {

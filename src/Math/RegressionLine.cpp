@@ -1,11 +1,13 @@
 #include "Math/RegressionLine.h"
 
+#include "Tools/MathConst.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
+using MathConst::cdPi;
 
 /// Angle between two vectors; a right angle where one has no length.
 double AngleBetween(const ClVector& u, const ClVector& v) {

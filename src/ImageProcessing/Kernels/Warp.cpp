@@ -15,7 +15,6 @@ namespace Kernels {
 
 namespace {
 
-constexpr std::size_t cnEntrySize = 36;
 constexpr int cnRounding = 1023;
 constexpr int cnShift = 10;
 
@@ -62,7 +61,7 @@ int SumInterleaved(const unsigned char* pWeights, const unsigned char* pSource,
 
 void WarpLine(const unsigned char* pEntries, std::size_t nEntries, const unsigned char* pSource,
               std::ptrdiff_t nStride, int nStep, unsigned char nBackground, unsigned char* pOut) {
-    for (std::size_t i = 0; i < nEntries; ++i, pEntries += cnEntrySize) {
+    for (std::size_t i = 0; i < nEntries; ++i, pEntries += cnWarpEntrySize) {
         std::int32_t nOffset = 0;
         std::memcpy(&nOffset, pEntries, sizeof nOffset);
         const unsigned char* pWeights = pEntries + sizeof nOffset;

@@ -6,6 +6,9 @@
 
 namespace Kernels {
 
+/// Bytes of a table entry.
+inline constexpr std::size_t cnWarpEntrySize = 36;
+
 /// Makes `nEntries` samples of a corrected line. An entry of `pEntries` has 36 bytes: a 32-bit
 /// offset into `pSource`, negative for a sample without source, and 16 weights of 16 bits, row by
 /// row; 1024 stands for 1.0. A sample is
