@@ -268,8 +268,11 @@ TEST(PrecalculatedRecord, AllocatesNothingForATableThatIsNotThere) {
     const Bytes aRecord = TableRecord(Table);
     ClMemStream Stream(aRecord.data(), aRecord.size());
     ClOpenWarp Warp;
-    const TestSupport::ClFailAllocation Fail(1); // the only allocation is that of the words
-    EXPECT_THROWS(Warp.Load(Stream), ClException, -40, cszEndMagic);
+    const auto load = [&] {
+        const TestSupport::ClFailAllocation Fail(1); // the only allocation is that of the words
+        Warp.Load(Stream);
+    };
+    EXPECT_THROWS(load(), ClException, -40, cszEndMagic);
 }
 
 TEST(PrecalculatedRecord, RefusesTheFirstOfSeveralFaults) {
@@ -313,9 +316,9 @@ TEST(PrecalculatedRecord, RefusesARecordThatEndsEarlyAtEveryByte) {
     for (unsigned long nSize = 0; nSize < aRecord.size(); ++nSize) {
         ClMemStream Stream(aRecord.data(), nSize);
         ClOpenWarp Warp;
-        // Tags, then the numbers, then the magic, which is missing where the background ends it.
-        const char* szWords = nSize < 12                  ? cszSignature
-                              : nSize >= 41 && nSize < 45 ? "KPF Magic is missing"
+        // Tags, numbers, magic. The last bytes of version and magic are 0, as missing ones count.
+        const char* szWords = nSize < 11                  ? cszSignature
+                              : nSize >= 41 && nSize < 44 ? "KPF Magic is missing"
                                                           : cszEndMagic;
         EXPECT_THROWS(Warp.Load(Stream), ClException, -40, szWords);
         EXPECT_FALSE(Warp.HasTable());
