@@ -1,6 +1,7 @@
 #include "FingerCoding/IpBrightnessMask.h"
 
-#include "FingerCoding/FingerDetector.h"
+#include "FingerCoding/DetectorSteps.h"
+#include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/Histogram.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpAdd.h"
@@ -19,7 +20,7 @@
 
 namespace {
 
-using FingerDetector::Run;
+using DetectorSteps::Run;
 
 constexpr const char* cszNothing = "Nothing";
 
@@ -129,8 +130,8 @@ void ClIpBrightnessMask::CheckParameters() const {
     CheckPointer(*m_ppInOutMask, "*m_ppInOutMask is not set", cnNoMaskLine);
 }
 
-long ClIpBrightnessMask::Width(double dFactor) const {
-    return Mask::Truncated(*m_pdRidgeDist * dFactor) | 1;
+long ClIpBrightnessMask::FilterWidth(double dRidgeDistances) const {
+    return Mask::Truncated(*m_pdRidgeDist * dRidgeDistances) | 1;
 }
 
 long ClIpBrightnessMask::Process() {
@@ -153,10 +154,11 @@ long ClIpBrightnessMask::Process() {
 /// it lacks to white is added, smoothed. The frame keeps the sensor's bright edge out of it.
 void ClIpBrightnessMask::FixIllumination(ClImage& Out) {
     ClImage Lift;
-    SetBorder(*m_pInImage, Lift, m_nImageBorderWidth, 0);
-    Run(*this, ClIpFilterMax(), Lift, Out, Width(m_dIlFixMaxWidthFactor), ClIpFilterBase::ModeXY);
+    CopyWithFrame(*m_pInImage, Lift, m_nImageBorderWidth, 0);
+    Run(*this, ClIpFilterMax(), Lift, Out, FilterWidth(m_dIlFixMaxWidthFactor),
+        ClIpFilterBase::ModeXY);
     Run(*this, ClIpInvert(), Out);
-    Run(*this, ClIpFilterMid(), Out, Lift, Width(m_dIlFixLowPassWidthFactor));
+    Run(*this, ClIpFilterMid(), Out, Lift, FilterWidth(m_dIlFixLowPassWidthFactor));
     ClIpAdd Add;
     Add.m_eMode = ClIpAdd::ModeCut;
     Run(*this, Add, *m_pInImage, Lift, Out, ClImage::eTypeDefault);
@@ -167,21 +169,23 @@ void ClIpBrightnessMask::SpreadRidges(ClImage& Image) {
     ClImage Scratch;
     Run(*this, ClIpStretchRangeGlobalNoiseRemoving(), Image, Scratch, m_dDarkNoisePart,
         m_dBrightNoisePart);
-    Run(*this, ClIpFilterMin(), Scratch, Image, Width(m_dDilatWidthFactor), ClIpFilterBase::ModeXY);
-    Run(*this, ClIpFilterMid(), Image, Scratch, Width(m_dLowPassWidthFactor));
+    Run(*this, ClIpFilterMin(), Scratch, Image, FilterWidth(m_dDilatWidthFactor),
+        ClIpFilterBase::ModeXY);
+    Run(*this, ClIpFilterMid(), Image, Scratch, FilterWidth(m_dLowPassWidthFactor));
     Image.Swap(Scratch);
 }
 
 /// Values whose derivative is not defined, within its width of either end, are left out.
-long ClIpBrightnessMask::FindThreshold(ClImage& Image) const {
+long ClIpBrightnessMask::FindThreshold(const ClImage& Image) const {
     const long nLow = std::max(m_nMinBinarizeThreshold, m_nDerivationWidth);
     const long nHigh = std::min<long>(255 - m_nDerivationWidth, m_nMaxBinarizeThreshold);
     ClHistogram Histogram;
     Histogram.Create(Image);
     if (nLow >= nHigh)
         return nLow;
+    const ClConvert Convert(Image.PelsX(), Image.PelsY());
     return SearchFoot(Histogram, nLow, nHigh,
-                      FingerDetector::PixelsOfArea(m_dMinAreaMM2, ClConvert(Image).PelsX()));
+                      DetectorSteps::PixelsOfArea(m_dMinAreaMM2, Convert.PelsX()));
 }
 
 long ClIpBrightnessMask::SearchFoot(const ClHistogram& Histogram, long nLow, long nHigh,
@@ -198,10 +202,11 @@ long ClIpBrightnessMask::SearchFoot(const ClHistogram& Histogram, long nLow, lon
     return nHigh;
 }
 
-void ClIpBrightnessMask::BuildMask(ClImage& Image, long nThreshold) {
+void ClIpBrightnessMask::BuildMask(const ClImage& Image, long nThreshold) {
     constexpr unsigned char cnBackground = 255;
+    ClInputView In(Image);
     ClImage Binary;
-    Run(*this, ClIpBinarizeGlobal(), Image, Binary, static_cast<double>(nThreshold));
+    Run(*this, ClIpBinarizeGlobal(), In, Binary, static_cast<double>(nThreshold));
     ClMask2& rMask = **m_ppInOutMask;
     rMask.BuildFromImage(Binary, cnBackground);
     rMask.RemoveSmallFgBlobs(cnMinBlobSize, false);
@@ -209,8 +214,9 @@ void ClIpBrightnessMask::BuildMask(ClImage& Image, long nThreshold) {
     rMask.SetBoundingBox();
 }
 
-void ClIpBrightnessMask::SetBorder(ClImage& In, ClImage& Out, long nWidth, unsigned char nValue) {
-    constexpr unsigned char cnRight = 0;
+void ClIpBrightnessMask::CopyWithFrame(const ClImage& In, ClImage& Out, long nWidth,
+                                       unsigned char nValue) {
+    constexpr unsigned char cnRightEnd = 0;
     Out = In;
-    FingerDetector::PaintFrame(Out, nWidth, nValue, cnRight);
+    DetectorSteps::PaintOutermostPixels(Out, nWidth, nValue, cnRightEnd);
 }

@@ -74,15 +74,16 @@ public:
 protected:
     /// `Out` becomes `In` with a frame of `nValue`, except that the right end of a line that is not
     /// painted whole is 0.
-    static void SetBorder(ClImage& In, ClImage& Out, long nWidth, unsigned char nValue);
+    static void CopyWithFrame(const ClImage& In, ClImage& Out, long nWidth, unsigned char nValue);
 
 private:
     void CheckParameters() const;
-    long Width(double dFactor) const;
+    /// Odd: trunc(ridge distance * dRidgeDistances) | 1
+    long FilterWidth(double dRidgeDistances) const;
     void FixIllumination(ClImage& Out);
     void SpreadRidges(ClImage& Image);
-    long FindThreshold(ClImage& Image) const;
+    long FindThreshold(const ClImage& Image) const;
     long SearchFoot(const ClHistogram& Histogram, long nLow, long nHigh,
                     std::int64_t nMinPixels) const;
-    void BuildMask(ClImage& Image, long nThreshold);
+    void BuildMask(const ClImage& Image, long nThreshold);
 };

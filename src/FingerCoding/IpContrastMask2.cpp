@@ -1,6 +1,7 @@
 #include "FingerCoding/IpContrastMask2.h"
 
-#include "FingerCoding/FingerDetector.h"
+#include "FingerCoding/DetectorSteps.h"
+#include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpBinarizeGlobal.h"
 #include "ImageProcessing/IpFilterMedian.h"
@@ -18,8 +19,8 @@
 
 namespace {
 
-using FingerDetector::Require;
-using FingerDetector::Run;
+using DetectorSteps::Run;
+using DetectorSteps::ThrowFailure;
 
 constexpr const char* cszNothing = "Nothing";
 
@@ -127,12 +128,11 @@ void ClIpContrastMask2::ShrinkRegion(ClImage& Out) {
     Region = *m_pInImage;
     (*m_ppInOutMask)->ApplyOnImage(Region, true, cnOutside);
     ClImage Small;
-    ClIpRescale Rescale;
-    Rescale.Timer(IsTimerEnabled());
-    Require(Rescale.ApplyParamPels(Region, Small, WorkPels(Region, Region.PelsX()),
-                                   WorkPels(Region, Region.PelsY()),
-                                   ClIpRescale::ModeNearestNeighbour));
-    ClearBorder(Small, Region, m_nBorderWidth);
+    ThrowFailure(Timed(*this, ClIpRescale())
+                     .ApplyParamPels(Region, Small, WorkPels(Region, Region.PelsX()),
+                                     WorkPels(Region, Region.PelsY()),
+                                     ClIpRescale::ModeNearestNeighbour));
+    CopyWithBlackFrame(Small, Region, m_nBorderWidth);
     Out.Swap(Region);
 }
 
@@ -154,10 +154,9 @@ void ClIpContrastMask2::Smoothen(ClImage& Image) {
 /// `Image` keeps the offset.
 void ClIpContrastMask2::HandOutProbability(const ClImage& In, ClImage& Image, int nThreshold) {
     Run(*this, ClIpOffset(), Image, static_cast<double>(cnProbThreshold - nThreshold));
-    ClIpRescale Rescale;
-    Rescale.Timer(IsTimerEnabled());
-    Require(Rescale.ApplyParamSize(Image, *m_pOptOutProbImage, In.Width(), In.Height(),
-                                   ClIpRescale::ModeNearestNeighbour));
+    ThrowFailure(Timed(*this, ClIpRescale())
+                     .ApplyParamSize(Image, *m_pOptOutProbImage, In.Width(), In.Height(),
+                                     ClIpRescale::ModeNearestNeighbour));
     m_pOptOutProbImage->SetPelsX(In.PelsX());
     m_pOptOutProbImage->SetPelsY(In.PelsY());
     Run(*this, ClIpInvert(), *m_pOptOutProbImage);
@@ -169,8 +168,8 @@ long ClIpContrastMask2::BuildMask(const ClImage& In, ClImage& Image, int nThresh
     Run(*this, ClIpBinarizeGlobal(), Image, Binary, static_cast<double>(nThreshold));
     ClMask2& rMask = **m_ppInOutMask;
     rMask.BuildFromImage(Binary, cnBackground);
-    rMask.RemoveSmallFgBlobs(
-        FingerDetector::PixelsOfArea(m_dMinFgBlobSize, ClConvert(Image).PelsX()), false);
+    const ClConvert Convert(Image.PelsX(), Image.PelsY());
+    rMask.RemoveSmallFgBlobs(DetectorSteps::PixelsOfArea(m_dMinFgBlobSize, Convert.PelsX()), false);
     rMask.ResizeMask(In.Width(), In.Height(), In.PelsX(), In.PelsY());
     return rMask.SetBoundingBox() ? 0 : QMT_ERROR_BITMAP_NO_FINGER;
 }
@@ -189,8 +188,8 @@ void ClIpContrastMask2::Scale(ClImage& Image, double dFactor) {
     }
 }
 
-void ClIpContrastMask2::ClearBorder(ClImage& In, ClImage& Out, long nWidth) {
+void ClIpContrastMask2::CopyWithBlackFrame(const ClImage& In, ClImage& Out, long nWidth) {
     constexpr unsigned char cnBlack = 0;
     Out = In;
-    FingerDetector::PaintFrame(Out, nWidth, cnBlack, cnBlack);
+    DetectorSteps::PaintOutermostPixels(Out, nWidth, cnBlack, cnBlack);
 }

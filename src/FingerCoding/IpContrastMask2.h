@@ -74,7 +74,7 @@ protected:
     /// low 8 bits are kept, and 0 for what is not a number. Line padding stays.
     static void Scale(ClImage& Image, double dFactor);
     /// `Out` becomes `In` with a black frame.
-    static void ClearBorder(ClImage& In, ClImage& Out, long nWidth);
+    static void CopyWithBlackFrame(const ClImage& In, ClImage& Out, long nWidth);
 
 private:
     void CheckParameters() const;

@@ -1,8 +1,10 @@
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
 
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
+#include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/Histogram.h"
 #include "ImageProcessing/IpAdd.h"
+#include "ImageProcessing/IpBinarizeGlobal.h"
 #include "ImageProcessing/IpFilterMid.h"
 #include "ImageProcessing/IpStretchRangeGlobal.h"
 #include "ImageProcessing/IpStretchRangeLocal.h"
@@ -84,7 +86,7 @@ long ClIpQK7DynamicCalibration30::Process() {
     });
 }
 
-void ClIpQK7DynamicCalibration30::Correct(ClImage& Capture, ClImage& Out) {
+void ClIpQK7DynamicCalibration30::Correct(const ClImage& Capture, ClImage& Out) {
     Dump(Capture, "C:\\01_InImage.kpf");
     ClImage Stretched;
     const int nRange = StretchGlobally(Capture, Stretched);
@@ -110,22 +112,22 @@ void ClIpQK7DynamicCalibration30::Correct(ClImage& Capture, ClImage& Out) {
 }
 
 /// The result is the range that was stretched: negative where all samples are saturated.
-int ClIpQK7DynamicCalibration30::StretchGlobally(ClImage& Capture, ClImage& Stretched) {
+int ClIpQK7DynamicCalibration30::StretchGlobally(const ClImage& Capture, ClImage& Stretched) const {
     ClIpStretchRangeGlobal Stretch;
-    Stretch.Timer(IsTimerEnabled());
     ClHistogram Histogram;
     Histogram.Create(Capture);
     const double dBright = WhitePart(Histogram) + cdBrightPart;
     const double dDark = m_bSensitiveMode ? cdDarkPartSensitive : cdDarkPart;
     Histogram.GetNoiseFreeRange(dDark, dBright, Stretch.m_nOldRangeFrom, Stretch.m_nOldRangeTo);
-    Stretch.ApplyParam(Capture, Stretched);
+    ClInputView In(Capture);
+    Timed(*this, Stretch).ApplyParam(In, Stretched);
     Dump(Stretched, "C:\\02_GloballyStretchedImage.kpf");
     return int{Stretch.m_nOldRangeTo} - int{Stretch.m_nOldRangeFrom};
 }
 
 /// Without a finger the mask is all background, and there are no probabilities.
-bool ClIpQK7DynamicCalibration30::FindFinger(ClImage& Capture, ClImage& Stretched, int nRange,
-                                             ClImage& Mask, ClImage& Prob) {
+bool ClIpQK7DynamicCalibration30::FindFinger(const ClImage& Capture, const ClImage& Stretched,
+                                             int nRange, ClImage& Mask, ClImage& Prob) {
     const bool bSeek = nRange > cnLargestRangeWithoutFinger || m_bSensitiveMode;
     const bool bFinger = bSeek && BuildMaskImage(Stretched, cdRidgeDist, Mask, Prob) == 0;
     if (!bFinger) {
@@ -136,11 +138,10 @@ bool ClIpQK7DynamicCalibration30::FindFinger(ClImage& Capture, ClImage& Stretche
     return bFinger;
 }
 
-void ClIpQK7DynamicCalibration30::StretchLocally(ClImage& Stretched) {
+void ClIpQK7DynamicCalibration30::StretchLocally(ClImage& Stretched) const {
     ClImage Min;
     ClImage Max;
     ClIpStretchRangeLocal Stretch;
-    Stretch.Timer(IsTimerEnabled());
     Stretch.m_nFilterWidth = cnLocalWidth;
     Stretch.m_nSubSampleRate = 1;
     Stretch.m_bUseMinSmoothing = true;
@@ -149,45 +150,42 @@ void ClIpQK7DynamicCalibration30::StretchLocally(ClImage& Stretched) {
         Stretch.m_pOptOutMinImage = &Min;
         Stretch.m_pOptOutMaxImage = &Max;
     }
-    Stretch.ApplyParam(Stretched, Stretched);
+    Timed(*this, Stretch).ApplyParam(Stretched, Stretched);
     Dump(Min, "C:\\07_MinImage.kpf");
     Dump(Max, "C:\\08_MaxImage.kpf");
     Dump(Stretched, "C:\\09_StretchedImage.kpf");
 }
 
-void ClIpQK7DynamicCalibration30::WhitenBackground(ClImage& Mask, ClImage& Stretched,
-                                                   ClImage& Out) {
+void ClIpQK7DynamicCalibration30::WhitenBackground(const ClImage& Mask, const ClImage& Stretched,
+                                                   ClImage& Out) const {
+    ClInputView MaskIn(Mask);
+    ClInputView StretchedIn(Stretched);
     ClIpAdd Add;
-    Add.Timer(IsTimerEnabled());
     Add.m_eMode = ClIpAdd::ModeCut;
-    Add.ApplyParam(Mask, Stretched, Out, ClImage::eTypeDefault);
+    Timed(*this, Add).ApplyParam(MaskIn, StretchedIn, Out, ClImage::eTypeDefault);
     Dump(Out, "C:\\10_OutImage.kpf");
 }
 
 /// Leaves 255 in the mask where dirt can be measured: away from the finger, from what is saturated
 /// and from the frame of the sensor.
-void ClIpQK7DynamicCalibration30::KeepCleanBackground(ClImage& Capture, ClImage& Mask) {
+void ClIpQK7DynamicCalibration30::KeepCleanBackground(const ClImage& Capture, ClImage& Mask) const {
+    ClInputView In(Capture);
     ClImage Bright;
-    Binarize(Capture, cdSaturated, Bright);
-    ClIpSubtract Subtract;
-    Subtract.Timer(IsTimerEnabled());
-    Subtract.ApplyParam(Mask, Bright, Mask, ClImage::eTypeDefault);
+    Timed(*this, ClIpBinarizeGlobal()).ApplyParam(In, Bright, cdSaturated);
+    Timed(*this, ClIpSubtract()).ApplyParam(Mask, Bright, Mask, ClImage::eTypeDefault);
     Dump(Mask, "C:\\11b_ExtendedMaskImage.kpf");
     ClImage Far;
-    ClIpFilterMid Mid;
-    Mid.Timer(IsTimerEnabled());
-    Mid.ApplyParam(Mask, Far, cnFarWidth);
-    Binarize(Far, cdFarMask, Far);
+    Timed(*this, ClIpFilterMid()).ApplyParam(Mask, Far, cnFarWidth);
+    Timed(*this, ClIpBinarizeGlobal()).ApplyParam(Far, Far, cdFarMask);
     ClIpQK7FunctionalityCheck::FadeSensorBorder(Far, Mask);
     Dump(Mask, "C:\\11c_FadedMaskImageForDirtMeasurement.kpf");
 }
 
-void ClIpQK7DynamicCalibration30::StoreDefects(ClImage& Capture) {
+void ClIpQK7DynamicCalibration30::StoreDefects(const ClImage& Capture) const {
     if (!m_bDumpImages && !m_bDumpDefectImage)
         return;
+    ClInputView In(Capture);
     ClImage Defects;
-    ClIpQK7FunctionalityCheck Check;
-    Check.Timer(IsTimerEnabled());
-    Check.ApplyParam(Capture, Defects, ClImage::eTypeDefault);
+    Timed(*this, ClIpQK7FunctionalityCheck()).ApplyParam(In, Defects, ClImage::eTypeDefault);
     Defects.Store("C:\\12_DefectImage.kpf");
 }

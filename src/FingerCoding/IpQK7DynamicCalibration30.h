@@ -78,9 +78,10 @@ protected: // the steps of a run, open to tests by derivation
     /// at the resolution of the work, as ClIpContrastMask2::CheckWorkSize() tells, before anything
     /// is made; then what the detectors and `ClMask2` throw: "*m_pdRidgeDist is out of range" (-35)
     /// unless the distance is above 0.
-    long BuildMaskImage(ClImage& In, double dRidgeDist, ClImage& OutMask, ClImage& OutProb);
+    long BuildMaskImage(const ClImage& In, double dRidgeDist, ClImage& OutMask, ClImage& OutProb);
     /// The gradient of `In` in x and y, of type `eInt8`, and its length. Returns 0.
-    long BuildDerivationImages(ClImage& In, ClImage& OutDx, ClImage& OutDy, ClImage& OutLength);
+    long BuildDerivationImages(const ClImage& In, ClImage& OutDx, ClImage& OutDy,
+                               ClImage& OutLength);
     /// Brings an image of a window back to the frame that it was cut from: copies its lines to
     /// where the region's steps tell, as wide as the last step, and what both images have. Without
     /// steps both begin at the same corner. Both images have one byte per pixel. Throws the index
@@ -94,7 +95,7 @@ protected: // the steps of a run, open to tests by derivation
     long SmoothenMask(ClImage& Mask, double dRidgeDist);
     /// Number of regions of the value `nValue`, of pixels that join by their four neighbours, in
     /// an 8-bit image of one plane. The image is not changed.
-    long GetMaskRegionCount(ClImage& Image, unsigned char nValue);
+    long GetMaskRegionCount(const ClImage& Image, unsigned char nValue);
 
     // Levels. Images are 8-bit, of one plane and of equal size. In the two that a run takes an
     // image without lines comes first; then "Image Type is not the assigned type" (-101), -11 for
@@ -105,7 +106,7 @@ protected: // the steps of a run, open to tests by derivation
     ///     level = (sum of mask * weights[in]) / 2550.0
     ///
     /// with a mask that is 255 on clean background. 0.0 without lines and for a mask of 0.
-    double CalcDirtWarningLevel(ClImage& In, ClImage& Mask);
+    double CalcDirtWarningLevel(const ClImage& In, const ClImage& Mask) const;
     /// Mean excess of the probability above its decision value, over the finger and the zone
     /// around it:
     ///
@@ -113,7 +114,7 @@ protected: // the steps of a run, open to tests by derivation
     ///
     /// limited to 0.0 to 100.0: a dry finger leaves pale pixels that pass for background. 0.0
     /// without lines and for a mask of 255.
-    double CalcDryFingerWarningLevel(ClImage& Prob, ClImage& Mask);
+    double CalcDryFingerWarningLevel(const ClImage& Prob, const ClImage& Mask) const;
     /// Another measure of dirt, which no run takes: max(100.0, 0.0005 * sum), with the sum of the
     /// defects that the functionality check finds on the background.
     ///
@@ -121,28 +122,20 @@ protected: // the steps of a run, open to tests by derivation
     /// level is 100.0. A mask that is an empty image is not: "Input pixel type "unknown" not
     /// supported by processor." (-33). Throws -101 for a capture of another type than `eUInt8` or
     /// of several planes, as the functionality check does.
-    double CalcDirtWarningLevel2(ClImage& In, ClImage& Mask);
+    double CalcDirtWarningLevel2(const ClImage& In, const ClImage& Mask) const;
 
 private:
-    void Correct(ClImage& Capture, ClImage& Out);
-    int StretchGlobally(ClImage& Capture, ClImage& Stretched);
-    bool FindFinger(ClImage& Capture, ClImage& Stretched, int nRange, ClImage& Mask, ClImage& Prob);
-    void StretchLocally(ClImage& Stretched);
-    void WhitenBackground(ClImage& Mask, ClImage& Stretched, ClImage& Out);
-    void KeepCleanBackground(ClImage& Capture, ClImage& Mask);
-    void StoreDefects(ClImage& Capture);
+    // The stages of a run, each from whole images to whole images
+    void Correct(const ClImage& Capture, ClImage& Out);
+    int StretchGlobally(const ClImage& Capture, ClImage& Stretched) const;
+    bool FindFinger(const ClImage& Capture, const ClImage& Stretched, int nRange, ClImage& Mask,
+                    ClImage& Prob);
+    void StretchLocally(ClImage& Stretched) const;
+    void WhitenBackground(const ClImage& Mask, const ClImage& Stretched, ClImage& Out) const;
+    void KeepCleanBackground(const ClImage& Capture, ClImage& Mask) const;
+    void StoreDefects(const ClImage& Capture) const;
 
-    void FindDarkArea(ClImage& In, double& dRidgeDist, ClMask2& Region, ClImage& Prob);
-    void FindRidges(ClImage& Length, double& dRidgeDist, ClMask2& Region, ClImage& Prob);
-    long AddProbabilities(ClImage& A, ClImage& B, ClImage& Out);
-    void FindSumRegion(ClImage& BrightProb, ClImage& ContrastProb, ClMask2& Region);
-    void PaintRegion(const ClMask2& Region, ClImage& OutMask);
-    void Extend(ClImage& Mask, int nExtension, ClImage& Out);
-    void CutMargin(ClImage& In, int nMargin, ClImage& Out);
-    void BlurTwice(ClImage& In, long nWidth, ClImage& Scratch, ClImage& Out);
-    void Binarize(ClImage& In, double dThreshold, ClImage& Out);
-    void BlurAndBinarize(ClImage& Image, long nWidth, double dThreshold, ClImage& Scratch);
-
+    void PaintRegion(const ClMask2& Region, ClImage& OutMask) const;
     void FillDirtWeights();
     void Dump(const ClImage& Image, const char* szFileName) const;
 };

@@ -1,5 +1,6 @@
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
 
+#include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/Histogram.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpAbs.h"
@@ -102,9 +103,7 @@ long ClIpQK7FunctionalityCheck::ParameterString(char* pBuffer, unsigned long nSi
 
 long ClIpQK7FunctionalityCheck::DoProcess(ClImage& In, ClImage& Out) {
     ClImage Inverted; // dirt becomes light
-    ClIpInvert Invert;
-    Invert.Timer(IsTimerEnabled());
-    Invert.ApplyParam(In, Inverted);
+    Timed(*this, ClIpInvert()).ApplyParam(In, Inverted);
     ClImage Stressed;
     StressDefects(Inverted, Stressed);
     FadeSensorBorder(Stressed, Out);
@@ -113,60 +112,44 @@ long ClIpQK7FunctionalityCheck::DoProcess(ClImage& In, ClImage& Out) {
 }
 
 void ClIpQK7FunctionalityCheck::StressDefects(ClImage& In, ClImage& Out) {
-    const bool bTimed = IsTimerEnabled();
     ClImage Scaled;
-    ClIpScale Scale;
-    Scale.Timer(bTimed);
-    Scale.ApplyParam(In, Scaled, cdGain);
+    Timed(*this, ClIpScale()).ApplyParam(In, Scaled, cdGain);
     ClImage Fine;
-    ClIpFilterGauss Gauss;
-    Gauss.Timer(bTimed);
-    Gauss.ApplyParam(Scaled, Fine, cdFineSigma, 0);
+    Timed(*this, ClIpFilterGauss()).ApplyParam(Scaled, Fine, cdFineSigma, 0);
     ClImage Coarse;
-    ClIpFilterMid Mid;
-    Mid.Timer(bTimed);
-    Mid.ApplyParam(Scaled, Coarse, cnCoarseWidth);
+    Timed(*this, ClIpFilterMid()).ApplyParam(Scaled, Coarse, cnCoarseWidth);
     ClImage Delta;
-    ClIpSubtract Subtract;
-    Subtract.Timer(bTimed);
-    Subtract.ApplyParam(Fine, Coarse, Delta, ClImage::eInt8);
+    Timed(*this, ClIpSubtract()).ApplyParam(Fine, Coarse, Delta, ClImage::eInt8);
     ClImage Absolute;
-    ClIpAbs Abs;
-    Abs.Timer(bTimed);
-    Abs.ApplyParam(Delta, Absolute);
+    Timed(*this, ClIpAbs()).ApplyParam(Delta, Absolute);
     ReadAsUnsigned(Absolute);
     ClIpStretchRangeGlobal Stretch;
-    Stretch.Timer(bTimed);
     Stretch.m_nOldRangeFrom = m_nNoise;
     Stretch.m_nOldRangeTo = cnFullDefect;
-    Stretch.ApplyParam(Absolute, Out);
+    Timed(*this, Stretch).ApplyParam(Absolute, Out);
 }
+
+// What serves without an object is not timed.
 
 void ClIpQK7FunctionalityCheck::FadeSensorBorder(ClImage& In, ClImage& Out) {
     ClImage Sensor;
     BuildSensorMask(In, Sensor);
     ClImage Blurred;
-    ClIpFilterMid Mid;
-    Mid.Timer(false);
-    Mid.ApplyParam(Sensor, Blurred, cnMaskBlurWidth);
-    ClIpSubtract Subtract;
-    Subtract.Timer(false);
-    Subtract.ApplyParam(In, Blurred, Out, ClImage::eTypeDefault);
+    Timed(false, ClIpFilterMid()).ApplyParam(Sensor, Blurred, cnMaskBlurWidth);
+    Timed(false, ClIpSubtract()).ApplyParam(In, Blurred, Out, ClImage::eTypeDefault);
 }
 
-void ClIpQK7FunctionalityCheck::BuildSensorMask(ClImage& In, ClImage& Out) {
+void ClIpQK7FunctionalityCheck::BuildSensorMask(const ClImage& In, ClImage& Out) {
     ClImage Mask; // `Out` may be `In`
     Mask.New(In);
     Mask = static_cast<unsigned char>(0);
-    ClIpSetBorder SetBorder;
-    SetBorder.Timer(false);
-    SetBorder.ApplyParam(Mask, cnFrameWidth, cnMasked);
+    Timed(false, ClIpSetBorder()).ApplyParam(Mask, cnFrameWidth, cnMasked);
     PaintCorners(Mask);
     PaintFirstLines(Mask);
     Out.Swap(Mask);
 }
 
-double ClIpQK7FunctionalityCheck::CalcDefectWarningLevel(ClImage& Image) {
+double ClIpQK7FunctionalityCheck::CalcDefectWarningLevel(const ClImage& Image) {
     ClHistogram Histogram;
     Histogram.Create(Image);
     const double dLevel = Histogram.m_anCount[255] * cdWeightOfWhitePixel +

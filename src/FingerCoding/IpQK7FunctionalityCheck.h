@@ -48,10 +48,10 @@ public:
     /// pixels, the first 25 lines, and in line height - 100 + i, for i from 0 to 99, the first
     /// and the last trunc(i * 60 / 100) pixels, two triangles in the corners of the last lines.
     /// `Out` becomes an image like `In`; what lies outside a small image is not painted.
-    static void BuildSensorMask(ClImage& In, ClImage& Out);
+    static void BuildSensorMask(const ClImage& In, ClImage& Out);
 
     /// The level of a stressed and faded image, from 0.0 to 100.0.
-    double CalcDefectWarningLevel(ClImage& Image);
+    double CalcDefectWarningLevel(const ClImage& Image);
 
     double m_dOutDefectWarningLevel = 0.0; ///< of the last run
     unsigned char m_nNoise = 5;            ///< grey values; differences up to this are no defects

@@ -3,6 +3,7 @@
 
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
+#include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/IpInvert.h"
 #include "ImageProcessing/IpSubtract.h"
 #include "Tools/Exception.h"
@@ -73,7 +74,8 @@ void ClIpQK7DynamicCalibration30::FillDirtWeights() {
     }
 }
 
-double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel(ClImage& In, ClImage& Mask) {
+double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel(const ClImage& In,
+                                                         const ClImage& Mask) const {
     std::uint64_t nMaskSum = 0;
     std::uint64_t nWeighted = 0;
     ForEachPair(In, Mask, [&](int nIn, int nMask) {
@@ -83,7 +85,8 @@ double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel(ClImage& In, ClImage& M
     return nMaskSum == 0 ? 0.0 : static_cast<double>(nWeighted) * cdDirtPerSum;
 }
 
-double ClIpQK7DynamicCalibration30::CalcDryFingerWarningLevel(ClImage& Prob, ClImage& Mask) {
+double ClIpQK7DynamicCalibration30::CalcDryFingerWarningLevel(const ClImage& Prob,
+                                                              const ClImage& Mask) const {
     std::uint64_t nWeights = 0;
     std::uint64_t nExcess = 0;
     ForEachPair(Prob, Mask, [&](int nProb, int nMask) {
@@ -97,19 +100,17 @@ double ClIpQK7DynamicCalibration30::CalcDryFingerWarningLevel(ClImage& Prob, ClI
     return std::clamp(cdDryPerExcess * (dRatio - cdHealthyExcess), 0.0, cdDriest);
 }
 
-double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel2(ClImage& In, ClImage& Mask) {
+double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel2(const ClImage& In,
+                                                          const ClImage& Mask) const {
+    ClInputView Capture(In);
+    ClInputView Background(Mask);
     ClImage Defects;
     ClIpQK7FunctionalityCheck Check;
-    Check.Timer(IsTimerEnabled());
     Check.m_nNoise = 0;
-    Check.ApplyParam(In, Defects, ClImage::eTypeDefault);
+    Timed(*this, Check).ApplyParam(Capture, Defects, ClImage::eTypeDefault);
     ClImage Inverted;
-    ClIpInvert Invert;
-    Invert.Timer(IsTimerEnabled());
-    Invert.ApplyParam(Mask, Inverted);
+    Timed(*this, ClIpInvert()).ApplyParam(Background, Inverted);
     ClImage Rest;
-    ClIpSubtract Subtract;
-    Subtract.Timer(IsTimerEnabled());
-    Subtract.ApplyParam(Defects, Inverted, Rest, ClImage::eTypeDefault);
+    Timed(*this, ClIpSubtract()).ApplyParam(Defects, Inverted, Rest, ClImage::eTypeDefault);
     return std::max(cdDirt2PerSum * static_cast<double>(SampleSum(Rest)), cdLeastDirt2);
 }

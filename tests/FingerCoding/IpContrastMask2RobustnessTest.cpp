@@ -22,7 +22,7 @@ constexpr double cdInfinity = std::numeric_limits<double>::infinity();
 
 class ClIpOpen : public ClIpContrastMask2 {
 public:
-    using ClIpContrastMask2::ClearBorder;
+    using ClIpContrastMask2::CopyWithBlackFrame;
     using ClIpContrastMask2::Scale;
 };
 
@@ -44,32 +44,32 @@ void Prepare(ClIpContrastMask2& ip, ClImage& In, ClMask2& Mask, ClImage* pProb) 
 
 // Helpers
 
-TEST(IpContrastMask2Helpers, ClearBorderPaintsABlackFrame) {
+TEST(IpContrastMask2Helpers, CopyWithBlackFramePaintsABlackFrame) {
     ClTestImage in = Img({{1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, {11, 12, 13, 14, 15}});
     const ClTestImage before = in;
     ClTestImage out;
-    ClIpOpen::ClearBorder(in, out, 1);
+    ClIpOpen::CopyWithBlackFrame(in, out, 1);
     EXPECT_EQ(Pixels(out), Rows({{0, 0, 0, 0, 0}, {0, 7, 8, 9, 0}, {0, 0, 0, 0, 0}}));
     EXPECT_EQ(out.LineData(1)[5], cnPaddingByte);
     ExpectSameImage(in, before);
 }
 
-TEST(IpContrastMask2Helpers, ClearBorderTakesWidthsOfAnySize) {
+TEST(IpContrastMask2Helpers, CopyWithBlackFrameTakesWidthsOfAnySize) {
     for (long nWidth : {2L, 3L, LONG_MAX}) {
         ClTestImage in = FlatImage(ClImage::eUInt8, 5, 4, 1, 9);
         ClTestImage out;
-        ClIpOpen::ClearBorder(in, out, nWidth);
+        ClIpOpen::CopyWithBlackFrame(in, out, nWidth);
         EXPECT_EQ(Pixels(out), Rows(4, {0, 0, 0, 0, 0}));
     }
     for (long nWidth : {0L, -1L, LONG_MIN}) {
         ClTestImage in = FlatImage(ClImage::eUInt8, 5, 4, 1, 9);
         ClTestImage out;
-        ClIpOpen::ClearBorder(in, out, nWidth);
+        ClIpOpen::CopyWithBlackFrame(in, out, nWidth);
         ExpectSameImage(out, in);
     }
     ClTestImage narrow = FlatImage(ClImage::eUInt8, 1, 5, 1, 9);
     ClTestImage out;
-    ClIpOpen::ClearBorder(narrow, out, 2);
+    ClIpOpen::CopyWithBlackFrame(narrow, out, 2);
     EXPECT_EQ(Pixels(out), Rows(5, {0}));
 }
 

@@ -1,13 +1,13 @@
 #pragma once
 
 /// What the two detectors of a finger, by brightness and by contrast, do alike: running their
-/// sub-processors, painting a frame into an 8-bit image of one plane, and turning an area in
-/// square millimetres into pixels.
+/// steps, painting the edge of an 8-bit image of one plane, and turning an area in square
+/// millimetres into pixels.
 
+#include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/MaskArithmetic.h"
 #include "Tools/Exception.h"
 #include "Tools/FpImage.h"
-#include "Tools/ProcessorBase.h"
 
 #include <TessarinCalibrateSDK.h>
 
@@ -17,12 +17,12 @@
 #include <cstring>
 #include <utility>
 
-namespace FingerDetector {
+namespace DetectorSteps {
 
-/// Throws `ClExTessarin` with the result of a sub-processor that has failed, but for the codes by
-/// which operators tell that they have nothing to do with their arguments: the detector goes on
-/// with the image as they left it, and where that is empty, the next step refuses it.
-inline void Require(long nResult) {
+/// Throws `ClExTessarin` with the result of a step that has failed, but for the codes by which
+/// operators tell that they have nothing to do with their arguments: the detector goes on with the
+/// image as they left it, and where that is empty, the next step refuses it.
+inline void ThrowFailure(long nResult) {
     switch (nResult) {
     case QMT_SUCCESS:
     case QMT_ERROR_BITMAP_PTR:
@@ -36,11 +36,11 @@ inline void Require(long nResult) {
     }
 }
 
-/// Runs `Sub.ApplyParam(arguments...)`, timed where the owner is.
+/// Runs `Step.ApplyParam(arguments...)`, timed where the owner is.
 template <class Processor, class... Arguments>
-void Run(const ClProcessorBase& Owner, Processor&& Sub, Arguments&&... arguments) {
-    Sub.Timer(Owner.IsTimerEnabled());
-    Require(Sub.ApplyParam(std::forward<Arguments>(arguments)...));
+void Run(const ClProcessorBase& Owner, Processor&& Step, Arguments&&... arguments) {
+    ThrowFailure(Timed(Owner, std::forward<Processor>(Step))
+                     .ApplyParam(std::forward<Arguments>(arguments)...));
 }
 
 /// trunc((sqrt(dMM2) * 100.0 * dPelsPer100thMM)^2), evaluated as written; 0 for what is no area.
@@ -51,7 +51,8 @@ inline std::int64_t PixelsOfArea(double dMM2, double dPelsPer100thMM) {
 
 /// Paints the outermost `nWidth` lines and columns. Where a line is not painted whole, its right
 /// end gets a value of its own, which wins where both ends meet. Line padding stays.
-inline void PaintFrame(ClImage& Image, long nWidth, unsigned char nValue, unsigned char nRight) {
+inline void PaintOutermostPixels(ClImage& Image, long nWidth, unsigned char nValue,
+                                 unsigned char nRightEnd) {
     const long nLines = Image.Height();
     const long nBorder = std::max(nWidth, 0L);
     const auto nLineBytes = static_cast<std::size_t>(Image.Width());
@@ -61,8 +62,8 @@ inline void PaintFrame(ClImage& Image, long nWidth, unsigned char nValue, unsign
         const bool bWhole = y < nBorder || y >= nLines - nBorder;
         std::memset(pLine, nValue, bWhole ? nLineBytes : nSideBytes);
         if (!bWhole)
-            std::memset(pLine + nLineBytes - nSideBytes, nRight, nSideBytes);
+            std::memset(pLine + nLineBytes - nSideBytes, nRightEnd, nSideBytes);
     }
 }
 
-} // namespace FingerDetector
+} // namespace DetectorSteps
