@@ -256,6 +256,20 @@ TEST(Mask2Images, CutsAnAxisWithoutResolutionInTheScaleOfTheMask) {
     EXPECT_EQ(Pixels(image), (Rows{{12, 13, 14}, {17, 18, 19}}));
 }
 
+TEST(Mask2Images, RoundsTheWindowBeforeTheOffsetIsTakenOff) {
+    ClMask2 mask;
+    mask.AddPrecutStep(9, 9, cnTestPels, cnTestPels, 2, 2, 5, 4, true);
+    mask.m_aPrecutSteps.Append({1.4, 2, 4, 4}); // rounded to 1, before column 2
+    ClTestImage image = TwentyPixels();
+    EXPECT_THROWS(mask.CutImage(image), ClException, -35, "ClIpCut::Process. m_nX0<0");
+    mask.m_aPrecutSteps[2] = {2, 1.4, 4, 4};
+    EXPECT_THROWS(mask.CutImage(image), ClException, -35, "ClIpCut::Process. m_nY0<0");
+    mask.m_aPrecutSteps[2] = {1.5, 1.5, 4, 4};
+    mask.CutImage(image);
+    EXPECT_EQ(Pixels(image),
+              (Rows{{1, 2, 3, 4}, {6, 7, 8, 9}, {11, 12, 13, 14}, {16, 17, 18, 19}}));
+}
+
 TEST(Mask2Images, WithoutStepsCuttingIsADeepCopy) {
     ClTestImage image = Img({{1, 2}});
     ClImage out;

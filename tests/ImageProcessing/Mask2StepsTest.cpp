@@ -134,6 +134,21 @@ TEST(Mask2Steps, AnImageIsRecognisedByItsSize) {
     EXPECT_EQ(ClMask2().GetOffsetsIndex(1, 1, 1, 1), -1);
 }
 
+TEST(Mask2Steps, AResolutionOfOneIsOne) {
+    ClMask2 mask;
+    mask.AddPrecutStep(40, 30, 2, 2, 0, 0, 40, 30, true);
+    EXPECT_EQ(mask.GetOffsetsIndex(20, 15, 1, 1), 0);
+    EXPECT_EQ(mask.GetOffsetsIndex(20, 30, 1, 2), 0);
+    EXPECT_EQ(mask.GetOffsetsIndex(40, 15, 2, 1), 0);
+    EXPECT_EQ(mask.GetOffsetsIndex(20, 15, 0, 0), -1);
+    long x = 0;
+    long y = 0;
+    long w = 0;
+    long h = 0;
+    mask.GetCutOffsets(0UL, 1, 1, x, y, w, h);
+    EXPECT_EQ((std::array{w, h}), (std::array{20L, 15L}));
+}
+
 TEST(Mask2Steps, ScaledSizesHaveALargerTolerance) {
     ClMask2 mask;
     mask.AddPrecutStep(100, 100, 10000, 10000, 0, 0, 100, 100, true);
@@ -185,6 +200,8 @@ TEST(Mask2Steps, TheLastWindowIsToldRelativeToAStep) {
     EXPECT_EQ((std::array{nX, nY, nWidth, nHeight}), (std::array{15, 26, 101, 51}));
     mask.GetCutOffsets(0UL, 1500.5, 0.5, nX, nY, nWidth, nHeight); // 22.5075, 151.5505
     EXPECT_EQ((std::array{nX, nY, nWidth, nHeight}), (std::array{23, 26, 152, 51}));
+    mask.GetCutOffsets(0UL, 0.5, 1500.5, nX, nY, nWidth, nHeight); // 39.013, 76.5255
+    EXPECT_EQ((std::array{nX, nY, nWidth, nHeight}), (std::array{15, 39, 101, 77}));
 }
 
 TEST(Mask2Steps, TheLastStepStandsAtNoOffsetFromItself) {
