@@ -95,7 +95,7 @@ const std::vector<ClQuantity>& Quantities() {
          {1.0, 2.0, 4.0, 8.0},
          [](Scene& s, double d) { s.m_Dirt.m_nHairs = static_cast<int>(d); }},
         {"dot not printed, one of its size beside its place by mm",
-         {0.1, 0.2, 0.4, 0.5, 0.6, 0.7},
+         {0.1, 0.2, 0.4, 0.5, 0.58, 0.6, 0.61, 0.62, 0.63, 0.64, 0.66, 0.7},
          [](Scene& s, double d) {
              s.m_Target.m_aMissing = {37};
              AddSpeck(s, d, 90.0, sim::g_dDotDiameter);
@@ -111,7 +111,8 @@ struct ClTally {
 
     int m_nAccepted = 0;
     int m_nWrong = 0;
-    double m_dMaxX = 0.0; ///< of the accepted, wrong ones included
+    int m_nUnloadable = 0; ///< of both: a block that does not load
+    double m_dMaxX = 0.0;  ///< of the accepted, wrong ones included
     double m_dMaxY = 0.0;
     std::map<std::string, int> m_aRefusals;
 };
@@ -123,12 +124,13 @@ void ClTally::Add(const ClGeneration& Generated, const sim::ClCapture& Capture) 
     }
     const ClPointErrors Errors = ErrorsOf(Generated.m_aActual, Capture.m_aDots);
     ++(IsWrong(Errors) ? m_nWrong : m_nAccepted);
+    m_nUnloadable += Loads(Generated.m_aBlock) ? 0 : 1;
     m_dMaxX = std::max(m_dMaxX, Errors.m_dMaxX);
     m_dMaxY = std::max(m_dMaxY, Errors.m_dMaxY);
 }
 
 void ClTally::Print(double dStep) const {
-    std::printf("%10g %9d %7d", dStep, m_nAccepted, m_nWrong);
+    std::printf("%10g %9d %7d %11d", dStep, m_nAccepted, m_nWrong, m_nUnloadable);
     if (m_nAccepted + m_nWrong > 0)
         std::printf(" %9.2f %9.2f", m_dMaxX, m_dMaxY);
     else
@@ -185,8 +187,8 @@ void PrintChecks(const sim::ClTargetCaseEntry& Case, unsigned long nScanners,
 
 int PrintLimits(unsigned long nScanners, unsigned long nFirst) {
     for (const ClQuantity& Quantity : Quantities()) {
-        std::printf("%s\n%10s %9s %7s %9s %9s   refused\n", Quantity.m_szName, "", "accepted",
-                    "wrong", "max x", "max y");
+        std::printf("%s\n%10s %9s %7s %11s %9s %9s   refused\n", Quantity.m_szName, "", "accepted",
+                    "wrong", "do not load", "max x", "max y");
         for (const double dStep : Quantity.m_aSteps) {
             ClTally Tally;
             for (unsigned long nSeed = nFirst; nSeed < nFirst + nScanners; ++nSeed) {

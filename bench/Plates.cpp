@@ -124,7 +124,7 @@ std::vector<ClPlate> Plates() {
     std::vector<ClPlate> aPlates;
     for (const double dPitch : {1.80, 1.85, 1.90, 1.95, 1.98, 2.00, 2.02, 2.05, 2.10, 2.15, 2.20})
         aPlates.push_back(Scaled(dPitch));
-    for (const int nColumns : {16, 18, 20, 30, 34})
+    for (const int nColumns : {16, 18, 20})
         for (const int nLines : {30, 32, 48, 78})
             aPlates.push_back(Lattice(nColumns, nLines));
     return aPlates;

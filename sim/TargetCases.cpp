@@ -97,6 +97,7 @@ void Print(ClTargetSettings& Target, ETargetCase eCase, ClRandom& Random) {
         break;
     case ETargetCase::eMissingDot:
     case ETargetCase::eStandIn:
+    case ETargetCase::eStandInFar:
         Target.m_aMissing = {InnerDot(Random)};
         break;
     case ETargetCase::eMissingCorner:
@@ -148,6 +149,9 @@ void Soil(ClTargetScene& Scene, ETargetCase eCase, ClRandom& Random) {
         break;
     case ETargetCase::eStandIn:
         AddSpeck(Scene, Scene.m_Target.m_aMissing[0], 0.4, dAlongColumn, 0.8);
+        break;
+    case ETargetCase::eStandInFar:
+        AddSpeck(Scene, Scene.m_Target.m_aMissing[0], 0.62, dAlongColumn, 0.8);
         break;
     default:
         break;

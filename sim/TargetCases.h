@@ -61,13 +61,15 @@ enum class ETargetCase {
     eBlank,
     eHiddenDot,
     eStandIn,
+    eStandInFar,
 };
 
 /// What deriving calibration data from a capture comes to.
 enum class EOutcome {
-    eAccepted, ///< the points lie on the true dots
-    eRefused,  ///< a failure with words
-    eMisled,   ///< accepted, though a point is off: the capture does not show that it is wrong
+    eAccepted,   ///< the points lie on the true dots
+    eRefused,    ///< a failure with words
+    eMisled,     ///< accepted, though a point is off: the capture does not show that it is wrong
+    eUnloadable, ///< accepted with a point so far off that the block derived does not load
 };
 
 struct ClTargetCaseEntry {
@@ -96,8 +98,13 @@ constexpr ClTargetCaseEntry Misled(ETargetCase eCase, const char* szName,
     return {eCase, szName, szDescription, EOutcome::eMisled, ""};
 }
 
+constexpr ClTargetCaseEntry Unloadable(ETargetCase eCase, const char* szName,
+                                       const char* szDescription) {
+    return {eCase, szName, szDescription, EOutcome::eUnloadable, ""};
+}
+
 /// The single list of cases, in the order of ETargetCase.
-constexpr std::array<ClTargetCaseEntry, 41> g_aTargetCases{{
+constexpr std::array<ClTargetCaseEntry, 42> g_aTargetCases{{
     Accepted(ETargetCase::ePlain, "plain", "laid straight on a clean platen"),
     Accepted(ETargetCase::eLaid, "laid",
              "laid by hand: turned by up to 0.5 degrees, off by 0.5 mm"),
@@ -142,6 +149,8 @@ constexpr std::array<ClTargetCaseEntry, 41> g_aTargetCases{{
     Misled(ETargetCase::eHiddenDot, "hidden_dot", "dirt of 0.95 mm hides a dot, 0.11 mm off it"),
     Misled(ETargetCase::eStandIn, "stand_in",
            "a dot is not printed, and dirt of its size lies 0.4 mm beside its place"),
+    Unloadable(ETargetCase::eStandInFar, "stand_in_far",
+               "a dot is not printed, and dirt of its size lies 0.62 mm above or below its place"),
 }};
 
 const char* TargetCaseName(ETargetCase eCase);

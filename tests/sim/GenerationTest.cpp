@@ -153,8 +153,10 @@ TEST_P(SimGenerationCase, ComesToWhatTheTableTells) {
     const ClHandle Handle;
     ASSERT_EQ(Handle.Generate(Capture.m_Raw), QMT_SUCCESS);
     const ClPoint Error = LargestError(Handle, Capture);
-    EXPECT_EQ(Error.x > cdWrongX || Error.y > cdWrongY, Case.m_eOutcome == EOutcome::eMisled)
+    EXPECT_EQ(Error.x > cdWrongX || Error.y > cdWrongY, Case.m_eOutcome != EOutcome::eAccepted)
         << Error.x << " " << Error.y;
+    EXPECT_EQ(ClHandle().SetData(Handle.GetData()),
+              Case.m_eOutcome == EOutcome::eUnloadable ? QMT_ERROR_CURRUPT_DATA : QMT_SUCCESS);
 }
 
 INSTANTIATE_TEST_SUITE_P(Cases, SimGenerationCase, testing::ValuesIn(sim::g_aTargetCases),

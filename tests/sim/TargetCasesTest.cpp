@@ -147,6 +147,7 @@ TEST(SimTargetCases, HaveTheMarksThatTheirNamesTell) {
     EXPECT_EQ(Count(ETargetCase::eSpeckTouching), 75U);
     EXPECT_EQ(Count(ETargetCase::eHiddenDot), 75U);
     EXPECT_EQ(Count(ETargetCase::eStandIn), 75U);
+    EXPECT_EQ(Count(ETargetCase::eStandInFar), 75U);
 }
 
 TEST(SimTargetCases, AcceptedOnesShowADotAtEachTrueCentre) {
