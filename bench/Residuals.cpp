@@ -16,11 +16,11 @@ namespace {
 
 constexpr std::uint64_t cnCapture = 1;
 
-constexpr std::array<const char*, 3> g_aRegionNames{"inside the dots", "beyond them to one side",
-                                                    "corners"};
+constexpr std::array<const char*, 3> g_aZoneNames{"inside the dots", "beyond them to one side",
+                                                  "corners"};
 
-std::size_t IndexOf(ERegion eRegion) {
-    return static_cast<std::size_t>(eRegion);
+std::size_t IndexOf(EZone eZone) {
+    return static_cast<std::size_t>(eZone);
 }
 
 std::vector<ClVector> VectorsOf(const Points& aPoints) {
@@ -70,7 +70,7 @@ bool IsBelowCut(const sim::ClPoint& Place, const sim::ClPoint& Outer, const sim:
     return dAlong < 1.0 && Place.y > Outer.y + dAlong * (Inner.y - Outer.y);
 }
 
-/// Of one set of calibrations, by region.
+/// Of one set of calibrations, by zone.
 struct ClTally {
     void Add(const ClResidualField& Field);
     void Print(const char* szWhat) const;
@@ -92,7 +92,7 @@ void ClTally::Add(const ClResidualField& Field) {
         const sim::ClPoint& Vector = Field.At(nColumn, nRow);
         const double dLength = std::hypot(Vector.x, Vector.y);
         const std::size_t n =
-            IndexOf(RegionOf(ClResidualField::PlaceOf(nColumn, nRow), Field.m_aTarget));
+            IndexOf(ZoneOf(ClResidualField::PlaceOf(nColumn, nRow), Field.m_aTarget));
         m_aAll[n].Add(dLength);
         aWorst[n] = std::max(aWorst[n], dLength);
     });
@@ -103,9 +103,9 @@ void ClTally::Add(const ClResidualField& Field) {
 void ClTally::Print(const char* szWhat) const {
     std::printf("%s\n%26s %8s %8s %8s %8s %16s %8s\n", szWhat, "", "places", "mean", "rms", "95 %",
                 "largest, mean", "largest");
-    for (const ERegion eRegion : g_aRegions) {
-        const std::size_t n = IndexOf(eRegion);
-        std::printf("%26s %8zu %8.3f %8.3f %8.3f %16.3f %8.3f\n", g_aRegionNames.at(n),
+    for (const EZone eZone : g_aZones) {
+        const std::size_t n = IndexOf(eZone);
+        std::printf("%26s %8zu %8.3f %8.3f %8.3f %16.3f %8.3f\n", g_aZoneNames.at(n),
                     m_aAll[n].Count(), m_aAll[n].Mean(), m_aAll[n].Rms(), m_aAll[n].Percentile95(),
                     m_aWorst[n].Mean(), m_aWorst[n].Largest());
     }
@@ -154,7 +154,7 @@ ClResidualField MeasureResiduals(const sim::ClScanner& Scanner, const sim::ClCap
     return Field;
 }
 
-ERegion RegionOf(const sim::ClPoint& Place, const Points& aTarget) {
+EZone ZoneOf(const sim::ClPoint& Place, const Points& aTarget) {
     constexpr std::size_t cnFirstColumn = 9; ///< the last dot of each
     constexpr std::size_t cnSecondColumn = 20;
     constexpr std::size_t cnSixthColumn = 64;
@@ -163,10 +163,10 @@ ERegion RegionOf(const sim::ClPoint& Place, const Points& aTarget) {
     const bool bX = Box.HoldsX(Place.x);
     const bool bY = Box.HoldsY(Place.y);
     if (!bX && !bY)
-        return ERegion::eCorner;
+        return EZone::eCorner;
     const bool bCut = IsBelowCut(Place, aTarget.at(cnFirstColumn), aTarget.at(cnSecondColumn)) ||
                       IsBelowCut(Place, aTarget.at(cnSeventhColumn), aTarget.at(cnSixthColumn));
-    return bX && bY && !bCut ? ERegion::eInside : ERegion::eEdge;
+    return bX && bY && !bCut ? EZone::eInside : EZone::eEdge;
 }
 
 double ClLengths::Mean() const {

@@ -13,12 +13,12 @@
 namespace bench {
 
 /// The part of the corrected image that a place lies in.
-enum class ERegion {
+enum class EZone {
     eInside, ///< amid dots, within their convex hull
     eEdge,   ///< beyond the dots to one side, the two places without dots included
     eCorner, ///< beyond the dots in x and in y
 };
-constexpr std::array<ERegion, 3> g_aRegions{ERegion::eInside, ERegion::eEdge, ERegion::eCorner};
+constexpr std::array<EZone, 3> g_aZones{EZone::eInside, EZone::eEdge, EZone::eCorner};
 
 /// The vectors of one calibration at even steps over the corrected image, borders included.
 struct ClResidualField {
@@ -39,7 +39,7 @@ struct ClResidualField {
 ClResidualField MeasureResiduals(const sim::ClScanner& Scanner, const sim::ClCapture& Target,
                                  const ClGeneration& Generated);
 
-ERegion RegionOf(const sim::ClPoint& Place, const Points& aTarget);
+EZone ZoneOf(const sim::ClPoint& Place, const Points& aTarget);
 
 /// The lengths of vectors, pixels.
 class ClLengths {
@@ -56,7 +56,7 @@ private:
     std::vector<double> m_aLengths;
 };
 
-/// Measures `nScanners` scanners, each with a target laid by hand; prints the lengths by region, of
+/// Measures `nScanners` scanners, each with a target laid by hand; prints the lengths by zone, of
 /// the derived data and of data with the true centres in place of the located ones; draws the
 /// vectors of the first scanner and the rms lengths of all. Returns 0.
 int PrintResiduals(const std::string& sPicture, unsigned long nScanners, unsigned long nFirst);
