@@ -25,12 +25,13 @@ else()
     set(TESSARIN_QUICK_BUILD -O1)
 endif()
 
-# ccache, where it is installed, keeps what was compiled before.
+# ccache, where it is installed, keeps what was compiled before. It and precompiled headers exclude
+# each other: those are bound to the time stamps of one checkout.
 find_program(TESSARIN_CCACHE ccache)
 mark_as_advanced(TESSARIN_CCACHE)
 if(TESSARIN_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env
-        CCACHE_SLOPPINESS=pch_defines,time_macros "${TESSARIN_CCACHE}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${TESSARIN_CCACHE}")
+    set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
 add_library(tessarin_settings INTERFACE)
@@ -39,7 +40,6 @@ target_compile_options(tessarin_settings INTERFACE
     -fno-tree-slp-vectorize # GCC 12 drops the rounding of two neighbouring doubles to float with it
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" # the last one that matches is applied
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/="
-    $<$<AND:$<BOOL:${TESSARIN_CCACHE}>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess> # what ccache needs
     -Wall -Wextra -Wpedantic -Wshadow -Wconversion
     $<$<BOOL:${TESSARIN_WARNINGS_AS_ERRORS}>:-Werror>)
 
