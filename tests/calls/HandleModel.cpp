@@ -86,10 +86,8 @@ Digest ClHandleModel::Hash() const {
 Statuses ClHandleModel::ForSetPrecalculatedData(const StReadTable& Read) const {
     if (m_eEverLoaded == ETruth::eNo)
         return {QMT_ERROR_PARAM_IS_MISSING};
-    const long nStatus = m_pData != nullptr ? Read.m_nStatus : QMT_ERROR_UNEXPECTED_SIGNATURE;
-    Statuses anStatuses = {nStatus};
-    if (m_pData != nullptr && !m_pData->IsReady()) // loaded, but of no capture
-        anStatuses.push_back(QMT_ERROR_UNEXPECTED_SIGNATURE);
+    // A table belongs to data that captures can be corrected with.
+    Statuses anStatuses = {IsReady() ? Read.m_nStatus : QMT_ERROR_UNEXPECTED_SIGNATURE};
     if (m_eEverLoaded == ETruth::eMaybe)
         anStatuses.push_back(QMT_ERROR_PARAM_IS_MISSING);
     return anStatuses;
