@@ -14,7 +14,6 @@
 #include "Tools/Exception.h"
 #include "Tools/LoggingFacility.h"
 
-#include <cxxabi.h>
 #include <exception>
 #include <tuple>
 
@@ -73,9 +72,9 @@ long Run(const StTexts& Texts, Work work, OnFailure onFailure) {
     } catch (const std::exception& e) {
         onFailure();
         return LeaveWith(Texts, e);
-    } catch (const abi::__forced_unwind&) {
-        throw; // the thread ends; whoever stops it here ends the process
     } catch (...) {
+        if (std::current_exception() == nullptr) // not C++: whoever stops it ends the process
+            throw;
         return Leave(Texts, QMT_FATAL_ERROR_TERMINATION_NECESSARY, Vek::eLogError);
     }
 }

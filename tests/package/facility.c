@@ -26,9 +26,15 @@ long VekLFLog(long level, const char* format, ...) {
 void* g_VekLFCreate = &lines;
 void* g_VekLFLog = &lines;
 static int loads;
-void LoadLoggingFacility(void) { ++loads; }
-void ReleaseLoggingFacility(void) { --loads; }
-long VekLFCreate(void) { return EXPECTED_CREATE; }
+void LoadLoggingFacility(void) {
+    ++loads;
+}
+void ReleaseLoggingFacility(void) {
+    --loads;
+}
+long VekLFCreate(void) {
+    return EXPECTED_CREATE;
+}
 #else
 #define EXPECTED_CREATE 0
 #define EXPECTED_POINTER NULL
