@@ -196,6 +196,23 @@ TEST(CalibrateDataBase, TakesTagsRawWhateverTheByteOrder) {
     }
 }
 
+TEST(CalibrateDataBase, KeepsTheVersionThatAStreamNoLongerHolds) {
+    const Bytes aBlock = PlainBlock();
+    for (const bool bStrict : {true, false})
+        for (unsigned long nSize = 8; nSize < 12; ++nSize) {
+            ClMemStream Stream(aBlock.data(), nSize);
+            Stream.SetThrowOnShort(bStrict);
+            ClPlainRecord Record;
+            Record.SetTags(std::string("CAL\0NOT\0SET\0old\0", 16));
+            if (bStrict)
+                EXPECT_THROWS(Record.ClCalibrateDataBase::ReadStream(Stream),
+                              ClExStreamUnexpectedEnd, -201, "Unexpected end of stream")
+            else
+                Record.ClCalibrateDataBase::ReadStream(Stream);
+            EXPECT_STREQ(Record.ReadVersion(), "old") << nSize;
+        }
+}
+
 TEST(CalibrateDataBase, EndsEarlyWithTheStreamAtEveryByte) {
     const Bytes aBlock = PlainBlock();
     for (unsigned long nSize = 0; nSize < aBlock.size(); ++nSize) {
