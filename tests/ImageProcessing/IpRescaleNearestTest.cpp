@@ -188,4 +188,22 @@ TEST(IpRescaleWholeNumbered, KeepsSignedSamples) {
     EXPECT_EQ(RescaledToPels(in, 200, in.PelsY(), ceWhole), Rows({{-128, -128, 127, 127}}));
 }
 
+TEST(IpRescaleWholeNumbered, KeepsAnAxisWithoutResolution) {
+    const struct {
+        int m_nPelsX, m_nPelsY;
+        Rows m_aExpected;
+    } aCases[] = {{0, 100, {{1, 2, 0, 0}, {1, 2, 0, 0}, {3, 4, 0, 0}, {3, 4, 0, 0}}},
+                  {100, 0, {{1, 1, 2, 2}, {3, 3, 4, 4}, {0, 0, 0, 0}, {0, 0, 0, 0}}}};
+    for (const auto& Case : aCases) {
+        ClTestImage in = Img({{1, 2}, {3, 4}});
+        in.SetPelsX(Case.m_nPelsX);
+        in.SetPelsY(Case.m_nPelsY);
+        ClImage out;
+        ClIpRescale rescale;
+        rescale.m_nNewWidth = rescale.m_nNewHeight = 4;
+        EXPECT_EQ(rescale.ApplyParam(in, out, ClIpRescale::ModeWholeNumbered), 0);
+        EXPECT_EQ(Pixels(out), Case.m_aExpected);
+    }
+}
+
 } // namespace

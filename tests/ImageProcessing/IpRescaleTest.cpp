@@ -124,6 +124,14 @@ TEST(IpRescale, PrefersResolutionsToASize) {
     EXPECT_EQ(out.Width(), 3);
 }
 
+TEST(IpRescale, TakesAResolutionOfOne) {
+    ClTestImage in = WithPels(Img({{1, 2}, {3, 4}}), 1, 1);
+    ClImage out;
+    ClIpRescale rescale;
+    EXPECT_EQ(rescale.ApplyParamPels(in, out, 2, 2, ClIpRescale::ModeNearestNeighbour), 0);
+    EXPECT_EQ(Pixels(out), Rows({{1, 1, 2, 2}, {1, 1, 2, 2}, {3, 3, 4, 4}, {3, 3, 4, 4}}));
+}
+
 // Refusals
 
 TEST(IpRescale, RefusesWholeNumbersBySize) {
@@ -144,7 +152,20 @@ TEST(IpRescale, RefusesToRunWithoutADestination) {
     EXPECT_EQ(rescale.ApplyParam(in, out, ClIpRescale::ModeBiLinear), -101);
     rescale.m_nNewPelsX = 5; // one resolution is none
     EXPECT_EQ(rescale.ApplyParam(in, out, ClIpRescale::ModeBiLinear), -101);
+    rescale.m_nNewWidth = 5; // a size is set, though half of it
+    EXPECT_EQ(rescale.ApplyParam(in, out, ClIpRescale::ModeBiLinear), -35);
+    rescale.m_nNewWidth = 0;
+    rescale.m_nNewHeight = 5;
+    EXPECT_EQ(rescale.ApplyParam(in, out, ClIpRescale::ModeBiLinear), -35);
     EXPECT_EQ(Pixels(out), Rows({{9}}));
+}
+
+TEST(IpRescale, TellsAWidthThatIsSetThoughItIsNone) {
+    ClIpRescale rescale;
+    rescale.m_nNewWidth = -3;
+    char aText[64] = {};
+    rescale.ParameterString(aText, sizeof aText);
+    EXPECT_STREQ(aText, "W-3 H0 BiLinear");
 }
 
 TEST(IpRescale, RefusesResolutionsForAnInputWithoutThem) {
@@ -188,6 +209,9 @@ TEST(IpRescale, RefusesMissingImagesAndPixels) {
     rescale.m_pInImage = &empty;
     EXPECT_EQ(rescale.Apply(), -35);
     empty.Attach(nullptr, image);
+    EXPECT_EQ(rescale.Apply(), -35);
+    unsigned char anBytes[8] = {};
+    empty.Attach(anBytes, ClImage::eUInt8, 2, 2, 0, 100, 100); // no planes
     EXPECT_EQ(rescale.Apply(), -35);
     EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
 }

@@ -66,6 +66,14 @@ TEST(Mask2Blobs, RunsThatWereScaledIntoOneLineAreFollowed) {
     EXPECT_EQ(mask.m_aEntries[1].nLine, -1);
 }
 
+TEST(Mask2Blobs, CompletingEndsAtTheFirstRunThatIsTooFar) {
+    // Line 1 touches the seed, but stands behind line 2.
+    ClMask2 mask = MaskWithRuns(9, 9, {{0, 1, 2}, {0, 1, 1}});
+    ClMask2 blob;
+    EXPECT_EQ(mask.CompleteFgBlob(0, 1, {0, 1, 0}, blob), 0);
+    EXPECT_EQ(mask.CompleteFgBlob(1, 1, {0, 1, 0}, blob), 4); // both: line 2 touches line 1
+}
+
 TEST(Mask2Blobs, CompletingLooksInOneDirectionAndThenInBoth) {
     const Picture picture = {"#..#", "#..#", "####", "#..#"};
     ClMask2 mask = MaskOf(picture);

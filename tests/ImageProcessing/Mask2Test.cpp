@@ -340,8 +340,15 @@ TEST(Mask2, InvertsWithinTheRoundedLastStep) {
 }
 
 TEST(Mask2, InvertsOverlappingAndOutlyingRunsPixelByPixel) {
-    const ClMask2 mask = MaskWithRuns(
-        10, 2, {{4, 6, 0}, {-3, 1, 0}, {5, 9, 0}, {12, 13, 0}, {-5, 20, 1}, {1, 2, 7}});
+    const ClMask2 mask = MaskWithRuns(10, 2,
+                                      {{4, 6, 0},
+                                       {-3, 1, 0},
+                                       {5, 9, 0},
+                                       {12, 13, 0},
+                                       {-5, 20, 1},
+                                       {2, 3, 1},
+                                       {1, 2, 7},
+                                       {4, 9, -1}});
     ClMask2 inverse;
 
     inverse.Invert(mask);
