@@ -442,4 +442,16 @@ TEST(Mask2Blobs, AHundredThousandBlobsAreRemovedOneByOne) {
     EXPECT_EQ(mask.m_aEntries.Entries(), 1UL);
 }
 
+TEST(Mask2Blobs, RunsBeyondASideTouchItAndLinesBeyondTheFrameDoNot) {
+    const struct {
+        std::array<long, 3> m_aRun;
+        int m_nBorders;
+    } aCases[] = {{{-3, 4, 1}, 1}, {{0, 4, 1}, 1},  {{1, 7, 1}, 0},   {{3, 8, 1}, 1},
+                  {{3, 20, 1}, 1}, {{3, 4, 0}, 1},  {{3, 4, 4}, 1},   {{3, 4, 5}, 0},
+                  {{3, 4, 99}, 0}, {{3, 4, -2}, 0}, {{-1, 9, -2}, 2}, {{0, 8, -1}, 0}};
+    for (const auto& Case : aCases)
+        EXPECT_EQ(MaskWithRuns(9, 5, {Case.m_aRun}).CountBorders(), Case.m_nBorders)
+            << Case.m_aRun[0] << ' ' << Case.m_aRun[1] << ' ' << Case.m_aRun[2];
+}
+
 } // namespace
