@@ -24,8 +24,7 @@ void CheckImage(const ClImage& Image) {
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
 }
 
-/// The bytes of an image that one run covers, as offsets; begin and end are equal where it lies
-/// outside.
+/// The bytes of an image that one run covers, as offsets; both are 0 where it lies outside.
 struct StSpan {
     std::size_t m_nBegin = 0;
     std::size_t m_nEnd = 0;
@@ -126,8 +125,6 @@ void ClMask2::PaintOutside(ClImage& Image, const StWindow& At, unsigned char nVa
     std::size_t nPainted = 0;
     for (unsigned long i = 0; i < m_aEntries.Entries(); ++i) {
         const StSpan Span = Placement.Place(m_aEntries[i]);
-        if (Span.m_nBegin == Span.m_nEnd)
-            continue;
         if (Span.m_nBegin > nPainted)
             std::memset(Image.Data() + nPainted, nValue, Span.m_nBegin - nPainted);
         nPainted = std::max(nPainted, Span.m_nEnd);

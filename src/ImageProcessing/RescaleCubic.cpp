@@ -83,7 +83,7 @@ T RadialSample(const StPlain<T>& Plain, const StPosition& Column, const StPositi
             dWeights += dWeight;
         }
     const double dQuotient = dSum / dWeights;
-    return std::isfinite(dWeights) && std::isfinite(dQuotient) ? LimitedSample<T>(dQuotient) : T(0);
+    return std::isfinite(dQuotient) ? LimitedSample<T>(dQuotient) : T(0);
 }
 
 // Separable
