@@ -152,6 +152,10 @@ TEST(Mask2, RefusesAnImageWithoutPixels) {
                   "One of the required parameter is missing.");
     EXPECT_THROWS(mask.ApplyOnImage(image, true, 0), ClExTessarin, -37,
                   "One of the required parameter is missing.");
+    unsigned char anPixels[4] = {};
+    image.Attach(anPixels, ClImage::eUInt8, 2, 1, 0, cnTestPels, cnTestPels); // no planes
+    EXPECT_THROWS(mask.BuildFromImage(image, 0), ClExTessarin, -37,
+                  "One of the required parameter is missing.");
     EXPECT_TRUE(mask == MaskOf({"##"}));
 }
 
