@@ -215,9 +215,8 @@ unsigned char ClHistogram::Walk(int nPos, int nWidth, int nSign) const {
     const std::int64_t nStart = RiseAt(nPos, nWidth) * nSign;
     const int nStep = nStart > 0 ? 1 : nStart < 0 ? -1 : 0;
     const int nEnd = nStep > 0 ? cnLast : 0;
-    if (nStep != 0)
-        while (nPos != nEnd && RiseAt(nPos, nWidth) * nSign * nStep > 0)
-            nPos += nStep;
+    while (nPos != nEnd && RiseAt(nPos, nWidth) * nSign * nStep > 0)
+        nPos += nStep;
     return LessOffset(nPos);
 }
 
