@@ -150,6 +150,10 @@ TEST(ImageAttach, GetsPixelsOfItsOwnWhereItHadNone) {
         fill(source, image);
         ASSERT_NE(image.Data(), nullptr);
         EXPECT_EQ(Pixels(image), aExpected);
+        image.Attach(nullptr, source);
+        fill(source, image);
+        ASSERT_NE(image.Data(), nullptr);
+        EXPECT_EQ(Pixels(image), aExpected);
     };
     ExpectPixels([](const ClImage& from, ClImage& image) { image = from; }, Rows({{1, 2}, {3, 4}}));
     ExpectPixels([](const ClImage& from, ClImage& image) { from.GetPlane(0, image); },

@@ -21,6 +21,10 @@ struct StLocale {
     const char* m_szCharset;
 };
 
+void PrintTo(const StLocale& locale, std::ostream* pOut) {
+    *pOut << locale.m_szSource << "." << locale.m_szCharset;
+}
+
 std::string NameOf(const testing::TestParamInfo<StLocale>& info) {
     return std::string(info.param.m_szSource) + (info.param.m_szCharset[0] == 'U' ? "" : "Narrow");
 }
