@@ -8,6 +8,8 @@
 #include "Tools/ParameterContainer.h"
 #include "Tools/ProfileTimer.h"
 
+#include <gtest/gtest.h>
+
 using TestSupport::SlotOf;
 
 namespace {
