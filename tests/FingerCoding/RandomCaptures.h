@@ -33,27 +33,27 @@ public:
         return m_Image;
     }
 
-    /// A print of less than ten square millimetres on a platen of much noise.
-    ClTestImage MakeOnARoughPlaten() {
-        m_nMostNoise = 40;
-        Lay(100, 170, 100, 170, 19685, 19685);
-        const double dX = m_Image.Width() / 2.0 + Number(-9, 9);
-        const double dY = m_Image.Height() / 2.0 + Number(-9, 9);
-        const double dHalfWidth = Number(12, 26);
-        const double dHalfHeight = Number(12, 26);
-        PaintPrint(dX, dY, dHalfWidth, dHalfHeight, Number(60, 200));
-        return m_Image;
-    }
-
-    /// A print of a few millimetres.
-    ClTestImage MakeOfAScrap() {
+    /// A print of a few millimetres, on a platen whose sides are between the limits.
+    ClTestImage MakeOfAScrap(int nLeastSize, int nMostSize) {
         const int nPels = Number(1, 2) * 9842;
-        Lay(110, 240, 110, 240, nPels, nPels);
+        Lay(nLeastSize, nMostSize, nLeastSize, nMostSize, nPels, nPels);
         const double dX = m_Image.Width() / 2.0 + Number(-9, 9);
         const double dY = m_Image.Height() / 2.0 + Number(-9, 9);
         const double dHalfWidth = Number(14, 44);
         const double dHalfHeight = Number(14, 44);
         PaintPrint(dX, dY, dHalfWidth, dHalfHeight, Number(20, 120));
+        return m_Image;
+    }
+
+    /// A print of a few millimetres on a small platen of smooth bright and dark places.
+    ClTestImage MakeOnAWavyPlaten() {
+        Lay(100, 150, 100, 150, 19685, 19685);
+        PaintWaves();
+        const double dX = m_Image.Width() / 2.0 + Number(-9, 9);
+        const double dY = m_Image.Height() / 2.0 + Number(-9, 9);
+        const double dHalfWidth = Number(20, 34);
+        const double dHalfHeight = Number(20, 34);
+        PaintPrint(dX, dY, dHalfWidth, dHalfHeight, Number(80, 220));
         return m_Image;
     }
 
@@ -85,7 +85,7 @@ private:
     void PaintPlaten() {
         const int nLight = Number(150, 265);
         const double dSlope = Number(-60, 60);
-        const int nNoise = Number(0, m_nMostNoise);
+        const int nNoise = Number(0, 8);
         Paint([&](int x, int, double) {
             return nLight + dSlope * (1.0 * x / m_Image.Width() - 0.5) + Number(-nNoise, nNoise);
         });
@@ -105,6 +105,15 @@ private:
         });
     }
 
+    void PaintWaves() {
+        const double dHeight = Number(10, 60);
+        const double dAcross = Number(20, 70) / 100.0;
+        const double dDown = Number(20, 70) / 100.0;
+        Paint([&](int x, int y, double d) {
+            return d - dHeight * (1.0 + std::sin(x * dAcross) * std::sin(y * dDown));
+        });
+    }
+
     void PaintSpeck() {
         const int nX = Number(0, m_Image.Width() - 1);
         const int nY = Number(0, m_Image.Height() - 1);
@@ -116,7 +125,6 @@ private:
     }
 
     std::mt19937 m_Random;
-    int m_nMostNoise = 8; ///< grey values
     ClTestImage m_Image;
 };
 
