@@ -128,11 +128,11 @@ double ClFingerScanner::Contamination(const sim::ClRaster& Raw) const {
     return dLevel;
 }
 
-double OverlapOf(const sim::ClRaster& Mask, const sim::ClRaster& Area) {
+double OverlapOf(const sim::ClRaster& Mask, const sim::ClRaster& Area, int nThreshold) {
     int nBoth = 0;
     int nEither = 0;
     for (std::size_t n = 0; n < Area.m_aPixels.size(); ++n) {
-        const bool bMask = Mask.m_aPixels[n] < cnMaskThreshold;
+        const bool bMask = Mask.m_aPixels[n] < nThreshold;
         const bool bArea = Area.m_aPixels[n] == 0;
         nBoth += bMask && bArea;
         nEither += bMask || bArea;

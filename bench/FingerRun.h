@@ -47,12 +47,14 @@ private:
     void* m_pHandle;
 };
 
-/// A mask pixel below this is finger.
+/// A mask pixel below this is finger: half way through the soft rim.
 constexpr int cnMaskThreshold = 128;
+/// A mask pixel below this is finger or rim.
+constexpr int cnBackground = 255;
 
-/// Intersection over union of the mask's finger and a true area, which is 0 on the finger and not
-/// empty.
-double OverlapOf(const sim::ClRaster& Mask, const sim::ClRaster& Area);
+/// Intersection over union of the mask's pixels below a value and a true area, which is 0 on the
+/// finger and not empty.
+double OverlapOf(const sim::ClRaster& Mask, const sim::ClRaster& Area, int nThreshold);
 
 bool HasFinger(const sim::ClCapture& Capture);
 

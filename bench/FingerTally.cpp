@@ -42,8 +42,11 @@ void ClFingerTally::AddTaken(const ClFingerRun& Run, const sim::ClCapture& Captu
     m_Dry.Add(Run.m_dDry);
     if (!HasFinger(Capture))
         return;
-    m_Area.Add(OverlapOf(Run.m_Mask, Capture.m_FingerArea));
-    m_Print.Add(OverlapOf(Run.m_Mask, PrintArea(Capture)));
+    const sim::ClRaster Print = PrintArea(Capture);
+    m_Area.Add(OverlapOf(Run.m_Mask, Capture.m_FingerArea, cnMaskThreshold));
+    m_Print.Add(OverlapOf(Run.m_Mask, Print, cnMaskThreshold));
+    m_AreaWithRim.Add(OverlapOf(Run.m_Mask, Capture.m_FingerArea, cnBackground));
+    m_PrintWithRim.Add(OverlapOf(Run.m_Mask, Print, cnBackground));
 }
 
 void ClFingerTally::AddSensitive(const ClFingerRun& Run, const sim::ClCapture& Capture) {
@@ -52,7 +55,7 @@ void ClFingerTally::AddSensitive(const ClFingerRun& Run, const sim::ClCapture& C
     ++m_nTakenSensitive;
     m_DrySensitive.Add(Run.m_dDry);
     if (HasFinger(Capture))
-        m_AreaSensitive.Add(OverlapOf(Run.m_Mask, Capture.m_FingerArea));
+        m_AreaSensitive.Add(OverlapOf(Run.m_Mask, Capture.m_FingerArea, cnMaskThreshold));
 }
 
 bool ClFingerTally::Measure(const ClFingerScanner& Finger, const sim::ClCapture& Capture) {
@@ -71,20 +74,22 @@ bool ClFingerTally::Measure(const ClFingerScanner& Finger, const sim::ClCapture&
 }
 
 void ClFingerTally::PrintHead(const char* szFirstColumn) {
-    std::printf(
-        "| %s | taken | too dirty | no free platen | overlap, finger | overlap, print | dirt "
-        "level | dry finger level | contamination | taken, sensitive | overlap, finger, "
-        "sensitive | dry finger level, sensitive |\n"
-        "|---|---|---|---|---|---|---|---|---|---|---|---|\n",
-        szFirstColumn);
+    std::printf("| %s | taken | too dirty | no free platen | overlap, finger | overlap, print | "
+                "overlap with rim, finger | overlap with rim, print | dirt level | dry finger "
+                "level | contamination | taken, sensitive | overlap, finger, "
+                "sensitive | dry finger level, sensitive |\n"
+                "|---|---|---|---|---|---|---|---|---|---|---|---|---|---|\n",
+                szFirstColumn);
 }
 
 void ClFingerTally::Print(const std::string& sFirstColumn) const {
-    std::printf("| %s | %d of %d | %d | %d | %s | %s | %s | %s | %s | %d | %s | %s |\n",
+    std::printf("| %s | %d of %d | %d | %d | %s | %s | %s | %s | %s | %s | %s | %d | %s | %s |\n",
                 sFirstColumn.c_str(), m_nTaken, m_nCaptures, m_nTooDirty, m_nNoFreePlaten,
-                m_Area.LowText(2).c_str(), m_Print.LowText(2).c_str(), m_Dirt.Text(1).c_str(),
-                m_Dry.Text(1).c_str(), m_Contamination.Text(1).c_str(), m_nTakenSensitive,
-                m_AreaSensitive.LowText(2).c_str(), m_DrySensitive.Text(1).c_str());
+                m_Area.LowText(2).c_str(), m_Print.LowText(2).c_str(),
+                m_AreaWithRim.LowText(2).c_str(), m_PrintWithRim.LowText(2).c_str(),
+                m_Dirt.Text(1).c_str(), m_Dry.Text(1).c_str(), m_Contamination.Text(1).c_str(),
+                m_nTakenSensitive, m_AreaSensitive.LowText(2).c_str(),
+                m_DrySensitive.Text(1).c_str());
     std::fflush(stdout);
 }
 

@@ -40,10 +40,12 @@ private:
     int m_nCaptures = 0;
     int m_nTaken = 0;
     /// Refused although a finger was found, which shows in a mask that is not all white.
-    int m_nTooDirty = 0;      ///< dirt of 2000 or more
-    int m_nNoFreePlaten = 0;  ///< the finger leaves nothing to measure the dirt on
-    ClSpread m_Area;          ///< overlap with the finger
-    ClSpread m_Print;         ///< overlap with its print
+    int m_nTooDirty = 0;     ///< dirt of 2000 or more
+    int m_nNoFreePlaten = 0; ///< the finger leaves nothing to measure the dirt on
+    ClSpread m_Area;         ///< overlap with the finger
+    ClSpread m_Print;        ///< overlap with its print
+    ClSpread m_AreaWithRim;  ///< the same of all that is not wholly background
+    ClSpread m_PrintWithRim;
     ClSpread m_Dirt;          ///< of what was taken: the others have fixed levels
     ClSpread m_Dry;           ///< the same
     ClSpread m_Contamination; ///< of all

@@ -273,6 +273,7 @@ TEST_F(IpContrastMask2, WorksOnAtMost4096PixelsOfAnAxis) {
 TEST_F(IpContrastMask2, WorksOnAtMost8MillionPixels) {
     Check(4000, 2000, cnWorkPels, cnWorkPels);
     Check(2000, 4000, cnWorkPels, cnWorkPels);
+    EXPECT_THROWS(Check(2589, 3090, cnWorkPels, cnWorkPels), ClExTessarin, -13, cszPels); // by 10
     EXPECT_THROWS(Check(4000, 2001, cnWorkPels, cnWorkPels), ClExTessarin, -13, cszPels);
     EXPECT_THROWS(Check(2001, 4000, cnWorkPels, cnWorkPels), ClExTessarin, -13, cszPels);
 }
