@@ -9,10 +9,17 @@
 #include "support/Throws.h"
 
 #include <limits>
+#include <random>
 
 namespace TestSupport {
 
-/// `Traits` has `Filter`, `Naive`, `cszFile`, `cnEvenWidthLine`, `cnNoInImageLine`,
+/// The filter has not changed its input; values that are no numbers compare, too.
+inline void ExpectSameBytes(const ClImage& Actual, const ClImage& Before) {
+    ASSERT_EQ(Actual.SizeBytes(), Before.SizeBytes());
+    EXPECT_EQ(std::memcmp(Actual.Data(), Before.Data(), Before.SizeBytes()), 0);
+}
+
+/// `Traits` has `Filter`, `Naive`, `Takes`, `cszFile`, `cnEvenWidthLine`, `cnNoInImageLine`,
 /// `cnNoOutImageLine`.
 template <class Traits>
 class ExtremeFilter : public testing::Test {
@@ -24,7 +31,7 @@ public:
         ClTestImage out;
         Filter filter;
         EXPECT_EQ(filter.ApplyParam(in, out, nWidth, nMode), 0);
-        ExpectSameImage(in, In);
+        ExpectSameBytes(in, In);
         return out;
     }
 
@@ -33,6 +40,11 @@ public:
         EXPECT_EQ(e.Line(), nLine);
     }
 };
+
+/// Equal, or both no number.
+inline bool SameReal(double a, double b) {
+    return a == b || (std::isnan(a) && std::isnan(b));
+}
 
 /// Gives a test the checks that the frame does not let through to DoProcess().
 template <class Filter>
@@ -125,6 +137,34 @@ TYPED_TEST_P(ExtremeFilter, SpreadsOverSeveralRounds) {
                   RealPixels(this->Filtered(in, 11, nMode)));
 }
 
+TYPED_TEST_P(ExtremeFilter, FollowsItsWalkWhereValuesAreNoNumbers) {
+    const auto takes = [](double a, double b) { return TypeParam::Takes(a, b); };
+    std::mt19937 random(11);
+    for (unsigned char nType : {ClImage::eFloat32, ClImage::eDouble64})
+        for (int nCount : {1, 2, 5, 12, 40})
+            for (long nWidth : {3L, 5L, 9L, 41L}) {
+                ClTestImage in = RandomImage(nType, nCount, 1, 1, static_cast<unsigned>(random()));
+                for (int x = 0; x < nCount; ++x)
+                    if (random() % 4 == 0)
+                        SetSample(in, x, 0, 0, std::nan(""));
+                const Values aLine = RealPixels(in)[0];
+                const Values aExpected = WalkedExtremes(aLine, nWidth / 2, takes);
+                ClTestImage column = BlankImage(nType, 1, nCount);
+                for (int y = 0; y < nCount; ++y)
+                    SetSample(column, 0, y, 0, aLine[static_cast<std::size_t>(y)]);
+                const ClTestImage alongX = this->Filtered(in, nWidth, 1);
+                const ClTestImage alongY = this->Filtered(column, nWidth, 2);
+                for (int i = 0; i < nCount; ++i) {
+                    EXPECT_TRUE(
+                        SameReal(Sample(alongX, i, 0), aExpected[static_cast<std::size_t>(i)]))
+                        << nCount << ", width " << nWidth << " at " << i;
+                    EXPECT_TRUE(
+                        SameReal(Sample(alongY, 0, i), aExpected[static_cast<std::size_t>(i)]))
+                        << nCount << ", width " << nWidth << " at " << i;
+                }
+            }
+}
+
 // Failures
 
 TYPED_TEST_P(ExtremeFilter, RefusesEvenWidths) {
@@ -143,12 +183,29 @@ TYPED_TEST_P(ExtremeFilter, RefusesEvenWidths) {
     }
 }
 
-TYPED_TEST_P(ExtremeFilter, TestsTheWidthBeforeTheInput) {
+TYPED_TEST_P(ExtremeFilter, TestsTheWidthBeforeTheImages) {
+    ClTestImage image = Img({{1, 2}});
+    ClTestImage planes = RandomImage(ClImage::eUInt8, 3, 2, 3, 1);
+    for (ClImage* pIn : {static_cast<ClImage*>(nullptr), static_cast<ClImage*>(&image),
+                         static_cast<ClImage*>(&planes)}) {
+        typename TypeParam::Filter filter;
+        filter.m_pInImage = pIn;
+        filter.m_nFilterWidth = 4;
+        EXPECT_THROWS(filter.DoProcess(), ClException, -44, "Filter width has to be odd.");
+        EXPECT_THROWS(filter.Apply(), ClException, -44, "Filter width has to be odd.");
+    }
+}
+
+TYPED_TEST_P(ExtremeFilter, TestsTypeAndModeBeforeTheOutput) {
+    ClTestImage in = Img({{1, 2}});
     typename TypeParam::Filter filter;
-    filter.m_nFilterWidth = 4;
-    EXPECT_NUMBER(filter.DoProcess(), -44);
-    filter.m_nFilterWidth = 3;
-    EXPECT_EQ(filter.DoProcess(), -35);
+    filter.m_pInImage = &in;
+    filter.m_nMode = 8;
+    EXPECT_EQ(filter.Apply(), -33);
+    filter.m_nMode = 5;
+    EXPECT_THROWS(filter.Apply(), ClExTessarin, -6, "Unknown error code.");
+    in.SetDataType(3);
+    EXPECT_EQ(filter.Apply(), -101);
 }
 
 TYPED_TEST_P(ExtremeFilter, CopiesForEvenWidthsBelowOne) {
@@ -184,10 +241,34 @@ TYPED_TEST_P(ExtremeFilter, AnswersMissingImages) {
     typename TypeParam::Filter filter;
     EXPECT_EQ(filter.Apply(), -35);
     EXPECT_EQ(filter.DoProcess(), -35);
-    filter.m_pInImage = &in;
+    ClTestImage out = Img({{9}});
+    filter.m_pOutImage = &out;
     EXPECT_EQ(filter.Apply(), -35);
-    filter.m_pInImage = &claim;
     EXPECT_EQ(filter.DoProcess(), -35);
+    filter.m_pInImage = &claim;
+    EXPECT_EQ(filter.Apply(), -35);
+    EXPECT_EQ(filter.DoProcess(), -35);
+    filter.m_nFilterWidth = 1;
+    EXPECT_EQ(filter.Apply(), -35);
+    filter.m_pInImage = &in;
+    filter.m_pOutImage = nullptr;
+    EXPECT_EQ(filter.Apply(), -35);
+    EXPECT_EQ(Pixels(out), Rows({{9}}));
+}
+
+TYPED_TEST_P(ExtremeFilter, AnswersSeveralPlanesWithoutAnOutputOrPixels) {
+    ClTestImage planes = RandomImage(ClImage::eUInt8, 3, 2, 3, 1);
+    ClImage claim;
+    claim.Attach(nullptr, planes);
+    typename TypeParam::Filter filter;
+    filter.m_pInImage = &planes;
+    EXPECT_EQ(filter.Apply(), -35);
+    EXPECT_EQ(filter.m_pOutImage, nullptr);
+    filter.m_nMode = 8;
+    EXPECT_EQ(filter.Apply(), -33);
+    ClTestImage out = Img({{9}});
+    EXPECT_EQ(filter.ApplyParam(claim, out, 3, 3), -35);
+    EXPECT_EQ(Pixels(out), Rows({{9}}));
 }
 
 TYPED_TEST_P(ExtremeFilter, NamesAMissingImage) {
@@ -203,6 +284,7 @@ TYPED_TEST_P(ExtremeFilter, NamesAMissingImage) {
     for (long nMode : {1L, 2L, 3L}) {
         filter.m_nMode = nMode;
         EXPECT_THROWS(filter.DoProcess(), ClException, -701, "m_pOutImage is not set");
+        EXPECT_THROWS(filter.Apply(), ClException, -701, "m_pOutImage is not set");
         try {
             filter.DoProcess();
         } catch (const ClException& e) {
@@ -252,7 +334,8 @@ TYPED_TEST_P(ExtremeFilter, TakesAnImageWithoutSamples) {
         EXPECT_EQ(filter.ApplyParam(in, out, 3, nMode), 0);
         EXPECT_EQ(out.SizeBytes(), 0u);
         ClTestImage full = Img({{1}});
-        EXPECT_NUMBER(filter.ApplyParam(in, full, 3, nMode), -101);
+        EXPECT_THROWS(filter.ApplyParam(in, full, 3, nMode), ClException, -101,
+                      "Image area must be positive");
     }
 }
 
@@ -279,15 +362,14 @@ TYPED_TEST_P(ExtremeFilter, AnswersEveryMissingAllocation) {
             }
 }
 
-REGISTER_TYPED_TEST_SUITE_P(ExtremeFilter, EqualsItsDefinitionOnEveryPixelType,
-                            EqualsItsDefinitionAtEveryWidth,
-                            TakesTheNextExtremeWhenOneHasLeftTheWindow, TakesTheWidestWindow,
-                            KeepsRangeContentAttributeAndResolution, FiltersPlanesOneByOne,
-                            SpreadsOverSeveralRounds, RefusesEvenWidths,
-                            TestsTheWidthBeforeTheInput, CopiesForEvenWidthsBelowOne,
-                            RefusesToWorkInPlace, WorksInPlaceBehindTheFrame, AnswersMissingImages,
-                            NamesAMissingImage, RefusesDirectedAndUnknownModes,
-                            RefusesUnknownPixelTypes, TakesAnImageWithoutSamples,
-                            AnswersEveryMissingAllocation);
+REGISTER_TYPED_TEST_SUITE_P(
+    ExtremeFilter, EqualsItsDefinitionOnEveryPixelType, EqualsItsDefinitionAtEveryWidth,
+    TakesTheNextExtremeWhenOneHasLeftTheWindow, TakesTheWidestWindow,
+    KeepsRangeContentAttributeAndResolution, FiltersPlanesOneByOne, SpreadsOverSeveralRounds,
+    RefusesEvenWidths, TestsTheWidthBeforeTheImages, TestsTypeAndModeBeforeTheOutput,
+    AnswersSeveralPlanesWithoutAnOutputOrPixels, FollowsItsWalkWhereValuesAreNoNumbers,
+    CopiesForEvenWidthsBelowOne, RefusesToWorkInPlace, WorksInPlaceBehindTheFrame,
+    AnswersMissingImages, NamesAMissingImage, RefusesDirectedAndUnknownModes,
+    RefusesUnknownPixelTypes, TakesAnImageWithoutSamples, AnswersEveryMissingAllocation);
 
 } // namespace TestSupport

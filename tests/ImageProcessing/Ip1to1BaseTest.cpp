@@ -117,7 +117,8 @@ TEST(Ip1to1Base, AnswersUnknownTypes) {
     ClTestImage image = Img({{1, 2}});
     EXPECT_EQ(ip.ApplyParam(image, image, 7), -101);
     EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
-    EXPECT_NUMBER(ip.ApplyParam(image, out, ClImage::eTypeUnknown), -101);
+    EXPECT_THROWS(ip.ApplyParam(image, out, ClImage::eTypeUnknown), ClException, -101,
+                  "Image area must be positive");
 }
 
 TEST(Ip1to1Base, WorksInPlaceOnlyForATypeThatNoImageHas) {
@@ -134,6 +135,51 @@ TEST(Ip1to1Base, WorksInPlaceOnlyForATypeThatNoImageHas) {
     EXPECT_EQ(out.Width(), 2);
 }
 
+TEST(Ip1to1Base, GivesTheOutputTheTypeOfTheInputFor255) {
+    for (unsigned char nIn : caPixelTypes)
+        for (bool bInPlace : {false, true}) {
+            ClIpOld ip;
+            ip.m_Value = [](double d) { return d; };
+            ip.m_bInPlace = bInPlace;
+            ClTestImage in = RandomImage(nIn, 5, 3, 2, 7);
+            ClTestImage out = RandomImage(ClImage::eUInt16, 5, 3, 2, 8);
+            EXPECT_EQ(ip.ApplyParam(in, out, 255), 0);
+            EXPECT_EQ(ip.m_nOutImageType, 255);
+            EXPECT_EQ(out.DataType(), nIn);
+            EXPECT_EQ(RealPixels(out), RealPixels(in));
+            ClTestImage image(in);
+            EXPECT_EQ(ip.ApplyParam(image, image, 255), 0);
+            EXPECT_EQ(image.DataType(), nIn);
+            EXPECT_NE(ip.m_pSeenOut, &image); // through a local image, whatever m_bInPlace
+            EXPECT_EQ(RealPixels(image), RealPixels(in));
+        }
+}
+
+/// All of in place, output type 255 and input type 255 take the image as it is; with one of them
+/// missing the output is made by its type, and goes through a local image.
+TEST(Ip1to1Base, AsksForAllThreeToWorkInPlace) {
+    alignas(8) unsigned char aBytes[64] = {};
+    const struct {
+        bool m_bInPlace;
+        unsigned char m_nOutType, m_nInType;
+        bool m_bDirect;
+    } aCases[] = {{true, 255, 255, true},
+                  {false, 255, 255, false},
+                  {true, ClImage::eUInt8, 255, false},
+                  {true, 255, ClImage::eUInt8, false}};
+    for (const auto& c : aCases) {
+        ClIpOld ip;
+        ip.m_bInPlace = c.m_bInPlace;
+        ip.m_Loop = [](ClImage&, ClImage&) { return 3L; }; // a result that keeps the image
+        ClImage in;
+        in.Attach(aBytes, c.m_nInType, 2, 1, 1, 0, 0);
+        EXPECT_EQ(ip.ApplyParam(in, in, c.m_nOutType), 3);
+        EXPECT_EQ(ip.m_pSeenOut == &in, c.m_bDirect);
+        EXPECT_EQ(in.Data(), aBytes);
+        EXPECT_EQ(in.DataType(), c.m_nInType);
+    }
+}
+
 TEST(Ip1to1Base, KeepsTheImageWhereTheLoopFails) {
     ClIpOld ip;
     ip.m_Loop = [](ClImage&, ClImage& Out) {
@@ -144,6 +190,9 @@ TEST(Ip1to1Base, KeepsTheImageWhereTheLoopFails) {
     EXPECT_EQ(ip.ApplyParam(image, image, ClImage::eInt16), -35);
     EXPECT_EQ(image.DataType(), ClImage::eUInt8);
     EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
+    ip.m_Loop = [](ClImage&, ClImage&) { return 35L; };
+    EXPECT_EQ(ip.ApplyParam(image, image, ClImage::eInt16), 35);
+    EXPECT_EQ(image.DataType(), ClImage::eUInt8);
 }
 
 TEST(Ip1to1Base, AnswersEveryMissingAllocation) {

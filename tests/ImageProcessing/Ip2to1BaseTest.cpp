@@ -83,8 +83,22 @@ TEST(Ip2to1Base, AnswersValuesThatAreNoPixelType) {
     EXPECT_EQ(ip.ApplyParam(image, image, image, 7), -101);
     EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
     EXPECT_EQ(ip.m_pSeenOut, nullptr);
-    EXPECT_THROWS(ip.ApplyParam(image, image, out, ClImage::eTypeUnknown), ClException, -101,
-                  "Image area must be positive");
+    EXPECT_EQ(ip.ApplyParam(image, image, out, ClImage::eTypeUnknown), -101);
+    TestSupport::ExpectEmptyImage(out);
+}
+
+TEST(Ip2to1Base, TestsTheTypesBeforeItTouchesTheOutput) {
+    ClIpPairProbe ip;
+    alignas(8) unsigned char aBytes[96] = {};
+    ClTestImage image = Img({{1, 2}});
+    ClImage strange;
+    strange.Attach(aBytes, 3, 2, 1, 1, 0, 0);
+    ClTestImage out = RandomImage(ClImage::eInt16, 3, 2, 3, 1);
+    const ClTestImage before(out);
+    EXPECT_EQ(ip.ApplyParam(strange, image, out, ceDefault), -101);
+    EXPECT_EQ(ip.ApplyParam(image, strange, out, ceDefault), -101);
+    EXPECT_EQ(ip.ApplyParam(image, image, out, 7), -101);
+    ExpectSameImage(out, before);
 }
 
 TEST(Ip2to1Base, AnswersValuesThatAreNoPixelTypeFromTheLoop) {
@@ -156,9 +170,11 @@ TEST(Ip2to1Base, AnswersASizeBeyondWhatAnImageHolds) {
     ip.m_bSizeMustBeEqual = false;
     ip.m_nOffsetX = 1000000;
     ip.m_nOffsetY = -1000000;
-    EXPECT_NUMBER(ip.ApplyParam(in, in, out, ceDefault), -102);
+    EXPECT_THROWS(ip.ApplyParam(in, in, out, ceDefault), ClExBadAlloc, -102,
+                  "Memory allocation failed");
     TestSupport::ExpectEmptyImage(out);
-    EXPECT_NUMBER(ip.ApplyParam(in, in, in, ceDefault), -102);
+    EXPECT_THROWS(ip.ApplyParam(in, in, in, ceDefault), ClExBadAlloc, -102,
+                  "Memory allocation failed");
     EXPECT_EQ(Pixels(in), Rows({{1, 2}}));
 }
 
@@ -352,7 +368,8 @@ TEST(Ip2to1Base, KeepsTheImageWhereTheLoopFails) {
     EXPECT_EQ(ip.ApplyParam(image, image, image, ceDefault), -35);
     ExpectSameImage(image, copy);
     ip.m_Loop = [](ClImage&) -> long { throw ClExTessarin(-44, VEK_HERE); };
-    EXPECT_NUMBER(ip.ApplyParam(image, image, image, ceDefault), -44);
+    EXPECT_THROWS(ip.ApplyParam(image, image, image, ceDefault), ClExTessarin, -44,
+                  "One(or more) parameter(s) is(are) invalid.");
     ExpectSameImage(image, copy);
 }
 
@@ -362,7 +379,8 @@ TEST(Ip2to1Base, LetsTheExceptionOfAValueThrough) {
         ip.m_bUseLUT = bUseLUT;
         ip.m_Value = [](double, double) -> double { throw ClExTessarin(-44, VEK_HERE); };
         ClTestImage image = Img({{1, 2}});
-        EXPECT_NUMBER(ip.ApplyParam(image, image, image, ceDefault), -44);
+        EXPECT_THROWS(ip.ApplyParam(image, image, image, ceDefault), ClExTessarin, -44,
+                      "One(or more) parameter(s) is(are) invalid.");
         EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
     }
 }

@@ -213,7 +213,8 @@ TEST(IpArithmetic2to1Base, KeepsTheImageWhereTheOperatorFails) {
         *pOut = 99;
         throw ClExTessarin(-44, VEK_HERE);
     };
-    EXPECT_NUMBER(ip.ApplyParam(image, image, image), -44);
+    EXPECT_THROWS(ip.ApplyParam(image, image, image), ClExTessarin, -44,
+                  "One(or more) parameter(s) is(are) invalid.");
     EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
     EXPECT_EQ(ip.m_pOutImage, &image);
 }

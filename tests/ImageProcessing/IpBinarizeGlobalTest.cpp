@@ -248,6 +248,28 @@ TEST(IpBinarizeGlobal, LetsEverythingBeWhiteWithoutAnyThreshold) {
     }
 }
 
+TEST(IpBinarizeGlobal, LetsBytesBeBlackWithoutAnyThreshold) {
+    for (bool bUseLUT : {false, true}) {
+        ClTestImage in = Img({{0, 100, 255}});
+        in.SetBlack(cdNaN);
+        ClImage out;
+        ClIpBinarizeGlobal ip;
+        ip.m_bUseLUT = bUseLUT;
+        ip.m_dBlack = 3.0;
+        ip.m_dWhite = 200.0;
+        EXPECT_EQ(ip.ApplyParam(in, out, cdNaN), 0);
+        EXPECT_EQ(Pixels(out), Rows({{3, 3, 3}}));
+    }
+}
+
+TEST(IpBinarizeGlobal, LetsASampleThatIsNotANumberBeWhite) {
+    ClTestImage in = Img(ClImage::eFloat32, {{cdNaN, -1.0, 1.0}});
+    ClImage out;
+    ClIpBinarizeGlobal ip;
+    EXPECT_EQ(ip.ApplyParam(in, out, 0.5), 0);
+    EXPECT_EQ(Pixels(out), Rows({{1, -1, 1}}));
+}
+
 TEST(IpBinarizeGlobal, LimitsTheThresholdToTheType) {
     // a range wider than the type admits thresholds that no sample has
     ClTestImage in = Img(ClImage::eInt16, {{-32768, 0, 32767}});

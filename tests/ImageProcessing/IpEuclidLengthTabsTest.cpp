@@ -81,5 +81,5 @@ TEST(IpEuclidLengthTabs, HoldEveryLength) {
 TEST(IpEuclidLengthTabs, AreNotWrittenWithoutADirectory) {
     EXPECT_THROWS(ClIpEuclidLength::MakeCppFilesFromTabs(nullptr), ClException, -44,
                   "szPath is NULL");
-    EXPECT_NUMBER(ClIpEuclidLength::MakeCppFilesFromTabs("/dev/null"), -200);
+    EXPECT_THROWS(ClIpEuclidLength::MakeCppFilesFromTabs("/dev/null"), ClExFilesystem, -200, "IpEuclidLengthTabs.cpp");
 }

@@ -39,7 +39,7 @@ public:
     long ProcessSignedDirected(bool bOrtho) override {
         return Note(bOrtho ? "SignedOrtho" : "SignedDirected");
     }
-    long CheckDirections() const { return CheckDirectionImages(); }
+    long CheckDirections() const { return CheckDirectionImages("Here", 7); }
 
     /// The work, given the input and output of the moment.
     std::function<long(const ClImage&, ClImage&)> m_Work = [](const ClImage&, ClImage&) {
@@ -234,6 +234,15 @@ TEST(IpFilterBase, RefusesToFilterOnePlaneInPlace) {
     EXPECT_EQ(filter.m_aCalls, Calls());
 }
 
+TEST(IpFilterBase, TestsTheModeBeforeTheOutput) {
+    ClTestImage image = Img({{1}});
+    ClIpProbe filter;
+    filter.m_pInImage = &image;
+    filter.m_nMode = 4;
+    EXPECT_THROWS(filter.Apply(), ClExTessarin, -6, "Unknown error code.");
+    EXPECT_EQ(filter.m_aCalls, Calls());
+}
+
 // Dispatch
 
 TEST(IpFilterBase, ChoosesByModeAndSignedness) {
@@ -340,7 +349,7 @@ TEST(IpFilterBase, GetsItsImagesBackFromAnException) {
     ClIpProbe filter;
     filter.m_Work = [](const ClImage&, ClImage&) -> long { throw ClExTessarin(-44, VEK_HERE); };
     SetImages(filter, in, out);
-    EXPECT_NUMBER(filter.Apply(), -44);
+    EXPECT_THROWS(filter.Apply(), ClExTessarin, -44, "One(or more) parameter(s) is(are) invalid.");
     EXPECT_EQ(filter.m_pInImage, &in);
     EXPECT_EQ(filter.m_pOutImage, &out);
 }
@@ -354,8 +363,18 @@ TEST(IpFilterBase, NamesAMissingDirectionImage) {
     EXPECT_THROWS(filter.CheckDirections(), ClException, -701, "m_pInDxImage is not set");
     filter.m_pInDxImage = &in;
     EXPECT_THROWS(filter.CheckDirections(), ClException, -701, "m_pInDyImage is not set");
+    try {
+        filter.CheckDirections();
+    } catch (const ClException& e) {
+        EXPECT_STREQ(e.File(), "Here");
+        EXPECT_EQ(e.Line(), 7);
+    }
     filter.m_pInDyImage = &in;
+    EXPECT_EQ(filter.CheckDirections(), -35); // without an output
+    filter.m_pOutImage = &in;
     EXPECT_EQ(filter.CheckDirections(), 0);
+    filter.m_pInImage = nullptr;
+    EXPECT_EQ(filter.CheckDirections(), -35);
 }
 
 TEST(IpFilterBase, RefusesDirectionImagesOfAnotherShape) {
@@ -368,7 +387,7 @@ TEST(IpFilterBase, RefusesDirectionImagesOfAnotherShape) {
         FlatImage(ClImage::eInt8, 3, 3, 1, 0), FlatImage(ClImage::eInt8, 4, 4, 1, 0),
         FlatImage(ClImage::eInt8, 4, 3, 2, 0), FlatImage(ClImage::eInt16, 4, 3, 1, 0)};
     ClIpProbe filter;
-    filter.m_pInImage = &in;
+    SetImages(filter, in, in);
     for (ClImage* pBad :
          {&static_cast<ClImage&>(aBad[0]), &static_cast<ClImage&>(aBad[1]),
           &static_cast<ClImage&>(aBad[2]), &static_cast<ClImage&>(aBad[3]), &empty, &claim}) {

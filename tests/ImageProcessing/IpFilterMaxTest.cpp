@@ -3,6 +3,8 @@
 #include "ImageProcessing/ExtremeFilterCases.h"
 #include "ImageProcessing/IpFilterMin.h"
 
+#include <string>
+
 namespace TestSupport {
 
 struct StMaxTraits {
@@ -11,6 +13,7 @@ struct StMaxTraits {
     static constexpr long cnEvenWidthLine = 214;
     static constexpr long cnNoInImageLine = 302;
     static constexpr long cnNoOutImageLine = 303;
+    static bool Takes(double a, double b) { return a >= b; }
     static RealRows Naive(const RealRows& aIn, long nMode, long nWidth) {
         return NaiveMax(aIn, nMode, nWidth);
     }
@@ -91,6 +94,28 @@ TEST(IpFilterMax, ClosesGapsOnceAndForAll) {
                 for (std::size_t x = 0; x < aIn[y].size(); ++x)
                     EXPECT_GE(aOnce[y][x], aIn[y][x]);
         }
+}
+
+std::string Printed(const ClTestImage& In, long nWidth) {
+    ClTestImage in = In;
+    ClImage out;
+    ClIpFilterMax filter;
+    EXPECT_EQ(filter.ApplyParam(in, out, nWidth, 1), 0);
+    std::string text;
+    const TestSupport::RealRows aOut = TestSupport::RealPixels(out);
+    for (double d : aOut[0])
+        text += std::isnan(d) ? "? " : std::to_string(static_cast<int>(d)) + " ";
+    return text;
+}
+
+TEST(IpFilterMax, NeverTakesAValueThatIsNotANumberButWhereAScanBegins) {
+    const double q = std::nan("");
+    // It enters nowhere; 5 leaves, and the scan for the third sample begins with a 1.
+    EXPECT_EQ(Printed(Img(ClImage::eFloat32, {{5, 1, 1, q, 2, 3, 3}}), 3), "5 5 1 2 3 3 3 ");
+    // The first scan begins with it: what enters is not greater, until the walk from the end.
+    EXPECT_EQ(Printed(Img(ClImage::eFloat32, {{q, 7, 1, 1, 2}}), 3), "? ? ? ? 2 ");
+    // 9 leaves, and the scan for the third sample begins with it.
+    EXPECT_EQ(Printed(Img(ClImage::eFloat32, {{9, q, 5, 4, 2, 3}}), 3), "9 9 ? ? ? 3 ");
 }
 
 TEST(IpFilterMax, LetsInfinityWin) {

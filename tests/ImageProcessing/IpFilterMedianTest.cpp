@@ -137,7 +137,8 @@ TEST(IpFilterMedian, AddsBothDirectionsToTheMode) {
     ClImage out;
     ClIpFilterMedian filter;
     filter.m_nMode = 8;
-    EXPECT_NUMBER(filter.ApplyParam(in, out, 3), -6); // 11 is no mode
+    EXPECT_THROWS(filter.ApplyParam(in, out, 3), ClExTessarin, -6,
+                  "Unknown error code."); // 11 is no mode
 }
 
 // Sorting
@@ -264,7 +265,7 @@ TEST(IpFilterMedian, RefusesUnknownModes) {
     ClTestImage in = Img({{1, 2}});
     ClImage out;
     for (long nMode : {0L, 4L, 24L})
-        EXPECT_NUMBER(Filter(in, out, 3, nMode), -6);
+        EXPECT_THROWS(Filter(in, out, 3, nMode), ClExTessarin, -6, "Unknown error code.");
 }
 
 TEST(IpFilterMedian, TakesAnImageWithoutSamples) {

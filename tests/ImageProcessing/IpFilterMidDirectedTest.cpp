@@ -161,6 +161,23 @@ TEST(IpFilterMidDirected, NamesAMissingDirectionImage) {
     }
 }
 
+TEST(IpFilterMidDirected, TestsTheDirectionImagesBeforeTheOthers) {
+    ClTestImage image = Img({{1, 2, 3}});
+    ClIpFilterMid filter;
+    EXPECT_THROWS(filter.ProcessDirected(false), ClException, -701, "m_pInDxImage is not set");
+    filter.m_pInDxImage = &image;
+    EXPECT_THROWS(filter.ProcessDirected(false), ClException, -701, "m_pInDyImage is not set");
+    filter.m_pInDyImage = &image;
+    EXPECT_EQ(filter.ProcessDirected(false), -35);
+    filter.m_pInImage = &image;
+    EXPECT_EQ(filter.ProcessDirected(true), -35);
+    filter.m_nMode = cnAlong;
+    EXPECT_EQ(filter.DoProcess(), -35);
+    filter.m_pInImage = nullptr;
+    filter.m_pInDxImage = nullptr;
+    EXPECT_EQ(filter.DoProcess(), -35);
+}
+
 TEST(IpFilterMidDirected, RefusesDirectionImagesOfAnotherShape) {
     const ClTestImage in = FlatImage(ClImage::eUInt8, 4, 3, 1, 1);
     const ClTestImage aBad[] = {

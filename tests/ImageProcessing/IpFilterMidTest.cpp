@@ -249,7 +249,6 @@ TEST(IpFilterMid, AnswersMissingImages) {
         EXPECT_EQ(filter.ProcessSignedX(), -35);
         EXPECT_EQ(filter.ProcessSignedY(), -35);
         EXPECT_EQ(filter.ProcessSignedXY(), -35);
-        EXPECT_EQ(filter.ProcessDirected(false), -35);
     };
     expectMissing();
     filter.m_pInImage = &image;
@@ -259,6 +258,34 @@ TEST(IpFilterMid, AnswersMissingImages) {
     expectMissing();
     filter.m_pInImage = &claim;
     expectMissing();
+}
+
+TEST(IpFilterMid, ComparesItsWidthAsItIsWithTheImageAndWithThree) {
+    // An even width, which no Initialize() has made odd: the window is that of the next one.
+    const struct {
+        int m_nWidth, m_nHeight;
+        long m_nFilterWidth, m_nMode;
+        bool m_bCopies;
+    } aCases[] = {{4, 9, 4, 1, false}, {4, 9, 6, 1, true},  {9, 4, 4, 2, false},
+                  {9, 4, 6, 2, true},  {4, 4, 4, 3, false}, {3, 4, 4, 3, true},
+                  {4, 3, 4, 3, true},  {2, 2, 2, 3, false}, {9, 9, 2, 3, false}};
+    for (unsigned char nType : {ClImage::eUInt8, ClImage::eInt8, ClImage::eUInt16})
+        for (const auto& c : aCases) {
+            ClTestImage in = RandomImage(nType, c.m_nWidth, c.m_nHeight, 1, 5);
+            ClTestImage out;
+            ClIpFilterMid filter;
+            filter.m_pInImage = &in;
+            filter.m_pOutImage = &out;
+            filter.m_nFilterWidth = c.m_nFilterWidth;
+            filter.m_nMode = c.m_nMode;
+            EXPECT_EQ(filter.DoProcess(), 0);
+            EXPECT_EQ(filter.m_nFilterWidth, c.m_nFilterWidth);
+            const RealRows aIn = RealPixels(in);
+            EXPECT_EQ(RealPixels(out),
+                      c.m_bCopies ? aIn : NaiveMean(aIn, c.m_nMode, c.m_nFilterWidth))
+                << ClImage::TypeText(nType) << ", " << c.m_nWidth << " by " << c.m_nHeight
+                << ", width " << c.m_nFilterWidth << ", mode " << c.m_nMode;
+        }
 }
 
 TEST(IpFilterMid, RefusesToWorkInPlace) {

@@ -6,6 +6,8 @@
 #include "support/Images.h"
 #include "support/Throws.h"
 
+#include <cmath>
+
 namespace {
 
 using TestSupport::caRankSizes;
@@ -121,6 +123,26 @@ TEST(IpFilterMidTypes, SumRealNumbersOverASquareByColumns) {
               RealRows({{dFirst / 4.0, (1e16 + 4.0) / 6.0, 4.0 / 4.0},
                         {dSecond / 6.0, (1e16 + 8.0) / 9.0, 8.0 / 6.0},
                         {2.0 / 4.0, 4.0 / 6.0, 4.0 / 4.0}}));
+}
+
+TEST(IpFilterMidTypes, KeepAValueThatIsNotANumberInTheRunningSum) {
+    const ClTestImage line = Img(ClImage::eDouble64, {{1, 1, 1, 1, std::nan(""), 1, 1, 1}});
+    ClTestImage in = line;
+    ClTestImage out;
+    ClIpFilterMid filter;
+    filter.m_nMode = 1;
+    EXPECT_EQ(filter.ApplyParam(in, out, 3), 0);
+    for (int x = 0; x < 8; ++x) // it is in from the fourth window on, and never out again
+        EXPECT_EQ(std::isnan(TestSupport::Sample(out, x, 0)), x >= 3) << x;
+
+    ClTestImage square = FlatImage(ClImage::eFloat32, 7, 7, 1, 1);
+    TestSupport::SetSample(square, 2, 3, 0, std::nan(""));
+    filter.m_nMode = 3;
+    EXPECT_EQ(filter.ApplyParam(square, out, 3), 0);
+    for (int y = 0; y < 7; ++y) // so it is in the sum of its column
+        for (int x = 0; x < 7; ++x)
+            EXPECT_EQ(std::isnan(TestSupport::Sample(out, x, y)), y >= 2 && x >= 1)
+                << x << ", " << y;
 }
 
 TEST(IpFilterMidTypes, FilterPlanesOneByOne) {

@@ -11,6 +11,7 @@ struct StMinTraits {
     static constexpr long cnEvenWidthLine = 367;
     static constexpr long cnNoInImageLine = 203;
     static constexpr long cnNoOutImageLine = 204;
+    static bool Takes(double a, double b) { return a <= b; }
     static RealRows Naive(const RealRows& aIn, long nMode, long nWidth) {
         return NaiveMin(aIn, nMode, nWidth);
     }

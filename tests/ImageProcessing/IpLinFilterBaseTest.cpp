@@ -269,7 +269,8 @@ TEST(IpLinFilterBase, FindsNothingToDoInAnImageWithoutSamples) {
             EXPECT_EQ(filter.ApplyTo(in, fresh), 0);
             EXPECT_EQ(fresh.Data(), nullptr);
             ClTestImage used = Img({{9}});
-            EXPECT_NUMBER(filter.ApplyTo(in, used), -101);
+            EXPECT_THROWS(filter.ApplyTo(in, used), ClException, -101,
+                          "Image area must be positive");
         }
 }
 
@@ -291,7 +292,7 @@ TEST(IpLinFilterBase, RefusesAnUnknownMode) {
     ClImage out;
     ClIpTestKernel filter({1.0});
     filter.m_nMode = 4;
-    EXPECT_NUMBER(filter.ApplyTo(in, out), -6);
+    EXPECT_THROWS(filter.ApplyTo(in, out), ClExTessarin, -6, "Unknown error code.");
 }
 
 // Finalize
@@ -378,6 +379,36 @@ TEST(IpLinFilterBase, ChangesNothingAfterAFailureOfAPlane) {
     filter.m_nMode = 1;
     EXPECT_EQ(filter.ApplyTo(image, image), 0);
     EXPECT_EQ(image.DataType(), ClImage::eInt8);
+}
+
+TEST(IpLinFilterBase, ForgetsTheFailureOfAPlaneInARunOfOnePlane) {
+    ClTestImage planes = RandomImage(ClImage::eUInt8, 9, 9, 3, 3);
+    ClTestImage small = FlatImage(ClImage::eInt8, 2, 2, 1, 0);
+    ClImage out;
+    ClIpTestKernel filter({1.0, -1.0});
+    filter.m_nMode = 8;
+    filter.m_pInDxImage = filter.m_pInDyImage = &small;
+    EXPECT_EQ(filter.ApplyTo(planes, out), 0);
+    ExpectEmptyImage(out);
+    ClTestImage plane = RandomImage(ClImage::eUInt8, 9, 9, 1, 3);
+    filter.m_nMode = 1;
+    EXPECT_EQ(filter.ApplyTo(plane, out), 0);
+    EXPECT_EQ(out.DataType(), ClImage::eInt8); // as a kernel with negative taps makes it
+    EXPECT_EQ(out.Black(), -128.0);
+}
+
+TEST(IpLinFilterBase, ForgetsNegativeTapsInARunWithoutAKernel) {
+    ClTestImage in = RandomImage(ClImage::eUInt8, 9, 9, 1, 3);
+    ClTestImage out;
+    ClIpTestKernel filter({1.0, -1.0});
+    filter.m_nMode = 1;
+    EXPECT_EQ(filter.ApplyTo(in, out), 0);
+    EXPECT_EQ(out.DataType(), ClImage::eInt8);
+    EXPECT_TRUE(filter.HasNegativeTaps());
+    filter.m_nFilterWidth = 0;
+    EXPECT_EQ(filter.ApplyTo(in, out), 0);
+    ExpectSameImage(out, in);
+    EXPECT_FALSE(filter.HasNegativeTaps());
 }
 
 } // namespace

@@ -46,6 +46,16 @@ ClTestImage Mapped(const ClTestImage& In) {
     return out;
 }
 
+/// An image with a range of its own.
+ClTestImage RangedImage(int nPlanes) {
+    ClTestImage image = RandomImage(ClImage::eUInt8, 6, 5, nPlanes, 3);
+    image.SetBlack(10.0);
+    image.SetWhite(90.0);
+    image.SetContent(ClImage::eHSV);
+    image.SetAttribute(4);
+    return image;
+}
+
 TEST(IpLookUpTableBase, BeginsWithoutImagesAndWithoutAValidTable) {
     ClIpProbe ip;
     EXPECT_EQ(ip.m_pInImage, nullptr);
@@ -66,7 +76,7 @@ TEST(IpLookUpTableBase, CalculatesTheTableOnceAtTheStartOfARun) {
 }
 
 TEST(IpLookUpTableBase, ReplacesEverySampleOfEveryPlane) {
-    for (int nPlanes = 1; nPlanes <= 5; ++nPlanes)
+    for (int nPlanes = 1; nPlanes <= 4; ++nPlanes)
         for (int nWidth : {1, 2, 5, 16, 33}) {
             ClTestImage in = RandomImage(ClImage::eUInt8, nWidth, 7, nPlanes, 3);
             in.SetAttribute(4);
@@ -77,6 +87,41 @@ TEST(IpLookUpTableBase, ReplacesEverySampleOfEveryPlane) {
             ExpectSameImage(out, Mapped(before));
             ExpectSameImage(in, before);
         }
+}
+
+TEST(IpLookUpTableBase, GivesSeveralPlanesTheRangeOfTheirType) {
+    for (int nPlanes = 1; nPlanes <= 4; ++nPlanes) {
+        const ClTestImage in = RangedImage(nPlanes);
+        ClTestImage expected = Mapped(in);
+        if (nPlanes > 1) {
+            expected.SetBlack(0.0);
+            expected.SetWhite(255.0);
+        }
+        ClTestImage apart(in);
+        ClTestImage out;
+        ClIpProbe ip;
+        EXPECT_EQ(ip.ApplyParam(apart, out), 0);
+        ExpectSameImage(out, expected);
+        ExpectSameImage(apart, in);
+        ClTestImage image(in);
+        EXPECT_EQ(ip.ApplyParam(image), 0);
+        ExpectSameImage(image, expected);
+        image = in;
+        ip.m_pOutImage = nullptr;
+        EXPECT_EQ(ip.Apply(), 0);
+        ExpectSameImage(image, expected);
+    }
+}
+
+TEST(IpLookUpTableBase, RefusesMoreThanFourPlanesBeforeTheOutputChanges) {
+    ClTestImage in = RangedImage(5);
+    const ClTestImage before(in);
+    ClTestImage out = Img({{1, 2, 3}});
+    ClIpProbe ip;
+    EXPECT_THROWS(ip.ApplyParam(in, out), ClException, -35, "Image has more than 4 planes.");
+    EXPECT_EQ(Pixels(out), Rows({{1, 2, 3}}));
+    EXPECT_THROWS(ip.ApplyParam(in), ClException, -35, "Image has more than 4 planes.");
+    ExpectSameImage(in, before);
 }
 
 TEST(IpLookUpTableBase, WorksInPlace) {

@@ -141,6 +141,15 @@ TEST(IpMax, AnswersWhatTheFrameRefuses) {
     EXPECT_EQ(max.DoProcess(strange, in2, in2, 1, 1, 1, 1, 0, 4, 0, 4, 0, 4), -101);
 }
 
+TEST(IpMax, TestsTheTypesBeforeItTouchesTheOutput) {
+    ClIpMax max;
+    ClTestImage in = Img({{1, 2}});
+    ClTestImage out = RandomImage(ClImage::eInt16, 3, 2, 3, 1);
+    const ClTestImage before(out);
+    EXPECT_EQ(max.ApplyParam(in, in, out, 7), -101);
+    TestSupport::ExpectSameImage(out, before);
+}
+
 TEST(IpMax, UsesTheTableWhereItIsToldTo) {
     ClIpMax max;
     max.m_bUseLUT = true;

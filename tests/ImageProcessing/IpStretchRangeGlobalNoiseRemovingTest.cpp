@@ -98,6 +98,15 @@ TEST(IpStretchRangeGlobalNoiseRemoving, TakesTheWidestRangeOfAllPlanes) {
     EXPECT_EQ(out.Planes(), 3);
 }
 
+TEST(IpStretchRangeGlobalNoiseRemoving, RefusesMoreThanFourPlanesBeforeTheOutputChanges) {
+    ClTestImage in = RandomImage(ClImage::eUInt8, 5, 4, 5, 8);
+    ClTestImage out = Img({{1, 2, 3}});
+    ClIpStretchRangeGlobalNoiseRemoving ip;
+    EXPECT_THROWS(ip.ApplyParam(in, out, 0.0, 0.0), ClException, -35,
+                  "Image has more than 4 planes.");
+    EXPECT_EQ(Pixels(out), Rows({{1, 2, 3}}));
+}
+
 TEST(IpStretchRangeGlobalNoiseRemoving, DoesNotUseTheOldRange) {
     ClTestImage in = Img({{50, 100}});
     ClImage out;

@@ -207,6 +207,75 @@ TEST(IpStretchRangeLocalImages, RefusesOtherPixelTypesBeforeTheOutputChanges) {
     EXPECT_EQ(Pixels(out), Rows({{7}}));
 }
 
+TEST(IpStretchRangeLocalImages, TestsWidthThenPlanesThenTypeThenAnEvenWidth) {
+    ClTestImage out = Img({{7}});
+    ClIpStretchRangeLocal ip;
+    ip.m_nSubSampleRate = 1;
+    ClTestImage wrongPlanes = BlankImage(ClImage::eInt16, 5, 5, 2);
+    ClTestImage wrongType = BlankImage(ClImage::eInt16, 5, 5, 3);
+    ip.m_nFilterWidth = 0;
+    EXPECT_EQ(ip.ApplyParam(wrongType, out), -37);
+    ip.m_nFilterWidth = 4;
+    EXPECT_EQ(ip.ApplyParam(wrongPlanes, out), -37);
+    for (int nPlanes : {1, 3}) {
+        wrongType = BlankImage(ClImage::eInt16, 5, 5, nPlanes);
+        EXPECT_THROWS(ip.ApplyParam(wrongType, out), ClException, -101,
+                      "Image Type is not the assigned type");
+        ClTestImage in = RandomImage(ClImage::eUInt8, 5, 5, nPlanes, 1);
+        EXPECT_THROWS(ip.ApplyParam(in, out), ClException, -44, "Filter width has to be odd.");
+    }
+    EXPECT_EQ(Pixels(out), Rows({{7}}));
+}
+
+/// Whatever is missing, the output and the images of the limits change one after the other, at the
+/// end: while one is as before, those behind it are, too.
+TEST(IpStretchRangeLocalImages, ChangesTheOutputWhenEverythingElseIsDone) {
+    for (int nPlanes : {1, 3})
+        for (long nRate : caRates) {
+            ClTestImage in = RandomImage(ClImage::eUInt8, 17, 12, nPlanes, 7);
+            const ClTestImage before = RandomImage(ClImage::eUInt8, 17, 12, nPlanes, 8);
+            ClTestImage out(before); // has its size already: nothing need be allocated
+            long nFailures = 0;
+            TestSupport::FailEachAllocation([&] {
+                out = before;
+                ClImage min;
+                ClImage max;
+                ClIpStretchRangeLocal ip;
+                ip.m_nSubSampleRate = nRate;
+                ip.m_pOptOutMinImage = &min;
+                ip.m_pOptOutMaxImage = &max;
+                try {
+                    ip.ApplyParam(in, out);
+                } catch (const ClExBadAlloc&) {
+                    ++nFailures;
+                    ExpectSameImage(out, before);
+                    if (nPlanes == 1 && min.Data() == nullptr) {
+                        EXPECT_EQ(max.Data(), nullptr);
+                    }
+                    throw;
+                }
+            });
+            EXPECT_GE(nFailures, 10) << nPlanes << " planes, rate " << nRate;
+            EXPECT_NE(Pixels(out), Pixels(before));
+        }
+}
+
+TEST(IpStretchRangeLocalImages, KeepsTheOutputWhereTheWidthIsEven) {
+    for (int nPlanes : {1, 3}) {
+        ClTestImage in = RandomImage(ClImage::eUInt8, 9, 8, nPlanes, 7);
+        const ClTestImage before = RandomImage(ClImage::eUInt8, 9, 8, nPlanes, 8);
+        ClTestImage out(before);
+        ClTestImage limit(before);
+        ClIpStretchRangeLocal ip;
+        ip.m_nSubSampleRate = 1;
+        ip.m_nFilterWidth = 6;
+        ip.m_pOptOutMinImage = ip.m_pOptOutMaxImage = &limit;
+        EXPECT_THROWS(ip.ApplyParam(in, out), ClException, -44, "Filter width has to be odd.");
+        ExpectSameImage(out, before);
+        ExpectSameImage(limit, before);
+    }
+}
+
 TEST(IpStretchRangeLocalImages, KeepsTheInputWhenMemoryIsMissing) {
     for (int nPlanes : {1, 3})
         for (long nRate : caRates) {

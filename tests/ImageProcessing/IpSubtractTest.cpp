@@ -252,6 +252,44 @@ TEST(IpSubtract, EqualsItsDefinitionOnEverySizeOfEightBits) {
     }
 }
 
+TEST(IpSubtract, KeepsTheBoundsOfRealOutputsInDouble) {
+    // As a float 0.1 is greater, so that a difference of 0.1 would lie below it. Above an upper
+    // bound of 0 it lies in any case.
+    ClTestImage in1 = Img(ClImage::eDouble64, {{0.1, 0.05, 0.2}});
+    ClTestImage in2 = Img(ClImage::eDouble64, {{0.0, 0.0, 0.0}});
+    ClIpSubtract subtract;
+    subtract.m_eDataRange = ClIpSubtract::UserDependent;
+    subtract.m_dLowerBound = 0.1;
+    subtract.m_dUpperBound = 0.0;
+    ClImage out;
+    const double dLower = static_cast<double>(0.1F);
+    EXPECT_EQ(subtract.ApplyParam(in1, in2, out, ClImage::eFloat32), 0);
+    EXPECT_EQ(RealPixels(out), RealRows({{0.0, dLower, 0.0}}));
+    EXPECT_EQ(out.Black(), dLower); // the range is in the type of the output even so
+    in1.SetBlack(0.1);
+    in1.SetWhite(0.0);
+    in2.SetBlack(0.0);
+    in2.SetWhite(0.0);
+    subtract.m_eDataRange = ClIpSubtract::InputDependent;
+    EXPECT_EQ(subtract.ApplyParam(in1, in2, out, ClImage::eFloat32), 0);
+    EXPECT_EQ(RealPixels(out), RealRows({{0.0, dLower, 0.0}}));
+}
+
+TEST(IpSubtract, GivesTheLowerBoundForADifferenceThatIsNotANumber) {
+    const double dInfinity = std::numeric_limits<double>::infinity();
+    ClTestImage in1 = Img(ClImage::eDouble64, {{std::nan(""), dInfinity, 1.0}});
+    ClTestImage in2 = Img(ClImage::eDouble64, {{0.0, dInfinity, std::nan("")}});
+    for (unsigned char nOut : {ClImage::eFloat32, ClImage::eDouble64, ClImage::eInt16}) {
+        ClIpSubtract subtract;
+        subtract.m_eDataRange = ClIpSubtract::UserDependent;
+        subtract.m_dLowerBound = -3.0;
+        subtract.m_dUpperBound = 5.0;
+        ClImage out;
+        EXPECT_EQ(subtract.ApplyParam(in1, in2, out, nOut), 0);
+        EXPECT_EQ(Pixels(out), Rows({{-3, -3, -3}}));
+    }
+}
+
 // Planes, failures, table
 
 TEST(IpSubtract, LeavesTheOutputAloneForPlanesThatCannotBePaired) {

@@ -76,6 +76,41 @@ inline RealRows NaiveMin(const RealRows& aIn, long nMode, long nWidth) {
     });
 }
 
+/// The extreme of one line by the walk that is told: only the walk says what becomes of a value
+/// that is not a number. `takes(a, b)` is whether an entering a takes the place of b.
+template <class Takes>
+Values WalkedExtremes(const Values& aIn, long nHalf, Takes takes) {
+    const long nCount = static_cast<long>(aIn.size());
+    const auto at = [&](long i) { return aIn.at(static_cast<std::size_t>(i)); };
+    const auto scan = [&](long nFrom, long nTo) {
+        double dCurrent = at(nFrom);
+        for (long i = nFrom + 1; i <= nTo; ++i)
+            dCurrent = takes(at(i), dCurrent) ? at(i) : dCurrent;
+        return dCurrent;
+    };
+    Values aOut;
+    double dCurrent = 0.0;
+    for (long x = 0; x < nCount; ++x) { // while the window grows, then while it is whole
+        const bool bEnters = x + nHalf < nCount;
+        if (x == 0)
+            dCurrent = scan(0, std::min(nHalf, nCount - 1));
+        else if (bEnters && takes(at(x + nHalf), dCurrent))
+            dCurrent = at(x + nHalf);
+        else if (bEnters && x > nHalf && at(x - nHalf - 1) == dCurrent)
+            dCurrent = scan(x - nHalf, x + nHalf);
+        aOut.push_back(dCurrent);
+    }
+    const long nFirst = std::max(nHalf + 1, nCount - nHalf); // where it shrinks, from the end
+    for (long x = nCount - 1; x >= nFirst; --x) {
+        if (x == nCount - 1)
+            dCurrent = scan(x - nHalf, x);
+        else if (takes(at(x - nHalf), dCurrent))
+            dCurrent = at(x - nHalf);
+        aOut[static_cast<std::size_t>(x)] = dCurrent;
+    }
+    return aOut;
+}
+
 inline RealRows NaiveMedian(const RealRows& aIn, long nMode, long nWidth) {
     return ForEachPlace(aIn, [&](long x, long y) {
         Values aSamples = RepeatedWindow(aIn, x, y, StReach(nMode, nWidth));

@@ -118,10 +118,14 @@ void ExpectPainted(ClImage& In1, ClImage& In2, int nOffsetX, int nOffsetY, unsig
     ip.m_dFillColor = 77.5;
     for (int p = 0; p < 4; ++p)
         ip.m_adPlaneFillColor[p] = 10.0 * p - 5.0;
-    ClTestImage out = RandomImage(ClImage::eUInt8, 9, 3, 1, 99); // something else before
-    EXPECT_EQ(ip.ApplyParam(In1, In2, out, nOut), 0);
-
     StPainter Painter(In1, In2, nOffsetX, nOffsetY, nOut);
+    ClTestImage out = RandomImage(nOut, Painter.m_X.m_nOut, Painter.m_Y.m_nOut, In1.Planes(), 99);
+    const unsigned char* pBuffer = out.Data();
+    EXPECT_EQ(ip.ApplyParam(In1, In2, out, nOut), 0);
+    if (Painter.m_X.m_nOut == In1.Width() && Painter.m_Y.m_nOut == In1.Height()) {
+        EXPECT_EQ(out.Data(), pBuffer); // used again, with what it held
+    }
+
     Painter.m_Value = Mix;
     for (std::size_t p = 0; p < Painter.m_aColors.size(); ++p)
         Painter.m_aColors[p] = In1.Planes() == 1  ? 77.5
@@ -172,6 +176,21 @@ TEST(Overlay, IsPaintedForLinesOfManyBlocks) {
         ExpectPainted(in1, in2, 3, 0, ClImage::eInt32);
         ExpectPainted(in1, in2, -3, 1, ClImage::eInt32);
     }
+}
+
+TEST(Overlay, FillsWhateverTheOutputHeld) {
+    const double aColors[] = {1.0, 20.0, 3.0, 40.0};
+    for (unsigned char nType : caPixelTypes)
+        for (int nPlanes = 1; nPlanes <= 7; ++nPlanes)
+            for (int nWidth : {1, 3, 200}) { // of blocks, too
+                ClTestImage out = RandomImage(nType, nWidth, 2, nPlanes, 1);
+                FillPlanes(out, aColors);
+                for (int y = 0; y < 2; ++y)
+                    for (int x = 0; x < nWidth; ++x)
+                        for (int p = 0; p < nPlanes; ++p)
+                            ASSERT_EQ(Sample(out, x, y, p), nPlanes > 4 ? 0.0 : aColors[p])
+                                << int{nType} << ", " << nPlanes << " planes, " << x << ", " << y;
+            }
 }
 
 // The plain rule of the overlap

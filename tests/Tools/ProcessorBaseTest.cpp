@@ -134,10 +134,12 @@ TEST(ProcessorBase, RunsInitializeProcessAndFinalize) {
 }
 
 TEST(ProcessorBase, EndsAtAResultOfInitialize) {
-    ClIpScripted processor;
-    processor.m_nInit = -5;
-    EXPECT_EQ(processor.Apply(), -5);
-    EXPECT_EQ(processor.m_aCalls, (Calls{"Initialize"}));
+    for (long nResult : {-5L, 1L, 5L}) {
+        ClIpScripted processor;
+        processor.m_nInit = nResult;
+        EXPECT_EQ(processor.Apply(), nResult);
+        EXPECT_EQ(processor.m_aCalls, (Calls{"Initialize"}));
+    }
 }
 
 TEST(ProcessorBase, PassesTheResultOfProcessToFinalizeAndUp) {

@@ -103,6 +103,30 @@ TEST(LocalThresholdKernel, DecidesForOffsetsUpToTheLargestSumOfAnEvenWindow) {
         }
 }
 
+/// A dark pixel in a white window takes part in its own sum: it takes more than 255 lines before an
+/// offset of 382, the largest below the quotient of sum and area, no longer lifts it above.
+TEST(LocalThresholdKernel, DecidesForTheLargestSumOfAnEvenWindowOfManyLines) {
+    const Bytes aWhite(5, 255);
+    Bytes aDark = aWhite;
+    aDark[2] = 0;
+    Lines aLines = {aDark};
+    for (long nLines : {254L, 255L, 256L, 300L, 5000L}) {
+        aLines.resize(static_cast<std::size_t>(nLines), aWhite);
+        for (long nOffset : {381L, 382L, 383L, 384L, 400L, std::numeric_limits<long>::max()}) {
+            Kernels::ClLocalThreshold Threshold(5, 2, nOffset, 100, 200);
+            for (const Bytes& aLine : aLines)
+                Threshold.AddLine(aLine.data());
+            Bytes aOut(5);
+            Threshold.ThresholdLine(aDark.data(), aOut.data());
+            // (0 + offset) * 2 lines against 3 columns of 255 without the dark pixel; an offset of
+            // 1000 decides as any greater one, of which the product is out of range
+            const long nShift = std::min(nOffset, 1000L);
+            EXPECT_EQ(aOut[2], nShift * 2 * nLines > 3 * 255 * nLines - 255 ? 200 : 100)
+                << nLines << " lines, offset " << nOffset;
+        }
+    }
+}
+
 TEST(LocalThresholdKernel, SeesADifferenceOfOneGreyValueInAHugeSum) {
     Kernels::ClLocalThreshold Threshold(3, 3, 0, 100, 200);
     const Bytes aLine = {255, 255, 255};

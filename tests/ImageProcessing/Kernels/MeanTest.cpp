@@ -1,4 +1,5 @@
 #include "ImageProcessing/Kernels/Mean.h"
+#include "ImageProcessing/Kernels/MeanQuotient.h"
 
 #include "ImageProcessing/Kernels/PlaneCase.h"
 #include "ImageProcessing/NaiveRankFilter.h"
@@ -102,6 +103,48 @@ TYPED_TEST(MeanKernel, DividesExactlyByEveryCount) {
     for (long nCount = 301; nCount < 8192; nCount += 101)
         ExpectExactQuotients<TypeParam>(nCount);
     for (long nCount : {8190L, 8191L, 8192L, 8193L, 8194L, 10007L, 65537L})
+        ExpectExactQuotients<TypeParam>(nCount);
+}
+
+/// Every sum that is next to a multiple of a count, for every count of the numbers: where rounding
+/// matters at all it matters there.
+template <class Numbers, class T>
+void ExpectEveryQuotient(long nFirstCount, long nLastCount, long nStep) {
+    using Sum = typename Numbers::Sum;
+    using Real = typename Numbers::Real;
+    const long nLow = std::numeric_limits<T>::min();
+    const long nHigh = std::numeric_limits<T>::max();
+    long nWrong = 0;
+    long nTried = 0;
+    for (long n = nFirstCount; n <= nLastCount; n += nStep) {
+        const Real reciprocal = Real(1) / static_cast<Real>(n);
+        for (long k = nLow; k <= nHigh; ++k)
+            for (long nSum : {k * n - 1, k * n, k * n + 1})
+                if (nSum >= nLow * n && nSum <= nHigh * n) {
+                    ++nTried;
+                    if (Kernels::MeanQuotient<T, Numbers>(static_cast<Sum>(nSum), reciprocal) !=
+                            nSum / n &&
+                        nWrong++ == 0)
+                        ADD_FAILURE() << "the first wrong quotient: " << nSum << " / " << n;
+                }
+    }
+    EXPECT_EQ(nWrong, 0) << "of " << nTried;
+    EXPECT_GT(nTried, 3 * 250 * ((nLastCount - nFirstCount) / nStep));
+}
+
+TYPED_TEST(MeanKernel, DividesExactlyNextToEveryMultipleOfEveryCountOfSinglePrecision) {
+    ExpectEveryQuotient<Kernels::StNarrowMean, TypeParam>(1, Kernels::StNarrowMean::cnLargestArea,
+                                                          1);
+}
+
+TYPED_TEST(MeanKernel, DividesExactlyNextToEveryMultipleInDoublePrecision) {
+    ExpectEveryQuotient<Kernels::StWideMean, TypeParam>(1, 40000, 17);
+    ExpectEveryQuotient<Kernels::StWideMean, TypeParam>(40001, 2147483647, 1073741);
+}
+
+/// The counts in which single precision fails first: through the whole kernel.
+TYPED_TEST(MeanKernel, DividesExactlyWhereSinglePrecisionWouldFail) {
+    for (long nCount : {25796L, 25797L, 30011L, 32767L, 32768L})
         ExpectExactQuotients<TypeParam>(nCount);
 }
 
