@@ -204,9 +204,9 @@ std::optional<StRecordFault> FindRecordFault(const Bytes& Calibration) {
         record.m_aActual[0].Entries() != cnPatternPoints)
         return std::nullopt;
     const Dots dots = DotsOf(record);
-    if (const auto fault = FindTargetFault(record, dots))
+    if (auto fault = FindTargetFault(record, dots))
         return fault;
-    if (const auto fault = FindStepFault(dots, g_Down))
+    if (auto fault = FindStepFault(dots, g_Down))
         return fault;
     return FindStepFault(dots, g_Right);
 }

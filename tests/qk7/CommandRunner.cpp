@@ -38,6 +38,7 @@ void Redirect(const StOutput& Output, int nDescriptor) {
                           const std::string& Folder) {
     // The tool's path may be relative: it is opened before the directory changes.
     const int nTool = open(QK7_BINARY, O_RDONLY | O_CLOEXEC);
+    HeedSignals();
     Redirect(Out, STDOUT_FILENO);
     Redirect(Err, STDERR_FILENO);
     if (!Folder.empty() && chdir(Folder.c_str()) != 0)
@@ -78,6 +79,11 @@ std::string ReadTerminal(int nMaster) {
 }
 
 } // namespace
+
+void HeedSignals() {
+    for (const int nSignal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(nSignal, SIG_DFL);
+}
 
 StEnded Qk7(const Arguments& arguments, const std::string& Folder) {
     const ClTemporaryFolder outputs;

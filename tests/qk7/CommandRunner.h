@@ -19,6 +19,10 @@ struct StEnded {
 
 using Arguments = std::vector<std::string>;
 
+/// For a child that waits to be interrupted: a shell starts what runs in its background with
+/// interrupts ignored, and children inherit that.
+void HeedSignals();
+
 /// Runs to the end, in a directory when one is given.
 StEnded Qk7(const Arguments& arguments, const std::string& Folder = "");
 

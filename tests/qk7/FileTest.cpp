@@ -1,5 +1,6 @@
 #include "apps/qk7/File.h"
 
+#include "qk7/CommandRunner.h"
 #include "qk7/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -33,6 +34,7 @@ std::string WordsOf(const std::function<void()>& work) {
 int StatusOfChild(const std::function<void()>& work) {
     const pid_t nChild = fork();
     if (nChild == 0) {
+        HeedSignals();
         GuardAgainstSignals();
         try {
             work();
