@@ -77,10 +77,10 @@ void MidByWalk(benchmark::State& state) {
     Ridges(In, state);
     Out.New(In);
     for (auto _ : state)
-        WalkSquares<unsigned char>(
-            In, state.range(0) / 2, [&](long x, long y, long long nSum, long nCount) {
-                Out.LineData(static_cast<int>(y))[x] = MeanSample<unsigned char>(nSum, nCount);
-            });
+        WalkSquares<unsigned char>(In, state.range(0) / 2,
+                                   [&](long x, long y, long long nSum, long nCount) {
+                                       Out.LineData(y)[x] = MeanSample<unsigned char>(nSum, nCount);
+                                   });
 }
 
 void Widths(benchmark::internal::Benchmark* pBenchmark) {

@@ -4,6 +4,7 @@
 #include "Tools/CRC32.h"
 #include "Tools/LoggingFacility.h"
 #include "Tools/MD5.h"
+#include "Tools/PlainLocale.h"
 #include "Tools/Stream.h"
 
 #include <algorithm>
@@ -57,11 +58,6 @@ void ReadField(ClStream& rStream, T& rField) {
     T nRead{};
     if (rStream.ReadAutoSwap(nRead) == sizeof nRead)
         rField = nRead;
-}
-
-[[noreturn]] void ThrowUnexpectedEnd(long nLine) {
-    throw ClExStreamUnexpectedEnd("Unexpected end of stream", QMT_ERROR_UNEXPECTED_EOF, false,
-                                  VEK_FILE, nLine);
 }
 
 } // namespace
@@ -119,7 +115,7 @@ void ClCalibrateGeometricData::WriteCRC(ClStream& rStream, unsigned long nStart,
 std::uint32_t ClCalibrateGeometricData::ChecksumOf(ClStream& rStream, unsigned long nStart,
                                                    unsigned long nEnd) {
     if (nEnd < nStart || nEnd > rStream.Size() || (nStart > 0 && rStream.GetThrowOnShort()))
-        ThrowUnexpectedEnd(__LINE__);
+        Vek::ThrowUnexpectedEnd();
     const unsigned long nBytes = nEnd - nStart;
     const auto pBytes = Vek::NewArrayPtr<unsigned char>(nBytes);
     rStream.Seek(static_cast<long>(nStart), 0);
@@ -179,10 +175,8 @@ void ClCalibrateGeometricData::ReadArray(ClStream& rStream, PointList& rArray) {
     std::uint32_t nCount = 0;
     if (rStream.ReadAutoSwap(nCount) < sizeof nCount)
         return;
-    const unsigned long nPos = rStream.Pos();
-    const unsigned long nRest = rStream.Size() > nPos ? rStream.Size() - nPos : 0;
-    if (nCount > nRest / cnPointSize)
-        ThrowUnexpectedEnd(__LINE__);
+    if (nCount > rStream.Rest().value_or(0) / cnPointSize)
+        Vek::ThrowUnexpectedEnd();
     rArray.SetEntries(nCount);
     for (unsigned long i = 0; i < nCount; ++i) {
         float fX = 0;
@@ -280,6 +274,7 @@ bool ClCalibrateGeometricData::SamePoints(const PointList& rA, const PointList& 
 }
 
 void ClCalibrateGeometricData::Log() const {
+    const Vek::ClPlainLocale plain;
     const unsigned long nCount = std::min(m_aTarget.Entries(), m_aActual[0].Entries());
     for (unsigned long i = 0; i < nCount; ++i) {
         char szLine[1024];

@@ -47,8 +47,8 @@ void PasteLine(const ClImage& From, int nLine, long nWidth, long nColumn, long n
     const long nBegin = std::max(0L, -nColumn);
     const long nEnd = std::min({nWidth, long{From.Width()}, To.Width() - nColumn});
     if (nBegin < nEnd)
-        std::memcpy(To.LineData(static_cast<int>(nToLine)) + nColumn + nBegin,
-                    From.LineData(nLine) + nBegin, static_cast<std::size_t>(nEnd - nBegin));
+        std::memcpy(To.LineData(nToLine) + nColumn + nBegin, From.LineData(nLine) + nBegin,
+                    static_cast<std::size_t>(nEnd - nBegin));
 }
 
 // Steps, with the timer of their owner
@@ -124,6 +124,8 @@ void FindSumRegion(const ClProcessorBase& Owner, ClImage& BrightProb, ClImage& C
 
 long ClIpQK7DynamicCalibration30::BuildMaskImage(const ClImage& In, double dRidgeDist,
                                                  ClImage& OutMask, ClImage& OutProb) {
+    if (In.Data() == nullptr)
+        return QMT_ERROR_PARAM_IS_MISSING;
     ClIpContrastMask2().CheckWorkSize(In); // of the whole, so that no finger's place decides
     ClImage Dx;
     ClImage Dy;

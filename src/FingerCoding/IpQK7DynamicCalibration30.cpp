@@ -52,7 +52,7 @@ double WhitePart(const ClHistogram& Histogram) {
 void CheckCapture(const ClImage& Capture) {
     if (Capture.DataType() != ClImage::eUInt8)
         throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, false,
-                          "Unknown", -1);
+                          VEK_NOWHERE);
 }
 
 } // namespace

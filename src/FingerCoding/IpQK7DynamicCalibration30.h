@@ -71,13 +71,13 @@ protected: // the steps of a run, open to tests by derivation
     /// Makes `OutMask`, of the size of `*m_pInImage`, and `OutProb`, the sum of both
     /// probabilities, of the size of `In`, which is the globally stretched capture.
     ///
-    /// Returns 0 for one finger; -33 where the region found does not close to one piece, in which
-    /// case `OutMask` is that region as it was found, neither closed nor convex, with a soft
-    /// border; or the code with which the addition of the probabilities fails, in which case
-    /// `OutMask` is left alone. Throws -13 for an image without resolution and for one too large
-    /// at the resolution of the work, as ClIpContrastMask2::CheckWorkSize() tells, before anything
-    /// is made; then what the detectors and `ClMask2` throw: "*m_pdRidgeDist is out of range" (-35)
-    /// unless the distance is above 0.
+    /// Returns 0 for one finger; -37 for an image without pixels; -33 where the region found does
+    /// not close to one piece, in which case `OutMask` is that region as it was found, neither
+    /// closed nor convex, with a soft border; or the code with which the addition of the
+    /// probabilities fails, in which case `OutMask` is left alone. Throws -13 for an image without
+    /// resolution and for one too large at the resolution of the work, as
+    /// ClIpContrastMask2::CheckWorkSize() tells, before anything is made; then what the detectors
+    /// and `ClMask2` throw: "*m_pdRidgeDist is out of range" (-35) unless the distance is above 0.
     long BuildMaskImage(const ClImage& In, double dRidgeDist, ClImage& OutMask, ClImage& OutProb);
     /// The gradient of `In` in x and y, of type `eInt8`, and its length. Returns 0.
     long BuildDerivationImages(const ClImage& In, ClImage& OutDx, ClImage& OutDy,

@@ -12,6 +12,7 @@
 #include "ImageProcessing/IpStretchRangeGlobal.h"
 #include "ImageProcessing/IpSubtract.h"
 #include "Tools/Allocate.h"
+#include "Tools/PlainLocale.h"
 
 #include <algorithm>
 #include <cmath>
@@ -92,6 +93,7 @@ void ClIpQK7FunctionalityCheck::QueryParameters(ClParameterInterface& List) {
 long ClIpQK7FunctionalityCheck::ParameterString(char* pBuffer, unsigned long nSize) {
     if (pBuffer == nullptr)
         nSize = 0;
+    const Vek::ClPlainLocale plain;
     const long nLength = std::snprintf(pBuffer, nSize, "Noise %d Defect %.1f", int{m_nNoise},
                                        m_dOutDefectWarningLevel);
     if (nSize > 0)

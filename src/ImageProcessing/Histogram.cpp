@@ -14,7 +14,7 @@ constexpr int cnLast = 255;
 constexpr std::int64_t cnSignedOffset = 128;
 
 [[noreturn]] void ThrowPlain(const char* szText) {
-    throw ClException(szText, QMT_ERROR_INTERNAL, false, "Unknown", -1);
+    throw ClException(szText, QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
 }
 
 void CheckImage(const ClImage& Image) {

@@ -47,14 +47,13 @@ long ClIpBinarizeLocal2::DoProcess(ClImage& rIn, ClImage& rOut) {
                                         m_nAboveValue);
     const long nHalf = m_nSizeY / 2;
     for (long y = 0; y < nHalf; ++y)
-        Threshold.AddLine(rIn.LineData(static_cast<int>(y)));
+        Threshold.AddLine(rIn.LineData(y));
     for (long y = 0; y < rIn.Height(); ++y) {
         if (y + nHalf < rIn.Height())
-            Threshold.AddLine(rIn.LineData(static_cast<int>(y + nHalf)));
-        Threshold.ThresholdLine(rIn.LineData(static_cast<int>(y)),
-                                rOut.LineData(static_cast<int>(y)));
+            Threshold.AddLine(rIn.LineData(y + nHalf));
+        Threshold.ThresholdLine(rIn.LineData(y), rOut.LineData(y));
         if (y >= nHalf)
-            Threshold.RemoveLine(rIn.LineData(static_cast<int>(y - nHalf)));
+            Threshold.RemoveLine(rIn.LineData(y - nHalf));
     }
     return 0;
 }

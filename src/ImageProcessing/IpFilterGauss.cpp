@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/ImageParameters.h"
 #include "Tools/Allocate.h"
+#include "Tools/PlainLocale.h"
 
 #include <cmath>
 #include <cstdio>
@@ -43,6 +44,7 @@ void ClIpFilterGauss::PublishParameters(ClParameterContainer& Container) {
 long ClIpFilterGauss::ParameterString(char* pBuffer, unsigned long nSize) {
     if (pBuffer == nullptr)
         nSize = 0;
+    const Vek::ClPlainLocale plain;
     const int nLength = std::snprintf(pBuffer, nSize, "S[%.2f] ", m_dSigma);
     if (nLength < 0 || static_cast<unsigned long>(nLength) >= nSize)
         throw ClException("String-Length exceeded available size", QMT_ERROR_INTERNAL, true,

@@ -30,13 +30,13 @@ public:
     TpColorArea(ClImage& rPlane, unsigned char nOpen, unsigned char nColor, Visit visit)
         : m_rPlane(rPlane), m_nOpen(nOpen), m_nColor(nColor), m_Visit(visit) {}
 
-    const unsigned char* Line(long y) const { return m_rPlane.LineData(static_cast<int>(y)); }
+    const unsigned char* Line(long y) const { return m_rPlane.LineData(y); }
     unsigned char OpenValue() const { return m_nOpen; }
     bool IsOpen(long x, long y) const { return Line(y)[x] == m_nOpen; }
     long Width() const { return m_rPlane.Width(); }
     long Lines() const { return m_rPlane.Height(); }
     void Close(StRun Run, long y) {
-        std::memset(m_rPlane.LineData(static_cast<int>(y)) + Run.m_nBegin, m_nColor,
+        std::memset(m_rPlane.LineData(y) + Run.m_nBegin, m_nColor,
                     static_cast<std::size_t>(Run.m_nEnd - Run.m_nBegin));
         m_Visit(Run, y);
     }
@@ -87,8 +87,7 @@ public:
 
     void Paint(ClImage& rPlane, unsigned char nColor) const {
         for (int i = 0; i < m_nRuns; ++i)
-            std::memset(rPlane.LineData(static_cast<int>(m_aRuns[i].y)) + m_aRuns[i].Run.m_nBegin,
-                        nColor,
+            std::memset(rPlane.LineData(m_aRuns[i].y) + m_aRuns[i].Run.m_nBegin, nColor,
                         static_cast<std::size_t>(m_aRuns[i].Run.m_nEnd - m_aRuns[i].Run.m_nBegin));
     }
 
@@ -190,7 +189,7 @@ long ClIpFloodFill::Process() {
 
 template <class Visit>
 void ClIpFloodFill::FillPlane(ClImage& rPlane, Visit visit) const {
-    const unsigned char nSeed = rPlane.LineData(static_cast<int>(m_nStartY))[m_nStartX];
+    const unsigned char nSeed = rPlane.LineData(m_nStartY)[m_nStartX];
     if (nSeed == m_nFillColor)
         return;
     TpColorArea<Visit> Area(rPlane, nSeed, m_nFillColor, visit);
@@ -220,7 +219,7 @@ void ClIpFloodFill::CountFill(ClImage& rImage) const {
 }
 
 void ClIpFloodFill::CountFillPlane(ClImage& rPlane) const {
-    const unsigned char nSeed = rPlane.LineData(static_cast<int>(m_nStartY))[m_nStartX];
+    const unsigned char nSeed = rPlane.LineData(m_nStartY)[m_nStartX];
     ClSmallRegion Region(std::min(m_nCountThresh, cnLargestThresh));
     FillPlane(rPlane, [&](StRun Run, long y) { Region.Add(Run, y); });
     if (Region.IsSmall())

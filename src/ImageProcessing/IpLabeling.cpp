@@ -56,7 +56,7 @@ long ClIpLabeling::Process() {
 }
 
 void ClIpLabeling::LabelLine(long nY) {
-    const unsigned char* pLine = m_pInImage->LineData(static_cast<int>(nY));
+    const unsigned char* pLine = m_pInImage->LineData(nY);
     const std::int32_t* pLabels = m_pOutImage->Line<std::int32_t>(static_cast<int>(nY));
     Kernels::ForEachRun(pLine, 0, m_pInImage->Width(), Kernels::ClLabelArea::OpenValue(),
                         [&](Kernels::StRun Run) {

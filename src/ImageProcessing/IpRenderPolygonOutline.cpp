@@ -77,7 +77,7 @@ void ClIpRenderPolygon::DrawLine(ClImage& rImage, long nX1, long nY1, long nX2, 
     if (rImage.DataType() != ClImage::eUInt8 || rImage.Planes() != 1)
         throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
                           VEK_HERE);
-    const auto paint = [&](long x, long y) { rImage.LineData(static_cast<int>(y))[x] = nValue; };
+    const auto paint = [&](long x, long y) { rImage.LineData(y)[x] = nValue; };
     const StAxis X(nX1, nX2, rImage.Width());
     const StAxis Y(nY1, nY2, rImage.Height());
     if (X.m_nLength >= Y.m_nLength)
@@ -123,7 +123,7 @@ bool ClIpRenderPolygon::DetermineFillingStartingPoint(long& nX, long& nY) const 
     Polygon_t Drawn;
     TruncateCorners(Drawn);
     for (nY = 0; nY < m_nHeight; ++nY) {
-        const unsigned char* pLine = m_pOutImage->LineData(static_cast<int>(nY));
+        const unsigned char* pLine = m_pOutImage->LineData(nY);
         for (nX = 0; nX < m_nWidth; ++nX) {
             ClVector Point(static_cast<double>(nX), static_cast<double>(nY));
             if (pLine[nX] != m_nForeground && IsPointInsidePolygon(Drawn, Point))

@@ -121,7 +121,7 @@ long ClIpSubsample::ProcessPlane(const ClImage& In, ClImage& Out) const {
 
 void ClIpSubsample::ProcessFast(const ClImage& In, ClImage& Out) const {
     for (int y = 0; y < Out.Height(); ++y) {
-        const unsigned char* pIn = In.LineData(static_cast<int>(y * m_nFactor));
+        const unsigned char* pIn = In.LineData(y * m_nFactor);
         for (int x = 0; x < Out.Width(); ++x)
             Out.LineData(y)[x] = pIn[x * m_nFactor];
     }

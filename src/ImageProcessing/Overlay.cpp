@@ -21,7 +21,7 @@ StOverlay::StOverlay(const ClImage& In1, const ClImage& In2, int nOffsetX, int n
 
 void StOverlay::NewOutput(ClImage& Out, unsigned char nType, const ClImage& In1) const {
     if (m_X.m_nOutput > INT_MAX || m_Y.m_nOutput > INT_MAX)
-        throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, false, "Unknown", -1);
+        throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
     Out.NewWithType(nType, static_cast<int>(m_X.m_nOutput), static_cast<int>(m_Y.m_nOutput),
                     In1.Planes(), In1.PelsX(), In1.PelsY());
 }

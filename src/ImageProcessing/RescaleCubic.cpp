@@ -146,7 +146,7 @@ void ProcessBiCubicExact(const ClIpRescale& Run, const ClImage& In, ClImage& Out
     const long long nCount = static_cast<long long>(In.Width()) * In.Height();
     const auto aPlain = Vek::NewArrayPtr<unsigned char>(static_cast<std::size_t>(nCount));
     for (long long y = 0; y < In.Height(); ++y)
-        std::copy_n(In.LineData(static_cast<int>(y)), In.Width(), aPlain.get() + y * In.Width());
+        std::copy_n(In.LineData(y), In.Width(), aPlain.get() + y * In.Width());
     const auto aColumns = Vek::NewArrayPtr<StPosition>(static_cast<std::size_t>(Run.m_nDestWidth));
     for (int x = 0; x < Run.m_nDestWidth; ++x)
         aColumns[static_cast<std::size_t>(x)] = PositionOf(x, In.Width(), Run.m_nDestWidth);

@@ -1,6 +1,7 @@
 #include "ImageProcessing/SettingsText.h"
 
 #include "Tools/Exception.h"
+#include "Tools/PlainLocale.h"
 
 #include <cstdarg>
 #include <cstdio>
@@ -10,6 +11,7 @@ long WriteSettings(char* pBuffer, unsigned long nSize, const char* pFormat, ...)
         nSize = 0;
     va_list arguments;
     va_start(arguments, pFormat);
+    const Vek::ClPlainLocale plain;
     const int nLength = std::vsnprintf(pBuffer, nSize, pFormat, arguments);
     va_end(arguments);
     if (nLength < 0 || static_cast<unsigned long>(nLength) >= nSize)

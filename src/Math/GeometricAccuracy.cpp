@@ -51,7 +51,7 @@ void ClGeometricAccuracy::ClearPoints() {
 void ClGeometricAccuracy::Calculate() {
     const unsigned long nPoints = std::min(m_aReference.Entries(), m_aMeasured.Entries());
     if (nPoints < 2)
-        throw ClException("less than 2 points!", QMT_ERROR_INTERNAL, false, "Unknown", -1);
+        throw ClException("less than 2 points!", QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
     std::uint32_t nPairs = 0;
     std::uint32_t nPasses = 0;
     for (unsigned long i = 1; i < nPoints; ++i)

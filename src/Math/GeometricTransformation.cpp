@@ -33,9 +33,9 @@ double FullAngle(double s, double c) {
 
 void ClGeometricTransformation::CheckLists() const {
     if (m_pFixed == nullptr || m_pMoved == nullptr)
-        throw ClException(QMT_ERROR_PARAM_IS_MISSING, false, "Unknown", -1);
+        throw ClException(QMT_ERROR_PARAM_IS_MISSING, false, VEK_NOWHERE);
     if (m_pFixed->Entries() == 0 || m_pFixed->Entries() != m_pMoved->Entries())
-        throw ClException(QMT_ERROR_INVALID_PARAMETER, false, "Unknown", -1);
+        throw ClException(QMT_ERROR_INVALID_PARAMETER, false, VEK_NOWHERE);
 }
 
 void ClGeometricTransformation::Transform() {

@@ -1,11 +1,11 @@
 // Handle, options and levels: the exported functions that never reach into the engine's work.
 
 #include "TessarinCalibrateSDK/CallFrame.h"
+#include "Tools/Text.h"
 
 #include <cstring>
 #include <memory>
 #include <new>
-#include <strings.h>
 
 namespace {
 
@@ -45,10 +45,6 @@ constexpr StBoolOption cPrecalculatedData = {"PrecalculatedData",
 constexpr StBoolOption caBoolOptions[] = {cDynamicFingerMask, cSensitiveMode, cMaskIsOutput,
                                           cPrecalculatedData};
 constexpr const char* cszGeometricCalibrate = "GeometricCalibrate";
-
-bool BeginsWith(const char* szText, const char* szWord) {
-    return strncasecmp(szText, szWord, std::strlen(szWord)) == 0;
-}
 
 /// What stands behind the first equals sign and the blanks behind it. Throws -37 without one.
 const char* ValueOf(const char* option) {
@@ -99,9 +95,9 @@ const char* GeometricText(ClIpCalibrateLumivane2::EGeometricMode eMode) {
 /// The value of an option as text, null for an unknown key.
 const char* OptionText(const ClIpCalibrateLumivane2& rProcessor, const char* key) {
     for (const StBoolOption& Option : caBoolOptions)
-        if (strcasecmp(key, Option.m_szKey) == 0)
+        if (Vek::IsSameName(key, Option.m_szKey))
             return rProcessor.*Option.m_pValue ? "Enabled" : "Disabled";
-    if (strcasecmp(key, cszGeometricCalibrate) == 0)
+    if (Vek::IsSameName(key, cszGeometricCalibrate))
         return GeometricText(rProcessor.m_eGeometricMode);
     return nullptr;
 }
@@ -152,12 +148,12 @@ long CheckHandle(void* handle, ClIpCalibrateLumivane2** processor) {
 }
 
 bool CheckBoolOption(const char* option, const char* key, bool& value) {
-    if (!BeginsWith(option, key))
+    if (!Vek::BeginsWithName(option, key))
         return false;
     const char* szValue = ValueOf(option);
-    if (BeginsWith(szValue, "true") || BeginsWith(szValue, "enable"))
+    if (Vek::BeginsWithName(szValue, "true") || Vek::BeginsWithName(szValue, "enable"))
         value = true;
-    else if (BeginsWith(szValue, "false") || BeginsWith(szValue, "disable"))
+    else if (Vek::BeginsWithName(szValue, "false") || Vek::BeginsWithName(szValue, "disable"))
         value = false;
     else
         throw static_cast<long>(QMT_ERROR_PARAM_IS_MISSING);
@@ -179,11 +175,11 @@ bool CheckGeometricOption(const char* option, ClIpCalibrateLumivane2::EGeometric
         {"oddLines", ClIpCalibrateLumivane2::eOddLines},
         {"ThinPlateSpline", ClIpCalibrateLumivane2::eThinPlateSpline},
     };
-    if (!BeginsWith(option, cszGeometricCalibrate))
+    if (!Vek::BeginsWithName(option, cszGeometricCalibrate))
         return false;
     const char* szValue = ValueOf(option);
     for (const StWord& Word : caWords)
-        if (BeginsWith(szValue, Word.m_szWord)) {
+        if (Vek::BeginsWithName(szValue, Word.m_szWord)) {
             mode = Word.m_eMode;
             return true;
         }

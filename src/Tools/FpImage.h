@@ -145,7 +145,7 @@ public:
     /// Bytes of all lines, padding included; 0 unless width, height and planes are positive.
     std::size_t SizeBytes() const;
 
-    unsigned char* LineData(int y) const {
+    unsigned char* LineData(long y) const {
         return Data() + static_cast<std::ptrdiff_t>(y) * LineStrideBytes();
     }
     /// First sample of line `y`; the caller has compared the type.

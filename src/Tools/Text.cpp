@@ -23,4 +23,12 @@ bool IsSameName(const char* pOne, const char* pOther) {
     return LowerLetter(*pOne) == LowerLetter(*pOther);
 }
 
+bool BeginsWithName(const char* pText, const char* pName) {
+    while (*pName != '\0' && LowerLetter(*pText) == LowerLetter(*pName)) {
+        ++pText;
+        ++pName;
+    }
+    return *pName == '\0';
+}
+
 } // namespace Vek

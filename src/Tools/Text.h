@@ -25,5 +25,7 @@ constexpr char UpperLetter(char c) {
 
 /// Whether two texts are equal in upper or lower case.
 bool IsSameName(const char* pOne, const char* pOther);
+/// Whether a text begins with a name, in upper or lower case.
+bool BeginsWithName(const char* pText, const char* pName);
 
 } // namespace Vek

@@ -8,6 +8,7 @@
 #include "Tools/Bitmap.h"
 #include "support/Images.h"
 #include "support/Throws.h"
+#include "support/WorkingFolder.h"
 
 #include <climits>
 #include <cmath>
@@ -16,7 +17,6 @@
 #include <limits>
 #include <string>
 
-namespace fs = std::filesystem;
 
 using TestSupport::ClOpenDotBuilder;
 using TestSupport::ExpectPoints;
@@ -53,33 +53,14 @@ void ExpectNoCentre(const ClVector& vCentre) {
 }
 
 /// A folder of its own, in which the program works while this lives.
-class ClWorkFolder {
+class ClWorkFolder : public TestSupport::ClWorkingFolder {
 public:
-    ClWorkFolder() : m_Former(fs::current_path()) {
-        std::string Name = (fs::temp_directory_path() / "dots-XXXXXX").string();
-        EXPECT_NE(mkdtemp(Name.data()), nullptr);
-        m_Folder = Name;
-        fs::current_path(m_Folder);
-    }
-    ClWorkFolder(const ClWorkFolder&) = delete;
-    ClWorkFolder& operator=(const ClWorkFolder&) = delete;
-    ~ClWorkFolder() {
-        fs::current_path(m_Former);
-        fs::remove_all(m_Folder);
-    }
-
     /// The name of the only file.
     std::string File() const {
-        std::vector<std::string> aNames;
-        for (const fs::directory_entry& Entry : fs::directory_iterator(m_Folder))
-            aNames.push_back(Entry.path().filename().string());
+        const std::set<std::string> aNames = Names();
         EXPECT_THAT(aNames, testing::SizeIs(1));
-        return aNames.empty() ? std::string() : aNames[0];
+        return aNames.empty() ? std::string() : *aNames.begin();
     }
-
-private:
-    fs::path m_Former;
-    fs::path m_Folder;
 };
 
 // Dates such as "Nov  3 2025" and "Mon Nov  3 12.00.00 2025".

@@ -285,7 +285,7 @@ TEST(IpCalibrateGeometricBicubic, WeightsThatSumToMoreThanOneClampInWhite) {
     for (std::size_t nEntry = 0; nEntry < 40 * 60; ++nEntry) {
         const StWarpEntry Entry = Bent.Entry(nEntry);
         const int nSum = std::accumulate(Entry.m_anWeights.begin(), Entry.m_anWeights.end(), 0);
-        const int nValue = Out.LineData(static_cast<int>(nEntry / 40))[nEntry % 40];
+        const int nValue = Out.LineData(nEntry / 40)[nEntry % 40];
         if (nSum > 1024) // 256 or more, were it not for the clamp
             EXPECT_EQ(nValue, 255) << nEntry;
         else

@@ -30,6 +30,15 @@ Bytes Stored(const ClOpenWarp& Warp) {
     return Content(Stream);
 }
 
+/// The catalogue's own words come with the class that has no others.
+void ExpectRefused(ClOpenWarp& rWarp, ClStream& rStream, long nNumber, const char* szWords) {
+    if (std::string(szWords) == GetErrorDescriptionIntern(nNumber)) {
+        EXPECT_TESSARIN(rWarp.Load(rStream), nNumber);
+    } else {
+        EXPECT_THROWS(rWarp.Load(rStream), ClException, nNumber, szWords);
+    }
+}
+
 /// A refusal of a table that was changed.
 void ExpectRefused(const std::function<void(StTable&)>& change, long nNumber, const char* szWords) {
     SCOPED_TRACE(szWords);
@@ -37,7 +46,9 @@ void ExpectRefused(const std::function<void(StTable&)>& change, long nNumber, co
     change(Table);
     ClOpenWarp Warp;
     Load(Warp, TableRecord(TableOf())); // a table that must not survive
-    EXPECT_THROWS(Load(Warp, TableRecord(Table)), ClException, nNumber, szWords);
+    const Bytes aRecord = TableRecord(Table);
+    ClMemStream Stream(aRecord.data(), aRecord.size());
+    ExpectRefused(Warp, Stream, nNumber, szWords);
 }
 
 constexpr const char* cszSignature = "The input signature is not expected here.";
@@ -320,7 +331,7 @@ TEST(PrecalculatedRecord, RefusesARecordThatEndsEarlyAtEveryByte) {
         const char* szWords = nSize < 11                  ? cszSignature
                               : nSize >= 41 && nSize < 44 ? "KPF Magic is missing"
                                                           : cszEndMagic;
-        EXPECT_THROWS(Warp.Load(Stream), ClException, -40, szWords);
+        ExpectRefused(Warp, Stream, -40, szWords);
         EXPECT_FALSE(Warp.HasTable());
     }
 }
@@ -348,7 +359,9 @@ TEST(PrecalculatedRecord, RefusesEveryOffsetIntoACaptureOfLessThanFourPixels) {
                                   : pSize == &StTable::m_nSourceWidth
                                       ? "m_nTargetWidth is not the expected."
                                       : "m_nTargetHeight is not the expected.";
-            EXPECT_THROWS(Load(Warp, TableRecord(Table)), ClException, -39, szWords);
+            const Bytes aRecord = TableRecord(Table);
+            ClMemStream Stream(aRecord.data(), aRecord.size());
+            ExpectRefused(Warp, Stream, -39, szWords);
         }
 }
 

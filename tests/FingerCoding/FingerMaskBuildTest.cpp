@@ -223,6 +223,13 @@ TEST(FingerMaskBuild, ReplacesWhatTheImagesHeld) {
     ExpectSameImage(used.m_Prob, fresh.m_Prob);
 }
 
+TEST(FingerMaskBuild, AnswersAnImageWithoutPixelsThatItIsMissing) {
+    ClTestImage image;
+    ClMaskRun run(image);
+    EXPECT_EQ(run.Build(), -37);
+    EXPECT_EQ(run.m_Prob.Data(), nullptr);
+}
+
 TEST(FingerMaskBuild, RefusesOtherPixelTypes) {
     for (const ClImage::EDataType eType : {ClImage::eUInt16, ClImage::eInt32, ClImage::eFloat32}) {
         ClTestImage image = BlankImage(eType, 60, 60);

@@ -34,12 +34,3 @@ inline std::string Words(const ClException& e) {
 /// The statement throws exactly a `ClExTessarin`, whose words are the catalogue's.
 #define EXPECT_TESSARIN(statement, number)                                                         \
     EXPECT_THROWS(statement, ClExTessarin, number, GetErrorDescriptionIntern(number))
-
-/// The statement throws any class of the family with the number: for what still has to tell more.
-#define EXPECT_NUMBER(statement, number)                                                           \
-    try {                                                                                          \
-        statement;                                                                                 \
-        ADD_FAILURE() << "nothing was thrown by " #statement;                                      \
-    } catch (const ClException& e) {                                                               \
-        EXPECT_EQ(e.Number(), number) << e.What();                                                 \
-    }

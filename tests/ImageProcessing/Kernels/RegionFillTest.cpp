@@ -87,7 +87,7 @@ public:
           m_aPixels(Size(m_nWidth + 3), std::uint8_t{0}), m_aLabels(Size(m_nWidth + 1), cnGuard) {
         for (long y = 0; y < m_nLines; ++y)
             for (long x = 0; x < m_nWidth; ++x) {
-                m_aPixels[At(x, y, m_nWidth + 3)] = Image.LineData(static_cast<int>(y))[x];
+                m_aPixels[At(x, y, m_nWidth + 3)] = Image.LineData(y)[x];
                 m_aLabels[At(x, y, m_nWidth + 1)] = 0;
             }
     }
