@@ -38,7 +38,7 @@ public:
 
     T* Data() { return m_pData; }
     const T* Data() const { return m_pData; }
-    T& operator[](unsigned long nIndex) { return m_pData[nIndex]; }
+    T& operator[](unsigned long nIndex) { return m_pData[nIndex]; } // NOLINT: below Entries()
     const T& operator[](unsigned long nIndex) const { return m_pData[nIndex]; }
 
 protected:
@@ -69,7 +69,7 @@ class TpArrayDynamic : public TpArrayStatic<T> {
 public:
     TpArrayDynamic() = default;
     TpArrayDynamic(const TpArrayDynamic& other) : TpArrayStatic<T>() { *this = other; }
-    TpArrayDynamic& operator=(const TpArrayDynamic& other) {
+    TpArrayDynamic& operator=(const TpArrayDynamic& other) { // NOLINT(cert-oop54-cpp): as the base
         TpArrayStatic<T>::operator=(other);
         return *this;
     }

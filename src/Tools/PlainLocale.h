@@ -1,7 +1,6 @@
 #pragma once
 
-#include <clocale>
-#include <locale.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): uselocale() is of POSIX
 
 namespace Vek {
 
