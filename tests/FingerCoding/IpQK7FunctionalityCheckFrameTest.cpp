@@ -3,36 +3,18 @@
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
 
 #include "FingerCoding/NaiveFunctionalityCheck.h"
+#include "FingerCoding/TimerMarks.h"
 #include "Tools/Bitmap.h"
-#include "Tools/ProfileTimer.h"
 #include "support/Images.h"
 #include "support/PublishedParameters.h"
 #include "support/TestData.h"
 
-#include <cstdarg>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace TestSupport;
-
-/// The runs that end while it is the timer of the process.
-class ClEndedRuns : public ClProfileTimer {
-public:
-    ClEndedRuns() { g_pProfileTimer = this; }
-    ~ClEndedRuns() override { g_pProfileTimer = nullptr; }
-
-    void TimerStop(const char* pFormat, ...) override {
-        va_list arguments;
-        va_start(arguments, pFormat);
-        if (std::string(pFormat) == "%s %s")
-            m_aNames.emplace_back(va_arg(arguments, const char*));
-        va_end(arguments);
-    }
-
-    std::vector<std::string> m_aNames;
-};
 
 // Parameters
 
@@ -109,26 +91,26 @@ TEST(IpQK7FunctionalityCheck, EndsABufferOfAnySizeWithZero) {
 // Timing
 
 TEST(IpQK7FunctionalityCheck, TimesItsStepsAndNotTheFading) {
-    ClEndedRuns runs;
+    ClTimerMarks timer;
     ClTestImage in = TestSupport::FlatImage(ClImage::eUInt8, 60, 60, 1, 200);
     ClImage out;
     ClIpQK7FunctionalityCheck check;
     check.ApplyParam(in, out, ClImage::eTypeDefault);
-    EXPECT_EQ(runs.m_aNames,
+    EXPECT_EQ(timer.m_aRuns,
               (std::vector<std::string>{"ClIpInvert", "ClIpScale", "ClIpFilterGauss",
                                         "ClIpFilterMid", "ClIpSubtract", "ClIpAbs",
                                         "ClIpStretchRangeGlobal", "ClIpQK7FunctionalityCheck"}));
 }
 
 TEST(IpQK7FunctionalityCheck, TimesNothingWhenSwitchedOff) {
-    ClEndedRuns runs;
+    ClTimerMarks timer;
     ClTestImage in = TestSupport::FlatImage(ClImage::eUInt8, 60, 60, 1, 200);
     ClImage out;
     ClIpQK7FunctionalityCheck check;
     check.Timer(false);
     check.ApplyParam(in, out, ClImage::eTypeDefault);
     ClIpQK7FunctionalityCheck::FadeSensorBorder(in, out);
-    EXPECT_TRUE(runs.m_aNames.empty());
+    EXPECT_TRUE(timer.m_aRuns.empty());
 }
 
 // Failures

@@ -6,6 +6,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -27,9 +28,12 @@ public:
         va_end(arguments);
         const std::string Text = szText;
         m_aNames.push_back(Text.substr(0, Text.find(' ')));
+        if (std::strcmp(pFormat, "%s %s") == 0) // a processor and its settings
+            m_aRuns.push_back(m_aNames.back());
     }
 
-    std::vector<std::string> m_aNames;
+    std::vector<std::string> m_aNames; ///< of all marks
+    std::vector<std::string> m_aRuns;  ///< of the processors whose runs have ended
 };
 
 } // namespace TestSupport
