@@ -120,7 +120,7 @@ TEST_F(ParameterPath, FollowsEndlessPathsWithoutAStack) {
     std::string Path(1000000, '.');
     EXPECT_EQ(m_Root.Find(Path.c_str()), &m_Root);
     Path.clear();
-    for (int i = 0; i < 300000; ++i)
+    for (int i = 0; i < 100000; ++i)
         Path += "b..";
     EXPECT_EQ(m_Root.Find((Path + "x").c_str()), m_pX);
 }
