@@ -17,7 +17,6 @@
 #include <limits>
 #include <string>
 
-
 using TestSupport::ClOpenDotBuilder;
 using TestSupport::ExpectPoints;
 using TestSupport::Img;

@@ -81,5 +81,6 @@ TEST(IpEuclidLengthTabs, HoldEveryLength) {
 TEST(IpEuclidLengthTabs, AreNotWrittenWithoutADirectory) {
     EXPECT_THROWS(ClIpEuclidLength::MakeCppFilesFromTabs(nullptr), ClException, -44,
                   "szPath is NULL");
-    EXPECT_THROWS(ClIpEuclidLength::MakeCppFilesFromTabs("/dev/null"), ClExFilesystem, -200, "IpEuclidLengthTabs.cpp");
+    EXPECT_THROWS(ClIpEuclidLength::MakeCppFilesFromTabs("/dev/null"), ClExFilesystem, -200,
+                  "IpEuclidLengthTabs.cpp");
 }
