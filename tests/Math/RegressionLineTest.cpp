@@ -118,6 +118,13 @@ TEST(RegressionLine, JoinsWithEmptyLines) {
     EXPECT_EQ(none.Points(), 0);
 }
 
+TEST(RegressionLine, JoinsWithASinglePoint) {
+    ClRegressionLine line = LineOf({{2.0, 4.0}, {3.0, 6.0}});
+    line.JoinLine(LineOf({{5.0, 10.0}})); // on the line, and beyond its box
+    EXPECT_EQ(line.Points(), 3);
+    ExpectEnds(line, {2.0, 4.0}, {5.0, 10.0});
+}
+
 TEST(RegressionLine, JoinsWithItself) {
     ClRegressionLine line = LineOf({{2.0, 4.0}, {3.0, 6.0}, {4.0, 7.0}});
     const StForm form = FormOf(line);
@@ -232,6 +239,15 @@ TEST(RegressionLine, KnowsHorizontalAndVertical) {
     EXPECT_TRUE(steep.Vertical());
     EXPECT_FALSE(even.Horizontal());
     EXPECT_FALSE(even.Vertical());
+}
+
+TEST(RegressionLine, KnowsThemFarFromTheOriginToo) {
+    const ClRegressionLine steep = LineOf({{100.0, 200.0}, {101.0, 210.0}});
+    const ClRegressionLine flat = LineOf({{100.0, 200.0}, {110.0, 201.0}});
+    EXPECT_FALSE(steep.Horizontal());
+    EXPECT_TRUE(steep.Vertical());
+    EXPECT_TRUE(flat.Horizontal());
+    EXPECT_FALSE(flat.Vertical());
 }
 
 TEST(RegressionLine, IsNeitherWithoutADirection) {
