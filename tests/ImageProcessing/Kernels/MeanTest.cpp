@@ -142,9 +142,10 @@ TYPED_TEST(MeanKernel, DividesExactlyNextToEveryMultipleInDoublePrecision) {
     ExpectEveryQuotient<Kernels::StWideMean, TypeParam>(40001, 2147483647, 1073741);
 }
 
-/// The counts in which single precision fails first: through the whole kernel.
+/// Single precision fails first at 25796 samples without a sign and at 51299 with one: through the
+/// whole kernel.
 TYPED_TEST(MeanKernel, DividesExactlyWhereSinglePrecisionWouldFail) {
-    for (long nCount : {25796L, 25797L, 30011L, 32767L, 32768L})
+    for (long nCount : {25796L, 25801L, 25966L, 32768L, 51299L, 51381L, 51602L, 65536L})
         ExpectExactQuotients<TypeParam>(nCount);
 }
 
