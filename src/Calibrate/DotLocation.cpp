@@ -6,16 +6,12 @@
 #include "ImageProcessing/IpBinarizeLocal2.h"
 #include "ImageProcessing/IpInvert.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
+#include "Tools/ThrowIfFailed.h"
 
 namespace {
 
 /// Side of the threshold's window in pitches, per millimetre and dot per inch: 1.1 / 25.4.
 constexpr double cdWindowFactor = 0.043307086614173235;
-
-void CheckResult(long nResult) {
-    if (nResult != 0)
-        throw ClExTessarin(nResult, VEK_HERE);
-}
 
 long WindowSide(const StDotSettings& rSettings, double dDpi) {
     return SampleFromDouble<long>(cdWindowFactor * rSettings.m_dPitch * dDpi);
@@ -28,9 +24,11 @@ void Threshold(ClImage& rImage, const StDotSettings& rSettings, ClImage& rBinary
     ClIpBinarizeLocal2 Binarize;
     Binarize.m_nAboveValue = bBright ? 0 : 255;
     Binarize.m_nBelowValue = bBright ? 255 : 0;
-    CheckResult(Binarize.ApplyParam(rImage, rBinary, WindowSide(rSettings, rSettings.m_dSourceDpiX),
-                                    WindowSide(rSettings, rSettings.m_dSourceDpiY),
-                                    SampleFromDouble<long>(bBright ? -dOffset : dOffset)));
+    ThrowIfFailed(Binarize.ApplyParam(rImage, rBinary,
+                                      WindowSide(rSettings, rSettings.m_dSourceDpiX),
+                                      WindowSide(rSettings, rSettings.m_dSourceDpiY),
+                                      SampleFromDouble<long>(bBright ? -dOffset : dOffset)),
+                  VEK_HERE);
 }
 
 } // namespace
@@ -41,11 +39,11 @@ void DotLocation::Measure(ClImage& rImage, const StDotSettings& rSettings, ClIma
     Threshold(rImage, rSettings, Binary);
     ClImage Inverted;
     if (rSettings.m_bBrightDots)
-        CheckResult(ClIpInvert().ApplyParam(rImage, Inverted));
+        ThrowIfFailed(ClIpInvert().ApplyParam(rImage, Inverted), VEK_HERE);
     ClIpConnectedComponent2 Components;
     Components.m_pInImage = &Binary;
     Components.m_pInImageGrey = rSettings.m_bBrightDots ? &Inverted : &rImage;
     Components.m_pOutImage = pLabels;
     Components.m_pComponents = &rComponents;
-    CheckResult(Components.Apply());
+    ThrowIfFailed(Components.Apply(), VEK_HERE);
 }

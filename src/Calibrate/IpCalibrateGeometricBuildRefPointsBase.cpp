@@ -9,6 +9,7 @@
 #include "ImageProcessing/PixelTypeDispatch.h"
 #include "Tools/CallTrace.h"
 #include "Tools/MathConst.h"
+#include "Tools/ThrowIfFailed.h"
 
 #include <algorithm>
 #include <cmath>
@@ -23,11 +24,6 @@ constexpr double cdPelsPerDpi = 39.37007874015748;
 /// What turns the resolutions of a reference record back into dots per inch. It is the rounder
 /// number on purpose: measured references have always been read with it.
 constexpr double cdReferencePelsPerDpi = 39.37;
-
-void CheckResult(long nResult) {
-    if (nResult != 0)
-        throw ClExTessarin(nResult, VEK_HERE);
-}
 
 void CheckReference(const ClCalibrateGeometricData& rData) {
     if (rData.m_aTarget.Entries() != cnPatternPoints || !RecordLimits::IsFinite(rData.m_aTarget) ||
@@ -80,8 +76,9 @@ long ClIpCalibrateGeometricBuildRefPointsBase::Process() {
 void ClIpCalibrateGeometricBuildRefPointsBase::LocateDots(std::uint32_t nPlanes) {
     ClImage aPlanes[ClCalibrateGeometricData::cnMaxPlanes];
     if (nPlanes > 1)
-        CheckResult(ClIpSplitPlanes().ApplyParam(*m_pInImage, &aPlanes[0], &aPlanes[1], &aPlanes[2],
-                                                 nullptr));
+        ThrowIfFailed(ClIpSplitPlanes().ApplyParam(*m_pInImage, &aPlanes[0], &aPlanes[1],
+                                                   &aPlanes[2], nullptr),
+                      VEK_HERE);
     if (m_pOutDebugImage != nullptr)
         m_pOutDebugImage->New(*m_pInImage);
     ClDotGridOwner Owner;
