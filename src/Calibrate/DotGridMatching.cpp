@@ -113,7 +113,7 @@ void ClBase::GridRemoveBadPoints(DotGrid& rGrid) {
 }
 
 // Asked for every dot and its neighbours, so that two lines each would bury the rest of the trace.
-ClDot* ClBase::RetrieveDot(const DotGrid& rGrid, int nX, int nY) const {
+ClDot* ClBase::RetrieveDot(const DotGrid& rGrid, int nX, int nY) {
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         if (rGrid[i]->m_vGrid.x == nX && rGrid[i]->m_vGrid.y == nY)
             return rGrid[i];

@@ -1,17 +1,16 @@
 // What a developer looks at when dots are missing: the grid as a picture and as lines of the log.
 
+#include "Calibrate/DotGridPicture.h"
+
 #include "Calibrate/DotDirection.h"
-#include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
-#include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
 
 #include <cstdio>
 
-using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
-using ClDot = ClBase::ClDot;
-
 namespace {
+
+using ClDot = ClIpCalibrateGeometricBuildRefPointsBase::ClDot;
 
 constexpr unsigned char cnLinked = 128;
 constexpr unsigned char cnNotLinked = 0;
@@ -73,8 +72,7 @@ struct StNeighbourText {
 
 } // namespace
 
-void ClBase::GridToDebugImage(const DotGrid& rGrid, ClImage& rImage) const {
-    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GridToDebugImage()");
+void DotGridPicture::Draw(const DotGrid& rGrid, ClImage& rImage) {
     if (rImage.DataType() != ClImage::eUInt8)
         throw ClException("Image Type is not the assigned type", QMT_ERROR_INTERNAL, true,
                           VEK_HERE);
@@ -84,8 +82,7 @@ void ClBase::GridToDebugImage(const DotGrid& rGrid, ClImage& rImage) const {
             DrawDot(*rGrid[i], rImage);
 }
 
-void ClBase::TraceGrid(const DotGrid& rGrid) const {
-    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::TraceGrid()");
+void DotGridPicture::LogStates(const DotGrid& rGrid) {
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         VekLFLog(Vek::eLogTrace, "%d: (%.3f, %.3f) status %u, %d neighbours",
                  static_cast<int>(rGrid[i]->m_nIndex), rGrid[i]->m_vPos.x, rGrid[i]->m_vPos.y,
@@ -93,8 +90,7 @@ void ClBase::TraceGrid(const DotGrid& rGrid) const {
                  static_cast<int>(rGrid[i]->m_aNeighbours.Entries()));
 }
 
-void ClBase::LogGrid(const DotGrid& rGrid) const {
-    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::LogGrid()");
+void DotGridPicture::LogShapes(const DotGrid& rGrid) {
     for (unsigned long i = 0; i < rGrid.Entries(); ++i)
         VekLFLog(Vek::eLogTrace,
                  "%d: (%.3f, %.3f) status %u, eccentricity %.3f, area %.0f, neighbours%s",

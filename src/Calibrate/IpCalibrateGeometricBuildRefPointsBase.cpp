@@ -1,9 +1,11 @@
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 
 #include "Calibrate/DotGridOwner.h"
+#include "Calibrate/DotGridPicture.h"
 #include "Calibrate/DotLocation.h"
 #include "Calibrate/DotSorting.h"
 #include "Calibrate/RecordLimits.h"
+#include "Calibrate/RecordPlausibility.h"
 #include "ImageProcessing/ImageParameters.h"
 #include "ImageProcessing/IpSplitPlanes.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
@@ -21,9 +23,10 @@ using PointList = ClIpCalibrateGeometricBuildRefPointsBase::PointList;
 using ClDot = ClIpCalibrateGeometricBuildRefPointsBase::ClDot;
 
 constexpr double cdPelsPerDpi = 39.37007874015748;
-/// What turns the resolutions of a reference record back into dots per inch. It is the rounder
-/// number on purpose: measured references have always been read with it.
-constexpr double cdReferencePelsPerDpi = 39.37;
+/// What turns the resolutions of a record back into dots per inch. It is the rounder number on
+/// purpose: measured references have always been read with it.
+constexpr double cdRecordPelsPerDpi = 39.37;
+constexpr double cdRecordDpiPerPels = 1.0 / cdRecordPelsPerDpi;
 
 void CheckReference(const ClCalibrateGeometricData& rData) {
     if (rData.m_aTarget.Entries() != cnPatternPoints || !RecordLimits::IsFinite(rData.m_aTarget) ||
@@ -120,8 +123,8 @@ void ClIpCalibrateGeometricBuildRefPointsBase::BuildTarget(PointList& rTarget, d
         BuildTargetPoints(rTarget, dDpiX, dDpiY, dOffsetX, dOffsetY);
     } else {
         CheckReference(*m_pRefData);
-        const double dScaleX = dDpiX * cdReferencePelsPerDpi / m_pRefData->m_nTargetPelsX;
-        const double dScaleY = dDpiY * cdReferencePelsPerDpi / m_pRefData->m_nTargetPelsY;
+        const double dScaleX = dDpiX * cdRecordPelsPerDpi / m_pRefData->m_nTargetPelsX;
+        const double dScaleY = dDpiY * cdRecordPelsPerDpi / m_pRefData->m_nTargetPelsY;
         rTarget = m_pRefData->m_aTarget;
         for (unsigned long i = 0; i < rTarget.Entries(); ++i) {
             rTarget[i].x = rTarget[i].x * dScaleX + dOffsetX;
@@ -163,6 +166,53 @@ void ClIpCalibrateGeometricBuildRefPointsBase::MoveArray(PointList& rArray,
     const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::MoveArray()");
     for (unsigned long i = 0; i < rArray.Entries(); ++i)
         rArray[i] = rArray[i] + rMove;
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::ArrayToGrid(const PointList& rSource,
+                                                           const PointList& rTarget,
+                                                           DotGrid& rGrid) {
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::ArrayToGrid()");
+    TpArrayStatic<int> aLengths;
+    GetGridColumnLengths(aLengths);
+    RecordPlausibility::PlaceDots(aLengths, rSource, rTarget, rGrid);
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::ValidateTargetPoints(
+    const ClCalibrateGeometricData& rData) {
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::ValidateTargetPoints()");
+    RecordLimits::CheckTarget(rData);
+    PointList aIdeal;
+    BuildTargetPoints(aIdeal, rData.m_nTargetPelsX * cdRecordDpiPerPels,
+                      rData.m_nTargetPelsY * cdRecordDpiPerPels, 0.0, 0.0);
+    RecordPlausibility::CheckTarget(aIdeal, rData.m_aTarget);
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::ValidateCalibrationData(
+    const ClCalibrateGeometricData& rData) {
+    const Vek::ClCallTrace Trace(
+        "ClIpCalibrateGeometricBuildRefPointsBase::ValidateCalibrationData()");
+    ValidateTargetPoints(rData);
+    RecordLimits::CheckSource(rData);
+    ClDotGridOwner Owner;
+    ArrayToGrid(rData.m_aActual[0], rData.m_aTarget, Owner.m_aGrid);
+    RecordPlausibility::CheckSteps(Owner.m_aGrid);
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::GridToDebugImage(const DotGrid& rGrid,
+                                                                ClImage& rImage) const {
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GridToDebugImage()");
+    DotGridPicture::Draw(rGrid, rImage);
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::TraceGrid(const DotGrid& rGrid) const {
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::TraceGrid()");
+    DotGridPicture::LogStates(rGrid);
+}
+
+void ClIpCalibrateGeometricBuildRefPointsBase::LogGrid(const DotGrid& rGrid) const {
+    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::LogGrid()");
+    DotGridPicture::LogShapes(rGrid);
 }
 
 void ClIpCalibrateGeometricBuildRefPointsBase::ReleaseDots(DotGrid& rGrid) {

@@ -133,7 +133,7 @@ public:
 
     // Looking up
     /// The first dot at a place of the pattern, or null.
-    ClDot* RetrieveDot(const DotGrid& rGrid, int nX, int nY) const;
+    static ClDot* RetrieveDot(const DotGrid& rGrid, int nX, int nY);
     /// The valid dot nearest to the image's origin, or null.
     ClDot* GetBottumLeftDot(const DotGrid& rGrid) const;
     /// Mean of the clean valid dots; not a number without any.

@@ -1,24 +1,26 @@
 // The plausibility of a stored record, purely by geometry: the target points are the pattern, and
 // every step between neighbouring dots of the capture is like the others.
 
-#include "Calibrate/DotGridOwner.h"
+#include "Calibrate/RecordPlausibility.h"
+
 #include "Calibrate/RecordLimits.h"
 #include "Tools/Allocate.h"
-#include "Tools/CallTrace.h"
 
 #include <cmath>
+
+using RecordPlausibility::DotGrid;
+using RecordPlausibility::PointList;
+
+namespace {
 
 using ClBase = ClIpCalibrateGeometricBuildRefPointsBase;
 using ClDot = ClBase::ClDot;
 
-namespace {
-
-constexpr double cdDpiPerPels = 0.025400050800101603; // 1 / 39.37
-constexpr double cdTargetTolerance = 10.0;            // pixels
-constexpr double cdStepTolerance = 0.3;               // of the mean step
+constexpr double cdTargetTolerance = 10.0; // pixels
+constexpr double cdStepTolerance = 0.3;    // of the mean step
 
 /// Whether a list is another one moved as a whole, within the tolerance.
-bool IsMoved(const ClBase::PointList& rIdeal, const ClBase::PointList& rPoints) {
+bool IsMoved(const PointList& rIdeal, const PointList& rPoints) {
     if (rIdeal.Entries() != rPoints.Entries() || rIdeal.Entries() == 0)
         return false;
     const ClVector vMove = rIdeal[0] - rPoints[0];
@@ -33,20 +35,20 @@ bool IsMoved(const ClBase::PointList& rIdeal, const ClBase::PointList& rPoints) 
 /// Walks the places of the pattern, column by column. Behind the last one there is no place.
 class ClPlaces {
 public:
-    explicit ClPlaces(ClBase& rBase) { rBase.GetGridColumnLengths(m_aLengths); }
+    explicit ClPlaces(const TpArrayStatic<int>& rLengths) : m_rLengths(rLengths) {}
 
     ClVector Next() {
-        while (m_nColumn < m_aLengths.Entries() && m_nRow >= m_aLengths[m_nColumn]) {
+        while (m_nColumn < m_rLengths.Entries() && m_nRow >= m_rLengths[m_nColumn]) {
             ++m_nColumn;
             m_nRow = 0;
         }
-        if (m_nColumn == m_aLengths.Entries())
+        if (m_nColumn == m_rLengths.Entries())
             return {-1.0, -1.0};
         return {static_cast<double>(m_nColumn), static_cast<double>(m_nRow++)};
     }
 
 private:
-    TpArrayStatic<int> m_aLengths;
+    const TpArrayStatic<int>& m_rLengths;
     unsigned long m_nColumn = 0;
     int m_nRow = 0;
 };
@@ -75,43 +77,29 @@ private:
 
 /// The neighbours of a dot in the pattern, or null where it has none.
 struct StNext {
-    StNext(const ClBase& rBase, const ClBase::DotGrid& rGrid, const ClDot& rDot)
-        : m_pBelow(rBase.RetrieveDot(rGrid, static_cast<int>(rDot.m_vGrid.x),
-                                     static_cast<int>(rDot.m_vGrid.y) + 1)),
-          m_pRight(rBase.RetrieveDot(rGrid, static_cast<int>(rDot.m_vGrid.x) + 1,
-                                     static_cast<int>(rDot.m_vGrid.y))) {}
+    StNext(const DotGrid& rGrid, const ClDot& rDot)
+        : m_pBelow(ClBase::RetrieveDot(rGrid, static_cast<int>(rDot.m_vGrid.x),
+                                       static_cast<int>(rDot.m_vGrid.y) + 1)),
+          m_pRight(ClBase::RetrieveDot(rGrid, static_cast<int>(rDot.m_vGrid.x) + 1,
+                                       static_cast<int>(rDot.m_vGrid.y))) {}
 
     const ClDot* m_pBelow;
     const ClDot* m_pRight;
 };
 
-void CheckSteps(const ClBase& rBase, const ClBase::DotGrid& rGrid) {
-    ClSteps Down;
-    ClSteps Right;
-    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
-        const StNext Next(rBase, rGrid, *rGrid[i]);
-        if (Next.m_pBelow != nullptr)
-            Down.Add(Next.m_pBelow->m_vPos.y - rGrid[i]->m_vPos.y);
-        if (Next.m_pRight != nullptr)
-            Right.Add(Next.m_pRight->m_vPos.x - rGrid[i]->m_vPos.x);
-    }
-    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
-        const StNext Next(rBase, rGrid, *rGrid[i]);
-        if ((Next.m_pBelow != nullptr &&
-             !Down.IsUsual(Next.m_pBelow->m_vPos.y - rGrid[i]->m_vPos.y)) ||
-            (Next.m_pRight != nullptr &&
-             !Right.IsUsual(Next.m_pRight->m_vPos.x - rGrid[i]->m_vPos.x)))
-            RecordLimits::RefuseSource();
-    }
-}
-
 } // namespace
 
-void ClBase::ArrayToGrid(const PointList& rSource, const PointList& rTarget, DotGrid& rGrid) {
-    const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::ArrayToGrid()");
-    ClPlaces Places(*this);
+void RecordPlausibility::CheckTarget(const PointList& rIdeal, const PointList& rPoints) {
+    if (!IsMoved(rIdeal, rPoints))
+        RecordLimits::RefuseTarget();
+}
+
+void RecordPlausibility::PlaceDots(const TpArrayStatic<int>& rColumnLengths,
+                                   const PointList& rSource, const PointList& rTarget,
+                                   DotGrid& rGrid) {
     RecordLimits::CheckCount(rSource, rTarget);
-    ReleaseDots(rGrid);
+    ClPlaces Places(rColumnLengths);
+    ClBase::ReleaseDots(rGrid);
     rGrid.Reserve(rSource.Entries());
     for (unsigned long i = 0; i < rSource.Entries(); ++i) {
         ClDot* pDot = Vek::NewObject<ClDot>(rSource[i]);
@@ -122,23 +110,22 @@ void ClBase::ArrayToGrid(const PointList& rSource, const PointList& rTarget, Dot
     }
 }
 
-void ClBase::ValidateTargetPoints(const ClCalibrateGeometricData& rData) {
-    const Vek::ClCallTrace Trace(
-        "ClIpCalibrateGeometricBuildRefPointsBase::ValidateTargetPoints()");
-    RecordLimits::CheckTarget(rData);
-    PointList aIdeal;
-    BuildTargetPoints(aIdeal, rData.m_nTargetPelsX * cdDpiPerPels,
-                      rData.m_nTargetPelsY * cdDpiPerPels, 0.0, 0.0);
-    if (!IsMoved(aIdeal, rData.m_aTarget))
-        RecordLimits::RefuseTarget();
-}
-
-void ClBase::ValidateCalibrationData(const ClCalibrateGeometricData& rData) {
-    const Vek::ClCallTrace Trace(
-        "ClIpCalibrateGeometricBuildRefPointsBase::ValidateCalibrationData()");
-    ValidateTargetPoints(rData);
-    RecordLimits::CheckSource(rData);
-    ClDotGridOwner Owner;
-    ArrayToGrid(rData.m_aActual[0], rData.m_aTarget, Owner.m_aGrid);
-    CheckSteps(*this, Owner.m_aGrid);
+void RecordPlausibility::CheckSteps(const DotGrid& rGrid) {
+    ClSteps Down;
+    ClSteps Right;
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
+        const StNext Next(rGrid, *rGrid[i]);
+        if (Next.m_pBelow != nullptr)
+            Down.Add(Next.m_pBelow->m_vPos.y - rGrid[i]->m_vPos.y);
+        if (Next.m_pRight != nullptr)
+            Right.Add(Next.m_pRight->m_vPos.x - rGrid[i]->m_vPos.x);
+    }
+    for (unsigned long i = 0; i < rGrid.Entries(); ++i) {
+        const StNext Next(rGrid, *rGrid[i]);
+        if ((Next.m_pBelow != nullptr &&
+             !Down.IsUsual(Next.m_pBelow->m_vPos.y - rGrid[i]->m_vPos.y)) ||
+            (Next.m_pRight != nullptr &&
+             !Right.IsUsual(Next.m_pRight->m_vPos.x - rGrid[i]->m_vPos.x)))
+            RecordLimits::RefuseSource();
+    }
 }
