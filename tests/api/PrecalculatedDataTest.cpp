@@ -1,7 +1,6 @@
 // The precalculated block: the fast start, and what ties it to one calibration block.
 
-#include "api/Api.h"
-#include "support/Tables.h"
+#include "api/WaitingHandle.h"
 
 using TestSupport::Bytes;
 using TestSupport::Capture;
@@ -11,20 +10,13 @@ using TestSupport::PlausibleRecord;
 using TestSupport::PrecalculatedBlock;
 using TestSupport::RecordBlock;
 using TestSupport::StRecord;
+using TestSupport::StWaiting;
 using TestSupport::TableOf;
 
 namespace {
 
 struct StLoaded : ClApiHandle {
     StLoaded() { EXPECT_EQ(SetData(RecordBlock(PlausibleRecord())), 0); }
-};
-
-/// A handle that waits for a precalculated block.
-struct StWaiting : ClApiHandle {
-    StWaiting() {
-        Set("PrecalculatedData=true");
-        EXPECT_EQ(SetData(RecordBlock(PlausibleRecord())), 0);
-    }
 };
 
 constexpr unsigned long cnBlock = 28 + 94 + 40 * 60 * 36 + 4;
@@ -79,9 +71,7 @@ TEST(CalibratePrecalculatedData, IsPreparedByTheFirstRunWhereItIsMissing) {
 TEST(CalibratePrecalculatedData, ThatIsMissingFailsTheRunsOfPointsWithoutAMapping) {
     StRecord Record = PlausibleRecord();
     Record.m_aTarget[1] = Record.m_aTarget[0];
-    ClApiHandle Handle;
-    Handle.Set("PrecalculatedData=true");
-    ASSERT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+    StWaiting Handle(Record);
     const Bytes aWithout = Handle.PrecalculatedData();
     EXPECT_EQ(aWithout, BlockWithoutTable(Record));
     for (int i = 0; i < 2; ++i) {
@@ -185,9 +175,7 @@ TEST(CalibratePrecalculatedData, BelongsToEveryPointAndNumberOfItsRecord) {
     StLoaded First;
     const Bytes aBlock = First.PrecalculatedData();
     const auto Status = [&](const StRecord& Record) {
-        ClApiHandle Handle;
-        Handle.Set("PrecalculatedData=true");
-        EXPECT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+        StWaiting Handle(Record);
         return Handle.SetPrecalculatedData(aBlock);
     };
     EXPECT_EQ(Status(PlausibleRecord()), QMT_SUCCESS);

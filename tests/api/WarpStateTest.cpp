@@ -1,19 +1,18 @@
 // What a warp is after a preparation that failed and a block that is refused.
 
-#include "api/Api.h"
+#include "api/WaitingHandle.h"
 #include "calls/TableRules.h"
-#include "support/Tables.h"
 
 using TestSupport::Bytes;
 using TestSupport::Capture;
-using TestSupport::ClApiHandle;
 using TestSupport::HashOf;
 using TestSupport::PlausibleRecord;
 using TestSupport::PrecalculatedBlock;
 using TestSupport::RecordBlock;
 using TestSupport::StRecord;
-using TestSupport::StTable;
+using TestSupport::StWaiting;
 using TestSupport::TableOf;
+using TestSupport::TableOfNothing;
 
 namespace {
 
@@ -25,33 +24,13 @@ StRecord Unsolvable() {
     return Record;
 }
 
-/// One pixel without source of a capture that there is not.
-StTable OfNothing() {
-    StTable Table = TableOf({-1});
-    Table.m_nSourceWidth = Table.m_nSourceHeight = 0;
-    Table.m_nTargetWidth = Table.m_nTargetHeight = 1;
-    Table.m_nImageWidth = Table.m_nImageHeight = 1;
-    return Table;
-}
-
-struct StWaiting : ClApiHandle {
-    explicit StWaiting(const StRecord& Record) {
-        Set("PrecalculatedData=true");
-        EXPECT_EQ(SetData(RecordBlock(Record)), 0);
-    }
-    long Run(const Bytes& aIn) {
-        long nStatus = 0;
-        Corrected(aIn, &nStatus);
-        return nStatus;
-    }
-};
-
 } // namespace
 
 TEST(WarpState, IsNotThatOfABlockWithoutCapture) {
     StWaiting Handle(Unsolvable());
-    EXPECT_EQ(Handle.SetPrecalculatedData(PrecalculatedBlock(OfNothing(), HashOf(Unsolvable()))),
-              QMT_ERROR_CURRUPT_DATA);
+    EXPECT_EQ(
+        Handle.SetPrecalculatedData(PrecalculatedBlock(TableOfNothing(), HashOf(Unsolvable()))),
+        QMT_ERROR_CURRUPT_DATA);
     EXPECT_EQ(Handle.Run(Capture(16, 16)), QMT_ERROR_NOT_INITIALIZED);
     EXPECT_EQ(Handle.Run(Capture(16, 16)), QMT_ERROR_NOT_INITIALIZED);
 }

@@ -1,38 +1,28 @@
 // A preparation that runs out of memory, at each of its allocations.
 
-#include "api/Api.h"
+#include "api/WaitingHandle.h"
 #include "calls/TableRules.h"
 #include "support/AllocationFailures.h"
-#include "support/Tables.h"
 
 using TestSupport::Bytes;
 using TestSupport::Capture;
-using TestSupport::ClApiHandle;
 using TestSupport::ClFailAllocation;
 using TestSupport::HashOf;
 using TestSupport::PlausibleRecord;
 using TestSupport::PrecalculatedBlock;
-using TestSupport::RecordBlock;
 using TestSupport::StRecord;
-using TestSupport::StTable;
-using TestSupport::TableOf;
+using TestSupport::StWaiting;
+using TestSupport::TableOfNothing;
 
 namespace {
 
-struct StWaiting : ClApiHandle {
-    explicit StWaiting(const StRecord& Record) {
-        Set("PrecalculatedData=true");
-        EXPECT_EQ(SetData(RecordBlock(Record)), 0);
-    }
-
-    /// A run whose allocation `nAfter` fails. Returns false where none did.
-    bool RunWithout(long nAfter, Bytes& rIn, Bytes& rOut, long& rnStatus) {
-        unsigned long nSize = rOut.size();
-        const ClFailAllocation Fail(nAfter);
-        rnStatus = Calibrate(*this, rIn.data(), rIn.size(), rOut.data(), &nSize);
-        return ClFailAllocation::Happened();
-    }
-};
+/// A run whose allocation `nAfter` fails. Returns false where none did.
+bool RunWithout(StWaiting& rHandle, long nAfter, Bytes& rIn, Bytes& rOut, long& rnStatus) {
+    unsigned long nSize = rOut.size();
+    const ClFailAllocation Fail(nAfter);
+    rnStatus = Calibrate(rHandle, rIn.data(), rIn.size(), rOut.data(), &nSize);
+    return ClFailAllocation::Happened();
+}
 
 } // namespace
 
@@ -49,7 +39,7 @@ TEST(WarpWithoutMemory, IsPreparedByTheNextRun) {
         StWaiting Handle(Record);
         Bytes aOut(aExpected.size());
         long nStatus = 0;
-        bHappened = Handle.RunWithout(nAfter, aIn, aOut, nStatus);
+        bHappened = RunWithout(Handle, nAfter, aIn, aOut, nStatus);
         // Some work can do without what it asks for.
         const bool bFailed = bHappened && nStatus != QMT_SUCCESS;
         EXPECT_EQ(nStatus, bFailed ? QMT_ERROR_OUT_OF_MEMORY : QMT_SUCCESS) << nAfter;
@@ -66,21 +56,15 @@ TEST(WarpWithoutMemory, IsPreparedByTheNextRun) {
 // Were the block taken, its one entry would be all the table of a target of 600 x 600 pixels.
 TEST(WarpWithoutMemory, IsNotMixedWithABlockWithoutCapture) {
     const StRecord Record = PlausibleRecord(20, 24, 600, 600);
-    StTable Table = TableOf({-1});
-    Table.m_nSourceWidth = Table.m_nSourceHeight = 0;
-    Table.m_nTargetWidth = Table.m_nTargetHeight = 1;
-    Table.m_nImageWidth = Table.m_nImageHeight = 1;
     Bytes aIn = Capture(20, 24);
     for (long nAfter = 0; nAfter < 30; ++nAfter) {
         StWaiting Handle(Record);
-        EXPECT_EQ(Handle.SetPrecalculatedData(PrecalculatedBlock(Table, HashOf(Record))),
+        EXPECT_EQ(Handle.SetPrecalculatedData(PrecalculatedBlock(TableOfNothing(), HashOf(Record))),
                   QMT_ERROR_CURRUPT_DATA);
         Bytes aOut(500000);
         long nStatus = 0;
-        EXPECT_FALSE(Handle.RunWithout(nAfter, aIn, aOut, nStatus));
+        EXPECT_FALSE(RunWithout(Handle, nAfter, aIn, aOut, nStatus));
         EXPECT_EQ(nStatus, QMT_ERROR_NOT_INITIALIZED);
-        long nSecond = 0;
-        Handle.Corrected(aIn, &nSecond);
-        EXPECT_EQ(nSecond, QMT_ERROR_NOT_INITIALIZED);
+        EXPECT_EQ(Handle.Run(aIn), QMT_ERROR_NOT_INITIALIZED);
     }
 }
