@@ -312,10 +312,11 @@ TESSARIN_CALIBRATE_API long ContaminationDetection(void* handle, unsigned char* 
  *         the statuses of a bitmap block, up to its size, as for Calibrate()
  *         QMT_ERROR_NOT_INITIALIZED    no calibration data
  *         the further statuses of a bitmap block
+ *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  nothing stands out in the image
  *         QMT_ERROR_CURRUPT_DATA       the target of the calibration data has no resolution
  *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the target was not found, not complete or too
  *                                                 crooked
- *         QMT_ERROR_OUT_OF_MEMORY
+ *         QMT_ERROR_OUT_OF_MEMORY      at any point
  *         QMT_SUCCESS
  */
 TESSARIN_CALIBRATE_API long CalibrateCheckEfts(void* handle, unsigned char* bitmap,
@@ -428,12 +429,13 @@ TESSARIN_CALIBRATE_API long CalibrateSetReferenceData(void* handle, unsigned cha
  * @return QMT_ERROR_NO_HANDLE, QMT_ERROR_INVALID_HANDLE
  *         QMT_ERROR_BITMAP_PTR  bitmap is null; the data loaded before stays
  *         the statuses of a bitmap block, as for Calibrate()
+ *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  nothing stands out in the capture
+ *         QMT_ERROR_CURRUPT_DATA  the reference of CalibrateSetReferenceData() is not that of a
+ *                                 target
  *         QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE  the target was not found, not complete, too
  *                                                 crooked or not that of the reference; the log
  *                                                 has the words
- *         QMT_ERROR_CURRUPT_DATA  the reference of CalibrateSetReferenceData() is not that of a
- *                                 target
- *         QMT_ERROR_OUT_OF_MEMORY
+ *         QMT_ERROR_OUT_OF_MEMORY  at any point
  *         QMT_SUCCESS
  * After every failure but the first three the handle holds no calibration data; what stays behind
  * QMT_FATAL_ERROR_TERMINATION_NECESSARY is not told.

@@ -1,9 +1,8 @@
 // The geometric accuracy of corrected images of the dot target.
 
-#include "api/Api.h"
+#include "api/WaitingHandle.h"
 #include "support/DotTargets.h"
 #include "support/GuardedMemory.h"
-#include "support/Records.h"
 #include "support/TestData.h"
 
 #include <nlohmann/json.hpp>
@@ -15,7 +14,9 @@ using TestSupport::DataBlock;
 using TestSupport::DataFile;
 using TestSupport::PlausibleRecord;
 using TestSupport::RecordBlock;
+using TestSupport::StRecord;
 using TestSupport::StTargetImage;
+using TestSupport::StWaiting;
 using TestSupport::TargetBlock;
 
 namespace {
@@ -90,18 +91,34 @@ TEST(CalibrateCheckEfts, LeavesResultAndDataWhereTheTargetIsNotFound) {
     EXPECT_EQ(Handle.Data(), RecordBlock(PlausibleRecord()));
 }
 
-// Points within ten pixels of each other are those of a pattern without extent.
-TEST(CalibrateCheckEfts, RefusesATargetWithoutResolution) {
-    TestSupport::StRecord Record = PlausibleRecord();
+namespace {
+
+/// Points within ten pixels of each other are those of a pattern without extent.
+StRecord WithoutResolution() {
+    StRecord Record = PlausibleRecord();
     Record.m_nTargetPelsX = Record.m_nTargetPelsY = 0;
     for (std::size_t i = 0; i < Record.m_aTarget.size(); ++i)
         Record.m_aTarget[i] = {0.5f * static_cast<float>(i / 11),
                                0.5f * static_cast<float>(i % 11)};
-    ClApiHandle Handle;
-    Handle.Set("PrecalculatedData=true");
-    ASSERT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+    return Record;
+}
+
+} // namespace
+
+TEST(CalibrateCheckEfts, RefusesATargetWithoutResolution) {
+    StWaiting Handle(WithoutResolution());
     EXPECT_EQ(Percent(Handle, TargetBlock(CorrectedTarget()), QMT_ERROR_CURRUPT_DATA), -1.0);
-    EXPECT_EQ(Handle.Data(), RecordBlock(Record));
+    EXPECT_EQ(Handle.Data(), RecordBlock(WithoutResolution()));
+}
+
+TEST(CalibrateCheckEfts, RefusesATargetWithoutResolutionBetweenFindingDotsAndJudgingThem) {
+    const StWaiting Handle(WithoutResolution());
+    StTargetImage Incomplete = CorrectedTarget();
+    Incomplete.m_aMissing = {70};
+    EXPECT_EQ(
+        Percent(Handle, TargetBlock(CorrectedTarget(), {}), QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE),
+        -1.0);
+    EXPECT_EQ(Percent(Handle, TargetBlock(Incomplete), QMT_ERROR_CURRUPT_DATA), -1.0);
 }
 
 TEST(CalibrateCheckEfts, KeepsDataAndTableOnSuccess) {

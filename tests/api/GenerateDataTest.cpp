@@ -367,6 +367,30 @@ TEST(CalibrateSetReferenceData, OfAnotherPatternIsRefusedByTheGeneration) {
     }
 }
 
+// It is laid onto what was found, and what was found is judged by it.
+TEST(CalibrateSetReferenceData, OfAnotherPatternIsRefusedBetweenFindingDotsAndJudgingThem) {
+    StRecord Short = Reference(1.0);
+    Short.m_aTarget.pop_back();
+    const StTargetImage Target;
+    const Bytes aEmpty = TargetBlock(Target, {});
+    const Bytes aOneDot = TargetBlock(Target, {{195.0, 526.0}});
+    StTargetImage Crooked;
+    Crooked.m_dRowSlant = 16.5;
+    ClApiHandle Handle;
+    const auto ExpectStatuses = [&](long nOfEmpty, long nOfOneDot, long nOfCrooked) {
+        EXPECT_EQ(Handle.GenerateData(Bytes(39)), QMT_ERROR_TEMPLATE_SIZE);
+        EXPECT_EQ(Handle.GenerateData(aEmpty), nOfEmpty);
+        EXPECT_EQ(Handle.GenerateData(aOneDot), nOfOneDot);
+        EXPECT_EQ(Handle.GenerateData(TargetBlock(Crooked)), nOfCrooked);
+    };
+    ASSERT_EQ(Handle.SetReferenceData(RecordBlock(Short)), 0);
+    ExpectStatuses(QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, QMT_ERROR_CURRUPT_DATA,
+                   QMT_ERROR_CURRUPT_DATA);
+    ASSERT_EQ(Handle.SetReferenceData(RecordBlock(Reference(1.0))), 0);
+    ExpectStatuses(QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE,
+                   QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE);
+}
+
 TEST(CalibrateSetReferenceData, ThatFailsKeepsWhatWasReadOfIt) {
     Bytes aBroken = RecordBlock(Reference(1.01));
     aBroken.back() ^= 1;
