@@ -1,5 +1,6 @@
 // The steps of the finger mask, against plain loops and shapes whose result is plain.
 
+#include "FingerCoding/NaiveMaskSteps.h"
 #include "FingerCoding/OpenDynamicCalibration.h"
 #include "ImageProcessing/RegionShapes.h"
 #include "support/Throws.h"
@@ -29,25 +30,6 @@ ClTestImage TwoDiscs(int nGap) {
     });
 }
 
-/// The mean of a square window, cut at the edge, toward zero.
-Rows NaiveMean(const Rows& aIn, int nHalf) {
-    const int nHeight = static_cast<int>(aIn.size());
-    const int nWidth = static_cast<int>(aIn.at(0).size());
-    Rows aOut = aIn;
-    for (int y = 0; y < nHeight; ++y)
-        for (int x = 0; x < nWidth; ++x) {
-            int nSum = 0;
-            int nCount = 0;
-            for (int v = std::max(y - nHalf, 0); v <= std::min(y + nHalf, nHeight - 1); ++v)
-                for (int u = std::max(x - nHalf, 0); u <= std::min(x + nHalf, nWidth - 1); ++u) {
-                    nSum += aIn[static_cast<std::size_t>(v)][static_cast<std::size_t>(u)];
-                    ++nCount;
-                }
-            aOut[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] = nSum / nCount;
-        }
-    return aOut;
-}
-
 /// With `nMargin` pixels of 255 on every side.
 Rows Extended(const Rows& aIn, int nMargin) {
     const std::size_t nWidth = aIn.at(0).size() + 2 * static_cast<std::size_t>(nMargin);
@@ -58,8 +40,8 @@ Rows Extended(const Rows& aIn, int nMargin) {
     return aOut;
 }
 
-Rows NaiveSmooth(const ClImage& Mask, int nHalf) {
-    const Rows aBlurred = NaiveMean(NaiveMean(Extended(Pixels(Mask), 2), nHalf), nHalf);
+Rows NaiveSmooth(const ClImage& Mask, int nWidth) {
+    const Rows aBlurred = Naive::MeanOf(Naive::MeanOf(Extended(Pixels(Mask), 2), nWidth), nWidth);
     Rows aOut = Pixels(Mask);
     for (std::size_t y = 0; y < aOut.size(); ++y)
         for (std::size_t x = 0; x < aOut[y].size(); ++x)
@@ -235,8 +217,7 @@ TEST(FingerMask, HasNoMemoryForAnAbsurdRidgeDistance) {
 TEST(FingerMask, SmoothensAsPlainLoopsDo) {
     for (const double dRidgeDist : {11.7, 10.0, 5.5}) {
         ClTestImage mask = RandomShape(61, 43, 0.3, 5);
-        const int nHalf = (static_cast<int>(dRidgeDist) | 1) / 2;
-        const Rows aTold = NaiveSmooth(mask, nHalf);
+        const Rows aTold = NaiveSmooth(mask, static_cast<int>(dRidgeDist) | 1);
         EXPECT_EQ(ClOpenDynamicCalibration().SmoothenMask(mask, dRidgeDist), 0);
         EXPECT_EQ(Pixels(mask), aTold);
     }

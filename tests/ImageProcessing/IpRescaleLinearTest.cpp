@@ -60,8 +60,9 @@ Rows NaiveBiLinear(const Rows& aIn, int nWidth, int nHeight, bool bSigned) {
     });
 }
 
-/// Mean of the cells of all lines, by the overlap of every cell with every sample.
-Rows NaiveMeans(const Rows& aIn, int nWidth) {
+/// Means along the lines, of cells that cover parts of samples, by the overlap of every cell with
+/// every sample.
+Rows CellMeans(const Rows& aIn, int nWidth) {
     const long long nIn = Width(aIn);
     const long long nStep = nIn * 4096 / nWidth;
     return MakeRows(nWidth, Height(aIn), [&](int x, int y) {
@@ -77,9 +78,9 @@ Rows NaiveMeans(const Rows& aIn, int nWidth) {
 
 Rows NaiveMode(Rows aRows, int nWidth, int nHeight, bool bSigned) {
     if (nWidth < Width(aRows))
-        aRows = NaiveMeans(aRows, nWidth);
+        aRows = CellMeans(aRows, nWidth);
     if (nHeight < Height(aRows))
-        aRows = Transposed(NaiveMeans(Transposed(aRows), nHeight));
+        aRows = Transposed(CellMeans(Transposed(aRows), nHeight));
     if (nWidth > Width(aRows) || nHeight > Height(aRows))
         aRows = NaiveBiLinear(aRows, nWidth, nHeight, bSigned);
     return aRows;

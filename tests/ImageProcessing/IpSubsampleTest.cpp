@@ -32,7 +32,8 @@ Rows Subsampled(ClImage& rIn, long nFactor, bool bMid) {
     return Pixels(Out);
 }
 
-int NaiveMean(const Rows& aIn, int nFactor, int nX, int nY) {
+/// The mean toward zero of one block of the grid; those at the edges are cut.
+int BlockMean(const Rows& aIn, int nFactor, int nX, int nY) {
     int nSum = 0;
     int nCount = 0;
     for (int y = nY * nFactor; y < std::min((nY + 1) * nFactor, Height(aIn)); ++y)
@@ -63,7 +64,7 @@ TEST(IpSubsample, PicksOrMeansBlocksAtManySizes) {
                           }));
                 EXPECT_EQ(Subsampled(in, nFactor, true),
                           MakeRows(nOutWidth, nOutHeight,
-                                   [&](int x, int y) { return NaiveMean(aIn, nFactor, x, y); }));
+                                   [&](int x, int y) { return BlockMean(aIn, nFactor, x, y); }));
             }
 }
 
@@ -71,7 +72,7 @@ TEST(IpSubsample, MeansLinesOfManyBlocks) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 1700, 5, 1, 2);
     const Rows aIn = Pixels(in);
     EXPECT_EQ(Subsampled(in, 3, true),
-              MakeRows(567, 2, [&](int x, int y) { return NaiveMean(aIn, 3, x, y); }));
+              MakeRows(567, 2, [&](int x, int y) { return BlockMean(aIn, 3, x, y); }));
 }
 
 TEST(IpSubsample, MeansSignedSamplesTowardZero) {
@@ -80,7 +81,7 @@ TEST(IpSubsample, MeansSignedSamplesTowardZero) {
     in = RandomImage(ClImage::eInt8, 19, 11, 1, 3);
     const Rows aIn = Pixels(in);
     EXPECT_EQ(Subsampled(in, 4, true),
-              MakeRows(5, 3, [&](int x, int y) { return NaiveMean(aIn, 4, x, y); }));
+              MakeRows(5, 3, [&](int x, int y) { return BlockMean(aIn, 4, x, y); }));
 }
 
 TEST(IpSubsample, KeepsConstants) {
