@@ -13,7 +13,7 @@ using qk7::Bytes;
 
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = std::set<std::string>;
 
 /// A folder with a capture, a.bmp; the tool runs in it, so that messages name short paths.
 class Qk7CalibrateFailure : public testing::Test {
@@ -49,7 +49,7 @@ protected:
                       "bad.cal: " + Words);
     }
 
-    ClTemporaryFolder m_Folder;
+    ClTestFolder m_Folder;
 };
 
 Bytes With(Bytes block, std::size_t nAt, unsigned char nValue) {

@@ -35,7 +35,7 @@ protected:
         return DirectLevels(Get(m_Folder / "scanner.cal"), Bytes(file.begin() + 14, file.end()));
     }
 
-    ClTemporaryFolder m_Folder;
+    ClTestFolder m_Folder;
 };
 
 std::string Hundredths(double dValue) {

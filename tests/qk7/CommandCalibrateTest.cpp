@@ -14,10 +14,11 @@ using qk7::Bytes;
 
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = std::set<std::string>;
+using Options = std::vector<std::string>;
 
 const Arguments aQuick = {"-O", "DynamicFingerMask=false", "-O", "GeometricCalibrate=oddLines"};
-const Names aQuickOptions = {"DynamicFingerMask=false", "GeometricCalibrate=oddLines"};
+const Options aQuickOptions = {"DynamicFingerMask=false", "GeometricCalibrate=oddLines"};
 
 Arguments Calibrate(const Arguments& more) {
     Arguments arguments = {"calibrate", "-d", RecordPath()};
@@ -44,7 +45,7 @@ Bytes QuickResult() {
 } // namespace
 
 TEST(Qk7Calibrate, GivesTheResultOrTheStatusOfTheLibraryInEveryMode) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     ExpectDone(Qk7({"simulate", "-s", "5", "-k", "whorl", "-o", folder.Path()}));
     const Bytes record = Get(folder / "scanner.cal");
     const Bytes file = Get(folder / "whorl.bmp");
@@ -52,7 +53,7 @@ TEST(Qk7Calibrate, GivesTheResultOrTheStatusOfTheLibraryInEveryMode) {
     const int nWidth = file[18] + 256 * file[19];
     const int nHeight = file[22] + 256 * file[23];
     const struct {
-        Names m_aOptions;
+        Options m_aOptions;
         int m_nWidth;
         int m_nHeight;
     } aModes[] = {
@@ -85,7 +86,7 @@ TEST(Qk7Calibrate, GivesTheResultOrTheStatusOfTheLibraryInEveryMode) {
 }
 
 TEST(Qk7Calibrate, TakesACaptureWithoutAFileHeader) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "in.dib", Capture());
 
     ExpectDone(Qk7(QuickCalibrate({folder / "in.dib", "-o", folder / "out.bmp"})));
@@ -94,8 +95,8 @@ TEST(Qk7Calibrate, TakesACaptureWithoutAFileHeader) {
 }
 
 TEST(Qk7Calibrate, UsesThePrecalculatedBlock) {
-    const ClTemporaryFolder folder;
-    const Names options = {"DynamicFingerMask=false"};
+    const ClTestFolder folder;
+    const Options options = {"DynamicFingerMask=false"};
     Put(folder / "in.bmp", Capture());
     Bytes table = DirectlyPrecalculated(Record());
     const std::size_t nEnd = table.size() - 4;
@@ -113,8 +114,8 @@ TEST(Qk7Calibrate, UsesThePrecalculatedBlock) {
 }
 
 TEST(Qk7Calibrate, GivesTheSameWithItsPrecalculatedBlock) {
-    const ClTemporaryFolder folder;
-    const Names options = {"DynamicFingerMask=false"};
+    const ClTestFolder folder;
+    const Options options = {"DynamicFingerMask=false"};
     Put(folder / "in.bmp", Capture());
     Put(folder / "scanner.pre", DirectlyPrecalculated(Record()));
 
@@ -126,7 +127,7 @@ TEST(Qk7Calibrate, GivesTheSameWithItsPrecalculatedBlock) {
 }
 
 TEST(Qk7Calibrate, WritesSeveralCapturesIntoADirectoryThatItMakes) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     std::filesystem::create_directory(folder / "in");
     Put(folder / "in/a.bmp", Capture());
     Put(folder / "b", Capture());
@@ -138,7 +139,7 @@ TEST(Qk7Calibrate, WritesSeveralCapturesIntoADirectoryThatItMakes) {
 }
 
 TEST(Qk7Calibrate, WritesOneCaptureIntoADirectoryThatIsMeant) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a.bmp", Capture());
     std::filesystem::create_directory(folder / "there");
 
@@ -150,7 +151,7 @@ TEST(Qk7Calibrate, WritesOneCaptureIntoADirectoryThatIsMeant) {
 }
 
 TEST(Qk7Calibrate, TakesEachOptionAloneSoThatCapturesMayFollow) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a.bmp", Capture());
 
     ExpectDone(Qk7({"calibrate", "-o", folder / "out.bmp", "-O", aQuickOptions[0], "-O",
@@ -160,7 +161,7 @@ TEST(Qk7Calibrate, TakesEachOptionAloneSoThatCapturesMayFollow) {
 }
 
 TEST(Qk7Calibrate, DoesTheOtherCapturesWhenSomeFail) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a.bmp", Capture());
     Put(folder / "empty.bmp", {});
     Put(folder / "z.bmp", Capture());
@@ -183,7 +184,7 @@ TEST(Qk7Calibrate, DoesTheOtherCapturesWhenSomeFail) {
 }
 
 TEST(Qk7Calibrate, KeepsAnOldResultWhenTheCaptureFails) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "in.bmp", ToBytes("no bitmap at all, yet longer than its header of 40 bytes"));
     Put(folder / "out.bmp", ToBytes("old"));
 
@@ -194,7 +195,7 @@ TEST(Qk7Calibrate, KeepsAnOldResultWhenTheCaptureFails) {
 }
 
 TEST(Qk7Calibrate, ShowsItsProgressAtATerminal) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a.bmp", Capture());
     Put(folder / "b.bmp", Capture());
     const Arguments arguments = QuickCalibrate(
@@ -212,15 +213,15 @@ TEST(Qk7Calibrate, ShowsItsProgressAtATerminal) {
 }
 
 TEST(Qk7Calibrate, ShowsNoProgressForOneCapture) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a.bmp", Capture());
 
     EXPECT_EQ(Qk7AtTerminal(QuickCalibrate({folder / "a.bmp", "-o", folder / "out"})).m_Err, "");
 }
 
 TEST(Qk7Calibrate, LeavesNothingHalfWrittenWhenItIsInterrupted) {
-    const ClTemporaryFolder folder;
-    const ClTemporaryFolder results;
+    const ClTestFolder folder;
+    const ClTestFolder results;
     Put(folder / "0.bmp", Capture());
     Arguments arguments = QuickCalibrate({"-o", results.Path(), folder / "0.bmp"});
     for (int i = 1; i < 2000; ++i) {

@@ -30,7 +30,7 @@ protected:
         return Qk7(arguments, m_Folder.Path());
     }
 
-    ClTemporaryFolder m_Folder;
+    ClTestFolder m_Folder;
 };
 
 /// A target with one dot printed 0.3 mm beside its place.

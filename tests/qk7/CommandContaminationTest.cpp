@@ -34,7 +34,7 @@ protected:
         return Qk7(arguments, m_Folder.Path());
     }
 
-    ClTemporaryFolder m_Folder;
+    ClTestFolder m_Folder;
 };
 
 } // namespace

@@ -21,7 +21,7 @@ using testing::HasSubstr;
 
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = std::set<std::string>;
 
 const std::string refusedWords =
     "-600 The calibration failed to generate the calibrations data from the given pattern. Not the "
@@ -101,7 +101,7 @@ protected:
                           " of the pattern: " + fault->m_Words + ".\n  " + Blame.m_Advice);
     }
 
-    ClTemporaryFolder m_Folder;
+    ClTestFolder m_Folder;
 };
 
 /// A target whose dot 38, column 4, row 7 of the pattern, is not printed; dirt of a dot's size lies

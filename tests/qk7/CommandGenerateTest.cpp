@@ -14,7 +14,7 @@ using qk7::Bytes;
 
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = std::set<std::string>;
 
 /// A folder with a target's capture, target.bmp; the tool runs in it.
 class Qk7Generate : public testing::Test {
@@ -34,7 +34,7 @@ protected:
         EXPECT_EQ(ended.m_Err, "");
     }
 
-    ClTemporaryFolder m_Folder;
+    ClTestFolder m_Folder;
 };
 
 } // namespace

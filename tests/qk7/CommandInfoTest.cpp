@@ -95,7 +95,7 @@ TEST(Qk7Info, TellsInJsonWhatALayoutDoesNotHave) {
 }
 
 TEST(Qk7Info, ReportsAWrongChecksumWithoutFailing) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Bytes damaged = Record() + ToBytes("more");
     damaged[100] ^= 1;
     Put(folder / "damaged.cal", damaged);
@@ -111,7 +111,7 @@ TEST(Qk7Info, ReportsAWrongChecksumWithoutFailing) {
 }
 
 TEST(Qk7Info, DescribesAPrecalculatedBlock) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const Bytes table = DirectlyPrecalculated(Record());
     Put(folder / "scanner.pre", table);
     std::size_t nWithout = 0;
@@ -138,7 +138,7 @@ TEST(Qk7Info, DescribesAPrecalculatedBlock) {
 }
 
 TEST(Qk7Info, DescribesABitmapFile) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a.bmp", GreyFileHeader(7, 3) + GreyBlock(7, 3));
 
     const StEnded ended = Qk7({"info", "a.bmp"}, folder.Path());
@@ -155,7 +155,7 @@ TEST(Qk7Info, DescribesABitmapFile) {
 }
 
 TEST(Qk7Info, DescribesABitmapBlock) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a", GreyBlock(7, 3) + ToBytes("x"));
     Bytes upsideDown = GreyBlock(7, 3);
     std::fill_n(upsideDown.begin() + 8, 4, 0xFF); // a height of -1
@@ -177,7 +177,7 @@ TEST(Qk7Info, DescribesABitmapBlock) {
 }
 
 TEST(Qk7Info, GoesOnBehindAFileThatFails) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "text", ToBytes("Once upon a time"));
     Put(folder / "empty", {});
     const Bytes record = Record();
@@ -198,7 +198,7 @@ TEST(Qk7Info, GoesOnBehindAFileThatFails) {
 }
 
 TEST(Qk7Info, GivesAFileThatFailsAnObjectWithTheError) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "empty", {});
 
     const json infos = JsonOf({folder / "empty", RecordPath()}, 1);
@@ -209,14 +209,14 @@ TEST(Qk7Info, GivesAFileThatFailsAnObjectWithTheError) {
 }
 
 TEST(Qk7Info, PrintsValidJsonForANameThatIsNotUtf8) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "\xFF.cal", Record());
 
     EXPECT_EQ(JsonOf({folder / "\xFF.cal"})[0].at("file"), folder / "\xEF\xBF\xBD.cal");
 }
 
 TEST(Qk7Info, ShowsNoControlCharactersOfAFile) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Bytes block = Get(DataPath("records/scanner900_layout0.cal"));
     block[8] = 0x1B; // no number: layout 0, as before
     block[9] = '[';

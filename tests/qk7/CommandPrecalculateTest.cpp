@@ -10,7 +10,7 @@ using namespace TestSupport;
 using qk7::Bytes;
 
 TEST(Qk7Precalculate, WritesTheBlockOfTheLibrary) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     const StEnded ended = Qk7({"precalculate", "-d", RecordPath(), "-o", folder / "scanner.pre"});
 
@@ -20,7 +20,7 @@ TEST(Qk7Precalculate, WritesTheBlockOfTheLibrary) {
 }
 
 TEST(Qk7Precalculate, TakesTheOlderLayouts) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const std::string old = DataPath("records/scanner900_old_tags.cal");
 
     EXPECT_EQ(Qk7({"precalculate", "-d", old, "-o", folder / "scanner.pre"}).m_nExit, 0);
@@ -29,7 +29,7 @@ TEST(Qk7Precalculate, TakesTheOlderLayouts) {
 }
 
 TEST(Qk7Precalculate, WritesNothingForADamagedBlock) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Bytes damaged = Record();
     damaged[100] ^= 0x10;
     Put(folder / "scanner.cal", damaged);
@@ -41,11 +41,11 @@ TEST(Qk7Precalculate, WritesNothingForADamagedBlock) {
     EXPECT_EQ(ended.m_Err, "qk7 precalculate: scanner.cal: -39 The input is corrupt; it can be a "
                            "memoryblock or a file. It is damaged; restore it, or generate the "
                            "calibration anew.\n");
-    EXPECT_EQ(folder.Names(), std::vector<std::string>{"scanner.cal"});
+    EXPECT_EQ(folder.Names(), std::set<std::string>{"scanner.cal"});
 }
 
 TEST(Qk7Precalculate, NamesFilesThatCannotBeReadOrWritten) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "scanner.cal", Record());
 
     EXPECT_EQ(Qk7({"precalculate", "-d", "none", "-o", "scanner.pre"}, folder.Path()).m_Err,

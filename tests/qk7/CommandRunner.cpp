@@ -86,7 +86,7 @@ void HeedSignals() {
 }
 
 StEnded Qk7(const Arguments& arguments, const std::string& Folder) {
-    const ClTemporaryFolder outputs;
+    const ClTestFolder outputs;
     StEnded ended = Wait(Start(arguments, {outputs / "out"}, {outputs / "err"}, Folder));
     ended.m_Out = ToText(Get(outputs / "out"));
     ended.m_Err = ToText(Get(outputs / "err"));
@@ -94,14 +94,14 @@ StEnded Qk7(const Arguments& arguments, const std::string& Folder) {
 }
 
 StEnded Qk7Into(const std::string& Output, const Arguments& arguments) {
-    const ClTemporaryFolder outputs;
+    const ClTestFolder outputs;
     StEnded ended = Wait(Start(arguments, {Output}, {outputs / "err"}));
     ended.m_Err = ToText(Get(outputs / "err"));
     return ended;
 }
 
 StEnded Qk7IntoClosedPipe(const Arguments& arguments) {
-    const ClTemporaryFolder outputs;
+    const ClTestFolder outputs;
     int anEnds[2];
     if (pipe2(anEnds, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe");
@@ -113,7 +113,7 @@ StEnded Qk7IntoClosedPipe(const Arguments& arguments) {
 }
 
 StEnded Qk7AtTerminal(const Arguments& arguments) {
-    const ClTemporaryFolder outputs;
+    const ClTestFolder outputs;
     int nMaster = -1;
     int nSlave = -1;
     if (openpty(&nMaster, &nSlave, nullptr, nullptr, nullptr) != 0)
@@ -129,7 +129,7 @@ StEnded Qk7AtTerminal(const Arguments& arguments) {
 
 StEnded Qk7Interrupted(const Arguments& arguments, int nSignal,
                        const std::function<bool()>& ready) {
-    const ClTemporaryFolder outputs;
+    const ClTestFolder outputs;
     const pid_t nChild = Start(arguments, {outputs / "out"}, {outputs / "err"});
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
     while (!ready() && std::chrono::steady_clock::now() < end)

@@ -15,7 +15,7 @@ using qk7::Bytes;
 
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = std::set<std::string>;
 
 constexpr std::size_t cnPixelsAt = 14 + 40 + 1024;
 
@@ -43,7 +43,7 @@ int PixelAt(const Bytes& File, int nWidth, double x, double y) {
 } // namespace
 
 TEST(Qk7Simulate, WritesTheFilesOfAScanner) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     Simulate(folder / "new", {});
 
@@ -61,7 +61,7 @@ TEST(Qk7Simulate, WritesTheFilesOfAScanner) {
 }
 
 TEST(Qk7Simulate, WritesEachKindOnceUnderItsName) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     Simulate(folder.Path(), {"-k", "dirty", "-k", "target", "-k", "empty", "-k", "dirty"});
 
@@ -70,8 +70,8 @@ TEST(Qk7Simulate, WritesEachKindOnceUnderItsName) {
 }
 
 TEST(Qk7Simulate, NumbersSeveralCapturesOfAKind) {
-    const ClTemporaryFolder one;
-    const ClTemporaryFolder two;
+    const ClTestFolder one;
+    const ClTestFolder two;
 
     Simulate(one.Path(), {"-k", "empty"});
     Simulate(two.Path(), {"-k", "empty", "-n", "2"});
@@ -83,7 +83,7 @@ TEST(Qk7Simulate, NumbersSeveralCapturesOfAKind) {
 }
 
 TEST(Qk7Simulate, WritesEachCaseOfTheTargetOnceUnderItsName) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     Simulate(folder.Path(),
              {"-k", "target", "-c", "missing_dot", "-c", "plain", "-c", "missing_dot", "--truth"});
@@ -100,8 +100,8 @@ TEST(Qk7Simulate, WritesEachCaseOfTheTargetOnceUnderItsName) {
 }
 
 TEST(Qk7Simulate, NumbersSeveralCapturesOfACase) {
-    const ClTemporaryFolder one;
-    const ClTemporaryFolder two;
+    const ClTestFolder one;
+    const ClTestFolder two;
 
     Simulate(one.Path(), {"-k", "target", "-c", "noisy"});
     Simulate(two.Path(), {"-k", "target", "-c", "noisy", "-n", "2"});
@@ -121,9 +121,9 @@ TEST(Qk7Simulate, ListsEveryCaseInItsHelp) {
 }
 
 TEST(Qk7Simulate, GivesTheSameBytesForTheSameSeed) {
-    const ClTemporaryFolder first;
-    const ClTemporaryFolder second;
-    const ClTemporaryFolder other;
+    const ClTestFolder first;
+    const ClTestFolder second;
+    const ClTestFolder other;
 
     Simulate(first.Path(), {"-s", "7", "--truth"});
     Simulate(second.Path(), {"--seed", "7", "--truth"});
@@ -137,7 +137,7 @@ TEST(Qk7Simulate, GivesTheSameBytesForTheSameSeed) {
 }
 
 TEST(Qk7Simulate, TellsTheTrueDotsWhereTheCaptureIsDark) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Simulate(folder.Path(), {"-s", "3", "--truth"});
     const Bytes target = Get(folder / "target.bmp");
 
@@ -158,7 +158,7 @@ TEST(Qk7Simulate, TellsTheTrueDotsWhereTheCaptureIsDark) {
 }
 
 TEST(Qk7Simulate, TellsTheTrueLinesOfTheRuledPlate) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Simulate(folder.Path(), {"--truth"});
 
     const json truth = json::parse(ToText(Get(folder / "truth.json")));
@@ -174,7 +174,7 @@ TEST(Qk7Simulate, TellsTheTrueLinesOfTheRuledPlate) {
 }
 
 TEST(Qk7Simulate, WritesACalibrationBlockThatCorrectsItsCaptures) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Simulate(folder.Path(), {"-s", "5"});
 
     const StEnded ended =
@@ -187,7 +187,7 @@ TEST(Qk7Simulate, WritesACalibrationBlockThatCorrectsItsCaptures) {
 }
 
 TEST(Qk7Simulate, WritesTargetsThatCanBeCalibratedWithAndOthers) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Simulate(folder.Path(), {"-s", "5", "-k", "target", "-c", "plain", "-c", "missing_dot"});
 
     EXPECT_EQ(Qk7({"generate", folder / "target.bmp", "-o", folder / "a.cal"}).m_nExit, 0);
@@ -197,7 +197,7 @@ TEST(Qk7Simulate, WritesTargetsThatCanBeCalibratedWithAndOthers) {
 }
 
 TEST(Qk7Simulate, NamesADirectoryThatCannotBeMade) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "file", {});
 
     const StEnded ended = Qk7({"simulate", "-o", "file"}, folder.Path());

@@ -19,7 +19,7 @@ using namespace TestSupport;
 
 namespace {
 
-using Names = std::vector<std::string>;
+using Names = std::set<std::string>;
 
 std::string WordsOf(const std::function<void()>& work) {
     try {
@@ -57,7 +57,7 @@ unsigned int ModeOf(const std::string& Path) {
 } // namespace
 
 TEST(Qk7ReadFile, GivesTheWholeFile) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Bytes content(100000);
     for (std::size_t i = 0; i < content.size(); ++i)
         content[i] = static_cast<unsigned char>(i * i >> 3);
@@ -69,7 +69,7 @@ TEST(Qk7ReadFile, GivesTheWholeFile) {
 }
 
 TEST(Qk7ReadFile, NamesTheFileThatCannotBeRead) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     EXPECT_EQ(WordsOf([&] { ReadFile(folder / "none"); }),
               folder / "none" + ": No such file or directory");
@@ -77,7 +77,7 @@ TEST(Qk7ReadFile, NamesTheFileThatCannotBeRead) {
 }
 
 TEST(Qk7ReadFile, ReadsNoMoreThanTheLimit) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "ten", ToBytes("0123456789"));
 
     EXPECT_EQ(ReadFile(folder / "ten", 10).size(), 10U);
@@ -89,7 +89,7 @@ TEST(Qk7ReadFile, ReadsNoMoreThanTheLimit) {
 }
 
 TEST(Qk7OutputFile, AppearsUnderItsNameOnlyWhenCommitted) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "out", ToBytes("old"));
 
     {
@@ -105,7 +105,7 @@ TEST(Qk7OutputFile, AppearsUnderItsNameOnlyWhenCommitted) {
 }
 
 TEST(Qk7OutputFile, LeavesNothingBehindWithoutACommit) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "old", ToBytes("old"));
 
     for (const char* szName : {"old", "new"}) {
@@ -118,7 +118,7 @@ TEST(Qk7OutputFile, LeavesNothingBehindWithoutACommit) {
 }
 
 TEST(Qk7OutputFile, KeepsThePermissionsOfTheFileThatItReplaces) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "out", ToBytes("old"));
     chmod((folder / "out").c_str(), 0640);
     const Bytes content = ToBytes("new");
@@ -129,7 +129,7 @@ TEST(Qk7OutputFile, KeepsThePermissionsOfTheFileThatItReplaces) {
 }
 
 TEST(Qk7OutputFile, GivesANewFileThePermissionsOfTheUser) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const mode_t nFormer = umask(0027);
     const Bytes content = ToBytes("new");
 
@@ -140,7 +140,7 @@ TEST(Qk7OutputFile, GivesANewFileThePermissionsOfTheUser) {
 }
 
 TEST(Qk7OutputFile, DoesNotReplaceAFileThatMayNotBeWritten) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "out", ToBytes("old"));
     chmod((folder / "out").c_str(), 0444);
     chmod(folder.Path().c_str(), 0777);
@@ -158,7 +158,7 @@ TEST(Qk7OutputFile, DoesNotReplaceAFileThatMayNotBeWritten) {
 }
 
 TEST(Qk7OutputFile, FollowsALink) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "real", ToBytes("old"));
     std::filesystem::create_symlink("real", folder / "link");
     const Bytes content = ToBytes("new");
@@ -170,7 +170,7 @@ TEST(Qk7OutputFile, FollowsALink) {
 }
 
 TEST(Qk7OutputFile, JoinsItsParts) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const Bytes front = ToBytes("front ");
     const Bytes nothing;
     const Bytes behind = ToBytes("behind");
@@ -181,7 +181,7 @@ TEST(Qk7OutputFile, JoinsItsParts) {
 }
 
 TEST(Qk7OutputFile, TakesANameOfTheGreatestLength) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const std::string name(255, 'n');
     const Bytes content = ToBytes("new");
 
@@ -191,7 +191,7 @@ TEST(Qk7OutputFile, TakesANameOfTheGreatestLength) {
 }
 
 TEST(Qk7OutputFile, PassesByATemporaryFileThatWasLeftBehind) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const std::string left = ".qk7-" + std::to_string(getpid()) + "-0.tmp";
     Put(folder / left, ToBytes("left"));
     const Bytes content = ToBytes("new");
@@ -218,7 +218,7 @@ TEST(Qk7OutputFile, ReportsAFullDisk) {
 }
 
 TEST(Qk7OutputFile, ReportsADirectoryThatIsMissing) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     EXPECT_EQ(WordsOf([&] { ClOutputFile file(folder / "none/out"); }),
               folder / "none/out" + ": cannot be written: No such file or directory");
@@ -227,7 +227,7 @@ TEST(Qk7OutputFile, ReportsADirectoryThatIsMissing) {
 }
 
 TEST(Qk7OutputFile, ComesAloneSinceAnInterruptKnowsOne) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     const ClOutputFile first(folder / "first");
 
     EXPECT_THROW(ClOutputFile(folder / "second"), std::logic_error);
@@ -235,7 +235,7 @@ TEST(Qk7OutputFile, ComesAloneSinceAnInterruptKnowsOne) {
 
 TEST(Qk7OutputFile, IsRemovedByAnInterrupt) {
     for (const int nSignal : {SIGINT, SIGTERM, SIGHUP}) {
-        const ClTemporaryFolder folder;
+        const ClTestFolder folder;
         Put(folder / "out", ToBytes("old"));
 
         const int nStatus = StatusOfChild([&] {
@@ -251,7 +251,7 @@ TEST(Qk7OutputFile, IsRemovedByAnInterrupt) {
 }
 
 TEST(Qk7OutputFile, IsWrittenUnderASignalThatTheCallerIgnores) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     const int nStatus = StatusOfChild([&] {
         std::signal(SIGHUP, SIG_IGN);
@@ -267,7 +267,7 @@ TEST(Qk7OutputFile, IsWrittenUnderASignalThatTheCallerIgnores) {
 }
 
 TEST(Qk7OutputFile, KeepsTheOldFileWhenTheNewOneHasNoRoom) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "out", ToBytes("old"));
 
     const int nStatus = StatusOfChild([&] {
@@ -283,7 +283,7 @@ TEST(Qk7OutputFile, KeepsTheOldFileWhenTheNewOneHasNoRoom) {
 }
 
 TEST(Qk7MakeDirectory, MakesThoseAboveToo) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
 
     MakeDirectory(folder / "a/b/");
     MakeDirectory(folder / "a/b");
@@ -292,7 +292,7 @@ TEST(Qk7MakeDirectory, MakesThoseAboveToo) {
 }
 
 TEST(Qk7MakeDirectory, NamesTheFileInItsPlace) {
-    const ClTemporaryFolder folder;
+    const ClTestFolder folder;
     Put(folder / "a", {});
 
     EXPECT_EQ(WordsOf([&] { MakeDirectory(folder / "a"); }),

@@ -1,36 +1,10 @@
 #include "qk7/TestFiles.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 
 namespace TestSupport {
-
-namespace fs = std::filesystem;
-
-ClTemporaryFolder::ClTemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "qk7-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr)
-        throw std::runtime_error("no temporary folder");
-    m_Path = name;
-}
-
-ClTemporaryFolder::~ClTemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(m_Path, ignored);
-}
-
-std::vector<std::string> ClTemporaryFolder::Names() const {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(m_Path))
-        names.push_back(entry.path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
-}
 
 qk7::Bytes ToBytes(const std::string& Text) {
     return qk7::Bytes(Text.begin(), Text.end());

@@ -4,30 +4,13 @@
 
 #include "apps/qk7/File.h"
 #include "support/TestData.h"
+#include "support/TestFolder.h"
 
 #include <cstdint>
 #include <string>
 #include <vector>
 
 namespace TestSupport {
-
-/// A new directory, removed with all that is in it.
-class ClTemporaryFolder {
-public:
-    ClTemporaryFolder();
-    ClTemporaryFolder(const ClTemporaryFolder&) = delete;
-    ClTemporaryFolder& operator=(const ClTemporaryFolder&) = delete;
-    ~ClTemporaryFolder();
-
-    const std::string& Path() const { return m_Path; }
-    /// The path of a file in it.
-    std::string operator/(const std::string& Name) const { return m_Path + "/" + Name; }
-    /// The names in it, hidden ones included, sorted.
-    std::vector<std::string> Names() const;
-
-private:
-    std::string m_Path;
-};
 
 qk7::Bytes ToBytes(const std::string& Text);
 std::string ToText(const qk7::Bytes& Content);

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <stdexcept>
 #include <string>
 
 namespace TestSupport {
@@ -19,24 +20,22 @@ class ClTestFolder {
 public:
     ClTestFolder() {
         std::string Name = (std::filesystem::temp_directory_path() / "testXXXXXX").string();
-        if (mkdtemp(Name.data()) != nullptr)
-            m_Path = Name;
-        else
-            ADD_FAILURE() << "no folder could be made for the files of a test";
+        if (mkdtemp(Name.data()) == nullptr) // never go on with a path from the root
+            throw std::runtime_error("no folder could be made for the files of a test");
+        m_Path = Name;
     }
     ClTestFolder(const ClTestFolder&) = delete;
     ClTestFolder& operator=(const ClTestFolder&) = delete;
     ~ClTestFolder() {
         std::error_code Ignored; // a destructor does not throw
-        if (!m_Path.empty())
-            std::filesystem::remove_all(m_Path, Ignored);
+        std::filesystem::remove_all(m_Path, Ignored);
     }
 
     const std::string& Path() const { return m_Path; }
     /// The path of an entry.
     std::string operator/(const std::string& Name) const { return m_Path + "/" + Name; }
 
-    /// The names of all entries.
+    /// The names of all entries, hidden ones included.
     std::set<std::string> Names() const {
         std::set<std::string> Names;
         for (const auto& Entry : std::filesystem::directory_iterator(m_Path))

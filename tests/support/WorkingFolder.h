@@ -10,8 +10,7 @@ namespace TestSupport {
 class ClWorkingFolder {
 public:
     ClWorkingFolder() : m_Former(std::filesystem::current_path()) {
-        if (!m_Folder.Path().empty())
-            std::filesystem::current_path(m_Folder.Path());
+        std::filesystem::current_path(m_Folder.Path());
     }
     ClWorkingFolder(const ClWorkingFolder&) = delete;
     ClWorkingFolder& operator=(const ClWorkingFolder&) = delete;
