@@ -20,6 +20,7 @@ using Block = std::vector<unsigned char>;
 struct StScanner {
     Block m_Record;
     Block m_Capture;
+    Block m_Empty;
     Block m_Target;
     Block m_Precalculated;
 
@@ -27,6 +28,7 @@ struct StScanner {
         const sim::ClScanner Scanner(900);
         m_Record = sim::RecordBlock(Scanner);
         m_Capture = sim::BitmapBlock(sim::CaptureKind(Scanner, sim::EKind::eLoop, 1).m_Raw);
+        m_Empty = sim::BitmapBlock(sim::CaptureKind(Scanner, sim::EKind::eEmpty, 1).m_Raw);
         m_Target = sim::BitmapBlock(sim::CaptureKind(Scanner, sim::EKind::eTarget, 1).m_Raw);
         void* handle = CalibrateCreate();
         unsigned long nSize = 0;
@@ -84,30 +86,49 @@ Block Corrected(benchmark::State& state, void* handle, Block& rCapture) {
     return corrected;
 }
 
-void CalibrateWith(benchmark::State& state, const char* szMode, const char* szDynamic) {
+/// The options that differ from the defaults.
+struct StOptions {
+    const char* m_szGeometric = "GeometricCalibrate=ThinPlateSpline";
+    const char* m_szDynamic = "DynamicFingerMask=true";
+    const char* m_szMask = "MaskIsOutput=false";
+};
+
+void CalibrateWith(benchmark::State& state, const StOptions& Options, Block StScanner::*pCapture) {
+    Block& rCapture = Scanner().*pCapture;
     void* handle = CalibrateCreate();
     Require(state, CalibrateSetData(handle, Scanner().m_Record.data(), Scanner().m_Record.size()));
-    Require(state, CalibrateSetOption(handle, szMode));
-    Require(state, CalibrateSetOption(handle, szDynamic));
-    Block Out(Scanner().m_Capture.size());
+    for (const char* szOption : {Options.m_szGeometric, Options.m_szDynamic, Options.m_szMask})
+        Require(state, CalibrateSetOption(handle, szOption));
+    Block Out(rCapture.size());
     for (auto _ : state) {
         unsigned long nSize = Out.size();
-        Require(state, Calibrate(handle, Scanner().m_Capture.data(), Scanner().m_Capture.size(),
-                                 Out.data(), &nSize));
+        Require(state, Calibrate(handle, rCapture.data(), rCapture.size(), Out.data(), &nSize));
         benchmark::ClobberMemory();
     }
     CalibrateDelete(&handle);
 }
-BENCHMARK_CAPTURE(CalibrateWith, Off, "GeometricCalibrate=off", "DynamicFingerMask=false")
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(CalibrateWith, OddLines, "GeometricCalibrate=oddLines", "DynamicFingerMask=false")
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(CalibrateWith, ThinPlateSpline, "GeometricCalibrate=ThinPlateSpline",
-                  "DynamicFingerMask=false")
-    ->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(CalibrateWith, Defaults, "GeometricCalibrate=ThinPlateSpline",
-                  "DynamicFingerMask=true")
-    ->Unit(benchmark::kMicrosecond);
+
+constexpr StOptions cDefaults;
+constexpr StOptions cMask{"GeometricCalibrate=ThinPlateSpline", "DynamicFingerMask=true",
+                          "MaskIsOutput=true"};
+constexpr StOptions cOddLines{"GeometricCalibrate=oddLines", "DynamicFingerMask=true",
+                              "MaskIsOutput=false"};
+constexpr StOptions cWarpAlone{"GeometricCalibrate=ThinPlateSpline", "DynamicFingerMask=false",
+                               "MaskIsOutput=false"};
+constexpr StOptions cOddLinesAlone{"GeometricCalibrate=oddLines", "DynamicFingerMask=false",
+                                   "MaskIsOutput=false"};
+constexpr StOptions cOff{"GeometricCalibrate=off", "DynamicFingerMask=false", "MaskIsOutput=false"};
+
+#define BENCH_CALIBRATE(name, options, capture)                                                    \
+    BENCHMARK_CAPTURE(CalibrateWith, name, options, &StScanner::capture)                           \
+        ->Unit(benchmark::kMicrosecond)
+BENCH_CALIBRATE(Defaults, cDefaults, m_Capture);
+BENCH_CALIBRATE(DefaultsWithoutFinger, cDefaults, m_Empty);
+BENCH_CALIBRATE(MaskIsOutput, cMask, m_Capture);
+BENCH_CALIBRATE(OddLines, cOddLines, m_Capture);
+BENCH_CALIBRATE(ThinPlateSplineAlone, cWarpAlone, m_Capture);
+BENCH_CALIBRATE(OddLinesAlone, cOddLinesAlone, m_Capture);
+BENCH_CALIBRATE(Off, cOff, m_Capture);
 
 /// Locating the dots, splines and table.
 void GenerateData(benchmark::State& state) {
