@@ -19,7 +19,7 @@ using TestSupport::StRecord;
 
 namespace {
 
-StRecord ThreePlanes() {
+StRecord UnequalPlanes() {
     StRecord Record = PlausibleRecord();
     Record.m_nPlanes = 3;
     Record.m_aActual[1] = Record.m_aTarget;
@@ -56,7 +56,7 @@ Bytes Written(ClCalibrateGeometricData& rData) {
 }
 
 template <class List>
-void ExpectPoints(const List& Points, const std::vector<TestSupport::StPoint>& aExpected) {
+void ExpectFloats(const List& Points, const std::vector<TestSupport::StPoint>& aExpected) {
     ASSERT_EQ(Points.Entries(), aExpected.size());
     for (unsigned long i = 0; i < Points.Entries(); ++i) {
         EXPECT_EQ(Points[i].x, static_cast<double>(aExpected[i].x));
@@ -69,7 +69,7 @@ void ExpectPoints(const List& Points, const std::vector<TestSupport::StPoint>& a
 // Writing
 
 TEST(CalibrateGeometricDataStream, WritesLayout6ByteForByte) {
-    for (const StRecord& Record : {PlausibleRecord(), ThreePlanes()}) {
+    for (const StRecord& Record : {PlausibleRecord(), UnequalPlanes()}) {
         ClCalibrateGeometricData Data;
         Fill(Record, Data);
         EXPECT_EQ(Written(Data), RecordBlock(Record));
@@ -121,7 +121,7 @@ TEST(CalibrateGeometricDataStream, WritingReportsAStreamThatIsFull) {
 
 TEST(CalibrateGeometricDataStream, WritingSurvivesMissingMemory) {
     ClCalibrateGeometricData Data;
-    Fill(ThreePlanes(), Data);
+    Fill(UnequalPlanes(), Data);
     TestSupport::FailEachAllocation([&] {
         ClMemStream Stream;
         static_cast<ClCalibrateDataBase&>(Data).Write(Stream);
@@ -131,7 +131,7 @@ TEST(CalibrateGeometricDataStream, WritingSurvivesMissingMemory) {
 // Reading the present layout
 
 TEST(CalibrateGeometricDataStream, SurvivesWriteAndReadBitForBit) {
-    const Bytes aBlock = RecordBlock(ThreePlanes());
+    const Bytes aBlock = RecordBlock(UnequalPlanes());
     ClCalibrateGeometricData Data;
     Read(Data, aBlock);
     EXPECT_EQ(Written(Data), aBlock);
@@ -170,26 +170,26 @@ TEST(CalibrateGeometricDataStream, MayStandElsewhereOnAStreamThatIsNotStrict) {
     Stream.Seek(3, 0);
     ClCalibrateGeometricData Data;
     Data.ReadStream(Stream);
-    ExpectPoints(Data.m_aTarget, PlausibleRecord().m_aTarget);
+    ExpectFloats(Data.m_aTarget, PlausibleRecord().m_aTarget);
 }
 
 TEST(CalibrateGeometricDataStream, ReplacesLongerListsOfTheRecordBefore) {
     ClCalibrateGeometricData Data;
-    Fill(ThreePlanes(), Data);
+    Fill(UnequalPlanes(), Data);
     StRecord Short = PlausibleRecord();
     Short.m_aTarget.resize(3);
     Short.m_aActual[0].resize(2);
     Read(Data, RecordBlock(Short));
-    ExpectPoints(Data.m_aTarget, Short.m_aTarget);
-    ExpectPoints(Data.m_aActual[0], Short.m_aActual[0]);
+    ExpectFloats(Data.m_aTarget, Short.m_aTarget);
+    ExpectFloats(Data.m_aActual[0], Short.m_aActual[0]);
 }
 
 TEST(CalibrateGeometricDataStream, DoesNotClearTheRecordFirst) {
     ClCalibrateGeometricData Data;
-    Fill(ThreePlanes(), Data);
+    Fill(UnequalPlanes(), Data);
     Read(Data, RecordBlock(PlausibleRecord()));
     EXPECT_EQ(Data.m_nPlanes, 1u);
-    ExpectPoints(Data.m_aActual[2], ThreePlanes().m_aActual[2]);
+    ExpectFloats(Data.m_aActual[2], UnequalPlanes().m_aActual[2]);
 }
 
 TEST(CalibrateGeometricDataStream, WithoutPlanesIsNotValid) {
@@ -202,7 +202,7 @@ TEST(CalibrateGeometricDataStream, WithoutPlanesIsNotValid) {
 }
 
 TEST(CalibrateGeometricDataStream, ReadingSurvivesMissingMemory) {
-    const Bytes aBlock = RecordBlock(ThreePlanes());
+    const Bytes aBlock = RecordBlock(UnequalPlanes());
     TestSupport::FailEachAllocation([&] {
         ClCalibrateGeometricData Data;
         Read(Data, aBlock);
@@ -229,8 +229,8 @@ TEST(CalibrateGeometricDataStream, ReadsEveryLayout) {
         EXPECT_EQ(Data.m_nTargetPelsY, nLayout < 2 ? 19685u : 2461u);
         EXPECT_EQ(Data.m_nPlanes, 1u);
         EXPECT_EQ(Data.m_nBackground, nLayout > 3 ? 255 : 3);
-        ExpectPoints(Data.m_aTarget, Record.m_aTarget);
-        ExpectPoints(Data.m_aActual[0], Record.m_aActual[0]);
+        ExpectFloats(Data.m_aTarget, Record.m_aTarget);
+        ExpectFloats(Data.m_aActual[0], Record.m_aActual[0]);
         EXPECT_EQ(Data.ReadVersion(), "00" + std::to_string(nLayout));
     }
 }
@@ -238,10 +238,10 @@ TEST(CalibrateGeometricDataStream, ReadsEveryLayout) {
 TEST(CalibrateGeometricDataStream, ReadsSeveralPlanesFromLayout3On) {
     for (int nLayout = 3; nLayout <= 6; ++nLayout) {
         ClCalibrateGeometricData Data;
-        Read(Data, RecordBlock(ThreePlanes(), nLayout));
+        Read(Data, RecordBlock(UnequalPlanes(), nLayout));
         EXPECT_EQ(Data.m_nPlanes, 3u);
-        ExpectPoints(Data.m_aActual[1], ThreePlanes().m_aActual[1]);
-        ExpectPoints(Data.m_aActual[2], ThreePlanes().m_aActual[2]);
+        ExpectFloats(Data.m_aActual[1], UnequalPlanes().m_aActual[1]);
+        ExpectFloats(Data.m_aActual[2], UnequalPlanes().m_aActual[2]);
     }
 }
 
@@ -264,8 +264,8 @@ TEST(CalibrateGeometricDataStream, ReadsTheOldTagsOfVersion002AsLayout0) {
     EXPECT_EQ(Data.m_nTargetPelsX, 19685u);
     EXPECT_EQ(Data.m_nTargetPelsY, 19685u);
     EXPECT_EQ(Data.m_nPlanes, 1u);
-    ExpectPoints(Data.m_aTarget, PlausibleRecord().m_aTarget);
-    ExpectPoints(Data.m_aActual[0], PlausibleRecord().m_aActual[0]);
+    ExpectFloats(Data.m_aTarget, PlausibleRecord().m_aTarget);
+    ExpectFloats(Data.m_aActual[0], PlausibleRecord().m_aActual[0]);
 }
 
 TEST(CalibrateGeometricDataStream, RefusesTheOldTagOfVersion001) {
@@ -372,7 +372,7 @@ TEST(CalibrateGeometricDataStream, NamesAWrongChecksum) {
 TEST(CalibrateGeometricDataStream, RefusesMoreThanThreePlanes) {
     for (const std::uint32_t nPlanes : {4u, 5u, 256u, 0x80000001u, 0xFFFFFFFFu})
         for (int nLayout = 3; nLayout <= 6; ++nLayout) {
-            StRecord Record = ThreePlanes();
+            StRecord Record = UnequalPlanes();
             Record.m_nPlanes = nPlanes;
             EXPECT_EQ(NumberOfReading(RecordBlock(Record, nLayout)), -39);
         }

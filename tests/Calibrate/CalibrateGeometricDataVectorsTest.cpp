@@ -2,6 +2,7 @@
 
 #include "Calibrate/CalibrateGeometricData.h"
 
+#include "Calibrate/RecordVectors.h"
 #include "Tools/MemStream.h"
 #include "support/Md5.h"
 #include "support/TestData.h"
@@ -13,28 +14,10 @@
 
 using nlohmann::json;
 using TestSupport::Bytes;
+using TestSupport::ExpectNumbers;
+using TestSupport::ExpectPointsTold;
 
 namespace {
-
-void ExpectNumbers(const ClCalibrateGeometricData& Data, const json& Numbers) {
-    EXPECT_EQ(Data.m_nSourceWidth, Numbers["source_width"]);
-    EXPECT_EQ(Data.m_nSourceHeight, Numbers["source_height"]);
-    EXPECT_EQ(Data.m_nSourcePelsX, Numbers["source_pels_x"]);
-    EXPECT_EQ(Data.m_nSourcePelsY, Numbers["source_pels_y"]);
-    EXPECT_EQ(Data.m_nTargetWidth, Numbers["target_width"]);
-    EXPECT_EQ(Data.m_nTargetHeight, Numbers["target_height"]);
-    EXPECT_EQ(Data.m_nTargetPelsX, Numbers["target_pels_x"]);
-    EXPECT_EQ(Data.m_nTargetPelsY, Numbers["target_pels_y"]);
-    EXPECT_EQ(Data.m_nPlanes, Numbers["planes"]);
-}
-
-void ExpectPoints(const ClCalibrateGeometricData::PointList& Points, const json& Expected) {
-    ASSERT_EQ(Points.Entries(), Expected.size());
-    for (unsigned long i = 0; i < Points.Entries(); ++i) {
-        EXPECT_EQ(Points[i].x, Expected[i][0].get<double>()) << i;
-        EXPECT_EQ(Points[i].y, Expected[i][1].get<double>()) << i;
-    }
-}
 
 void Read(const Bytes& aBlock, ClCalibrateGeometricData& rData) {
     ClMemStream Stream(aBlock.data(), aBlock.size());
@@ -46,8 +29,8 @@ void ExpectLayout(const json& Scanner, const json& Layout) {
     ClCalibrateGeometricData Data;
     Read(TestSupport::DataFile(Name), Data);
 
-    ExpectPoints(Data.m_aTarget, Scanner["target"]);
-    ExpectPoints(Data.m_aActual[0], Scanner["actual"]);
+    ExpectPointsTold(Data.m_aTarget, Scanner["target"]);
+    ExpectPointsTold(Data.m_aActual[0], Scanner["actual"]);
     if (!Layout.contains("numbers")) // the old tags: content as in layout 0
         return;
     ExpectNumbers(Data, Layout["numbers"]);

@@ -1,11 +1,13 @@
 #include "Calibrate/DotGrids.h"
 #include "support/AllocationFailures.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 
+using TestSupport::cdPi;
 using TestSupport::ClDot;
 using TestSupport::ClTestGrid;
 using TestSupport::FailEachAllocation;
@@ -14,7 +16,6 @@ using TestSupport::Region;
 
 namespace {
 
-constexpr double cdPi = 3.141592653589793;
 constexpr double cdHalfSector = 0.39269908169872414;
 
 /// A dot at (10, 20) with one neighbour at this offset.

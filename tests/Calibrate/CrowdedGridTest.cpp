@@ -3,6 +3,7 @@
 
 #include "Calibrate/NaiveDotGrid.h"
 #include "support/LogCapture.h"
+#include "support/SpecialNumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -14,10 +15,10 @@ using namespace TestSupport;
 
 namespace {
 
-using Random_t = std::mt19937;
+using TestSupport::cdInfinity;
+using TestSupport::cdNaN;
 
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
+using Random_t = std::mt19937;
 
 /// Dots in the spacing of the pattern, each off by up to `dOff` of it, some of them missing and
 /// some of a shape that is none of a dot's.

@@ -2,6 +2,7 @@
 
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsQK7.h"
 
+#include "Calibrate/RecordVectors.h"
 #include "Tools/Bitmap.h"
 #include "Tools/FpImage.h"
 #include "Tools/MemStream.h"
@@ -12,6 +13,8 @@
 
 using nlohmann::json;
 using TestSupport::Bytes;
+using TestSupport::ExpectNumbers;
+using TestSupport::ExpectPointsTold;
 
 namespace {
 
@@ -35,26 +38,6 @@ long Generate(const std::string& Capture, ClCalibrateGeometricData& rData) {
     return Builder.Apply();
 }
 
-void ExpectSamePoints(const PointList& Points, const json& Expected) {
-    ASSERT_EQ(Points.Entries(), Expected.size());
-    for (unsigned long i = 0; i < Points.Entries(); ++i) {
-        EXPECT_EQ(Points[i].x, Expected[i][0].get<double>()) << i;
-        EXPECT_EQ(Points[i].y, Expected[i][1].get<double>()) << i;
-    }
-}
-
-void ExpectNumbers(const ClCalibrateGeometricData& Data, const json& Numbers) {
-    EXPECT_EQ(Data.m_nSourceWidth, Numbers["source_width"]);
-    EXPECT_EQ(Data.m_nSourceHeight, Numbers["source_height"]);
-    EXPECT_EQ(Data.m_nSourcePelsX, Numbers["source_pels_x"]);
-    EXPECT_EQ(Data.m_nSourcePelsY, Numbers["source_pels_y"]);
-    EXPECT_EQ(Data.m_nTargetWidth, Numbers["target_width"]);
-    EXPECT_EQ(Data.m_nTargetHeight, Numbers["target_height"]);
-    EXPECT_EQ(Data.m_nTargetPelsX, Numbers["target_pels_x"]);
-    EXPECT_EQ(Data.m_nTargetPelsY, Numbers["target_pels_y"]);
-    EXPECT_EQ(Data.m_nPlanes, Numbers["planes"]);
-}
-
 void ExpectBlock(ClCalibrateGeometricData& rData, const Bytes& aExpected) {
     ClMemStream Stream;
     static_cast<ClCalibrateDataBase&>(rData).Write(Stream);
@@ -74,8 +57,8 @@ TEST(GenerateVectors, CapturesOfThePlateGiveTheRecordsTold) {
         ASSERT_EQ(Generate(Case["capture"], Data), 0);
         ExpectNumbers(Data, Case["numbers"]);
         EXPECT_EQ(Data.m_nBackground, Case["background"]);
-        ExpectSamePoints(Data.m_aActual[0], Case["actual"]);
-        ExpectSamePoints(Data.m_aTarget, Case["target"]);
+        ExpectPointsTold(Data.m_aActual[0], Case["actual"]);
+        ExpectPointsTold(Data.m_aTarget, Case["target"]);
         ExpectBlock(Data, TestSupport::DataFile(Case["record"]));
         ++nRecords;
     }

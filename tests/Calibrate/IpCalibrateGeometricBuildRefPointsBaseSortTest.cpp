@@ -5,12 +5,14 @@
 #include <gtest/gtest.h>
 
 #include "Calibrate/OpenDotBuilder.h"
+#include "support/SpecialNumbers.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
 
+using TestSupport::cdNaN;
 using TestSupport::ClOpenDotBuilder;
 using TestSupport::ClTestGrid;
 using TestSupport::DotGrid;
@@ -20,8 +22,6 @@ namespace {
 
 using Order = std::vector<int>;
 using Dots = std::vector<TestSupport::DotBuilder::ClDot*>;
-
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// Half a pitch is 20 pixels.
 void PrepareScale(ClOpenDotBuilder& rBuilder) {

@@ -8,6 +8,7 @@
 #include "support/Images.h"
 #include "support/LogCapture.h"
 #include "support/PublishedParameters.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -16,6 +17,8 @@
 #include <vector>
 
 using testing::ElementsAre;
+using TestSupport::cdInfinity;
+using TestSupport::cdNaN;
 using TestSupport::ClLogCapture;
 using TestSupport::ClOpenDotBuilder;
 using TestSupport::ClTestGrid;
@@ -27,9 +30,6 @@ using TestSupport::PointList;
 using TestSupport::Points;
 
 namespace {
-
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
 
 const Points caPattern = {{0.1, 0.1}, {0.5, 0.1}, {0.1, 0.9}, {0.5, 0.9}, {0.3, 0.4}};
 

@@ -4,6 +4,7 @@
 #include "support/AllocationFailures.h"
 #include "support/LogCapture.h"
 #include "support/Records.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -15,10 +16,11 @@ using namespace TestSupport;
 
 namespace {
 
+using TestSupport::cdNaN;
+
 constexpr const char* cszTarget = "Target data is corrupt";
 constexpr const char* cszSource = "Source data is corrupt";
 constexpr const char* cszSize = "Target and Source arrays must have same size!";
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// A record with steps of exactly 40 and 80 pixels in the capture.
 ClCalibrateGeometricData Plain() {

@@ -2,6 +2,7 @@
 // are compared in the tests of the published captures.
 
 #include "FingerCoding/OpenDynamicCalibration.h"
+#include "FingerCoding/WorkScale.h"
 #include "ImageProcessing/Mask2.h"
 #include "support/Throws.h"
 #include "support/WorkingFolder.h"
@@ -12,7 +13,7 @@ using namespace TestSupport;
 
 namespace {
 
-constexpr double cdRidgeDist = 11.7;
+using TestSupport::cdRidgeDist;
 
 /// The mask of an image that is capture and stretched capture in one.
 class ClMaskRun {

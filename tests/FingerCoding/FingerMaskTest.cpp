@@ -2,6 +2,7 @@
 
 #include "FingerCoding/NaiveMaskSteps.h"
 #include "FingerCoding/OpenDynamicCalibration.h"
+#include "FingerCoding/WorkScale.h"
 #include "ImageProcessing/RegionShapes.h"
 #include "support/Throws.h"
 #include "support/WorkingFolder.h"
@@ -13,7 +14,7 @@ using namespace TestSupport;
 
 namespace {
 
-constexpr double cdRidgeDist = 11.7;
+using TestSupport::cdRidgeDist;
 
 ClTestImage Disc(int nWidth, int nHeight, int nX, int nY, int nRadius) {
     return Shape(nWidth, nHeight, [=](int x, int y) {

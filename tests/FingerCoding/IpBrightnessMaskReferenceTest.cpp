@@ -36,13 +36,13 @@ int ThresholdOf(const ClIpBrightnessMask& ip, const Rows& aImage, int nPels) {
     return std::max(nLow, nHigh);
 }
 
-struct StExpected {
+struct StExpectedBrightness {
     int m_nThreshold;
     Rows m_aProb;
     Naive::StRegion m_Region;
 };
 
-StExpected Expected(const ClIpBrightnessMask& ip, const Rows& aIn, int nPels) {
+StExpectedBrightness Expected(const ClIpBrightnessMask& ip, const Rows& aIn, int nPels) {
     Rows a = aIn;
     if (ip.m_bIlFix) {
         a = Naive::Frame(aIn, ip.m_nImageBorderWidth, 0);
@@ -61,9 +61,10 @@ StExpected Expected(const ClIpBrightnessMask& ip, const Rows& aIn, int nPels) {
     aDark = Naive::WithoutHoles(Naive::WithoutSmallBlobs(aDark, 1000));
     const double w = Naive::WidthOf(a);
     const double h = Naive::HeightOf(a);
-    StExpected expected = {t,
-                           Naive::Map(a, [t](int n) { return std::clamp(n + 128 - t, 0, 255); }),
-                           {Naive::RunsIn(aDark), {{0.0, 0.0, w, h}}}};
+    StExpectedBrightness expected = {
+        t,
+        Naive::Map(a, [t](int n) { return std::clamp(n + 128 - t, 0, 255); }),
+        {Naive::RunsIn(aDark), {{0.0, 0.0, w, h}}}};
     Naive::SetBoundingBox(expected.m_Region);
     return expected;
 }
@@ -107,12 +108,12 @@ void SetAtRandom(ClIpBrightnessMask& ip, std::mt19937& rRandom) {
 
 /// How many of the runs found a dark area, and thresholds between the limits: a test of nothing but
 /// empty masks would show little.
-struct StSeen {
+struct StSeenBrightness {
     int m_nRegions = 0;
     int m_nFound = 0;
 };
 
-void ExpectAsExpected(ClIpBrightnessMask& ip, ClTestImage& rIn, StSeen& rSeen) {
+void ExpectAsExpected(ClIpBrightnessMask& ip, ClTestImage& rIn, StSeenBrightness& rSeen) {
     const ClTestImage before = rIn;
     ClMask2 mask;
     ClTestImage prob;
@@ -120,7 +121,7 @@ void ExpectAsExpected(ClIpBrightnessMask& ip, ClTestImage& rIn, StSeen& rSeen) {
     ip.m_pInOutMask = &mask;
     ip.m_pOptOutProbImage = &prob;
     ASSERT_EQ(ip.Apply(), 0);
-    const StExpected expected = Expected(ip, Pixels(rIn), cnTestPels);
+    const StExpectedBrightness expected = Expected(ip, Pixels(rIn), cnTestPels);
     EXPECT_TRUE(Pixels(prob) == expected.m_aProb);
     EXPECT_TRUE(Naive::RegionOf(mask) == expected.m_Region);
     ExpectSameImage(rIn, before);
@@ -131,7 +132,7 @@ void ExpectAsExpected(ClIpBrightnessMask& ip, ClTestImage& rIn, StSeen& rSeen) {
 
 TEST(IpBrightnessMaskReference, AgreesOnFingersOfOddSizes) {
     std::mt19937 random(31);
-    StSeen seen;
+    StSeenBrightness seen;
     for (int n = 0; n < 80; ++n) {
         const int nWidth = RandomInt(random, 30, 101);
         const int nHeight = RandomInt(random, 30, 101);
@@ -148,7 +149,7 @@ TEST(IpBrightnessMaskReference, AgreesOnFingersOfOddSizes) {
 
 TEST(IpBrightnessMaskReference, AgreesOnNoiseOfTheSmallestSizes) {
     std::mt19937 random(32);
-    StSeen seen;
+    StSeenBrightness seen;
     for (int nWidth : {1, 2, 3, 5, 9, 40})
         for (int nHeight : {1, 2, 4, 7, 33}) {
             SCOPED_TRACE(std::to_string(nWidth) + " x " + std::to_string(nHeight));

@@ -17,7 +17,7 @@ namespace {
 
 using namespace TestSupport;
 
-class ClIpOpen : public ClIpBrightnessMask {
+class ClIpOpenBrightness : public ClIpBrightnessMask {
 public:
     using ClIpBrightnessMask::CopyWithFrame;
 };
@@ -45,7 +45,7 @@ TEST(IpBrightnessMaskBorder, PaintsTheRightEndOfLinesBlackWhateverTheValue) {
     ClTestImage in = Img({{1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, {11, 12, 13, 14, 15}});
     const ClTestImage before = in;
     ClTestImage out;
-    ClIpOpen::CopyWithFrame(in, out, 1, 99);
+    ClIpOpenBrightness::CopyWithFrame(in, out, 1, 99);
     EXPECT_EQ(Pixels(out), Rows({{99, 99, 99, 99, 99}, {99, 7, 8, 9, 0}, {99, 99, 99, 99, 99}}));
     ExpectSameImage(in, before);
 }
@@ -53,7 +53,7 @@ TEST(IpBrightnessMaskBorder, PaintsTheRightEndOfLinesBlackWhateverTheValue) {
 TEST(IpBrightnessMaskBorder, LetsTheRightEndWinInNarrowImages) {
     ClTestImage in = FlatImage(ClImage::eUInt8, 3, 5, 1, 50);
     ClTestImage out;
-    ClIpOpen::CopyWithFrame(in, out, 2, 99);
+    ClIpOpenBrightness::CopyWithFrame(in, out, 2, 99);
     const std::vector<int> aFull = {99, 99, 99};
     EXPECT_EQ(Pixels(out), Rows({aFull, aFull, {99, 0, 0}, aFull, aFull}));
 }
@@ -62,7 +62,7 @@ TEST(IpBrightnessMaskBorder, IsTheWholeImageWhereThatIsSmall) {
     for (long nWidth : {3L, 4L, 100L, LONG_MAX}) {
         ClTestImage in = FlatImage(ClImage::eUInt8, 2, 5, 1, 50);
         ClTestImage out;
-        ClIpOpen::CopyWithFrame(in, out, nWidth, 99);
+        ClIpOpenBrightness::CopyWithFrame(in, out, nWidth, 99);
         EXPECT_EQ(Pixels(out), Rows(5, {99, 99}));
     }
 }
@@ -71,7 +71,7 @@ TEST(IpBrightnessMaskBorder, OfNoWidthIsACopyPaddingIncluded) {
     for (long nWidth : {0L, -1L, LONG_MIN}) {
         ClTestImage in = RandomImage(ClImage::eUInt8, 5, 4, 1, 3);
         ClTestImage out;
-        ClIpOpen::CopyWithFrame(in, out, nWidth, 99);
+        ClIpOpenBrightness::CopyWithFrame(in, out, nWidth, 99);
         ExpectSameImage(out, in);
         EXPECT_EQ(out.LineData(1)[5], cnPaddingByte);
     }
@@ -80,7 +80,7 @@ TEST(IpBrightnessMaskBorder, OfNoWidthIsACopyPaddingIncluded) {
 TEST(IpBrightnessMaskBorder, LeavesThePadding) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 5, 4, 1, 3);
     ClTestImage out;
-    ClIpOpen::CopyWithFrame(in, out, 1, 99);
+    ClIpOpenBrightness::CopyWithFrame(in, out, 1, 99);
     for (int y = 0; y < 4; ++y)
         EXPECT_EQ(out.LineData(y)[5], cnPaddingByte);
 }

@@ -4,6 +4,7 @@
 #include "TimerMarks.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <limits>
@@ -13,10 +14,10 @@
 
 namespace {
 
-using namespace TestSupport;
+using TestSupport::cdInfinity;
+using TestSupport::cdNaN;
 
-constexpr double cdNotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
+using namespace TestSupport;
 
 /// Stretches 0 to 255 to itself and filters with width 1: the threshold is sought in the image as
 /// it is.
@@ -68,13 +69,13 @@ protected:
 
 // Parameters
 
-struct StRefusal {
+struct StBrightnessRefusal {
     const char* m_szWords;
     long m_nNumber;
     long m_nLine;
 };
 
-void ExpectRefusal(ClIpBrightnessMask& ip, const StRefusal& Expected) {
+void ExpectRefusal(ClIpBrightnessMask& ip, const StBrightnessRefusal& Expected) {
     try {
         ip.Apply();
         ADD_FAILURE() << "not refused: " << Expected.m_szWords;
@@ -111,7 +112,7 @@ TEST(IpBrightnessMaskChecks, RefuseARidgeDistanceThatIsNotAboveZero) {
     ClIpBrightnessMask ip;
     ip.m_pInImage = &in;
     ip.m_pInOutMask = &mask;
-    for (double d : {0.0, -0.0, -11.7, -cdInfinity, cdNotANumber}) {
+    for (double d : {0.0, -0.0, -11.7, -cdInfinity, cdNaN}) {
         ip.m_dRidgeDist = d;
         ExpectRefusal(ip, {"*m_pdRidgeDist is out of range", -35, 113});
     }
@@ -123,7 +124,7 @@ TEST_F(IpBrightnessMask, ReadsRidgeDistanceAndMaskWhereThePointersSay) {
     double dRidgeDist = 3.0;
     ClMask2 other;
     ClMask2* pOther = &other;
-    m_Ip.m_dRidgeDist = cdNotANumber;
+    m_Ip.m_dRidgeDist = cdNaN;
     m_Ip.m_pdRidgeDist = &dRidgeDist;
     m_Ip.m_pInOutMask = nullptr;
     m_Ip.m_ppInOutMask = &pOther;

@@ -100,7 +100,7 @@ RunList Upscaled(const RunList& aRuns, const StPicture& Small, const StPicture& 
     return aResult;
 }
 
-struct StExpected {
+struct StExpectedContrast {
     Rows m_aProb;
     Naive::StRegion m_Region;
     long m_nResult;
@@ -120,10 +120,11 @@ std::array<double, 4> FrameStep(const StPicture& Small, const StPicture& In, boo
 }
 
 /// `In` is black outside the mask.
-StExpected Expected(const ClIpContrastMask2& ip, const StPicture& In, bool bProb, bool bNewMask) {
+StExpectedContrast Expected(const ClIpContrastMask2& ip, const StPicture& In, bool bProb,
+                            bool bNewMask) {
     StPicture small = Smoothed(ip, In);
     const int t = static_cast<int>(ip.m_dScaleFactor * ip.m_dThresholdFactor) % 256;
-    StExpected expected = {};
+    StExpectedContrast expected = {};
     int nForeground = t;
     if (bProb) {
         StPicture prob = small;
@@ -170,14 +171,14 @@ void SetAtRandom(ClIpContrastMask2& ip, std::mt19937& rRandom) {
     ip.m_dWorkDpi = RandomInt(rRandom, 0, 2) == 0 ? RandomInt(rRandom, 100, 480) : 250.0;
 }
 
-struct StSeen {
+struct StSeenContrast {
     int m_nFound = 0;   ///< masks with a region
     int m_nPartial = 0; ///< of these, not the whole image
 };
 
 /// Beginning with the mask given, outside which the image counts as black.
 void ExpectAsExpected(ClIpContrastMask2& ip, ClTestImage& rIn, ClMask2 mask, bool bProb,
-                      StSeen& rSeen) {
+                      StSeenContrast& rSeen) {
     const ClTestImage before = rIn;
     const bool bNewMask = mask.GetOffsetsCount() == 0;
     ClTestImage region = rIn;
@@ -187,7 +188,7 @@ void ExpectAsExpected(ClIpContrastMask2& ip, ClTestImage& rIn, ClMask2 mask, boo
     ip.m_pInOutMask = &mask;
     ip.m_pOptOutProbImage = bProb ? &prob : nullptr;
     const long nResult = ip.Apply();
-    const StExpected expected =
+    const StExpectedContrast expected =
         Expected(ip, {Pixels(region), rIn.PelsX(), rIn.PelsY()}, bProb, bNewMask);
     EXPECT_EQ(nResult, expected.m_nResult);
     EXPECT_TRUE(Pixels(prob) == expected.m_aProb);
@@ -205,7 +206,7 @@ void ExpectAsExpected(ClIpContrastMask2& ip, ClTestImage& rIn, ClMask2 mask, boo
 
 TEST(IpContrastMask2Reference, AgreesOnFingersOfOddSizes) {
     std::mt19937 random(41);
-    StSeen seen;
+    StSeenContrast seen;
     for (int n = 0; n < 120; ++n) {
         const int nWidth = RandomInt(random, 40, 151);
         const int nHeight = RandomInt(random, 40, 121);
@@ -222,7 +223,7 @@ TEST(IpContrastMask2Reference, AgreesOnFingersOfOddSizes) {
 
 TEST(IpContrastMask2Reference, AgreesWithAMaskThatSaysWhereToLook) {
     std::mt19937 random(42);
-    StSeen seen;
+    StSeenContrast seen;
     for (int n = 0; n < 30; ++n) {
         SCOPED_TRACE(n);
         ClTestImage in =
@@ -240,7 +241,7 @@ TEST(IpContrastMask2Reference, AgreesWithAMaskThatSaysWhereToLook) {
 
 TEST(IpContrastMask2Reference, AgreesOnTheSmallestSizes) {
     std::mt19937 random(43);
-    StSeen seen;
+    StSeenContrast seen;
     for (int nWidth : {1, 2, 3, 5, 9, 41})
         for (int nHeight : {1, 2, 4, 7, 33})
             for (bool bProb : {false, true}) {
@@ -257,7 +258,7 @@ TEST(IpContrastMask2Reference, AgreesOnTheSmallestSizes) {
 
 TEST(IpContrastMask2Reference, AgreesAtOtherResolutions) {
     std::mt19937 random(44);
-    StSeen seen;
+    StSeenContrast seen;
     for (int nPels : {5000, 9842, 9843, 11811, 39370}) {
         SCOPED_TRACE(nPels);
         ClTestImage in = Gradients(97, 66, nPels, random);
@@ -272,7 +273,7 @@ TEST(IpContrastMask2Reference, AgreesAtOtherResolutions) {
 /// Every odd line of a capture alone makes one axis coarser than the other.
 TEST(IpContrastMask2Reference, AgreesAtUnequalResolutions) {
     std::mt19937 random(45);
-    StSeen seen;
+    StSeenContrast seen;
     for (const auto& [nPelsX, nPelsY] :
          {std::pair{19685, 9842}, {9842, 19685}, {19685, 39370}, {15000, 23000}, {11811, 9843}})
         for (const bool bProb : {false, true}) {

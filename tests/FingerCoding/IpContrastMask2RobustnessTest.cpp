@@ -6,6 +6,7 @@
 #include "TimerMarks.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <climits>
@@ -15,12 +16,12 @@
 
 namespace {
 
+using TestSupport::cdInfinity;
+using TestSupport::cdNaN;
+
 using namespace TestSupport;
 
-constexpr double cdNotANumber = std::numeric_limits<double>::quiet_NaN();
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
-
-class ClIpOpen : public ClIpContrastMask2 {
+class ClIpOpenContrast : public ClIpContrastMask2 {
 public:
     using ClIpContrastMask2::CopyWithBlackFrame;
     using ClIpContrastMask2::Scale;
@@ -48,7 +49,7 @@ TEST(IpContrastMask2Helpers, CopyWithBlackFramePaintsABlackFrame) {
     ClTestImage in = Img({{1, 2, 3, 4, 5}, {6, 7, 8, 9, 10}, {11, 12, 13, 14, 15}});
     const ClTestImage before = in;
     ClTestImage out;
-    ClIpOpen::CopyWithBlackFrame(in, out, 1);
+    ClIpOpenContrast::CopyWithBlackFrame(in, out, 1);
     EXPECT_EQ(Pixels(out), Rows({{0, 0, 0, 0, 0}, {0, 7, 8, 9, 0}, {0, 0, 0, 0, 0}}));
     EXPECT_EQ(out.LineData(1)[5], cnPaddingByte);
     ExpectSameImage(in, before);
@@ -58,40 +59,40 @@ TEST(IpContrastMask2Helpers, CopyWithBlackFrameTakesWidthsOfAnySize) {
     for (long nWidth : {2L, 3L, LONG_MAX}) {
         ClTestImage in = FlatImage(ClImage::eUInt8, 5, 4, 1, 9);
         ClTestImage out;
-        ClIpOpen::CopyWithBlackFrame(in, out, nWidth);
+        ClIpOpenContrast::CopyWithBlackFrame(in, out, nWidth);
         EXPECT_EQ(Pixels(out), Rows(4, {0, 0, 0, 0, 0}));
     }
     for (long nWidth : {0L, -1L, LONG_MIN}) {
         ClTestImage in = FlatImage(ClImage::eUInt8, 5, 4, 1, 9);
         ClTestImage out;
-        ClIpOpen::CopyWithBlackFrame(in, out, nWidth);
+        ClIpOpenContrast::CopyWithBlackFrame(in, out, nWidth);
         ExpectSameImage(out, in);
     }
     ClTestImage narrow = FlatImage(ClImage::eUInt8, 1, 5, 1, 9);
     ClTestImage out;
-    ClIpOpen::CopyWithBlackFrame(narrow, out, 2);
+    ClIpOpenContrast::CopyWithBlackFrame(narrow, out, 2);
     EXPECT_EQ(Pixels(out), Rows(5, {0}));
 }
 
 TEST(IpContrastMask2Helpers, ScaleTruncatesAndSaturatesSamplesOnly) {
     ClTestImage image = Img({{0, 1, 9, 10, 32}, {33, 100, 254, 255, 128}});
-    ClIpOpen::Scale(image, 7.8);
+    ClIpOpenContrast::Scale(image, 7.8);
     EXPECT_EQ(Pixels(image), Rows({{0, 7, 70, 78, 249}, {255, 255, 255, 255, 255}}));
     for (int y = 0; y < 2; ++y)
         for (int i = 5; i < image.LineStrideBytes(); ++i)
             EXPECT_EQ(image.LineData(y)[i], cnPaddingByte);
     ClTestImage half = Img({{0, 1, 2, 3, 255}});
-    ClIpOpen::Scale(half, 0.5);
+    ClIpOpenContrast::Scale(half, 0.5);
     EXPECT_EQ(Pixels(half), Rows({{0, 0, 1, 1, 127}}));
 }
 
 TEST(IpContrastMask2Helpers, ScaleIsDefinedForEveryFactor) {
     const auto scaled = [](double dFactor) {
         ClTestImage image = Img({{0, 1, 200}});
-        ClIpOpen::Scale(image, dFactor);
+        ClIpOpenContrast::Scale(image, dFactor);
         return Pixels(image);
     };
-    EXPECT_EQ(scaled(cdNotANumber), Rows({{0, 0, 0}}));
+    EXPECT_EQ(scaled(cdNaN), Rows({{0, 0, 0}}));
     EXPECT_EQ(scaled(cdInfinity), Rows({{0, 255, 255}})); // 0 times infinity is no number
     EXPECT_EQ(scaled(1e300), Rows({{0, 255, 255}}));
     EXPECT_EQ(scaled(-1.0), Rows({{0, 255, 56}})); // -1 and -200, the low bits
@@ -100,12 +101,12 @@ TEST(IpContrastMask2Helpers, ScaleIsDefinedForEveryFactor) {
 
 // Parameters
 
-struct StRefusal {
+struct StContrastRefusal {
     const char* m_szWords;
     long m_nNumber;
 };
 
-void ExpectRefusal(ClIpContrastMask2& ip, const StRefusal& Expected) {
+void ExpectRefusal(ClIpContrastMask2& ip, const StContrastRefusal& Expected) {
     try {
         ip.Apply();
         ADD_FAILURE() << "not refused: " << Expected.m_szWords;
@@ -287,8 +288,8 @@ TEST(IpContrastMask2Settings, WithoutSenseGiveADefinedMask) {
         &ClIpContrastMask2::m_dMidRotWidthFactor1, &ClIpContrastMask2::m_dThresholdFactor,
         &ClIpContrastMask2::m_dMinFgBlobSize,      &ClIpContrastMask2::m_dMidRotWidthFactor2};
     for (auto pSetting : apSettings)
-        for (double d : {cdNotANumber, cdInfinity, -cdInfinity, 1e300, -1e300, 1e18, 9.3e18, -5.0,
-                         0.0, 1e-300}) {
+        for (double d :
+             {cdNaN, cdInfinity, -cdInfinity, 1e300, -1e300, 1e18, 9.3e18, -5.0, 0.0, 1e-300}) {
             ClTestImage in = Gradients();
             ClMask2 mask;
             ClTestImage prob;

@@ -1,5 +1,6 @@
 #include "FingerCoding/IpContrastMask2.h"
 
+#include "FingerCoding/WorkScale.h"
 #include "ImageProcessing/MaskCases.h"
 #include "support/Images.h"
 #include "support/Throws.h"
@@ -13,14 +14,14 @@
 
 namespace {
 
-constexpr const char* cszPels = "Pels are not in a valid range (see documentation).";
+using TestSupport::cszPels;
 
 using namespace TestSupport;
 
 /// 250 dots per inch, the resolution of the work: nothing is rescaled.
 constexpr int cnWorkPels = 9842;
 
-ClTestImage Flat(int nWidth, int nHeight, int nValue, int nPels = cnWorkPels) {
+ClTestImage FlatAtPels(int nWidth, int nHeight, int nValue, int nPels = cnWorkPels) {
     ClTestImage image = FlatImage(ClImage::eUInt8, nWidth, nHeight, 1, nValue);
     image.SetPelsX(nPels);
     image.SetPelsY(nPels);
@@ -68,43 +69,43 @@ protected:
 
 TEST_F(IpContrastMask2, TakesWhatReachesTheThreshold) {
     m_Ip.m_dThresholdFactor = 10.0; // 80
-    EXPECT_EQ(Run(Flat(20, 10, 10)), 0);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 10)), 0);
     EXPECT_EQ(m_Mask.m_aEntries.Entries(), 10u);
-    EXPECT_EQ(Run(Flat(20, 10, 9)), -15);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 9)), -15);
     EXPECT_EQ(m_Mask.m_aEntries.Entries(), 0u);
 }
 
 TEST_F(IpContrastMask2, TruncatesTheThreshold) {
     m_Ip.m_dScaleFactor = 7.8;
     m_Ip.m_dThresholdFactor = 10.1; // 78.78
-    EXPECT_EQ(Run(Flat(20, 10, 10)), 0);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 10)), 0);
     m_Ip.m_dThresholdFactor = 10.2; // 79.56
-    EXPECT_EQ(Run(Flat(20, 10, 10)), -15);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 10)), -15);
 }
 
 TEST_F(IpContrastMask2, TakesTheThresholdAsAByte) {
     m_Ip.m_dThresholdFactor = 40.0; // 320, that is 64
-    EXPECT_EQ(Run(Flat(20, 10, 8)), 0);
-    EXPECT_EQ(Run(Flat(20, 10, 7)), -15);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 8)), 0);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 7)), -15);
 }
 
 TEST_F(IpContrastMask2, WithProbabilitiesTakesWhatReachesTwiceTheThresholdLess128) {
     m_Ip.m_dThresholdFactor = 10.0; // 80: 32 with probabilities
-    EXPECT_EQ(RunWithProb(Flat(20, 10, 4)), 0);
-    EXPECT_EQ(RunWithProb(Flat(20, 10, 3)), -15);
-    EXPECT_EQ(Run(Flat(20, 10, 4)), -15);
+    EXPECT_EQ(RunWithProb(FlatAtPels(20, 10, 4)), 0);
+    EXPECT_EQ(RunWithProb(FlatAtPels(20, 10, 3)), -15);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 4)), -15);
     m_Ip.m_dThresholdFactor = 20.0; // 160: 192 with probabilities
-    EXPECT_EQ(Run(Flat(20, 10, 20)), 0);
-    EXPECT_EQ(RunWithProb(Flat(20, 10, 23)), -15);
-    EXPECT_EQ(RunWithProb(Flat(20, 10, 24)), 0);
+    EXPECT_EQ(Run(FlatAtPels(20, 10, 20)), 0);
+    EXPECT_EQ(RunWithProb(FlatAtPels(20, 10, 23)), -15);
+    EXPECT_EQ(RunWithProb(FlatAtPels(20, 10, 24)), 0);
     m_Ip.m_dThresholdFactor = 16.0; // 128 either way
     for (int n : {15, 16})
-        EXPECT_EQ(Run(Flat(20, 10, n)), RunWithProb(Flat(20, 10, n)));
+        EXPECT_EQ(Run(FlatAtPels(20, 10, n)), RunWithProb(FlatAtPels(20, 10, n)));
 }
 
 TEST_F(IpContrastMask2, GivesMuchContrastALowProbability) {
     m_Ip.m_dThresholdFactor = 10.0;
-    ClTestImage in = Flat(8, 4, 10);
+    ClTestImage in = FlatAtPels(8, 4, 10);
     Paint(in, 2, 0, 2, 4, 0);
     Paint(in, 4, 0, 2, 4, 12);
     Paint(in, 6, 0, 2, 4, 31);
@@ -117,7 +118,7 @@ TEST_F(IpContrastMask2, GivesMuchContrastALowProbability) {
 
 TEST_F(IpContrastMask2, AveragesOverTheRidgeDistance) {
     // One bright pixel becomes a square of the width of the mean.
-    ClTestImage in = Flat(61, 61, 0);
+    ClTestImage in = FlatAtPels(61, 61, 0);
     SetSample(in, 30, 30, 0, 255);
     m_Ip.m_dScaleFactor = m_Ip.m_dThresholdFactor = 1.0;
     m_Ip.m_dMidRotWidthFactor1 = 1.0;
@@ -134,7 +135,7 @@ TEST_F(IpContrastMask2, AveragesOverTheRidgeDistance) {
 }
 
 TEST_F(IpContrastMask2, AveragesOver13PixelsOfTheWorkAsTheFingerMaskWantsIt) {
-    ClTestImage in = Flat(122, 122, 0, cnTestPels);
+    ClTestImage in = FlatAtPels(122, 122, 0, cnTestPels);
     Paint(in, 60, 60, 2, 2, 255);
     m_Ip.m_dScaleFactor = m_Ip.m_dThresholdFactor = 1.0;
     m_Ip.m_dRidgeDist = 11.7;
@@ -159,7 +160,7 @@ TEST_F(IpContrastMask2, ReadsNoOtherWidthFactor) {
 // Amplification and frame
 
 TEST_F(IpContrastMask2, FillsASpeckByTheMedianAndKeepsOneThatIsBright) {
-    ClTestImage in = Flat(20, 9, 0);
+    ClTestImage in = FlatAtPels(20, 9, 0);
     Paint(in, 2, 2, 5, 5, 20);
     SetSample(in, 4, 4, 0, 0);
     Paint(in, 12, 3, 1, 2, 20);
@@ -171,19 +172,19 @@ TEST_F(IpContrastMask2, FillsASpeckByTheMedianAndKeepsOneThatIsBright) {
 
 TEST_F(IpContrastMask2, BlackensTheFrameOfTheSmallImage) {
     m_Ip.m_nBorderWidth = 3;
-    EXPECT_EQ(Run(Flat(31, 21, 50)), 0);
+    EXPECT_EQ(Run(FlatAtPels(31, 21, 50)), 0);
     EXPECT_EQ(LastStep(), (std::array<double, 4>{3, 3, 25, 15}));
-    EXPECT_EQ(Run(Flat(62, 42, 50, cnTestPels)), 0);
+    EXPECT_EQ(Run(FlatAtPels(62, 42, 50, cnTestPels)), 0);
     EXPECT_EQ(LastStep(), (std::array<double, 4>{6, 6, 49, 30}));
     m_Ip.m_nBorderWidth = 11;
-    EXPECT_EQ(Run(Flat(31, 21, 50)), -15);
+    EXPECT_EQ(Run(FlatAtPels(31, 21, 50)), -15);
 }
 
 // Resolution
 
 TEST_F(IpContrastMask2, KeepsTheSizeOfAnInputAtTheWorkingResolution) {
     for (int nPels : {9842, 9843}) {
-        ClTestImage in = Flat(45, 33, 0, nPels);
+        ClTestImage in = FlatAtPels(45, 33, 0, nPels);
         Paint(in, 7, 9, 31, 17, 50);
         EXPECT_EQ(RunWithProb(in), 0);
         EXPECT_EQ(RunsOf(m_Mask).size(), 33u); // all, by the threshold with probabilities
@@ -198,7 +199,7 @@ TEST_F(IpContrastMask2, KeepsTheSizeOfAnInputAtTheWorkingResolution) {
 
 TEST_F(IpContrastMask2, WorksAtAnotherResolution) {
     m_Ip.m_dWorkDpi = 500.0;
-    ClTestImage in = Flat(45, 33, 0, cnTestPels);
+    ClTestImage in = FlatAtPels(45, 33, 0, cnTestPels);
     Paint(in, 7, 9, 31, 17, 50);
     EXPECT_EQ(Run(in), 0);
     EXPECT_EQ(LastStep(), (std::array<double, 4>{7, 9, 31, 17}));
@@ -207,7 +208,7 @@ TEST_F(IpContrastMask2, WorksAtAnotherResolution) {
 TEST_F(IpContrastMask2, RefusesAnInputWithoutResolution) {
     for (int nPels : {0, -1, INT_MIN})
         for (bool bX : {true, false}) {
-            ClTestImage in = Flat(20, 10, 50);
+            ClTestImage in = FlatAtPels(20, 10, 50);
             bX ? in.SetPelsX(nPels) : in.SetPelsY(nPels);
             EXPECT_THROWS(RunWithProb(in), ClExTessarin, -13, cszPels);
             EXPECT_EQ(m_Mask, ClMask2());
@@ -224,15 +225,15 @@ TEST_F(IpContrastMask2, RefusesAResolutionThatLeavesNoSize) {
     };
     for (double d : {0.0, -250.0, std::numeric_limits<double>::quiet_NaN(), 1e-300, 0.01}) {
         m_Ip.m_dWorkDpi = d;
-        ExpectNoArea(Flat(20, 10, 50));
+        ExpectNoArea(FlatAtPels(20, 10, 50));
     }
     m_Ip.m_dWorkDpi = 0.1;
-    ExpectNoArea(Flat(20, 10, 50, 39370000));
+    ExpectNoArea(FlatAtPels(20, 10, 50, 39370000));
 }
 
 /// The axes shrink by one factor, that of the horizontal resolution.
 TEST_F(IpContrastMask2, RefusesAVerticalResolutionThatTheWorkLeavesNothingOf) {
-    ClTestImage in = Flat(20, 10, 50, 2 * cnWorkPels + 2);
+    ClTestImage in = FlatAtPels(20, 10, 50, 2 * cnWorkPels + 2);
     in.SetPelsY(2);
     EXPECT_THROWS(Run(in), ClException, -101, "Image area must be positive");
     in.SetPelsY(3); // 1.5 is 1
@@ -242,10 +243,10 @@ TEST_F(IpContrastMask2, RefusesAVerticalResolutionThatTheWorkLeavesNothingOf) {
 TEST_F(IpContrastMask2, RefusesAResolutionThatLeadsToAnAbsurdSize) {
     for (double d : {1e9, 1e300, std::numeric_limits<double>::infinity()}) {
         m_Ip.m_dWorkDpi = d;
-        EXPECT_THROWS(Run(Flat(20, 10, 50)), ClExTessarin, -13, cszPels);
+        EXPECT_THROWS(Run(FlatAtPels(20, 10, 50)), ClExTessarin, -13, cszPels);
     }
     m_Ip.m_dWorkDpi = 250.0;
-    EXPECT_THROWS(Run(Flat(20, 10, 50, 1)), ClExTessarin, -13, cszPels);
+    EXPECT_THROWS(Run(FlatAtPels(20, 10, 50, 1)), ClExTessarin, -13, cszPels);
 }
 
 namespace {
@@ -288,7 +289,7 @@ TEST_F(IpContrastMask2, LimitsTheWorkByTheHorizontalResolution) {
 }
 
 TEST_F(IpContrastMask2, RefusesTooLargeAWorkBeforeItMakesAnything) {
-    ClTestImage in = Flat(70, 70, 50, 30);
+    ClTestImage in = FlatAtPels(70, 70, 50, 30);
     EXPECT_THROWS(RunWithProb(in), ClExTessarin, -13, cszPels);
     EXPECT_EQ(m_Mask, ClMask2());
     ExpectEmptyImage(m_Prob);
@@ -298,7 +299,7 @@ TEST_F(IpContrastMask2, RefusesTooLargeAWorkBeforeItMakesAnything) {
 
 TEST_F(IpContrastMask2, DropsBlobsBelowTheLeastArea) {
     m_Ip.m_dMinFgBlobSize = 16.0; // (400 * 0.09842)^2 = 1549.8 pixels
-    ClTestImage in = Flat(60, 60, 0);
+    ClTestImage in = FlatAtPels(60, 60, 0);
     Paint(in, 10, 10, 40, 38, 50);
     Paint(in, 10, 48, 28, 1, 50);
     EXPECT_EQ(Run(in), -15); // 1548
@@ -309,7 +310,7 @@ TEST_F(IpContrastMask2, DropsBlobsBelowTheLeastArea) {
 
 TEST_F(IpContrastMask2, AnswersNoFingerWithoutAFurtherStep) {
     m_Ip.m_dMinFgBlobSize = 16.0;
-    ClTestImage in = Flat(62, 62, 0, cnTestPels);
+    ClTestImage in = FlatAtPels(62, 62, 0, cnTestPels);
     Paint(in, 20, 20, 20, 20, 50);
     m_Mask.BuildFromImage(in, 0);
     m_Mask.SetBoundingBox();
@@ -324,8 +325,8 @@ TEST_F(IpContrastMask2, AnswersNoFingerWithoutAFurtherStep) {
 }
 
 TEST_F(IpContrastMask2, LooksInsideTheMaskAndInItsFrame) {
-    ClTestImage in = Flat(100, 80, 50, cnTestPels);
-    ClTestImage where = Flat(100, 80, 0, cnTestPels);
+    ClTestImage in = FlatAtPels(100, 80, 50, cnTestPels);
+    ClTestImage where = FlatAtPels(100, 80, 0, cnTestPels);
     Paint(where, 20, 10, 40, 30, 1);
     Paint(where, 60, 30, 20, 20, 1);
     m_Mask.BuildFromImage(where, 0);
@@ -339,7 +340,7 @@ TEST_F(IpContrastMask2, LooksInsideTheMaskAndInItsFrame) {
 }
 
 TEST_F(IpContrastMask2, AddsTheBoundingBoxToTheStepsOfTheMask) {
-    ClTestImage in = Flat(100, 80, 0, cnTestPels);
+    ClTestImage in = FlatAtPels(100, 80, 0, cnTestPels);
     m_Mask.Cut(in, 10, 20, 80, 50);
     Paint(in, 20, 10, 40, 30, 50);
     m_Ip.m_pInImage = &in;

@@ -22,7 +22,7 @@ using namespace TestSupport;
 
 namespace {
 
-using Names = std::set<std::string>;
+using NameSet = std::set<std::string>;
 
 class ClCountedCalls : public ClClassCallProfile {
 public:
@@ -50,7 +50,7 @@ ClTestImage SmallFinger() {
 }
 
 /// A run of the small finger in a folder of its own, and the files that it leaves.
-Names FilesOf(bool bImages, bool bDefects) {
+NameSet FilesOf(bool bImages, bool bDefects) {
     ClTestImage image = SmallFinger();
     ClTestImage out;
     ClIpQK7DynamicCalibration30 calibration;
@@ -119,30 +119,30 @@ TEST(IpQK7DynamicCalibration30Run, TimesNothingWhereItIsNot) {
 // Files
 
 TEST(IpQK7DynamicCalibration30Run, WritesNoFileByDefault) {
-    EXPECT_EQ(FilesOf(false, false), Names());
+    EXPECT_EQ(FilesOf(false, false), NameSet());
 }
 
 TEST(IpQK7DynamicCalibration30Run, WritesTheDefectsAlone) {
-    EXPECT_EQ(FilesOf(false, true), Names({"C:\\12_DefectImage.kpf"}));
+    EXPECT_EQ(FilesOf(false, true), NameSet({"C:\\12_DefectImage.kpf"}));
 }
 
 TEST(IpQK7DynamicCalibration30Run, WritesEveryStage) {
-    const Names stages = {"C:\\01_InImage.kpf",
-                          "C:\\02_GloballyStretchedImage.kpf",
-                          "C:\\03_MaskImage.kpf",
-                          "C:\\03_MaskImage_orig.kpf",
-                          "C:\\04_MaskProbImage.kpf",
-                          "C:\\05_EmbracedMaskImage.kpf",
-                          "C:\\06_SmoothMaskImage.kpf",
-                          "C:\\07_MinImage.kpf",
-                          "C:\\08_MaxImage.kpf",
-                          "C:\\09_StretchedImage.kpf",
-                          "C:\\10_OutImage.kpf",
-                          "C:\\11b_ExtendedMaskImage.kpf",
-                          "C:\\11c_FadedMaskImageForDirtMeasurement.kpf",
-                          "C:\\12_DefectImage.kpf",
-                          "C:\\21_BrightProbImage.kpf",
-                          "C:\\21_ContrastProbImage.kpf"};
+    const NameSet stages = {"C:\\01_InImage.kpf",
+                            "C:\\02_GloballyStretchedImage.kpf",
+                            "C:\\03_MaskImage.kpf",
+                            "C:\\03_MaskImage_orig.kpf",
+                            "C:\\04_MaskProbImage.kpf",
+                            "C:\\05_EmbracedMaskImage.kpf",
+                            "C:\\06_SmoothMaskImage.kpf",
+                            "C:\\07_MinImage.kpf",
+                            "C:\\08_MaxImage.kpf",
+                            "C:\\09_StretchedImage.kpf",
+                            "C:\\10_OutImage.kpf",
+                            "C:\\11b_ExtendedMaskImage.kpf",
+                            "C:\\11c_FadedMaskImageForDirtMeasurement.kpf",
+                            "C:\\12_DefectImage.kpf",
+                            "C:\\21_BrightProbImage.kpf",
+                            "C:\\21_ContrastProbImage.kpf"};
     EXPECT_EQ(FilesOf(true, false), stages);
     EXPECT_EQ(FilesOf(true, true), stages);
 }

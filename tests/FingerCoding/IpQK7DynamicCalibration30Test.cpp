@@ -5,6 +5,7 @@
 
 #include "FingerCoding/OpenDynamicCalibration.h"
 #include "FingerCoding/TimerMarks.h"
+#include "FingerCoding/WorkScale.h"
 #include "support/PublishedParameters.h"
 
 #include <cstring>
@@ -13,7 +14,7 @@ using namespace TestSupport;
 
 namespace {
 
-constexpr const char* cszPels = "Pels are not in a valid range (see documentation).";
+using TestSupport::cszPels;
 
 /// The left half of one value and the right half of another, of an odd width.
 ClTestImage Halves(int nLeft, int nRight) {

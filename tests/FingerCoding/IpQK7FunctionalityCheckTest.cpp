@@ -13,7 +13,7 @@ constexpr int cnSensorHeight = 190;
 constexpr int cnInnerX = 75; // far from all that is faded out
 constexpr int cnInnerY = 60;
 
-ClTestImage Flat(int nGrey, int nWidth = cnSensorWidth, int nHeight = cnSensorHeight) {
+ClTestImage FlatSensor(int nGrey, int nWidth = cnSensorWidth, int nHeight = cnSensorHeight) {
     return TestSupport::FlatImage(ClImage::eUInt8, nWidth, nHeight, 1, nGrey);
 }
 
@@ -55,20 +55,20 @@ void ExpectAsDefined(const ClTestImage& In, unsigned char nNoise) {
 
 TEST(IpQK7FunctionalityCheck, FindsNothingInAFlatCaptureOfAnyGrey) {
     for (int nGrey = 0; nGrey < 256; ++nGrey) {
-        ClTestImage in = Flat(nGrey, 60, 60);
+        ClTestImage in = FlatSensor(nGrey, 60, 60);
         ClImage out;
         ClIpQK7FunctionalityCheck check;
         check.m_dOutDefectWarningLevel = 7.0;
         EXPECT_EQ(check.ApplyParam(in, out, ClImage::eTypeDefault), 0);
         EXPECT_EQ(check.m_dOutDefectWarningLevel, 0.0) << nGrey;
-        EXPECT_EQ(Pixels(out), Pixels(Flat(0, 60, 60))) << nGrey;
+        EXPECT_EQ(Pixels(out), Pixels(FlatSensor(0, 60, 60))) << nGrey;
     }
 }
 
 TEST(IpQK7FunctionalityCheck, CountsTheFaintestDifferenceWithoutNoise) {
     // The Gaussian of a flat 3 * (255 - 200) is 164: a difference of 1, which 0..64 stretches to
     // 16377 >> 12.
-    ClTestImage in = Flat(200);
+    ClTestImage in = FlatSensor(200);
     ClImage out;
     ClIpQK7FunctionalityCheck check;
     check.m_nNoise = 0;
@@ -79,7 +79,7 @@ TEST(IpQK7FunctionalityCheck, CountsTheFaintestDifferenceWithoutNoise) {
 }
 
 TEST(IpQK7FunctionalityCheck, WeighsEachPixelOfASingleStrongDefectByAHalf) {
-    ClTestImage in = Flat(250);
+    ClTestImage in = FlatSensor(250);
     PaintSquare(in, cnInnerX, cnInnerY, 5, 0);
     ClImage out;
     ClIpQK7FunctionalityCheck check;
@@ -99,7 +99,7 @@ TEST(IpQK7FunctionalityCheck, WeighsEachPixelOfASingleStrongDefectByAHalf) {
 }
 
 TEST(IpQK7FunctionalityCheck, SeesNothingOnTheSensorsFrame) {
-    ClTestImage in = Flat(250);
+    ClTestImage in = FlatSensor(250);
     PaintSquare(in, 2, cnInnerY, 3, 0);
     PaintSquare(in, cnInnerX, 5, 3, 0);
     PaintSquare(in, 15, cnSensorHeight - 20, 3, 0);
@@ -136,7 +136,7 @@ TEST(IpQK7FunctionalityCheck, WritesOverItsInputWhereBothAreOneImage) {
 
 TEST(IpQK7FunctionalityCheck, AnswersForEachRunAlone) {
     ClTestImage dirty = RandomImage(ClImage::eUInt8, 91, 121, 1, 5);
-    ClTestImage clean = Flat(255);
+    ClTestImage clean = FlatSensor(255);
     ClImage out;
     ClIpQK7FunctionalityCheck check;
     EXPECT_EQ(check.ApplyParam(dirty, out, ClImage::eTypeDefault), 0);
@@ -166,7 +166,7 @@ TEST(IpQK7FunctionalityCheck, ReadsTheLargestDifferenceAsALargeOne) {
     // 255 in a surrounding of 0 exceeds 127, 0 in a surrounding of 255 reaches -128: both are
     // white.
     for (const int nGrey : {0, 255}) {
-        ClTestImage in = Flat(255 - nGrey);
+        ClTestImage in = FlatSensor(255 - nGrey);
         PaintSquare(in, cnInnerX, cnInnerY, 9, nGrey);
         ClImage out;
         ClIpQK7FunctionalityCheck check;
@@ -182,18 +182,18 @@ TEST(IpQK7FunctionalityCheck, PaintsTheSensorMask) {
           std::pair(200, 24), std::pair(30, 30), std::pair(29, 130), std::pair(5, 120),
           std::pair(1, 1), std::pair(1, 200), std::pair(200, 1)}) {
         SCOPED_TRACE(std::to_string(nWidth) + " x " + std::to_string(nHeight));
-        ClTestImage in = Flat(17, nWidth, nHeight);
+        ClTestImage in = FlatSensor(17, nWidth, nHeight);
         ClImage mask;
         ClIpQK7FunctionalityCheck::BuildSensorMask(in, mask);
         EXPECT_EQ(Pixels(mask), NaiveSensorMask(nWidth, nHeight));
-        EXPECT_EQ(Pixels(in), Pixels(Flat(17, nWidth, nHeight)));
+        EXPECT_EQ(Pixels(in), Pixels(FlatSensor(17, nWidth, nHeight)));
         EXPECT_EQ(mask.PelsX(), in.PelsX());
         EXPECT_EQ(mask.White(), 255.0);
     }
 }
 
 TEST(IpQK7FunctionalityCheck, CutsTheLowerCornersInTrianglesOf59Pixels) {
-    ClTestImage in = Flat(0, 200, 300);
+    ClTestImage in = FlatSensor(0, 200, 300);
     ClImage mask;
     ClIpQK7FunctionalityCheck::BuildSensorMask(in, mask);
     const auto MaskedFromLeft = [&](int y) {
@@ -213,7 +213,7 @@ TEST(IpQK7FunctionalityCheck, CutsTheLowerCornersInTrianglesOf59Pixels) {
 }
 
 TEST(IpQK7FunctionalityCheck, PaintsTheSensorMaskOverItsInput) {
-    ClTestImage image = Flat(17);
+    ClTestImage image = FlatSensor(17);
     ClIpQK7FunctionalityCheck::BuildSensorMask(image, image);
     EXPECT_EQ(Pixels(image), NaiveSensorMask(cnSensorWidth, cnSensorHeight));
 }
@@ -231,7 +231,7 @@ TEST(IpQK7FunctionalityCheck, FadesTheSensorsBorder) {
 }
 
 TEST(IpQK7FunctionalityCheck, LeavesTheMiddleOfTheSensorAlone) {
-    ClTestImage in = Flat(255);
+    ClTestImage in = FlatSensor(255);
     ClImage out;
     ClIpQK7FunctionalityCheck::FadeSensorBorder(in, out);
     EXPECT_EQ(Sample(out, 14, cnInnerY), 255 - 255 * 11 / 21); // 11 of 21 columns are frame

@@ -2,6 +2,7 @@
 
 #include "FingerCoding/IpBrightnessMask.h"
 #include "FingerCoding/IpContrastMask2.h"
+#include "FingerCoding/WorkScale.h"
 #include "ImageProcessing/IpEuclidLength.h"
 #include "ImageProcessing/IpFilterDGauss.h"
 #include "Tools/Bitmap.h"
@@ -12,11 +13,9 @@
 
 namespace {
 
+using TestSupport::cdRidgeDist;
 using TestSupport::ClTestImage;
 using TestSupport::Pixels;
-
-/// Pixels of 500 dots per inch.
-constexpr double cdRidgeDist = 11.7;
 
 ClTestImage Stage(const std::string& Capture, const std::string& Name) {
     const std::string File = "dynamic/" + Capture + "_stage_" + Name + ".bmp";

@@ -1,18 +1,10 @@
 #include "ImageProcessing/ConvexHull.h"
 
-#include "NaivePolygon.h"
+#include "ImageProcessing/NaivePolygon.h"
 
 namespace {
 
 using namespace TestSupport;
-using XY = std::vector<std::pair<double, double>>;
-
-XY Corners(const Polygon_t& rPolygon) {
-    XY aXY;
-    for (unsigned long i = 0; i < rPolygon.Entries(); ++i)
-        aXY.emplace_back(rPolygon[i].x, rPolygon[i].y);
-    return aXY;
-}
 
 XY WithoutPointsOnLines(const XY& aXY) {
     Polygon_t polygon = PolygonOf(aXY);

@@ -1,6 +1,7 @@
 // What a histogram tells about the shape of a distribution.
 
 #include "ImageProcessing/Histogram.h"
+#include "ImageProcessing/HistogramCounts.h"
 #include "support/Images.h"
 #include "support/Throws.h"
 
@@ -13,14 +14,9 @@
 
 namespace {
 
-constexpr double cdUntouched = -12345.5;
+using TestSupport::Counts;
 
-ClHistogram Counts(std::initializer_list<std::pair<int, int>> aCounts) {
-    ClHistogram Histogram;
-    for (const auto& [nBin, nCount] : aCounts)
-        Histogram.m_anCount[nBin] = nCount;
-    return Histogram;
-}
+constexpr double cdUntouched = -12345.5;
 
 ClHistogram RandomCounts(unsigned nSeed, int nLimit) {
     std::mt19937 random(nSeed);
@@ -169,13 +165,13 @@ TEST(HistogramShape, RefusesAReversedRange) {
 
 // Smoothing
 
-std::vector<int> Bins(const ClHistogram& Histogram) {
+std::vector<int> CountsOf(const ClHistogram& Histogram) {
     return std::vector<int>(Histogram.m_anCount, Histogram.m_anCount + 256);
 }
 
 TEST(HistogramShape, SmoothsOverThreeBinsAndTwoAtTheEnds) {
     ClHistogram Histogram = RandomCounts(5, 1000);
-    const std::vector<int> h = Bins(Histogram);
+    const std::vector<int> h = CountsOf(Histogram);
     std::vector<int> aExpected(256);
     aExpected[0] = (h[0] + h[1]) / 2;
     for (std::size_t i = 1; i < 255; ++i)
@@ -183,9 +179,9 @@ TEST(HistogramShape, SmoothsOverThreeBinsAndTwoAtTheEnds) {
     aExpected[255] = (h[254] + h[255]) / 2;
     ClHistogram Same = Histogram;
     Histogram.LowPass();
-    EXPECT_EQ(Bins(Histogram), aExpected);
+    EXPECT_EQ(CountsOf(Histogram), aExpected);
     Same.LowPass(3);
-    EXPECT_EQ(Bins(Same), aExpected);
+    EXPECT_EQ(CountsOf(Same), aExpected);
 }
 
 TEST(HistogramShape, SmoothsOverTheBinsThatAWindowHas) {
@@ -210,7 +206,7 @@ TEST(HistogramShape, SmoothsNothingBelowAWidthOfTwo) {
     for (int nWidth : {1, 0, -1, -2147483647}) {
         ClHistogram Histogram = Before;
         Histogram.LowPass(nWidth);
-        EXPECT_EQ(Bins(Histogram), Bins(Before));
+        EXPECT_EQ(CountsOf(Histogram), CountsOf(Before));
     }
 }
 

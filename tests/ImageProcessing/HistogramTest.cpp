@@ -1,5 +1,6 @@
 #include "ImageProcessing/Histogram.h"
 
+#include "ImageProcessing/HistogramCounts.h"
 #include "support/Images.h"
 #include "support/Throws.h"
 
@@ -14,6 +15,7 @@ namespace {
 
 using TestSupport::BlankImage;
 using TestSupport::ClTestImage;
+using TestSupport::Counts;
 using TestSupport::FlatImage;
 using TestSupport::Img;
 using TestSupport::RandomImage;
@@ -40,14 +42,6 @@ Bins NaiveBins(const ClImage& Image, int nLeft, int nTop, int nRight, int nBotto
 ClHistogram HistogramOf(const ClImage& Image) {
     ClHistogram Histogram;
     Histogram.Create(Image);
-    return Histogram;
-}
-
-/// A histogram with the given counts at the given bins.
-ClHistogram Counts(std::initializer_list<std::pair<int, int>> aCounts) {
-    ClHistogram Histogram;
-    for (const auto& [nBin, nCount] : aCounts)
-        Histogram.m_anCount[nBin] = nCount;
     return Histogram;
 }
 

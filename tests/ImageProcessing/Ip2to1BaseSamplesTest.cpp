@@ -7,6 +7,7 @@
 namespace {
 
 using TestSupport::caPixelTypes;
+using TestSupport::ceDefault;
 using TestSupport::ClIpPairProbe;
 using TestSupport::ClTestImage;
 using TestSupport::EdgeImage;
@@ -17,8 +18,6 @@ using TestSupport::RandomImage;
 using TestSupport::RealPixels;
 using TestSupport::Rows;
 using TestSupport::Stored;
-
-constexpr unsigned char ceDefault = ClImage::eTypeDefault;
 
 /// Distinguishes its arguments, and leaves every type.
 double Mix(double a, double b) {

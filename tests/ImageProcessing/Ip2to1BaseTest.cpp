@@ -9,6 +9,7 @@
 
 namespace {
 
+using TestSupport::ceDefault;
 using TestSupport::ClIpPairProbe;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectSameImage;
@@ -17,8 +18,6 @@ using TestSupport::Img;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
-
-constexpr unsigned char ceDefault = ClImage::eTypeDefault;
 
 double Sum(double a, double b) {
     return a + b;

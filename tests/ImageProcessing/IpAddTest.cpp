@@ -7,6 +7,7 @@
 namespace {
 
 using TestSupport::caPixelTypes;
+using TestSupport::ceDefault;
 using TestSupport::ClTestImage;
 using TestSupport::EdgeImage;
 using TestSupport::Img;
@@ -18,8 +19,6 @@ using TestSupport::RealRows;
 using TestSupport::Rows;
 using TestSupport::StRange;
 using TestSupport::TypedSample;
-
-constexpr unsigned char ceDefault = ClImage::eTypeDefault;
 
 ClTestImage Sum(ClIpAdd::EProcessingMode eMode, ClImage& In1, ClImage& In2,
                 unsigned char nOut = ceDefault) {

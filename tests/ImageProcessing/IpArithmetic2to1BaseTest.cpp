@@ -22,10 +22,10 @@ using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
 
-class ClIpProbe : public ClIpArithmetic2to1Base {
+class ClIpArithmeticProbe : public ClIpArithmetic2to1Base {
 public:
-    ClProcessorBase* Create() override { return Vek::NewObject<ClIpProbe>(); }
-    const char* Name() const override { return "ClIpProbe"; }
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpArithmeticProbe>(); }
+    const char* Name() const override { return "ClIpArithmeticProbe"; }
 
     void ProcessArea(long nWidth, long nHeight, long nPlanes, const unsigned char* pIn1,
                      long nIn1Stride, const unsigned char* pIn2, long nIn2Stride,
@@ -48,10 +48,10 @@ public:
 };
 
 /// The base itself, which processes nothing.
-class ClIpPlain : public ClIpArithmetic2to1Base {
+class ClIpNoArithmetic : public ClIpArithmetic2to1Base {
 public:
-    ClProcessorBase* Create() override { return Vek::NewObject<ClIpPlain>(); }
-    const char* Name() const override { return "ClIpPlain"; }
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpNoArithmetic>(); }
+    const char* Name() const override { return "ClIpNoArithmetic"; }
 };
 
 // What is refused
@@ -66,7 +66,7 @@ TEST(IpArithmetic2to1Base, AnswersEachMissingImage) {
     } aCases[] = {{nullptr, nullptr, nullptr}, {nullptr, &image, &image}, {&image, nullptr, &image},
                   {&image, &image, nullptr},   {&empty, &image, &image},  {&image, &empty, &image}};
     for (const auto& c : aCases) {
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         ip.m_pInImage1 = c.m_pIn1;
         ip.m_pInImage2 = c.m_pIn2;
         ip.m_pOutImage = c.m_pOut;
@@ -82,7 +82,7 @@ TEST(IpArithmetic2to1Base, TakesOnlySamplesOfOneByte) {
     for (unsigned char nType : TestSupport::caPixelTypes) {
         ClTestImage other = RandomImage(nType, 3, 2, 1, 2);
         ClTestImage out = Img({{9}});
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         const bool bByte = nType == ClImage::eUInt8 || nType == ClImage::eInt8;
         EXPECT_EQ(ip.ApplyParam(bytes, other, out), bByte ? 0 : -33) << int{nType};
         EXPECT_EQ(ip.ApplyParam(other, bytes, out), bByte ? 0 : -33) << int{nType};
@@ -98,7 +98,7 @@ TEST(IpArithmetic2to1Base, RefusesUnequalSizesAndOffsetsUnlessTold) {
     } aCases[] = {{4, 3, 0, 0, -14}, {3, 4, 0, 0, -14},  {4, 4, 1, 0, -14},
                   {3, 3, 1, 0, -35}, {3, 3, 0, -1, -35}, {3, 3, 0, 0, 0}};
     for (const auto& c : aCases) {
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         ClTestImage in1 = RandomImage(ClImage::eUInt8, 3, 3, 1, 1);
         ClTestImage in2 = RandomImage(ClImage::eUInt8, c.m_nWidth, c.m_nHeight, 1, 2);
         ClTestImage out = Img({{9}});
@@ -112,7 +112,7 @@ TEST(IpArithmetic2to1Base, RefusesUnequalSizesAndOffsetsUnlessTold) {
 }
 
 TEST(IpArithmetic2to1Base, LeavesAnEmptyOutputEmptyForImagesWithoutPlanes) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ip.m_bSizeMustBeEqual = false;
     alignas(8) unsigned char aBytes[8] = {};
     ClImage in1;
@@ -129,7 +129,7 @@ TEST(IpArithmetic2to1Base, LeavesAnEmptyOutputEmptyForImagesWithoutPlanes) {
 TEST(IpArithmetic2to1Base, RefusesAnOutputThatIsTooLarge) {
     ClTestImage in = Img({{1, 2}});
     for (int nOffset : {INT_MAX, INT_MIN}) {
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         ip.m_bSizeMustBeEqual = false;
         ip.m_nOffsetX = nOffset;
         EXPECT_THROWS(ip.ApplyParam(in, in, in), ClException, -101, "Image area must be positive");
@@ -141,18 +141,18 @@ TEST(IpArithmetic2to1Base, RefusesAnOutputThatIsTooLarge) {
 // The run
 
 TEST(IpArithmetic2to1Base, HandsTheWholeOfTwoEqualImagesToTheOperator) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ClTestImage in1 = RandomImage(ClImage::eUInt8, 5, 3, 3, 1);
     ClTestImage in2 = RandomImage(ClImage::eInt8, 5, 3, 3, 2);
     ClImage out;
     EXPECT_EQ(ip.ApplyParam(in1, in2, out), 0);
-    EXPECT_EQ(ip.m_aSeen, (ClIpProbe::Seen{5, 3, 3, 0, 16, 0, 16, 0, 16}));
+    EXPECT_EQ(ip.m_aSeen, (ClIpArithmeticProbe::Seen{5, 3, 3, 0, 16, 0, 16, 0, 16}));
     EXPECT_EQ(out.PelsX(), in1.PelsX());
     EXPECT_EQ(out.Content(), ClImage::eRGB);
 }
 
 TEST(IpArithmetic2to1Base, HandsTheOverlapToTheOperator) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ip.m_bSizeMustBeEqual = false;
     ip.m_nOffsetX = -1;
     ip.m_nOffsetY = 2;
@@ -160,11 +160,11 @@ TEST(IpArithmetic2to1Base, HandsTheOverlapToTheOperator) {
     ClTestImage in2 = RandomImage(ClImage::eUInt8, 4, 4, 3, 2);
     ClImage out;
     EXPECT_EQ(ip.ApplyParam(in1, in2, out), 0);
-    EXPECT_EQ(ip.m_aSeen, (ClIpProbe::Seen{3, 2, 3, 2 * 12, 12, 3, 12, 3 + 2 * 16, 16}));
+    EXPECT_EQ(ip.m_aSeen, (ClIpArithmeticProbe::Seen{3, 2, 3, 2 * 12, 12, 3, 12, 3 + 2 * 16, 16}));
 }
 
 TEST(IpArithmetic2to1Base, HandsOverNothingForUnequalPlanesOrWithoutOverlap) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ClTestImage grey = FlatImage(ClImage::eUInt8, 2, 1, 1, 5);
     ClTestImage colour = Img(ClImage::eUInt8, {{1, 2, 3, 4, 5, 6}}, 3);
     ClImage out;
@@ -180,7 +180,7 @@ TEST(IpArithmetic2to1Base, HandsOverNothingForUnequalPlanesOrWithoutOverlap) {
 }
 
 TEST(IpArithmetic2to1Base, ProcessesNothingByItself) {
-    ClIpPlain ip;
+    ClIpNoArithmetic ip;
     ClTestImage in1 = Img({{1, 2}});
     ClTestImage in2 = Img({{3, 4}});
     ClImage out;
@@ -190,7 +190,7 @@ TEST(IpArithmetic2to1Base, ProcessesNothingByItself) {
 
 TEST(IpArithmetic2to1Base, GoesThroughALocalImageWhereTheOutputIsAnInput) {
     for (bool bFirst : {true, false}) {
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         ClTestImage in1 = Img({{1}});
         ClTestImage in2 = Img({{10}});
         ClImage& out = bFirst ? in1 : in2;
@@ -207,7 +207,7 @@ TEST(IpArithmetic2to1Base, GoesThroughALocalImageWhereTheOutputIsAnInput) {
 }
 
 TEST(IpArithmetic2to1Base, KeepsTheImageWhereTheOperatorFails) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ClTestImage image = Img({{1, 2}});
     ip.m_Area = [](const unsigned char*, const unsigned char*, unsigned char* pOut) {
         *pOut = 99;
@@ -220,7 +220,7 @@ TEST(IpArithmetic2to1Base, KeepsTheImageWhereTheOperatorFails) {
 }
 
 TEST(IpArithmetic2to1Base, AnswersEveryMissingAllocation) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ClTestImage image = Img({{1, 2}});
     const ClTestImage copy = image;
     TestSupport::FailEachAllocation([&] { EXPECT_EQ(ip.ApplyParam(image, image, image), 0); });
@@ -229,7 +229,7 @@ TEST(IpArithmetic2to1Base, AnswersEveryMissingAllocation) {
 }
 
 TEST(IpArithmetic2to1Base, GivesEveryMemberItsDefaultAndKeepsAllInAQuery) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ip.m_bSizeMustBeEqual = false;
     ip.m_nFillColor = 0x112233;
     ip.m_nOffsetX = 2;
@@ -250,7 +250,7 @@ TEST(IpArithmetic2to1Base, GivesEveryMemberItsDefaultAndKeepsAllInAQuery) {
 // The sign
 
 TEST(IpArithmetic2to1Base, GivesTheOutputTheSignOfImage1) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ClTestImage plain = FlatImage(ClImage::eUInt8, 1, 1, 1, 1);
     ClTestImage sign = FlatImage(ClImage::eInt8, 1, 1, 1, 1);
     ClImage out;
@@ -281,7 +281,7 @@ TEST(IpArithmetic2to1Base, MovesTheRangeWithTheSign) {
                   {&sign, ClImage::eFloat32, -1, 1, ClImage::eFloat32, -1, 1},
                   {&plain, ClImage::eFloat32, -1, 1, ClImage::eFloat32 & 0x7F, -1, 1}};
     for (const auto& c : aCases) {
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         ClTestImage out = TestSupport::BlankImage(c.m_nOut, 1, 1);
         out.SetBlack(c.m_dBlack);
         out.SetWhite(c.m_dWhite);
@@ -297,7 +297,7 @@ TEST(IpArithmetic2to1Base, MovesTheRangeWithTheSign) {
 // The parts
 
 std::vector<int> Filled(long nColor, long nPlanes) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ip.m_nFillColor = nColor;
     std::vector<unsigned char> aBytes(static_cast<std::size_t>(4 * nPlanes), 9);
     ip.FillSubpart(2, 2, nPlanes, aBytes.data(), 2 * nPlanes);
@@ -315,7 +315,7 @@ TEST(IpArithmetic2to1Base, FillsEachPlaneWithItsByteOfTheColour) {
 }
 
 TEST(IpArithmetic2to1Base, LeavesTheLineEndsAloneWhenItFills) {
-    ClIpProbe ip;
+    ClIpArithmeticProbe ip;
     ip.m_nFillColor = 1;
     unsigned char aBytes[] = {9, 9, 9, 9, 9, 9, 9, 9};
     ip.FillSubpart(2, 2, 1, aBytes, 4);
@@ -334,7 +334,7 @@ TEST(IpArithmetic2to1Base, CopiesLinesAndTriplesGreySamples) {
                   {1, 2, std::vector<int>(12, 9)},
                   {2, 3, std::vector<int>(12, 9)}};
     for (const auto& c : aCases) {
-        ClIpProbe ip;
+        ClIpArithmeticProbe ip;
         unsigned char aTo[12];
         std::fill_n(aTo, 12, static_cast<unsigned char>(9));
         ip.CopySubpart(2, 2, c.m_nPlanes1, c.m_nPlanes2, aFrom, 4, aTo, 6);

@@ -2,6 +2,7 @@
 
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -12,6 +13,7 @@ namespace {
 
 using TestSupport::BlankImage;
 using TestSupport::caPixelTypes;
+using TestSupport::cdNaN;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectSameImage;
 using TestSupport::Img;
@@ -20,8 +22,6 @@ using TestSupport::RandomImage;
 using TestSupport::RealPixels;
 using TestSupport::RealRows;
 using TestSupport::Rows;
-
-const double cdNaN = std::nan("");
 
 /// Every sample compared with the threshold.
 RealRows Compared(const ClImage& In, double dThreshold, double dBlack, double dWhite) {

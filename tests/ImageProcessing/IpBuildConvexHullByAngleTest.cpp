@@ -4,7 +4,7 @@
 
 #include "ImageProcessing/MissingMemory.h"
 
-#include "NaivePolygon.h"
+#include "ImageProcessing/NaivePolygon.h"
 #include "RegionShapes.h"
 
 #include <limits>
@@ -12,14 +12,6 @@
 namespace {
 
 using namespace TestSupport;
-using XY = std::vector<std::pair<double, double>>;
-
-XY Corners(const Polygon_t& rPolygon) {
-    XY aXY;
-    for (unsigned long i = 0; i < rPolygon.Entries(); ++i)
-        aXY.emplace_back(rPolygon[i].x, rPolygon[i].y);
-    return aXY;
-}
 
 /// The corners by each of the routes, from the same image.
 void ExpectSameRoutes(const ClTestImage& Image) {

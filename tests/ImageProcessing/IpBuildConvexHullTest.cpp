@@ -2,21 +2,13 @@
 
 #include "ImageProcessing/MissingMemory.h"
 
-#include "NaivePolygon.h"
+#include "ImageProcessing/NaivePolygon.h"
 #include "RegionShapes.h"
 #include "support/Throws.h"
 
 namespace {
 
 using namespace TestSupport;
-using XY = std::vector<std::pair<double, double>>;
-
-XY Corners(const Polygon_t& rPolygon) {
-    XY aXY;
-    for (unsigned long i = 0; i < rPolygon.Entries(); ++i)
-        aXY.emplace_back(rPolygon[i].x, rPolygon[i].y);
-    return aXY;
-}
 
 long Hull(ClImage& In, ClImage& Out, double dValue = -1.0) {
     ClIpBuildConvexHull hull;

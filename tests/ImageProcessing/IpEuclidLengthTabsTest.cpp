@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/IpEuclidLength.h"
 
+#include "ImageProcessing/NaiveLength.h"
 #include "support/DumpedFiles.h"
 #include "support/Throws.h"
 
@@ -11,6 +12,7 @@
 namespace {
 
 using TestSupport::ClDumpDirectory;
+using TestSupport::NaiveLength;
 
 std::vector<std::string> LinesOf(const std::string& Text) {
     std::istringstream Stream(Text);
@@ -28,15 +30,6 @@ std::vector<int> Numbers(const std::vector<std::string>& aLines, std::size_t nFi
              n = aLines[i].find("0x", n + 1))
             aNumbers.push_back(static_cast<int>(std::strtol(&aLines[i][n], nullptr, 16)));
     return aNumbers;
-}
-
-/// The largest n with n <= sqrt(dx^2 + dy^2) * scale, in integers: the scale is one of thousandths.
-int NaiveLength(int dx, int dy, int nThousandths) {
-    const long nSquare = (1L * dx * dx + 1L * dy * dy) * nThousandths * nThousandths;
-    long n = 0;
-    while ((n + 1) * (n + 1) * 1000000 <= nSquare)
-        ++n;
-    return static_cast<int>(n);
 }
 
 } // namespace

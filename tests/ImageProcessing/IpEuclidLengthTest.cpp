@@ -1,5 +1,6 @@
 #include "ImageProcessing/IpEuclidLength.h"
 
+#include "ImageProcessing/NaiveLength.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
 #include "support/Throws.h"
@@ -11,6 +12,8 @@
 #include <thread>
 
 namespace {
+
+using TestSupport::NaiveLength;
 
 using namespace TestSupport;
 
@@ -28,15 +31,6 @@ struct StAllPairs {
     ClTestImage m_Dx;
     ClTestImage m_Dy;
 };
-
-/// The largest n with n <= sqrt(dx^2 + dy^2) * scale, in integers: the scale is one of thousandths.
-int NaiveLength(int dx, int dy, int nThousandths) {
-    const long nSquare = (1L * dx * dx + 1L * dy * dy) * nThousandths * nThousandths;
-    long n = 0;
-    while ((n + 1) * (n + 1) * 1000000 <= nSquare)
-        ++n;
-    return static_cast<int>(n);
-}
 
 void ExpectLengths(unsigned char nType, ClImage& rOut) {
     for (int y = 0; y < 256; ++y)

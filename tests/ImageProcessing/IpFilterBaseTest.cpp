@@ -26,10 +26,10 @@ using TestSupport::TreeNumber;
 using TestSupport::TreePointer;
 
 /// Writes down which operation the frame chose and on which images; answers as told.
-class ClIpProbe : public ClIpFilterBase {
+class ClIpFilterProbe : public ClIpFilterBase {
 public:
-    ClProcessorBase* Create() override { return Vek::NewObject<ClIpProbe>(); }
-    const char* Name() const override { return "ClIpProbe"; }
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpFilterProbe>(); }
+    const char* Name() const override { return "ClIpFilterProbe"; }
 
     long ProcessX() override { return Note("X"); }
     long ProcessY() override { return Note("Y"); }
@@ -55,7 +55,7 @@ private:
 };
 
 /// The square, whose form is that of the base, beside.
-class ClIpSquareProbe : public ClIpProbe {
+class ClIpSquareProbe : public ClIpFilterProbe {
 public:
     long ProcessXY() override {
         m_aCalls.emplace_back("XY");
@@ -168,7 +168,7 @@ TEST(IpFilterBase, RefusesToPrintIntoTooFewBytes) {
 // Order of tests
 
 TEST(IpFilterBase, AnswersMissingImages) {
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     ClTestImage image = Img({{1}});
     for (long nWidth : {-1L, 1L, 3L}) {
         filter.m_nFilterWidth = nWidth;
@@ -186,7 +186,7 @@ TEST(IpFilterBase, AnswersMissingImages) {
 }
 
 TEST(IpFilterBase, AnswersAnImageThatClaimsPixelsItHasNot) {
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     ClImage in;
     ClImage out;
     in.Attach(nullptr, ClImage::eUInt8, 10, 10, 1, 0, 0);
@@ -204,7 +204,7 @@ TEST(IpFilterBase, CopiesForAWidthOfOneOrLess) {
             ClTestImage in = RandomImage(ClImage::eInt16, 7, 4, nPlanes, 5);
             in.SetAttribute(3);
             in.SetBlack(-5.0);
-            ClIpProbe filter;
+            ClIpFilterProbe filter;
             filter.m_nFilterWidth = nWidth;
             filter.m_nMode = 99;
             ClImage out;
@@ -218,7 +218,7 @@ TEST(IpFilterBase, CopiesForAWidthOfOneOrLess) {
 
 TEST(IpFilterBase, LeavesAnImageCopiedToItselfAlone) {
     ClTestImage image = Img({{1, 2}});
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     filter.m_nFilterWidth = 1;
     SetImages(filter, image, image);
     EXPECT_EQ(filter.Apply(), 0);
@@ -227,7 +227,7 @@ TEST(IpFilterBase, LeavesAnImageCopiedToItselfAlone) {
 
 TEST(IpFilterBase, RefusesToFilterOnePlaneInPlace) {
     ClTestImage image = Img({{1, 2}});
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     SetImages(filter, image, image);
     EXPECT_EQ(filter.Apply(), -10);
     EXPECT_EQ(Pixels(image), Rows({{1, 2}}));
@@ -236,7 +236,7 @@ TEST(IpFilterBase, RefusesToFilterOnePlaneInPlace) {
 
 TEST(IpFilterBase, TestsTheModeBeforeTheOutput) {
     ClTestImage image = Img({{1}});
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     filter.m_pInImage = &image;
     filter.m_nMode = 4;
     EXPECT_THROWS(filter.Apply(), ClExTessarin, -6, "Unknown error code.");
@@ -271,7 +271,7 @@ TEST(IpFilterBase, RefusesEveryOtherMode) {
     ClTestImage in = Img({{1, 2}});
     ClImage out;
     for (long nMode : {0L, 4L, 5L, 7L, 9L, 24L, 32L, -1L}) {
-        ClIpProbe filter;
+        ClIpFilterProbe filter;
         filter.m_nMode = nMode;
         SetImages(filter, in, out);
         try {
@@ -289,7 +289,7 @@ TEST(IpFilterBase, RefusesEveryOtherMode) {
 TEST(IpFilterBase, PassesOnTheResultOfOnePlane) {
     ClTestImage in = Img({{1, 2}});
     ClImage out;
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     filter.m_nMode = 1;
     filter.m_Work = [](const ClImage&, ClImage&) { return -14L; };
     SetImages(filter, in, out);
@@ -317,7 +317,7 @@ TEST(IpFilterBase, FiltersColumnsOfTheFilteredLines) {
         const bool bSigned = nType == ClImage::eInt8;
         ClTestImage in = FlatImage(nType, 3, 2, 1, 5);
         ClImage out;
-        ClIpProbe filter;
+        ClIpFilterProbe filter;
         SetImages(filter, in, out);
         filter.m_Work = [&](const ClImage& In, ClImage& Out) {
             EXPECT_NE(&In, &Out);
@@ -335,7 +335,7 @@ TEST(IpFilterBase, FiltersColumnsOfTheFilteredLines) {
 TEST(IpFilterBase, StopsWhereTheLinesFail) {
     ClTestImage in = Img({{1, 2}});
     ClTestImage out = Img({{9}});
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     filter.m_Work = [](const ClImage&, ClImage&) { return -14L; };
     SetImages(filter, in, out);
     EXPECT_EQ(filter.Apply(), -14);
@@ -346,7 +346,7 @@ TEST(IpFilterBase, StopsWhereTheLinesFail) {
 TEST(IpFilterBase, GetsItsImagesBackFromAnException) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 3, 2, 2, 1);
     ClImage out;
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     filter.m_Work = [](const ClImage&, ClImage&) -> long { throw ClExTessarin(-44, VEK_HERE); };
     SetImages(filter, in, out);
     EXPECT_THROWS(filter.Apply(), ClExTessarin, -44, "One(or more) parameter(s) is(are) invalid.");
@@ -358,7 +358,7 @@ TEST(IpFilterBase, GetsItsImagesBackFromAnException) {
 
 TEST(IpFilterBase, NamesAMissingDirectionImage) {
     ClTestImage in = Img({{1, 2}});
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     filter.m_pInImage = &in;
     EXPECT_THROWS(filter.CheckDirections(), ClException, -701, "m_pInDxImage is not set");
     filter.m_pInDxImage = &in;
@@ -386,7 +386,7 @@ TEST(IpFilterBase, RefusesDirectionImagesOfAnotherShape) {
     ClTestImage aBad[] = {
         FlatImage(ClImage::eInt8, 3, 3, 1, 0), FlatImage(ClImage::eInt8, 4, 4, 1, 0),
         FlatImage(ClImage::eInt8, 4, 3, 2, 0), FlatImage(ClImage::eInt16, 4, 3, 1, 0)};
-    ClIpProbe filter;
+    ClIpFilterProbe filter;
     SetImages(filter, in, in);
     for (ClImage* pBad :
          {&static_cast<ClImage&>(aBad[0]), &static_cast<ClImage&>(aBad[1]),

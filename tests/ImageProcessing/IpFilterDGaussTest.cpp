@@ -18,7 +18,7 @@ using TestSupport::ClTestImage;
 using TestSupport::ExpectTree;
 using TestSupport::FlatImage;
 using TestSupport::Img;
-using TestSupport::Naive;
+using TestSupport::NaiveFiltered;
 using TestSupport::NaiveTaps;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
@@ -28,7 +28,7 @@ using TestSupport::TreeEnum;
 using TestSupport::TreeNumber;
 using TestSupport::TreePointer;
 
-Taps TapsOf(double dSigma, long nWidth) {
+Taps DGaussTaps(double dSigma, long nWidth) {
     ClTestImage in = FlatImage(ClImage::eUInt8, 99, 99, 1, 0);
     ClImage out;
     ClIpFilterDGauss filter;
@@ -121,10 +121,10 @@ TEST(IpFilterDGauss, AnswersMissingImages) {
 
 TEST(IpFilterDGauss, HasTheTapsOfADerivative) {
     // -k exp(-k^2 / (2 sigma^2)) by twice the sum of the positive ones, times 4095, in 50 digits.
-    EXPECT_EQ(TapsOf(1.0, 0), (Taps{3, 74, 607, 1361, 0, -1361, -607, -74, -3}));
-    EXPECT_EQ(TapsOf(1.0, 7), (Taps{74, 608, 1363, 0, -1363, -608, -74}));
-    EXPECT_EQ(TapsOf(2.0, 0), (Taps{1, 8, 34, 114, 283, 509, 634, 461, 0, -461, -634, -509, -283,
-                                    -114, -34, -8, -1}));
+    EXPECT_EQ(DGaussTaps(1.0, 0), (Taps{3, 74, 607, 1361, 0, -1361, -607, -74, -3}));
+    EXPECT_EQ(DGaussTaps(1.0, 7), (Taps{74, 608, 1363, 0, -1363, -608, -74}));
+    EXPECT_EQ(DGaussTaps(2.0, 0), (Taps{1, 8, 34, 114, 283, 509, 634, 461, 0, -461, -634, -509,
+                                        -283, -114, -34, -8, -1}));
 }
 
 TEST(IpFilterDGauss, HasTwoPiSigmaUnderTheRoot) {
@@ -140,7 +140,7 @@ TEST(IpFilterDGauss, HasTwoPiSigmaUnderTheRoot) {
 }
 
 TEST(IpFilterDGauss, HasATapOfZeroForAWidthOfOne) {
-    EXPECT_EQ(TapsOf(1.0, 1), Taps{0});
+    EXPECT_EQ(DGaussTaps(1.0, 1), Taps{0});
     ClTestImage in = FlatImage(ClImage::eUInt8, 2, 2, 1, 200);
     ClImage x;
     ClImage y;
@@ -153,11 +153,11 @@ TEST(IpFilterDGauss, HasATapOfZeroForAWidthOfOne) {
 
 TEST(IpFilterDGauss, HasNoTapsForASigmaThatIsNoWidth) {
     for (double dSigma : {0.0, -1.0, std::nan(""), std::numeric_limits<double>::infinity()})
-        EXPECT_EQ(TapsOf(dSigma, 3), Taps(3, 0)) << dSigma;
+        EXPECT_EQ(DGaussTaps(dSigma, 3), Taps(3, 0)) << dSigma;
 }
 
 TEST(IpFilterDGauss, LeavesTheLastTapOfAnEvenWidthZero) {
-    EXPECT_EQ(TapsOf(1.0, 4), (Taps{2047, 0, -2047, 0}));
+    EXPECT_EQ(DGaussTaps(1.0, 4), (Taps{2047, 0, -2047, 0}));
 }
 
 // Samples
@@ -203,8 +203,8 @@ TEST(IpFilterDGauss, BeginsInYWithTheWidthFoundForX) {
     EXPECT_EQ(filter.ApplyParam(in, x, y, 1.0, 0), 0);
     EXPECT_EQ(filter.m_nFilterWidth, 3);
     const Taps aTaps = NaiveTaps({1.0, 0.0, -1.0});
-    EXPECT_EQ(Pixels(x), Naive(1, Pixels(in), aTaps, true));
-    EXPECT_EQ(Pixels(y), Naive(2, Pixels(in), aTaps, true));
+    EXPECT_EQ(Pixels(x), NaiveFiltered(1, Pixels(in), aTaps, true));
+    EXPECT_EQ(Pixels(y), NaiveFiltered(2, Pixels(in), aTaps, true));
 }
 
 TEST(IpFilterDGauss, AnswersTheFirstFailure) {
@@ -240,7 +240,7 @@ TEST(IpFilterDGauss, EqualsTheDefinition) {
                     }
                     const Taps aTaps = nHalf > 0 ? NaiveTaps(aKernel) : Taps{0};
                     const bool bSigned = nType == ClImage::eInt8 || nHalf > 0;
-                    EXPECT_EQ(Pixels(out), Naive(nMode, Pixels(in), aTaps, bSigned));
+                    EXPECT_EQ(Pixels(out), NaiveFiltered(nMode, Pixels(in), aTaps, bSigned));
                 }
 }
 

@@ -4,6 +4,7 @@
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
 #include "support/PublishedParameters.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -15,11 +16,12 @@
 namespace {
 
 using TestSupport::caOddSizes;
+using TestSupport::cdInfinity;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectTree;
 using TestSupport::FlatImage;
 using TestSupport::Img;
-using TestSupport::Naive;
+using TestSupport::NaiveFiltered;
 using TestSupport::NaiveTaps;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
@@ -28,8 +30,6 @@ using TestSupport::Taps;
 using TestSupport::TreeEnum;
 using TestSupport::TreeNumber;
 using TestSupport::TreePointer;
-
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
 
 /// A Gaussian of the width, up to a factor.
 std::vector<double> Bell(double dSigma, long nWidth) {
@@ -42,7 +42,7 @@ std::vector<double> Bell(double dSigma, long nWidth) {
 }
 
 /// The fixed taps of a run on an image of 99 x 99 samples.
-Taps TapsOf(double dSigma, long nWidth) {
+Taps GaussTaps(double dSigma, long nWidth) {
     ClTestImage in = FlatImage(ClImage::eUInt8, 99, 99, 1, 0);
     ClImage out;
     ClIpFilterGauss filter;
@@ -176,12 +176,12 @@ TEST(IpFilterGauss, FindsTheWidthOfASigma) {
 
 TEST(IpFilterGauss, HasTheTapsOfAGaussian) {
     // exp(-k^2 / (2 sigma^2)), normalised, times 4095, in 50 digits.
-    EXPECT_EQ(TapsOf(1.0, 0), (Taps{0, 18, 221, 990, 1633, 990, 221, 18, 0}));
-    EXPECT_EQ(TapsOf(0.9, 0), (Taps{7, 153, 979, 1815, 979, 153, 7}));
-    EXPECT_EQ(TapsOf(1.5, 0), (Taps{0, 4, 31, 147, 447, 872, 1089, 872, 447, 147, 31, 4, 0}));
-    EXPECT_EQ(TapsOf(2.0, 0),
+    EXPECT_EQ(GaussTaps(1.0, 0), (Taps{0, 18, 221, 990, 1633, 990, 221, 18, 0}));
+    EXPECT_EQ(GaussTaps(0.9, 0), (Taps{7, 153, 979, 1815, 979, 153, 7}));
+    EXPECT_EQ(GaussTaps(1.5, 0), (Taps{0, 4, 31, 147, 447, 872, 1089, 872, 447, 147, 31, 4, 0}));
+    EXPECT_EQ(GaussTaps(2.0, 0),
               (Taps{0, 1, 9, 35, 110, 265, 495, 720, 816, 720, 495, 265, 110, 35, 9, 1, 0}));
-    EXPECT_EQ(TapsOf(1.0, 1), Taps{4095});
+    EXPECT_EQ(GaussTaps(1.0, 1), Taps{4095});
 }
 
 TEST(IpFilterGauss, HasRealTapsThatSumToOne) {
@@ -198,21 +198,21 @@ TEST(IpFilterGauss, HasRealTapsThatSumToOne) {
 }
 
 TEST(IpFilterGauss, LeavesTheLastTapOfAnEvenWidthZero) {
-    EXPECT_EQ(TapsOf(1.0, 4), (Taps{1122, 1850, 1122, 0})); // e^-0.5 / (1 + 2 e^-0.5) * 4095
+    EXPECT_EQ(GaussTaps(1.0, 4), (Taps{1122, 1850, 1122, 0})); // e^-0.5 / (1 + 2 e^-0.5) * 4095
 }
 
 TEST(IpFilterGauss, HasOneTapForASigmaThatIsNotAboveZero) {
     for (double dSigma : {0.0, -2.0, std::nan("")}) {
-        EXPECT_EQ(TapsOf(dSigma, 0), Taps{4095});
-        EXPECT_EQ(TapsOf(dSigma, 5), (Taps{0, 0, 4095, 0, 0}));
-        EXPECT_EQ(TapsOf(dSigma, 4), (Taps{0, 4095, 0, 0}));
+        EXPECT_EQ(GaussTaps(dSigma, 0), Taps{4095});
+        EXPECT_EQ(GaussTaps(dSigma, 5), (Taps{0, 0, 4095, 0, 0}));
+        EXPECT_EQ(GaussTaps(dSigma, 4), (Taps{0, 4095, 0, 0}));
     }
 }
 
 TEST(IpFilterGauss, HasNoTapsForASigmaBeyondNumbers) {
-    EXPECT_EQ(TapsOf(cdInfinity, 5), Taps(5, 0));
-    EXPECT_EQ(TapsOf(1e-200, 3), Taps(3, 0)); // 0 / 0
-    EXPECT_EQ(TapsOf(1e300, 0).size(), 97U);
+    EXPECT_EQ(GaussTaps(cdInfinity, 5), Taps(5, 0));
+    EXPECT_EQ(GaussTaps(1e-200, 3), Taps(3, 0)); // 0 / 0
+    EXPECT_EQ(GaussTaps(1e300, 0).size(), 97U);
 }
 
 TEST(IpFilterGauss, KeepsTheWidthThatItFinds) {
@@ -290,8 +290,8 @@ TEST(IpFilterGauss, EqualsTheDefinition) {
                     const std::vector<double> aKernel = dSigma > 0.0
                                                             ? Bell(dSigma, filter.m_nFilterWidth)
                                                             : std::vector<double>{1.0};
-                    EXPECT_EQ(Pixels(out), Naive(nMode, Pixels(in), NaiveTaps(aKernel),
-                                                 nType == ClImage::eInt8));
+                    EXPECT_EQ(Pixels(out), NaiveFiltered(nMode, Pixels(in), NaiveTaps(aKernel),
+                                                         nType == ClImage::eInt8));
                     EXPECT_EQ(out.DataType(), nType);
                 }
 }

@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/ExtremeFilterCases.h"
 #include "ImageProcessing/IpFilterMin.h"
+#include "ImageProcessing/MinMaxRuns.h"
 
 #include <string>
 
@@ -26,19 +27,11 @@ INSTANTIATE_TYPED_TEST_SUITE_P(IpFilterMax, ExtremeFilter, StMaxTraits, );
 namespace {
 
 using TestSupport::ClTestImage;
+using TestSupport::Filtered;
 using TestSupport::Img;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
-
-template <class Filter>
-Rows Filtered(const ClTestImage& In, long nWidth, long nMode) {
-    ClTestImage in = In;
-    ClImage out;
-    Filter filter;
-    EXPECT_EQ(filter.ApplyParam(in, out, nWidth, nMode), 0);
-    return Pixels(out);
-}
 
 Rows Inverted(Rows aRows) {
     for (auto& aRow : aRows)

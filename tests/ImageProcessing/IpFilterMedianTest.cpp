@@ -24,7 +24,7 @@ using TestSupport::RandomImage;
 using TestSupport::RealPixels;
 using TestSupport::Rows;
 
-long Filter(ClImage& rIn, ClImage& rOut, long nWidth, long nMode) {
+long MedianFilter(ClImage& rIn, ClImage& rOut, long nWidth, long nMode) {
     ClIpFilterMedian filter;
     filter.m_pInImage = &rIn;
     filter.m_pOutImage = &rOut;
@@ -33,10 +33,10 @@ long Filter(ClImage& rIn, ClImage& rOut, long nWidth, long nMode) {
     return filter.Apply();
 }
 
-ClTestImage Filtered(const ClTestImage& In, long nWidth, long nMode) {
+ClTestImage MedianFiltered(const ClTestImage& In, long nWidth, long nMode) {
     ClTestImage in = In;
     ClTestImage out;
-    EXPECT_EQ(Filter(in, out, nWidth, nMode), 0);
+    EXPECT_EQ(MedianFilter(in, out, nWidth, nMode), 0);
     ExpectSameImage(in, In);
     return out;
 }
@@ -47,7 +47,7 @@ TEST(IpFilterMedian, EqualsItsDefinition) {
             for (long nMode : {1L, 2L, 3L})
                 for (long nWidth : {3L, 5L, 9L}) {
                     const ClTestImage in = RandomImage(nType, Size.m_nWidth, Size.m_nHeight, 1, 7);
-                    EXPECT_EQ(RealPixels(Filtered(in, nWidth, nMode)),
+                    EXPECT_EQ(RealPixels(MedianFiltered(in, nWidth, nMode)),
                               NaiveMedian(RealPixels(in), nMode, nWidth))
                         << ClImage::TypeText(nType) << ", " << Size.m_nWidth << " by "
                         << Size.m_nHeight << ", mode " << nMode << ", width " << nWidth;
@@ -58,28 +58,30 @@ TEST(IpFilterMedian, EqualsItsDefinitionAtEveryWidth) {
     const ClTestImage in = RandomImage(ClImage::eUInt8, 13, 7, 1, 8);
     for (long nMode : {1L, 2L, 3L})
         for (long nWidth = 3; nWidth <= 99; nWidth += 12)
-            EXPECT_EQ(RealPixels(Filtered(in, nWidth, nMode)),
+            EXPECT_EQ(RealPixels(MedianFiltered(in, nWidth, nMode)),
                       NaiveMedian(RealPixels(in), nMode, nWidth))
                 << "mode " << nMode << ", width " << nWidth;
 }
 
 TEST(IpFilterMedian, RemovesSingleOutliersAndKeepsEdges) {
-    EXPECT_EQ(Pixels(Filtered(Img({{5, 5, 90, 5, 5}, {5, 5, 5, 5, 5}, {5, 5, 5, 5, 5}}), 3, 3)),
-              Rows(3, std::vector<int>(5, 5)));
+    EXPECT_EQ(
+        Pixels(MedianFiltered(Img({{5, 5, 90, 5, 5}, {5, 5, 5, 5, 5}, {5, 5, 5, 5, 5}}), 3, 3)),
+        Rows(3, std::vector<int>(5, 5)));
     const ClTestImage edge = Img({{0, 0, 0, 9, 9}, {0, 0, 0, 9, 9}, {0, 0, 0, 9, 9}});
-    EXPECT_EQ(Pixels(Filtered(edge, 3, 3)), Pixels(edge));
+    EXPECT_EQ(Pixels(MedianFiltered(edge, 3, 3)), Pixels(edge));
 }
 
 TEST(IpFilterMedian, RepeatsTheEdge) {
     // The first window holds 9, 9, 9, 1, 0. Cut at the edge it would hold 9, 1, 0.
     for (long nMode : {1L, 3L})
-        EXPECT_EQ(Pixels(Filtered(Img({{9, 1, 0, 0, 0}}), 5, nMode)), Rows({{9, 1, 0, 0, 0}}));
-    EXPECT_EQ(Pixels(Filtered(Img({{9}, {1}, {0}, {0}}), 5, 2)), Rows({{9}, {1}, {0}, {0}}));
+        EXPECT_EQ(Pixels(MedianFiltered(Img({{9, 1, 0, 0, 0}}), 5, nMode)),
+                  Rows({{9, 1, 0, 0, 0}}));
+    EXPECT_EQ(Pixels(MedianFiltered(Img({{9}, {1}, {0}, {0}}), 5, 2)), Rows({{9}, {1}, {0}, {0}}));
 }
 
 TEST(IpFilterMedian, CopiesTheEndsOfALineAtWidthThree) {
-    EXPECT_EQ(Pixels(Filtered(Img({{9, 1, 5, 2, 7}}), 3, 1)), Rows({{9, 5, 2, 5, 7}}));
-    EXPECT_EQ(Pixels(Filtered(Img({{9}, {1}, {5}, {2}, {7}}), 3, 2)),
+    EXPECT_EQ(Pixels(MedianFiltered(Img({{9, 1, 5, 2, 7}}), 3, 1)), Rows({{9, 5, 2, 5, 7}}));
+    EXPECT_EQ(Pixels(MedianFiltered(Img({{9}, {1}, {5}, {2}, {7}}), 3, 2)),
               Rows({{9}, {5}, {2}, {5}, {7}}));
 }
 
@@ -87,9 +89,9 @@ TEST(IpFilterMedian, CountsAnEvenWidthAsTheNextAndKeepsIt) {
     const ClTestImage in = RandomImage(ClImage::eUInt8, 12, 9, 1, 8);
     for (long nMode : {1L, 2L, 3L})
         for (long nWidth : {4L, 8L, 100L})
-            ExpectSameImage(Filtered(in, nWidth, nMode),
+            ExpectSameImage(MedianFiltered(in, nWidth, nMode),
                             nWidth < 100
-                                ? Filtered(in, nWidth + 1, nMode)
+                                ? MedianFiltered(in, nWidth + 1, nMode)
                                 : Img(ClImage::eUInt8, NaiveMedian(RealPixels(in), nMode, 101)));
     ClTestImage image = in;
     ClImage out;
@@ -107,12 +109,12 @@ TEST(IpFilterMedian, KeepsRangeContentAttributeAndResolution) {
     in.SetAttribute(4);
     in.SetPelsX(100);
     for (long nMode : {1L, 2L, 3L})
-        ExpectSameImage(Filtered(in, 3, nMode), in);
+        ExpectSameImage(MedianFiltered(in, 3, nMode), in);
 }
 
 TEST(IpFilterMedian, FiltersPlanesOneByOne) {
     const ClTestImage in = RandomImage(ClImage::eUInt8, 7, 5, 4, 2);
-    const ClTestImage out = Filtered(in, 5, 3);
+    const ClTestImage out = MedianFiltered(in, 5, 3);
     for (int p = 0; p < 4; ++p) {
         ClImage plane;
         ClImage filtered;
@@ -194,29 +196,29 @@ TEST(IpFilterMedian, RefusesWidthsOutsideThreeToAHundred) {
             for (long nWidth : {2L, 101L, 1000L}) {
                 ClTestImage in = FlatImage(nType, 3, 2, 1, 1);
                 ClImage out;
-                EXPECT_EQ(Filter(in, out, nWidth, nMode), -35);
+                EXPECT_EQ(MedianFilter(in, out, nWidth, nMode), -35);
                 ExpectEmptyImage(out);
             }
     for (long nWidth : {3L, 100L})
-        Filtered(Img({{1, 2, 3}}), nWidth, 3);
+        MedianFiltered(Img({{1, 2, 3}}), nWidth, 3);
 }
 
 TEST(IpFilterMedian, CopiesAnyTypeForAWidthOfOneOrLess) {
     const ClTestImage in = RandomImage(ClImage::eDouble64, 5, 4, 2, 1);
     for (long nWidth : {1L, 0L, -2L})
-        ExpectSameImage(Filtered(in, nWidth, 99), in);
+        ExpectSameImage(MedianFiltered(in, nWidth, 99), in);
 }
 
 TEST(IpFilterMedian, RefusesAnEmptyImage) {
     for (long nMode : {1L, 2L, 3L}) {
         ClImage in;
         ClTestImage out = Img({{9}});
-        EXPECT_EQ(Filter(in, out, 3, nMode), -14);
-        EXPECT_EQ(Filter(in, out, 2, nMode), -35); // the width first
+        EXPECT_EQ(MedianFilter(in, out, 3, nMode), -14);
+        EXPECT_EQ(MedianFilter(in, out, 2, nMode), -35); // the width first
         in.Attach(nullptr, ClImage::eInt8, 0, 5, 1, 0, 0);
-        EXPECT_EQ(Filter(in, out, 3, nMode), -14);
+        EXPECT_EQ(MedianFilter(in, out, 3, nMode), -14);
         in.Attach(nullptr, ClImage::eUInt16, 5, 0, 1, 0, 0); // before the type
-        EXPECT_EQ(Filter(in, out, 3, nMode), -14);
+        EXPECT_EQ(MedianFilter(in, out, 3, nMode), -14);
         EXPECT_EQ(Pixels(out), Rows({{9}}));
     }
 }
@@ -229,7 +231,7 @@ TEST(IpFilterMedian, RefusesSamplesThatAreNotBytes) {
                     continue;
                 ClTestImage in = FlatImage(nType, 4, 3, nPlanes, 1);
                 ClTestImage out = Img({{9}});
-                EXPECT_THROWS(Filter(in, out, 3, nMode), ClException, -101,
+                EXPECT_THROWS(MedianFilter(in, out, 3, nMode), ClException, -101,
                               "Image Type is not the assigned type");
                 EXPECT_EQ(Pixels(out), Rows({{9}}));
             }
@@ -237,7 +239,7 @@ TEST(IpFilterMedian, RefusesSamplesThatAreNotBytes) {
 
 TEST(IpFilterMedian, RefusesToWorkInPlace) {
     ClTestImage image = Img({{1, 5, 3}});
-    EXPECT_EQ(Filter(image, image, 3, 3), -10);
+    EXPECT_EQ(MedianFilter(image, image, 3, 3), -10);
     EXPECT_EQ(Pixels(image), Rows({{1, 5, 3}}));
 }
 
@@ -256,7 +258,7 @@ TEST(IpFilterMedian, DoesNothingAlongADirection) {
         for (long nMode : {8L, 16L}) {
             ClTestImage in = FlatImage(nType, 4, 3, 1, 1);
             ClTestImage out = Img({{9}});
-            EXPECT_EQ(Filter(in, out, 3, nMode), 0);
+            EXPECT_EQ(MedianFilter(in, out, 3, nMode), 0);
             EXPECT_EQ(Pixels(out), Rows({{9}}));
         }
 }
@@ -265,14 +267,14 @@ TEST(IpFilterMedian, RefusesUnknownModes) {
     ClTestImage in = Img({{1, 2}});
     ClImage out;
     for (long nMode : {0L, 4L, 24L})
-        EXPECT_THROWS(Filter(in, out, 3, nMode), ClExTessarin, -6, "Unknown error code.");
+        EXPECT_THROWS(MedianFilter(in, out, 3, nMode), ClExTessarin, -6, "Unknown error code.");
 }
 
 TEST(IpFilterMedian, TakesAnImageWithoutSamples) {
     ClImage in;
     in.Attach(nullptr, ClImage::eUInt8, 5, 4, 0, 0, 0); // five columns of no planes
     ClImage out;
-    EXPECT_EQ(Filter(in, out, 3, 3), 0);
+    EXPECT_EQ(MedianFilter(in, out, 3, 3), 0);
     EXPECT_EQ(out.SizeBytes(), 0u);
 }
 
@@ -283,7 +285,7 @@ TEST(IpFilterMedian, AnswersEveryMissingAllocation) {
             const ClTestImage copy = in;
             TestSupport::FailEachAllocation([&] {
                 ClImage out;
-                Filter(in, out, nWidth, nMode);
+                MedianFilter(in, out, nWidth, nMode);
             });
             ExpectSameImage(in, copy);
         }

@@ -46,7 +46,7 @@ StDirected Uniform(const ClTestImage& In, int nDx, int nDy) {
 }
 
 /// The mean in real coordinates, in which the steps of 1/128 pixel are exact.
-RealRows Naive(const StDirected& Case, long nWidth, bool bAcross) {
+RealRows NaiveDirectedMean(const StDirected& Case, long nWidth, bool bAcross) {
     const RealRows aIn = RealPixels(Case.m_In);
     const RealRows aDx = RealPixels(Case.m_Dx);
     const RealRows aDy = RealPixels(Case.m_Dy);
@@ -77,7 +77,8 @@ TEST(IpFilterMidDirected, EqualsItsDefinition) {
                 {}};
             for (long nMode : {cnAlong, cnAcross}) {
                 EXPECT_EQ(directed.Run(nWidth, nMode), 0);
-                EXPECT_EQ(RealPixels(directed.m_Out), Naive(directed, nWidth, nMode == cnAcross))
+                EXPECT_EQ(RealPixels(directed.m_Out),
+                          NaiveDirectedMean(directed, nWidth, nMode == cnAcross))
                     << Size.m_nWidth << " by " << Size.m_nHeight << ", width " << nWidth
                     << ", mode " << nMode;
             }
@@ -91,7 +92,8 @@ TEST(IpFilterMidDirected, TakesTheLongestSteps) {
             for (long nMode : {cnAlong, cnAcross}) {
                 StDirected directed = Uniform(in, nDx, nDy);
                 EXPECT_EQ(directed.Run(7, nMode), 0);
-                EXPECT_EQ(RealPixels(directed.m_Out), Naive(directed, 7, nMode == cnAcross))
+                EXPECT_EQ(RealPixels(directed.m_Out),
+                          NaiveDirectedMean(directed, 7, nMode == cnAcross))
                     << nDx << ", " << nDy;
             }
 }

@@ -3,6 +3,7 @@
 
 #include "ImageProcessing/IpFilterMid.h"
 
+#include "ImageProcessing/MeanFilterRuns.h"
 #include "ImageProcessing/NaiveRankFilter.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
@@ -20,6 +21,9 @@ using TestSupport::ExpectSameImage;
 using TestSupport::FlatImage;
 using TestSupport::ForEachPlace;
 using TestSupport::Img;
+using TestSupport::IsWider;
+using TestSupport::MeanFilter;
+using TestSupport::MeanFiltered;
 using TestSupport::NaiveMean;
 using TestSupport::NaiveMean3x3;
 using TestSupport::Pixels;
@@ -29,25 +33,6 @@ using TestSupport::RealPixels;
 using TestSupport::RealRows;
 using TestSupport::Rows;
 using TestSupport::StReach;
-
-long Filter(ClImage& rIn, ClImage& rOut, long nWidth, long nMode) {
-    ClIpFilterMid filter;
-    filter.m_nMode = nMode;
-    return filter.ApplyParam(rIn, rOut, nWidth);
-}
-
-ClTestImage Filtered(const ClTestImage& In, long nWidth, long nMode = 3) {
-    ClTestImage in = In;
-    ClTestImage out;
-    EXPECT_EQ(Filter(in, out, nWidth, nMode), 0);
-    ExpectSameImage(in, In);
-    return out;
-}
-
-bool IsWider(long nWidth, long nMode, const ClImage& Image) {
-    return ((nMode & 1) != 0 && nWidth > Image.Width()) ||
-           ((nMode & 2) != 0 && nWidth > Image.Height());
-}
 
 /// The filter of 8-bit samples from its definition.
 RealRows Expected(const ClTestImage& In, long nWidth, long nMode) {
@@ -63,7 +48,8 @@ TEST(IpFilterMid, EqualsItsDefinition) {
             for (long nMode : {1L, 2L, 3L})
                 for (long nWidth : {3L, 5L, 7L, 9L, 15L}) {
                     const ClTestImage in = RandomImage(nType, Size.m_nWidth, Size.m_nHeight, 1, 7);
-                    EXPECT_EQ(RealPixels(Filtered(in, nWidth, nMode)), Expected(in, nWidth, nMode))
+                    EXPECT_EQ(RealPixels(MeanFiltered(in, nWidth, nMode)),
+                              Expected(in, nWidth, nMode))
                         << ClImage::TypeText(nType) << ", " << Size.m_nWidth << " by "
                         << Size.m_nHeight << ", mode " << nMode << ", width " << nWidth;
                 }
@@ -74,7 +60,7 @@ TEST(IpFilterMid, EqualsItsDefinitionAtEveryWidth) {
         for (long nMode : {1L, 2L, 3L})
             for (long nWidth = 3; nWidth <= 37; nWidth += 2) {
                 const ClTestImage in = RandomImage(nType, 33, 29, 1, 8);
-                EXPECT_EQ(RealPixels(Filtered(in, nWidth, nMode)), Expected(in, nWidth, nMode))
+                EXPECT_EQ(RealPixels(MeanFiltered(in, nWidth, nMode)), Expected(in, nWidth, nMode))
                     << ClImage::TypeText(nType) << ", mode " << nMode << ", width " << nWidth;
             }
 }
@@ -83,7 +69,7 @@ TEST(IpFilterMid, MakesTheWidthOdd) {
     const ClTestImage in = RandomImage(ClImage::eUInt8, 13, 11, 1, 1);
     for (long nMode : {1L, 2L, 3L})
         for (long nWidth : {2L, 4L, 8L})
-            ExpectSameImage(Filtered(in, nWidth, nMode), Filtered(in, nWidth + 1, nMode));
+            ExpectSameImage(MeanFiltered(in, nWidth, nMode), MeanFiltered(in, nWidth + 1, nMode));
     ClTestImage image = in;
     ClImage out;
     ClIpFilterMid filter;
@@ -94,51 +80,51 @@ TEST(IpFilterMid, MakesTheWidthOdd) {
 TEST(IpFilterMid, CopiesForAWidthOfOneOrLess) {
     for (long nWidth : {1L, 0L, -2L, -3L}) {
         const ClTestImage in = RandomImage(ClImage::eUInt16, 5, 4, 3, 1);
-        ExpectSameImage(Filtered(in, nWidth, 99), in);
+        ExpectSameImage(MeanFiltered(in, nWidth, 99), in);
     }
 }
 
 TEST(IpFilterMid, CopiesAnImageThatIsSmallerThanTheWindow) {
     for (const auto& Size : {TestSupport::StRankSize{40, 60}, TestSupport::StRankSize{60, 40}}) {
         const ClTestImage in = RandomImage(ClImage::eUInt8, Size.m_nWidth, Size.m_nHeight, 1, 2);
-        ExpectSameImage(Filtered(in, 53), in);
+        ExpectSameImage(MeanFiltered(in, 53), in);
     }
     const ClTestImage fits = RandomImage(ClImage::eUInt8, 53, 53, 1, 2);
-    EXPECT_EQ(RealPixels(Filtered(fits, 53)), NaiveMean(RealPixels(fits), 3, 53));
+    EXPECT_EQ(RealPixels(MeanFiltered(fits, 53)), NaiveMean(RealPixels(fits), 3, 53));
 }
 
 TEST(IpFilterMid, ComparesTheWindowWithTheFilteredAxesAlone) {
     const ClTestImage wide = RandomImage(ClImage::eUInt8, 20, 4, 1, 3);
-    EXPECT_EQ(RealPixels(Filtered(wide, 9, 1)), NaiveMean(RealPixels(wide), 1, 9));
-    ExpectSameImage(Filtered(wide, 9, 2), wide);
+    EXPECT_EQ(RealPixels(MeanFiltered(wide, 9, 1)), NaiveMean(RealPixels(wide), 1, 9));
+    ExpectSameImage(MeanFiltered(wide, 9, 2), wide);
     const ClTestImage high = RandomImage(ClImage::eUInt8, 4, 20, 1, 3);
-    EXPECT_EQ(RealPixels(Filtered(high, 9, 2)), NaiveMean(RealPixels(high), 2, 9));
-    ExpectSameImage(Filtered(high, 9, 1), high);
-    ExpectSameImage(Filtered(high, std::numeric_limits<long>::max(), 2), high);
+    EXPECT_EQ(RealPixels(MeanFiltered(high, 9, 2)), NaiveMean(RealPixels(high), 2, 9));
+    ExpectSameImage(MeanFiltered(high, 9, 1), high);
+    ExpectSameImage(MeanFiltered(high, std::numeric_limits<long>::max(), 2), high);
 }
 
 TEST(IpFilterMid, KeepsAFlatImageFlatUpToItsCorners) {
     for (long nWidth : {3L, 5L, 11L, 53L})
         for (long nMode : {1L, 2L, 3L}) {
             const ClTestImage white = FlatImage(ClImage::eUInt8, 61, 57, 1, 255);
-            ExpectSameImage(Filtered(white, nWidth, nMode), white);
+            ExpectSameImage(MeanFiltered(white, nWidth, nMode), white);
         }
 }
 
 TEST(IpFilterMid, ScalesTheSquareOfThreeInFixedPoint) {
     // (12 + 2) >> 2, (21 + 3) * 682 >> 12 = 3.996, ..., (136 + 4) * 455 >> 12 = 15.55, ...
-    EXPECT_EQ(Pixels(Filtered(Img({{1, 2, 3}, {4, 5, 6}, {7, 8, 100}}), 3)),
+    EXPECT_EQ(Pixels(MeanFiltered(Img({{1, 2, 3}, {4, 5, 6}, {7, 8, 100}}), 3)),
               Rows({{3, 3, 4}, {4, 15, 21}, {6, 22, 30}}));
 }
 
 TEST(IpFilterMid, DividesByTheSamplesInTheImage) {
-    EXPECT_EQ(Pixels(Filtered(Img({{1, 2, 9, 0, 7}}), 3, 1)), Rows({{1, 4, 3, 5, 3}}));
-    EXPECT_EQ(Pixels(Filtered(Img({{1}, {2}, {9}, {0}, {7}}), 5, 2)),
+    EXPECT_EQ(Pixels(MeanFiltered(Img({{1, 2, 9, 0, 7}}), 3, 1)), Rows({{1, 4, 3, 5, 3}}));
+    EXPECT_EQ(Pixels(MeanFiltered(Img({{1}, {2}, {9}, {0}, {7}}), 5, 2)),
               Rows({{4}, {3}, {3}, {4}, {5}}));
 }
 
 TEST(IpFilterMid, DividesSignedSumsTowardZero) {
-    EXPECT_EQ(Pixels(Filtered(Img(ClImage::eInt8, {{-1, -2, 0, 0, 1, 1, -1}}), 3, 1)),
+    EXPECT_EQ(Pixels(MeanFiltered(Img(ClImage::eInt8, {{-1, -2, 0, 0, 1, 1, -1}}), 3, 1)),
               Rows({{-1, -1, 0, 0, 0, 0, 0}}));
 }
 
@@ -151,12 +137,12 @@ TEST(IpFilterMid, KeepsRangeContentAttributeAndResolution) {
     in.SetPelsX(100);
     for (long nMode : {1L, 2L, 3L})
         for (long nWidth : {3L, 5L, 11L})
-            ExpectSameImage(Filtered(in, nWidth, nMode), in);
+            ExpectSameImage(MeanFiltered(in, nWidth, nMode), in);
 }
 
 TEST(IpFilterMid, FiltersPlanesOneByOne) {
     const ClTestImage in = RandomImage(ClImage::eUInt8, 7, 6, 4, 2);
-    const ClTestImage out = Filtered(in, 5);
+    const ClTestImage out = MeanFiltered(in, 5);
     for (int p = 0; p < 4; ++p) {
         ClImage plane;
         ClImage filtered;
@@ -290,7 +276,7 @@ TEST(IpFilterMid, ComparesItsWidthAsItIsWithTheImageAndWithThree) {
 
 TEST(IpFilterMid, RefusesToWorkInPlace) {
     ClTestImage image = Img({{1, 5, 3}});
-    EXPECT_EQ(Filter(image, image, 3, 1), -10);
+    EXPECT_EQ(MeanFilter(image, image, 3, 1), -10);
     EXPECT_EQ(Pixels(image), Rows({{1, 5, 3}}));
 }
 
@@ -312,7 +298,7 @@ TEST(IpFilterMid, RefusesUnknownModes) {
         for (long nMode : {0L, 4L, 24L, -1L}) {
             ClTestImage in = FlatImage(nType, 5, 5, 1, 1);
             try {
-                Filter(in, out, 3, nMode);
+                MeanFilter(in, out, 3, nMode);
                 ADD_FAILURE() << "mode " << nMode;
             } catch (const ClExTessarin& e) {
                 EXPECT_EQ(e.Number(), -6);
@@ -331,7 +317,7 @@ TEST(IpFilterMid, TakesAnImageWithoutSamples) {
         in.Attach(nullptr, nType, 5, 4, 0, 0, 0); // five columns of no planes
         for (long nMode : {1L, 2L, 3L}) {
             ClImage out;
-            EXPECT_EQ(Filter(in, out, 3, nMode), 0);
+            EXPECT_EQ(MeanFilter(in, out, 3, nMode), 0);
             EXPECT_EQ(out.SizeBytes(), 0u);
         }
     }

@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/IpFilterMid.h"
 
+#include "ImageProcessing/MeanFilterRuns.h"
 #include "ImageProcessing/NaiveRankFilter.h"
 #include "support/Images.h"
 #include "support/Throws.h"
@@ -17,6 +18,8 @@ using TestSupport::ExpectSameImage;
 using TestSupport::FlatImage;
 using TestSupport::ForEachPlace;
 using TestSupport::Img;
+using TestSupport::IsWider;
+using TestSupport::MeanFiltered;
 using TestSupport::NaiveMean;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
@@ -28,21 +31,6 @@ using TestSupport::StReach;
 
 constexpr unsigned char caIntegers[] = {ClImage::eUInt16, ClImage::eInt16, ClImage::eUInt32,
                                         ClImage::eInt32};
-
-ClTestImage Filtered(const ClTestImage& In, long nWidth, long nMode) {
-    ClTestImage in = In;
-    ClTestImage out;
-    ClIpFilterMid filter;
-    filter.m_nMode = nMode;
-    EXPECT_EQ(filter.ApplyParam(in, out, nWidth), 0);
-    ExpectSameImage(in, In);
-    return out;
-}
-
-bool IsWider(long nWidth, long nMode, const ClImage& Image) {
-    return ((nMode & 1) != 0 && nWidth > Image.Width()) ||
-           ((nMode & 2) != 0 && nWidth > Image.Height());
-}
 
 /// Calls `expect(image, width, mode)` for sizes, widths and modes.
 template <class Expect>
@@ -61,7 +49,7 @@ TEST(IpFilterMidTypes, TruncateMeansOfIntegersAtWidthThreeToo) {
     for (unsigned char nType : caIntegers)
         ForEachCase(nType, [](const ClTestImage& In, long nWidth, long nMode) {
             const RealRows aIn = RealPixels(In);
-            EXPECT_EQ(RealPixels(Filtered(In, nWidth, nMode)),
+            EXPECT_EQ(RealPixels(MeanFiltered(In, nWidth, nMode)),
                       IsWider(nWidth, nMode, In) ? aIn : NaiveMean(aIn, nMode, nWidth));
         });
 }
@@ -75,7 +63,7 @@ TEST(IpFilterMidTypes, DivideSumsOfRealNumbers) {
                 const double dMean = RealMean(CutWindow(aIn, x, y, StReach(nMode, nWidth)));
                 return nType == ClImage::eFloat32 ? static_cast<float>(dMean) : dMean;
             });
-            EXPECT_EQ(RealPixels(Filtered(In, nWidth, nMode)),
+            EXPECT_EQ(RealPixels(MeanFiltered(In, nWidth, nMode)),
                       IsWider(nWidth, nMode, In) ? aIn : aMeans);
         });
 }
@@ -84,13 +72,13 @@ TEST(IpFilterMidTypes, SumLargeIntegersIn64Bits) {
     const ClTestImage high = FlatImage(ClImage::eUInt32, 9, 9, 1, 4294967295.0);
     const ClTestImage low = FlatImage(ClImage::eInt32, 9, 9, 1, -2147483648.0);
     for (long nMode : {1L, 2L, 3L}) {
-        ExpectSameImage(Filtered(high, 9, nMode), high);
-        ExpectSameImage(Filtered(low, 9, nMode), low);
+        ExpectSameImage(MeanFiltered(high, 9, nMode), high);
+        ExpectSameImage(MeanFiltered(low, 9, nMode), low);
     }
 }
 
 TEST(IpFilterMidTypes, TruncateTowardZero) {
-    EXPECT_EQ(Pixels(Filtered(Img(ClImage::eInt16, {{-1, -2, 0, 0, 1, 1, -1}}), 3, 1)),
+    EXPECT_EQ(Pixels(MeanFiltered(Img(ClImage::eInt16, {{-1, -2, 0, 0, 1, 1, -1}}), 3, 1)),
               Rows({{-1, -1, 0, 0, 0, 0, 0}}));
 }
 
@@ -104,7 +92,7 @@ TEST(IpFilterMidTypes, SumRealNumbersAlongALineAsTheyEnterAndLeave) {
         // The second, third and fourth sample are lost in the first one, before that leaves; what
         // leaves after it is subtracted all the same: 10^16, 10^16, 0, 0 + 1 - 1, -1.
         const double aExpected[] = {5e15, 1e16 / 3.0, 0.0, 0.0, -0.5};
-        const ClTestImage out = Filtered(in, 3, nMode);
+        const ClTestImage out = MeanFiltered(in, 3, nMode);
         for (int i = 0; i < 5; ++i)
             EXPECT_EQ(TestSupport::Sample(out, nMode == 1 ? i : 0, nMode == 1 ? 0 : i),
                       aExpected[i])
@@ -119,7 +107,7 @@ TEST(IpFilterMidTypes, SumRealNumbersOverASquareByColumns) {
     // taken the two below it along.
     const double dFirst = 1e16 + 2.0;
     const double dSecond = 1e16 + 4.0; // 10^16 + 3, rounded to even
-    EXPECT_EQ(RealPixels(Filtered(in, 3, 3)),
+    EXPECT_EQ(RealPixels(MeanFiltered(in, 3, 3)),
               RealRows({{dFirst / 4.0, (1e16 + 4.0) / 6.0, 4.0 / 4.0},
                         {dSecond / 6.0, (1e16 + 8.0) / 9.0, 8.0 / 6.0},
                         {2.0 / 4.0, 4.0 / 6.0, 4.0 / 4.0}}));
@@ -147,7 +135,7 @@ TEST(IpFilterMidTypes, KeepAValueThatIsNotANumberInTheRunningSum) {
 
 TEST(IpFilterMidTypes, FilterPlanesOneByOne) {
     const ClTestImage in = RandomImage(ClImage::eInt16, 7, 6, 3, 2);
-    const ClTestImage out = Filtered(in, 5, 3);
+    const ClTestImage out = MeanFiltered(in, 5, 3);
     for (int p = 0; p < 3; ++p) {
         ClImage plane;
         ClImage filtered;
@@ -165,7 +153,7 @@ TEST(IpFilterMidTypes, KeepRangeContentAttributeAndResolution) {
     in.SetAttribute(4);
     in.SetPelsX(100);
     for (long nMode : {1L, 2L, 3L})
-        ExpectSameImage(Filtered(in, 5, nMode), in);
+        ExpectSameImage(MeanFiltered(in, 5, nMode), in);
 }
 
 TEST(IpFilterMidTypes, RefuseDirectedModes) {

@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/ExtremeFilterCases.h"
 #include "ImageProcessing/IpFilterMax.h"
+#include "ImageProcessing/MinMaxRuns.h"
 
 namespace TestSupport {
 
@@ -24,19 +25,11 @@ INSTANTIATE_TYPED_TEST_SUITE_P(IpFilterMin, ExtremeFilter, StMinTraits, );
 namespace {
 
 using TestSupport::ClTestImage;
+using TestSupport::Filtered;
 using TestSupport::Img;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
-
-template <class Filter>
-Rows Filtered(const ClTestImage& In, long nWidth, long nMode) {
-    ClTestImage in = In;
-    ClImage out;
-    Filter filter;
-    EXPECT_EQ(filter.ApplyParam(in, out, nWidth, nMode), 0);
-    return Pixels(out);
-}
 
 TEST(IpFilterMin, SpreadsADarkPixelOverItsWindow) {
     const ClTestImage in = Img({{9, 9, 9, 9}, {9, 9, 9, 9}, {9, 9, 9, 0}, {9, 9, 9, 9}});

@@ -15,8 +15,8 @@ using TestSupport::caOddSizes;
 using TestSupport::ClIpTestKernel;
 using TestSupport::ClTestImage;
 using TestSupport::Img;
-using TestSupport::Naive;
 using TestSupport::NaiveDirected;
+using TestSupport::NaiveFiltered;
 using TestSupport::NaiveTaps;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
@@ -24,7 +24,7 @@ using TestSupport::Rows;
 
 using Kernel = std::vector<double>;
 
-Rows Filtered(const Kernel& aKernel, long nMode, const ClTestImage& In) {
+Rows LinearlyFiltered(const Kernel& aKernel, long nMode, const ClTestImage& In) {
     ClTestImage in = In;
     ClImage out;
     ClIpTestKernel filter(aKernel);
@@ -38,23 +38,24 @@ Rows Filtered(const Kernel& aKernel, long nMode, const ClTestImage& In) {
 
 TEST(LinFilterSamples, RepeatTheBorderAlongALine) {
     // Taps 1023, 2047, 1023: (1023 * 100 + 2047 * 100 + 1023 * 0) / 4096 = 74.9 and so on.
-    EXPECT_EQ(Filtered({1.0, 2.0, 1.0}, 1, Img({{100, 0, 0, 200}})), Rows({{74, 24, 49, 149}}));
+    EXPECT_EQ(LinearlyFiltered({1.0, 2.0, 1.0}, 1, Img({{100, 0, 0, 200}})),
+              Rows({{74, 24, 49, 149}}));
 }
 
 TEST(LinFilterSamples, RepeatTheBorderAlongAColumn) {
-    EXPECT_EQ(Filtered({1.0, 2.0, 1.0}, 2, Img({{100, 8}, {0, 8}, {0, 8}, {200, 8}})),
+    EXPECT_EQ(LinearlyFiltered({1.0, 2.0, 1.0}, 2, Img({{100, 8}, {0, 8}, {0, 8}, {200, 8}})),
               Rows({{74, 7}, {24, 7}, {49, 7}, {149, 7}}));
 }
 
 TEST(LinFilterSamples, AreDividedOnceAlongBoth) {
     // A single 255 in the middle: 2047 * 2047 * 255 / 2^24 = 63.7, 1023 * 2047 * 255 / 2^24 = 31.8,
     // 1023 * 1023 * 255 / 2^24 = 15.9.
-    EXPECT_EQ(Filtered({1.0, 2.0, 1.0}, 3,
-                       Img({{0, 0, 0, 0, 0},
-                            {0, 0, 0, 0, 0},
-                            {0, 0, 255, 0, 0},
-                            {0, 0, 0, 0, 0},
-                            {0, 0, 0, 0, 0}})),
+    EXPECT_EQ(LinearlyFiltered({1.0, 2.0, 1.0}, 3,
+                               Img({{0, 0, 0, 0, 0},
+                                    {0, 0, 0, 0, 0},
+                                    {0, 0, 255, 0, 0},
+                                    {0, 0, 0, 0, 0},
+                                    {0, 0, 0, 0, 0}})),
               Rows({{0, 0, 0, 0, 0},
                     {0, 15, 31, 15, 0},
                     {0, 31, 63, 31, 0},
@@ -64,21 +65,22 @@ TEST(LinFilterSamples, AreDividedOnceAlongBoth) {
 
 TEST(LinFilterSamples, PutTheMiddleOfAnEvenKernelBehindItsHalf) {
     // Width 2: taps at -1 and 0. The tap 4095 at -1 moves the line to the right.
-    EXPECT_EQ(Filtered({1.0, 0.0}, 1, Img({{8, 16, 32, 64}})), Rows({{7, 7, 15, 31}}));
-    EXPECT_EQ(Filtered({0.0, 1.0}, 1, Img({{8, 16, 32, 64}})), Rows({{7, 15, 31, 63}}));
+    EXPECT_EQ(LinearlyFiltered({1.0, 0.0}, 1, Img({{8, 16, 32, 64}})), Rows({{7, 7, 15, 31}}));
+    EXPECT_EQ(LinearlyFiltered({0.0, 1.0}, 1, Img({{8, 16, 32, 64}})), Rows({{7, 15, 31, 63}}));
 }
 
 TEST(LinFilterSamples, OfADerivativeAreSignedAndTruncatedTowardZero) {
     // Taps -2047, 0, 2047: (2047 * 3 - 2047 * 0) / 4096 = 1.49, its negative -1.49.
-    EXPECT_EQ(Filtered({-1.0, 0.0, 1.0}, 1, Img({{0, 0, 3, 0, 0, 255, 255, 0, 0}})),
+    EXPECT_EQ(LinearlyFiltered({-1.0, 0.0, 1.0}, 1, Img({{0, 0, 3, 0, 0, 255, 255, 0, 0}})),
               Rows({{0, 1, 0, -1, 127, 127, -127, -127, 0}}));
 }
 
 TEST(LinFilterSamples, OfSignedImagesAreTruncatedTowardZero) {
     const ClTestImage in = Img(ClImage::eInt8, {{-100, 0, 0, 0, 127}, {-128, -128, -128, -1, 1}});
-    EXPECT_EQ(Filtered({1.0, 2.0, 1.0}, 1, in),
+    EXPECT_EQ(LinearlyFiltered({1.0, 2.0, 1.0}, 1, in),
               Rows({{-74, -24, 0, 31, 95}, {-127, -127, -96, -32, 0}}));
-    EXPECT_EQ(Filtered({1.0}, 3, in), Rows({{-99, 0, 0, 0, 126}, {-127, -127, -127, 0, 0}}));
+    EXPECT_EQ(LinearlyFiltered({1.0}, 3, in),
+              Rows({{-99, 0, 0, 0, 126}, {-127, -127, -127, 0, 0}}));
 }
 
 TEST(LinFilterSamples, FollowTheDirectionOfEachPixel) {
@@ -151,8 +153,8 @@ TEST(LinFilterSamples, EqualTheDefinitionInEveryMode) {
                     const bool bSigned = nType == ClImage::eInt8 || HasNegative(aKernel);
                     const ClTestImage in =
                         RandomImage(nType, size.m_nWidth, size.m_nHeight, 1, ++nSeed);
-                    EXPECT_EQ(Filtered(aWhole, nMode, in),
-                              Naive(nMode, Pixels(in), NaiveTaps(aKernel), bSigned))
+                    EXPECT_EQ(LinearlyFiltered(aWhole, nMode, in),
+                              NaiveFiltered(nMode, Pixels(in), NaiveTaps(aKernel), bSigned))
                         << size.m_nWidth << " x " << size.m_nHeight << ", mode " << nMode
                         << ", taps " << aKernel.size();
                 }
@@ -197,7 +199,7 @@ TEST(LinFilterSamples, OfSeveralPlanesAreFilteredPlaneByPlane) {
                         ClImage plane;
                         image.GetPlane(p, plane);
                         aExpected.push_back(
-                            Naive(nMode, Pixels(plane), NaiveTaps(aKernel), bSigned));
+                            NaiveFiltered(nMode, Pixels(plane), NaiveTaps(aKernel), bSigned));
                     }
                     ClIpTestKernel filter(aKernel);
                     filter.m_nMode = nMode;
@@ -213,9 +215,9 @@ TEST(LinFilterSamples, OfSeveralPlanesAreFilteredPlaneByPlane) {
 TEST(LinFilterSamples, DoNotDependOnThePadding) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 17, 9, 1, 4);
     for (long nMode : {1L, 2L, 3L}) {
-        const Rows aFirst = Filtered({1.0, 5.0, 2.0}, nMode, in);
+        const Rows aFirst = LinearlyFiltered({1.0, 5.0, 2.0}, nMode, in);
         in.FillAligment(0);
-        EXPECT_EQ(Filtered({1.0, 5.0, 2.0}, nMode, in), aFirst);
+        EXPECT_EQ(LinearlyFiltered({1.0, 5.0, 2.0}, nMode, in), aFirst);
         in.FillAligment(255);
     }
 }
@@ -272,7 +274,7 @@ TEST(LinFilterSamples, EqualTheDefinitionForTapsOfAnySize) {
                 const Rows aExpected = nMode == 8
                                            ? NaiveDirected(Pixels(in), Pixels(zero), Pixels(zero),
                                                            aTaps, false, bSigned)
-                                           : Naive(nMode, Pixels(in), aTaps, bSigned);
+                                           : NaiveFiltered(nMode, Pixels(in), aTaps, bSigned);
                 EXPECT_EQ(Pixels(out), aExpected);
             }
 }

@@ -3,6 +3,7 @@
 #include "ImageProcessing/TestKernel.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -11,6 +12,7 @@
 
 namespace {
 
+using TestSupport::cdInfinity;
 using TestSupport::ClIpTestKernel;
 using TestSupport::ClTestImage;
 using TestSupport::ExpectEmptyImage;
@@ -21,9 +23,7 @@ using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
 
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
-
-// Taps
+// TapList
 
 struct StTransfer {
     std::vector<long> m_aTaps;
@@ -41,37 +41,37 @@ StTransfer Transfer(const std::vector<double>& aKernel) {
             filter.HasNegativeTaps()};
 }
 
-using Taps = std::vector<long>;
+using TapList = std::vector<long>;
 
 TEST(LinFilterTaps, ShareTheUnitByTheirSum) {
     const StTransfer transfer = Transfer({1.0, 2.0, 1.0});
-    EXPECT_EQ(transfer.m_aTaps, (Taps{1023, 2047, 1023}));
+    EXPECT_EQ(transfer.m_aTaps, (TapList{1023, 2047, 1023}));
     EXPECT_FALSE(transfer.m_bSigned);
-    EXPECT_EQ(Transfer({0.25}).m_aTaps, Taps{4095});
+    EXPECT_EQ(Transfer({0.25}).m_aTaps, TapList{4095});
 }
 
 TEST(LinFilterTaps, AreTruncatedTowardZero) {
     const StTransfer transfer = Transfer({-1.0, -1.0});
-    EXPECT_EQ(transfer.m_aTaps, (Taps{-1023, -1023})); // -1 / 4 * 4095 = -1023.75
+    EXPECT_EQ(transfer.m_aTaps, (TapList{-1023, -1023})); // -1 / 4 * 4095 = -1023.75
     EXPECT_TRUE(transfer.m_bSigned);
 }
 
 TEST(LinFilterTaps, ShareTheUnitByTwiceTheLargerSumWhereSignsAreMixed) {
     const StTransfer derivative = Transfer({-1.0, 0.0, 1.0});
-    EXPECT_EQ(derivative.m_aTaps, (Taps{-2047, 0, 2047}));
+    EXPECT_EQ(derivative.m_aTaps, (TapList{-2047, 0, 2047}));
     EXPECT_TRUE(derivative.m_bSigned);
     const StTransfer positive = Transfer({-1.0, 4.0, -1.0}); // 8, not 2
-    EXPECT_EQ(positive.m_aTaps, (Taps{-511, 2047, -511}));
+    EXPECT_EQ(positive.m_aTaps, (TapList{-511, 2047, -511}));
     const StTransfer negative = Transfer({1.0, -4.0, 1.0}); // 8
-    EXPECT_EQ(negative.m_aTaps, (Taps{511, -2047, 511}));
+    EXPECT_EQ(negative.m_aTaps, (TapList{511, -2047, 511}));
 }
 
 TEST(LinFilterTaps, ShareTheUnitByTheirSumWhereOneSignIsNegligible) {
     const StTransfer below = Transfer({1.0, -0.00005});
-    EXPECT_EQ(below.m_aTaps, (Taps{4095, 0})); // 1 / 0.99995 * 4095 = 4095.2
+    EXPECT_EQ(below.m_aTaps, (TapList{4095, 0})); // 1 / 0.99995 * 4095 = 4095.2
     EXPECT_TRUE(below.m_bSigned);
     const StTransfer above = Transfer({1.0, -0.00015});
-    EXPECT_EQ(above.m_aTaps, (Taps{2047, 0}));
+    EXPECT_EQ(above.m_aTaps, (TapList{2047, 0}));
 }
 
 TEST(LinFilterTaps, AreZeroWithoutAUsableSum) {
@@ -80,21 +80,21 @@ TEST(LinFilterTaps, AreZeroWithoutAUsableSum) {
         {1.0, -cdInfinity}, {cdInfinity, -cdInfinity, 1.0}, {1e308, 1e308},
         {0.00003, -0.00003}}; // sum 0, and no mixed signs
     for (const auto& aKernel : aKernels)
-        EXPECT_EQ(Transfer(aKernel).m_aTaps, Taps(aKernel.size(), 0));
+        EXPECT_EQ(Transfer(aKernel).m_aTaps, TapList(aKernel.size(), 0));
 }
 
 TEST(LinFilterTaps, AreZeroWhereSixtyFourBitsDoNotHoldThem) {
     // The sum is 2^-67: the first tap would be 2^-17 / 2^-67 * 4095, above 2^61, the last 2^2.
     const double dTiny = std::ldexp(1.0, -67);
     const StTransfer held = Transfer({std::ldexp(1.0, -17), -std::ldexp(1.0, -17), dTiny});
-    EXPECT_EQ(held.m_aTaps, (Taps{4095L << 50, -(4095L << 50), 4095}));
+    EXPECT_EQ(held.m_aTaps, (TapList{4095L << 50, -(4095L << 50), 4095}));
     const double dTinier = std::ldexp(1.0, -70);
     const StTransfer lost = Transfer({std::ldexp(1.0, -17), -std::ldexp(1.0, -17), dTinier});
-    EXPECT_EQ(lost.m_aTaps, (Taps{0, 0, 4095}));
+    EXPECT_EQ(lost.m_aTaps, (TapList{0, 0, 4095}));
 }
 
 TEST(LinFilterTaps, MayBeNone) {
-    EXPECT_EQ(Transfer({}).m_aTaps, Taps());
+    EXPECT_EQ(Transfer({}).m_aTaps, TapList());
 }
 
 // Initialize
@@ -169,7 +169,7 @@ TEST(IpLinFilterBase, HandsAZeroedArrayToTheKernel) {
     ClTestImage in = FlatImage(ClImage::eUInt8, 9, 9, 1, 0);
     ClImage out;
     EXPECT_EQ(filter.ApplyTo(in, out), 0);
-    EXPECT_EQ(filter.FixedTaps(), (Taps{4095, 0, 0, 0, 0}));
+    EXPECT_EQ(filter.FixedTaps(), (TapList{4095, 0, 0, 0, 0}));
 }
 
 TEST(IpLinFilterBase, AnswersEveryMissingAllocation) {

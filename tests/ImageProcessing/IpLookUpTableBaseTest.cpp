@@ -16,10 +16,10 @@ using TestSupport::RandomImage;
 using TestSupport::Rows;
 
 /// out = 7 in + 3, in the low 8 bits.
-class ClIpProbe : public ClIpLookUpTableBase {
+class ClIpTableProbe : public ClIpLookUpTableBase {
 public:
-    ClProcessorBase* Create() override { return Vek::NewObject<ClIpProbe>(); }
-    const char* Name() const override { return "ClIpProbe"; }
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpTableProbe>(); }
+    const char* Name() const override { return "ClIpTableProbe"; }
     void CalculateLuT() override {
         ++m_nCalls;
         for (int i = 0; i < 256; ++i)
@@ -29,14 +29,14 @@ public:
 };
 
 /// An operator that leaves the table alone.
-class ClIpPlain : public ClIpLookUpTableBase {
+class ClIpNoTable : public ClIpLookUpTableBase {
 public:
-    ClProcessorBase* Create() override { return Vek::NewObject<ClIpPlain>(); }
-    const char* Name() const override { return "ClIpPlain"; }
+    ClProcessorBase* Create() override { return Vek::NewObject<ClIpNoTable>(); }
+    const char* Name() const override { return "ClIpNoTable"; }
 };
 
 /// The probe's result, as an image like the input.
-ClTestImage Mapped(const ClTestImage& In) {
+ClTestImage ProbedImage(const ClTestImage& In) {
     ClTestImage out(In);
     for (int y = 0; y < In.Height(); ++y)
         for (int x = 0; x < In.Width(); ++x)
@@ -57,14 +57,14 @@ ClTestImage RangedImage(int nPlanes) {
 }
 
 TEST(IpLookUpTableBase, BeginsWithoutImagesAndWithoutAValidTable) {
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     EXPECT_EQ(ip.m_pInImage, nullptr);
     EXPECT_EQ(ip.m_pOutImage, nullptr);
     EXPECT_FALSE(ip.m_bLuTValid);
 }
 
 TEST(IpLookUpTableBase, CalculatesTheTableOnceAtTheStartOfARun) {
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     EXPECT_EQ(ip.Initialize(), 0);
     EXPECT_EQ(ip.m_nCalls, 1);
     ClTestImage in = Img({{1, 2}});
@@ -81,10 +81,10 @@ TEST(IpLookUpTableBase, ReplacesEverySampleOfEveryPlane) {
             ClTestImage in = RandomImage(ClImage::eUInt8, nWidth, 7, nPlanes, 3);
             in.SetAttribute(4);
             const ClTestImage before(in);
-            ClIpProbe ip;
+            ClIpTableProbe ip;
             ClImage out;
             EXPECT_EQ(ip.ApplyParam(in, out), 0);
-            ExpectSameImage(out, Mapped(before));
+            ExpectSameImage(out, ProbedImage(before));
             ExpectSameImage(in, before);
         }
 }
@@ -92,14 +92,14 @@ TEST(IpLookUpTableBase, ReplacesEverySampleOfEveryPlane) {
 TEST(IpLookUpTableBase, GivesSeveralPlanesTheRangeOfTheirType) {
     for (int nPlanes = 1; nPlanes <= 4; ++nPlanes) {
         const ClTestImage in = RangedImage(nPlanes);
-        ClTestImage expected = Mapped(in);
+        ClTestImage expected = ProbedImage(in);
         if (nPlanes > 1) {
             expected.SetBlack(0.0);
             expected.SetWhite(255.0);
         }
         ClTestImage apart(in);
         ClTestImage out;
-        ClIpProbe ip;
+        ClIpTableProbe ip;
         EXPECT_EQ(ip.ApplyParam(apart, out), 0);
         ExpectSameImage(out, expected);
         ExpectSameImage(apart, in);
@@ -117,7 +117,7 @@ TEST(IpLookUpTableBase, RefusesMoreThanFourPlanesBeforeTheOutputChanges) {
     ClTestImage in = RangedImage(5);
     const ClTestImage before(in);
     ClTestImage out = Img({{1, 2, 3}});
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     EXPECT_THROWS(ip.ApplyParam(in, out), ClException, -35, "Image has more than 4 planes.");
     EXPECT_EQ(Pixels(out), Rows({{1, 2, 3}}));
     EXPECT_THROWS(ip.ApplyParam(in), ClException, -35, "Image has more than 4 planes.");
@@ -127,19 +127,19 @@ TEST(IpLookUpTableBase, RefusesMoreThanFourPlanesBeforeTheOutputChanges) {
 TEST(IpLookUpTableBase, WorksInPlace) {
     ClTestImage image = RandomImage(ClImage::eUInt8, 11, 5, 3, 4);
     const ClTestImage before(image);
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     EXPECT_EQ(ip.ApplyParam(image), 0);
-    ExpectSameImage(image, Mapped(before));
+    ExpectSameImage(image, ProbedImage(before));
     EXPECT_EQ(ip.m_pOutImage, &image);
 }
 
 TEST(IpLookUpTableBase, WorksInPlaceWithoutAnOutputAndRemembersNone) {
     ClTestImage image = RandomImage(ClImage::eUInt8, 11, 5, 1, 5);
     const ClTestImage before(image);
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     ip.m_pInImage = &image;
     EXPECT_EQ(ip.Apply(), 0);
-    ExpectSameImage(image, Mapped(before));
+    ExpectSameImage(image, ProbedImage(before));
     EXPECT_EQ(ip.m_pOutImage, nullptr);
 }
 
@@ -148,14 +148,14 @@ TEST(IpLookUpTableBase, LeavesTheInputAloneWhereTheOutputSharesItsPixels) {
     const ClTestImage before(in);
     ClImage out;
     out.Attach(in);
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     EXPECT_EQ(ip.ApplyParam(in, out), 0);
     ExpectSameImage(in, before);
-    ExpectSameImage(out, Mapped(before));
+    ExpectSameImage(out, ProbedImage(before));
 }
 
 TEST(IpLookUpTableBase, UsesTheTableAsItIsWhereNothingCalculatesIt) {
-    ClIpPlain ip;
+    ClIpNoTable ip;
     for (int i = 0; i < 256; ++i)
         ip.m_aLuT[i] = static_cast<unsigned char>(255 - i);
     ClTestImage in = Img({{0, 1, 254, 255}});
@@ -167,7 +167,7 @@ TEST(IpLookUpTableBase, UsesTheTableAsItIsWhereNothingCalculatesIt) {
 
 TEST(IpLookUpTableBase, DefaultsChangeNothing) {
     ClTestImage in = Img({{1}});
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     ip.ApplyParam(in);
     ip.SetParametersToDefault();
     EXPECT_EQ(ip.m_pInImage, &in);
@@ -175,7 +175,7 @@ TEST(IpLookUpTableBase, DefaultsChangeNothing) {
 }
 
 TEST(IpLookUpTableBase, ReportsAMissingInput) {
-    ClIpProbe ip;
+    ClIpTableProbe ip;
     EXPECT_EQ(ip.Apply(), -37);
     EXPECT_EQ(ip.Process(), -37);
     ClImage out;
@@ -193,7 +193,7 @@ TEST(IpLookUpTableBase, RefusesOtherPixelTypesBeforeTheOutputChanges) {
         ClTestImage in = BlankImage(nType, 3, 3);
         const ClTestImage before(in);
         ClTestImage out = Img({{1, 2, 3}});
-        ClIpProbe ip;
+        ClIpTableProbe ip;
         EXPECT_THROWS(ip.ApplyParam(in, out), ClException, -101,
                       "Image Type is not the assigned type");
         EXPECT_EQ(Pixels(out), Rows({{1, 2, 3}}));
@@ -206,7 +206,7 @@ TEST(IpLookUpTableBase, KeepsTheInputWhenMemoryIsMissing) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 6, 6, 3, 6);
     const ClTestImage before(in);
     TestSupport::FailEachAllocation([&] {
-        ClIpProbe ip;
+        ClIpTableProbe ip;
         ClImage out;
         ip.ApplyParam(in, out);
     });

@@ -6,6 +6,7 @@
 namespace {
 
 using TestSupport::caPixelTypes;
+using TestSupport::ceDefault;
 using TestSupport::ClTestImage;
 using TestSupport::EdgeImage;
 using TestSupport::Img;
@@ -16,8 +17,6 @@ using TestSupport::RealPixels;
 using TestSupport::RealRows;
 using TestSupport::Rows;
 using TestSupport::StRange;
-
-constexpr unsigned char ceDefault = ClImage::eTypeDefault;
 
 TEST(IpMax, KeepsTheLargerSample) {
     ClIpMax max;

@@ -4,7 +4,7 @@
 
 #include "ImageProcessing/MissingMemory.h"
 
-#include "NaivePolygon.h"
+#include "ImageProcessing/NaivePolygon.h"
 #include "RegionShapes.h"
 #include "Tools/ProfileTimer.h"
 #include "support/Throws.h"
@@ -17,7 +17,7 @@ using namespace TestSupport;
 
 // Lines
 
-Rows Line(int nWidth, int nHeight, long nX1, long nY1, long nX2, long nY2) {
+Rows DrawnLine(int nWidth, int nHeight, long nX1, long nY1, long nX2, long nY2) {
     ClTestImage image = BlankImage(ClImage::eUInt8, nWidth, nHeight);
     ClIpRenderPolygon::DrawLine(image, nX1, nY1, nX2, nY2, 1);
     return Pixels(image);
@@ -47,11 +47,11 @@ Rows BresenhamLine(int nWidth, int nHeight, long nX1, long nY1, long nX2, long n
 }
 
 TEST(DrawLine, TakesTheNearestPixels) {
-    EXPECT_EQ(Line(7, 3, 0, 0, 6, 2), Rows({{1, 1, 0, 0, 0, 0, 0}, //
-                                            {0, 0, 1, 1, 1, 0, 0},
-                                            {0, 0, 0, 0, 0, 1, 1}}));
-    EXPECT_EQ(Line(2, 4, 1, 3, 0, 0), Rows({{1, 0}, {1, 0}, {0, 1}, {0, 1}}));
-    EXPECT_EQ(Line(3, 1, 1, 0, 1, 0), Rows({{0, 1, 0}}));
+    EXPECT_EQ(DrawnLine(7, 3, 0, 0, 6, 2), Rows({{1, 1, 0, 0, 0, 0, 0}, //
+                                                 {0, 0, 1, 1, 1, 0, 0},
+                                                 {0, 0, 0, 0, 0, 1, 1}}));
+    EXPECT_EQ(DrawnLine(2, 4, 1, 3, 0, 0), Rows({{1, 0}, {1, 0}, {0, 1}, {0, 1}}));
+    EXPECT_EQ(DrawnLine(3, 1, 1, 0, 1, 0), Rows({{0, 1, 0}}));
 }
 
 TEST(DrawLine, StepsByBresenhamInEveryDirection) {
@@ -59,7 +59,7 @@ TEST(DrawLine, StepsByBresenhamInEveryDirection) {
         for (int y1 : {0, 4, 6})
             for (int x2 = 0; x2 < 9; ++x2)
                 for (int y2 = 0; y2 < 7; ++y2)
-                    EXPECT_EQ(Line(9, 7, x1, y1, x2, y2), BresenhamLine(9, 7, x1, y1, x2, y2))
+                    EXPECT_EQ(DrawnLine(9, 7, x1, y1, x2, y2), BresenhamLine(9, 7, x1, y1, x2, y2))
                         << x1 << ' ' << y1 << ' ' << x2 << ' ' << y2;
 }
 
@@ -68,18 +68,18 @@ TEST(DrawLine, SkipsPixelsOutside) {
         for (int y1 : {-13, 2, 7, 25})
             for (int x2 : {-31, 4, 9, 17})
                 for (int y2 : {-2, 0, 8, 40})
-                    EXPECT_EQ(Line(9, 8, x1, y1, x2, y2), BresenhamLine(9, 8, x1, y1, x2, y2))
+                    EXPECT_EQ(DrawnLine(9, 8, x1, y1, x2, y2), BresenhamLine(9, 8, x1, y1, x2, y2))
                         << x1 << ' ' << y1 << ' ' << x2 << ' ' << y2;
 }
 
 TEST(DrawLine, TakesTheLongestLinesThereAre) {
     const Rows aDiagonal = Rows({{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}});
-    EXPECT_EQ(Line(4, 4, LONG_MIN, LONG_MIN, LONG_MAX, LONG_MAX), aDiagonal);
-    EXPECT_EQ(Line(4, 4, LONG_MAX, LONG_MAX, LONG_MIN, LONG_MIN), aDiagonal);
-    EXPECT_EQ(Line(3, 2, LONG_MIN, 1, LONG_MAX, 1), Rows({{0, 0, 0}, {1, 1, 1}}));
-    EXPECT_EQ(Line(2, 2, 1, LONG_MAX, 1, LONG_MIN), Rows({{0, 1}, {0, 1}}));
-    EXPECT_EQ(Line(2, 2, LONG_MAX, 0, LONG_MAX, 0), Rows({{0, 0}, {0, 0}}));
-    EXPECT_EQ(Line(2, 2, LONG_MIN, 0, LONG_MIN, LONG_MAX), Rows({{0, 0}, {0, 0}}));
+    EXPECT_EQ(DrawnLine(4, 4, LONG_MIN, LONG_MIN, LONG_MAX, LONG_MAX), aDiagonal);
+    EXPECT_EQ(DrawnLine(4, 4, LONG_MAX, LONG_MAX, LONG_MIN, LONG_MIN), aDiagonal);
+    EXPECT_EQ(DrawnLine(3, 2, LONG_MIN, 1, LONG_MAX, 1), Rows({{0, 0, 0}, {1, 1, 1}}));
+    EXPECT_EQ(DrawnLine(2, 2, 1, LONG_MAX, 1, LONG_MIN), Rows({{0, 1}, {0, 1}}));
+    EXPECT_EQ(DrawnLine(2, 2, LONG_MAX, 0, LONG_MAX, 0), Rows({{0, 0}, {0, 0}}));
+    EXPECT_EQ(DrawnLine(2, 2, LONG_MIN, 0, LONG_MIN, LONG_MAX), Rows({{0, 0}, {0, 0}}));
 }
 
 TEST(DrawLine, RefusesOtherImages) {

@@ -2,7 +2,8 @@
 
 #include "ImageProcessing/MissingMemory.h"
 
-#include "NaivePolygon.h"
+#include "ImageProcessing/NaivePolygon.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -10,10 +11,10 @@
 
 namespace {
 
-using namespace TestSupport;
+using TestSupport::cdInfinity;
+using TestSupport::cdNaN;
 
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
+using namespace TestSupport;
 
 Rows Rendered(Polygon_t& rPolygon, int nWidth, int nHeight) {
     ClImage out;

@@ -25,13 +25,13 @@ using TestSupport::Width;
 
 constexpr auto ceBiCubic = ClIpRescale::ModeBiCubic;
 
-struct StRange {
+struct StTypeLimits {
     double m_dLowest;
     double m_dHighest;
 };
 
-StRange RangeOf(unsigned char nType) {
-    return nType == ClImage::eInt8 ? StRange{-128.0, 127.0} : StRange{0.0, 255.0};
+StTypeLimits RangeOf(unsigned char nType) {
+    return nType == ClImage::eInt8 ? StTypeLimits{-128.0, 127.0} : StTypeLimits{0.0, 255.0};
 }
 
 double NaiveKernel(double q, double a) {
@@ -43,7 +43,7 @@ double NaiveKernel(double q, double a) {
 }
 
 int NaiveRadial(const std::vector<double>& aSamples, int nWidth, double dX, double dY, double a,
-                StRange Range) {
+                StTypeLimits Range) {
     const int nX = static_cast<int>(std::floor(dX));
     const int nY = static_cast<int>(std::floor(dY));
     double dSum = 0.0;
@@ -158,7 +158,7 @@ TEST(IpRescaleCubic, EqualsTheSeparableKernelForAParameterAboveZero) {
                 const Rows aIn = Pixels(in);
                 const Rows aOut =
                     RescaledToSize(in, s.m_nOutWidth, s.m_nOutHeight, ceBiCubic, dParameter);
-                const StRange Range = RangeOf(nType);
+                const StTypeLimits Range = RangeOf(nType);
                 for (int y = 0; y < s.m_nOutHeight; ++y)
                     for (int x = 0; x < s.m_nOutWidth; ++x) {
                         const double dExact = std::clamp(

@@ -31,11 +31,11 @@ int Defined(int i, int nFrom, int nTo, int nNewFrom, int nNewTo) {
     return dValue > nNewTo ? nNewTo : static_cast<int>(dValue);
 }
 
-struct StRange {
+struct StGreys {
     unsigned char m_nFrom, m_nTo;
 };
 
-void SetRanges(ClIpStretchRangeGlobal& ip, StRange Old, StRange New) {
+void SetRanges(ClIpStretchRangeGlobal& ip, StGreys Old, StGreys New) {
     ip.m_nOldRangeFrom = Old.m_nFrom;
     ip.m_nOldRangeTo = Old.m_nTo;
     ip.m_nNewRangeFrom = New.m_nFrom;
@@ -46,7 +46,7 @@ std::vector<int> Table(const ClIpStretchRangeGlobal& ip) {
     return std::vector<int>(ip.m_aLuT, ip.m_aLuT + 256);
 }
 
-std::vector<int> DefinedTable(StRange Old, StRange New) {
+std::vector<int> DefinedTable(StGreys Old, StGreys New) {
     std::vector<int> aTable;
     for (int i = 0; i < 256; ++i)
         aTable.push_back(Defined(i, Old.m_nFrom, Old.m_nTo, New.m_nFrom, New.m_nTo));
@@ -95,10 +95,10 @@ TEST(IpStretchRangeGlobal, MapsTheEndsOfTheOldRangeToThoseOfTheNew) {
 }
 
 TEST(IpStretchRangeGlobal, EqualsItsDefinitionForRangesOfEverySize) {
-    const StRange aOld[] = {{0, 255}, {0, 1}, {254, 255}, {10, 200}, {100, 103}, {64, 64}};
-    const StRange aNew[] = {{0, 255}, {0, 0}, {255, 255}, {50, 60}, {200, 100}, {255, 0}};
-    for (StRange Old : aOld)
-        for (StRange New : aNew) {
+    const StGreys aOld[] = {{0, 255}, {0, 1}, {254, 255}, {10, 200}, {100, 103}, {64, 64}};
+    const StGreys aNew[] = {{0, 255}, {0, 0}, {255, 255}, {50, 60}, {200, 100}, {255, 0}};
+    for (StGreys Old : aOld)
+        for (StGreys New : aNew) {
             ClIpStretchRangeGlobal ip;
             SetRanges(ip, Old, New);
             EXPECT_EQ(ip.Initialize(), 0);

@@ -8,9 +8,10 @@
 
 namespace {
 
+using TestSupport::cszIndex;
+
 using namespace TestSupport;
 
-constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
 constexpr long cnLeast = std::numeric_limits<long>::min();
 constexpr long cnMost = std::numeric_limits<long>::max();
 

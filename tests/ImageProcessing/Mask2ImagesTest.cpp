@@ -9,9 +9,10 @@
 
 namespace {
 
+using TestSupport::cszIndex;
+
 using namespace TestSupport;
 
-constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
 constexpr const char* cszTooHigh = "ClIpCut::Process. m_nY0+m_nDestHeight > m_pInImage->Height()";
 
 /// Bytes of a line behind its pixels.

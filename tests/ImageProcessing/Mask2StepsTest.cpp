@@ -10,10 +10,11 @@
 
 namespace {
 
+using TestSupport::cszIndex;
+using TestSupport::cszNoSize;
+
 using namespace TestSupport;
 
-constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
-constexpr const char* cszNoSize = "No image size given.";
 constexpr const char* cszNoPels = "Pels are not in a valid range (see documentation).";
 
 TEST(Mask2Steps, TheFirstCallRecordsTheFrameAndItsWindow) {

@@ -10,11 +10,12 @@
 
 namespace {
 
+using TestSupport::cszIndex;
+using TestSupport::cszNoSize;
+
 using namespace TestSupport;
 
 constexpr const char* cszWrongType = "Image Type is not the assigned type";
-constexpr const char* cszNoSize = "No image size given.";
-constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
 
 TEST(Mask2, BeginsWithoutRunsStepsAndResolution) {
     const ClMask2 mask;

@@ -18,6 +18,9 @@
 
 namespace TestSupport {
 
+inline constexpr const char* cszIndex = "The precut index 'nRefIdx' is out of range.";
+inline constexpr const char* cszNoSize = "No image size given.";
+
 using Picture = std::vector<std::string>;
 /// First column, last column, line.
 using RunList = std::vector<std::array<long, 3>>;

@@ -118,7 +118,7 @@ inline Rows NaiveDirected(const Rows& aIn, const Rows& aDx, const Rows& aDy, con
 }
 
 /// The filter of a mode along lines (1), columns (2) or both (3).
-inline Rows Naive(long nMode, const Rows& aIn, const Taps& aTaps, bool bSigned) {
+inline Rows NaiveFiltered(long nMode, const Rows& aIn, const Taps& aTaps, bool bSigned) {
     return nMode == 1   ? NaiveX(aIn, aTaps, bSigned)
            : nMode == 2 ? NaiveY(aIn, aTaps, bSigned)
                         : NaiveXY(aIn, aTaps, bSigned);

@@ -17,11 +17,20 @@ namespace TestSupport {
 using Polygon_t = TpArrayDynamic<ClVector, 10>;
 using Point = std::pair<double, double>; ///< y and x, so that points sort in the order of a scan
 
-inline Polygon_t PolygonOf(const std::vector<std::pair<double, double>>& aXY) {
+using XY = std::vector<std::pair<double, double>>;
+
+inline Polygon_t PolygonOf(const XY& aXY) {
     Polygon_t polygon;
     for (const auto& [x, y] : aXY)
         polygon.Append(ClVector(x, y));
     return polygon;
+}
+
+inline XY Corners(const Polygon_t& rPolygon) {
+    XY aXY;
+    for (unsigned long i = 0; i < rPolygon.Entries(); ++i)
+        aXY.emplace_back(rPolygon[i].x, rPolygon[i].y);
+    return aXY;
 }
 
 /// The corners in the order of a scan.

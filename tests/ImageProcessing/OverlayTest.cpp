@@ -85,7 +85,7 @@ struct StPainter {
     }
 };
 
-double Mix(double a, double b) {
+double Blend(double a, double b) {
     return a * 0.5 - b * 3.0;
 }
 
@@ -93,12 +93,13 @@ constexpr int caOffsets[] = {-9, -4, -1, 0, 1, 2, 5, 8};
 
 constexpr struct {
     int m_nWidth1, m_nHeight1, m_nWidth2, m_nHeight2;
-} caSizes[] = {{4, 4, 4, 4}, {4, 4, 2, 2}, {2, 2, 5, 4}, {7, 3, 3, 6}, {1, 1, 6, 1}, {10, 1, 5, 1}};
+} caPairSizes[] = {{4, 4, 4, 4}, {4, 4, 2, 2}, {2, 2, 5, 4},
+                   {7, 3, 3, 6}, {1, 1, 6, 1}, {10, 1, 5, 1}};
 
 /// Runs `expect` for all sizes and offsets.
 template <class Expect>
 void ForEachPlacement(Expect expect) {
-    for (const auto& Size : caSizes)
+    for (const auto& Size : caPairSizes)
         for (int nOffsetX : caOffsets)
             for (int nOffsetY : caOffsets) {
                 SCOPED_TRACE(testing::Message()
@@ -114,7 +115,7 @@ void ExpectPainted(ClImage& In1, ClImage& In2, int nOffsetX, int nOffsetY, unsig
     ip.m_bSizeMustBeEqual = false;
     ip.m_nOffsetX = nOffsetX;
     ip.m_nOffsetY = nOffsetY;
-    ip.m_Value = Mix;
+    ip.m_Value = Blend;
     ip.m_dFillColor = 77.5;
     for (int p = 0; p < 4; ++p)
         ip.m_adPlaneFillColor[p] = 10.0 * p - 5.0;
@@ -126,7 +127,7 @@ void ExpectPainted(ClImage& In1, ClImage& In2, int nOffsetX, int nOffsetY, unsig
         EXPECT_EQ(out.Data(), pBuffer); // used again, with what it held
     }
 
-    Painter.m_Value = Mix;
+    Painter.m_Value = Blend;
     for (std::size_t p = 0; p < Painter.m_aColors.size(); ++p)
         Painter.m_aColors[p] = In1.Planes() == 1  ? 77.5
                                : In1.Planes() > 4 ? 0.0

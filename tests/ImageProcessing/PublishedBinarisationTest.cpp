@@ -4,14 +4,15 @@
 #include "ImageProcessing/IpBinarizeLocal2.h"
 #include "support/Images.h"
 #include "support/PublishedParameters.h"
+#include "support/SpecialNumbers.h"
 
 #include <cmath>
 
 namespace {
 
-using namespace TestSupport;
+using TestSupport::cdNaN;
 
-const double cdNaN = std::nan("");
+using namespace TestSupport;
 
 TEST(PublishedBinarisation, GlobalPublishesItsSettings) {
     ClIpBinarizeGlobal ip;

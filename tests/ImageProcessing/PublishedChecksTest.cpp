@@ -59,14 +59,14 @@ public:
     unsigned long m_nLimit = 3; ///< bytes of "W3"
 };
 
-const NamedValues caModes = {{1, "Mode X"}, {2, "Mode Y"}};
+const NamedValues caSampleModes = {{1, "Mode X"}, {2, "Mode Y"}};
 
 std::vector<StTreeRow> Tree(ClIpSample& Sample) {
     return {TreePointer("pImage", Sample.m_pImage, ePfIn, "In: Image"),
             TreeNumber("nWidth", Sample.m_nWidth, 3),
             TreeContainer("Part"),
             TreeNumber("dSigma", Sample.m_dSigma, 1.5),
-            TreeEnum("nMode", Sample.m_nMode, 1, caModes),
+            TreeEnum("nMode", Sample.m_nMode, 1, caSampleModes),
             TreeBool("bExact", Sample.m_bExact, true)};
 }
 
@@ -74,7 +74,7 @@ std::vector<StFlatRow> Flat(ClIpSample& Sample) {
     return {FlatImage("Image", Sample.m_pImage, "In: Image"),
             FlatNumber("Width", Sample.m_nWidth, 3, "", 3, 127),
             FlatNumber("Sigma", Sample.m_dSigma, 1.5, "", 0, 0, ceOut),
-            FlatEnum("Mode", Sample.m_nMode, 1, caModes), FlatBool("Exact", Sample.m_bExact, true)};
+            FlatEnum("Mode", Sample.m_nMode, 1, caSampleModes), FlatBool("Exact", Sample.m_bExact, true)};
 }
 
 /// Whether the statements of `check` report a failure or end with an exception.
@@ -149,7 +149,7 @@ TEST(PublishedChecks, SeeAnotherTreeParameter) {
     EXPECT_TRUE(TreeComplains(1, [](S& s) { return TreeNumber("nWidth", s.m_nOther, 3); }));
     EXPECT_TRUE(TreeComplains(1, [](S& s) { return TreeNumber("nWidth", s.m_dSigma, 3); }));
     EXPECT_TRUE(TreeComplains(2, [](S&) { return TreeContainer("Parts"); }));
-    EXPECT_TRUE(TreeComplains(4, [](S& s) { return TreeEnum("nMode", s.m_nMode, 2, caModes); }));
+    EXPECT_TRUE(TreeComplains(4, [](S& s) { return TreeEnum("nMode", s.m_nMode, 2, caSampleModes); }));
     EXPECT_TRUE(TreeComplains(4, [](S& s) {
         return TreeEnum("nMode", s.m_nMode, 1, {{1, "Mode X"}, {3, "Mode Y"}});
     }));

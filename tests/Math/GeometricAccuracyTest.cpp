@@ -2,6 +2,7 @@
 
 #include "Math/GeometricTransformation.h"
 #include "support/AllocationFailures.h"
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,8 @@
 
 namespace {
 
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
+using TestSupport::cdInfinity;
+using TestSupport::cdNaN;
 
 /// One pair of points on the x axis with these distances.
 double ResultOfPair(double dReference, double dMeasured) {

@@ -1,5 +1,6 @@
 #include "Math/GeometricTransformation.h"
 
+#include "support/SpecialNumbers.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +13,8 @@
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
+using TestSupport::cdNaN;
+using TestSupport::cdPi;
 
 using PointList = ClGeometricTransformation::PointList;
 

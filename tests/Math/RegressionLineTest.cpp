@@ -1,5 +1,7 @@
 #include "Math/RegressionLine.h"
 
+#include "support/SpecialNumbers.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,7 +12,7 @@
 
 namespace {
 
-constexpr double cdPi = 3.14159265358979323846;
+using TestSupport::cdPi;
 
 ClRegressionLine LineOf(const std::vector<ClVector>& aPoints) {
     ClRegressionLine line;
@@ -48,7 +50,7 @@ void ExpectEnds(const ClRegressionLine& line, const ClVector& vStart, const ClVe
     EXPECT_DOUBLE_EQ(vActualEnd.y, vEnd.y);
 }
 
-std::vector<ClVector> RandomPoints(std::mt19937& random, int nCount) {
+std::vector<ClVector> ScatteredPoints(std::mt19937& random, int nCount) {
     std::uniform_real_distribution<double> position(-50.0, 50.0);
     std::vector<ClVector> aPoints;
     for (int i = 0; i < nCount; ++i)
@@ -186,7 +188,7 @@ TEST(RegressionLine, HasTheLeastSquaresForm) {
     // the centred closed form, in long double
     std::mt19937 random(2);
     for (int nTry = 0; nTry < 200; ++nTry) {
-        const std::vector<ClVector> aPoints = RandomPoints(random, 2 + nTry % 30);
+        const std::vector<ClVector> aPoints = ScatteredPoints(random, 2 + nTry % 30);
         long double dX = 0;
         long double dY = 0;
         for (const ClVector& v : aPoints) {
@@ -285,8 +287,8 @@ TEST(RegressionLine, MeasuresFromItsStartWithoutADirection) {
 TEST(RegressionLine, MeasuresAsTheCrossProductDoes) {
     std::mt19937 random(3);
     for (int nTry = 0; nTry < 200; ++nTry) {
-        const ClRegressionLine line = LineOf(RandomPoints(random, 5));
-        const ClVector vPoint = RandomPoints(random, 1)[0];
+        const ClRegressionLine line = LineOf(ScatteredPoints(random, 5));
+        const ClVector vPoint = ScatteredPoints(random, 1)[0];
         ClVector vStart;
         ClVector vEnd;
         line.GetLine(vStart, vEnd);

@@ -79,7 +79,7 @@ private:
     Column m_aWeights;
 };
 
-Points RandomPoints(std::mt19937& random, int nCount, double dSpan) {
+Points PointsWithin(std::mt19937& random, int nCount, double dSpan) {
     std::uniform_real_distribution<double> position(0.0, dSpan);
     Points aPoints;
     for (int i = 0; i < nCount; ++i)
@@ -98,8 +98,8 @@ ClVector Map(const TpThinPlateSplines<double>& spline, const ClVector& v) {
 TEST(ThinPlateSplinesReference, AgreesWithPlainElimination) {
     std::mt19937 random(1);
     for (int nCount : {3, 4, 7, 20, 75}) {
-        const Points aOrigin = RandomPoints(random, nCount, 300.0);
-        const Points aShift = RandomPoints(random, nCount, 20.0);
+        const Points aOrigin = PointsWithin(random, nCount, 300.0);
+        const Points aShift = PointsWithin(random, nCount, 20.0);
         Points aTarget;
         Column aX;
         Column aY;
@@ -112,7 +112,7 @@ TEST(ThinPlateSplinesReference, AgreesWithPlainElimination) {
         const ClReference y(aOrigin, aY);
         TpThinPlateSplines<double> spline;
         spline.Setup(nCount, aOrigin.data(), aTarget.data());
-        for (const ClVector& v : RandomPoints(random, 200, 300.0)) {
+        for (const ClVector& v : PointsWithin(random, 200, 300.0)) {
             const ClVector vMapped = Map(spline, v);
             EXPECT_NEAR(vMapped.x, static_cast<double>(x.At(v.x, v.y)), 1e-8);
             EXPECT_NEAR(vMapped.y, static_cast<double>(y.At(v.x, v.y)), 1e-8);
@@ -126,30 +126,30 @@ TEST(ThinPlateSplinesReference, ReproducesAffineMappings) {
     for (int nCount : {4, 5, 10, 30, 75}) {
         const ClVector vX(factor(random), factor(random));
         const ClVector vY(factor(random), factor(random));
-        const ClVector vShift = RandomPoints(random, 1, 100.0)[0];
+        const ClVector vShift = PointsWithin(random, 1, 100.0)[0];
         const auto Affine = [&](const ClVector& v) {
             return ClVector(vShift.x + vX.x * v.x + vX.y * v.y, vShift.y + vY.x * v.x + vY.y * v.y);
         };
-        const Points aOrigin = RandomPoints(random, nCount, 300.0);
+        const Points aOrigin = PointsWithin(random, nCount, 300.0);
         Points aTarget;
         for (const ClVector& v : aOrigin)
             aTarget.push_back(Affine(v));
         TpThinPlateSplines<double> spline;
         spline.Setup(nCount, aOrigin.data(), aTarget.data());
-        for (const ClVector& v : RandomPoints(random, 200, 300.0))
+        for (const ClVector& v : PointsWithin(random, 200, 300.0))
             EXPECT_LT((Map(spline, v) - Affine(v)).Length(), 1e-9);
     }
 }
 
 TEST(ThinPlateSplinesReference, DoesNotDependOnTheOrderOfThePairs) {
     std::mt19937 random(3);
-    const Points aOrigin = RandomPoints(random, 30, 300.0);
-    const Points aTarget = RandomPoints(random, 30, 300.0);
+    const Points aOrigin = PointsWithin(random, 30, 300.0);
+    const Points aTarget = PointsWithin(random, 30, 300.0);
     TpThinPlateSplines<double> spline;
     TpThinPlateSplines<double> turned;
     spline.Setup(30, aOrigin.data(), aTarget.data());
     turned.Setup(30, Points(aOrigin.rbegin(), aOrigin.rend()).data(),
                  Points(aTarget.rbegin(), aTarget.rend()).data());
-    for (const ClVector& v : RandomPoints(random, 200, 300.0))
+    for (const ClVector& v : PointsWithin(random, 200, 300.0))
         EXPECT_LT((Map(spline, v) - Map(turned, v)).Length(), 1e-7);
 }

@@ -1,5 +1,7 @@
 #include "Math/Vector.h"
 
+#include "support/SpecialNumbers.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -8,7 +10,7 @@
 
 namespace {
 
-constexpr double cdNaN = std::numeric_limits<double>::quiet_NaN();
+using TestSupport::cdNaN;
 
 struct StCrossing {
     ClVector m_vPoint;

@@ -2,6 +2,7 @@
 
 #include "TessarinCalibrateSDK/IpCalibrateLumivane2.h"
 
+#include "TessarinCalibrateSDK/EngineWords.h"
 #include "TessarinCalibrateSDK/Trace.h"
 #include "Tools/FpImage.h"
 #include "support/AllocationFailures.h"
@@ -15,6 +16,8 @@ using TestSupport::Bytes;
 using TestSupport::ClLogCapture;
 using TestSupport::ClPipeStream;
 using TestSupport::Content;
+using TestSupport::cszMissing;
+using TestSupport::cszSingular;
 using TestSupport::HashOf;
 using TestSupport::PlausibleRecord;
 using TestSupport::PrecalculatedBlock;
@@ -68,11 +71,7 @@ Bytes Corrected(Engine& rEngine, int nWidth, int nHeight) {
 }
 
 const char* const cszSignature = "The input signature is not expected here.";
-const char* const cszMissing = "One of the required parameter is missing.";
 const char* const cszEnd = "Unexpected end of stream";
-const char* const cszSingular =
-    "Generation of Geometric Calibration data not possible, simgularity detected, "
-    "contact Tessarin";
 
 } // namespace
 

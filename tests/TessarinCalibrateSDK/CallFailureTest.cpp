@@ -1,5 +1,6 @@
 // Exported calls whose work fails in every way there is.
 
+#include "TessarinCalibrateSDK/Captures.h"
 #include "TessarinCalibrateSDK/OwnHandle.h"
 #include "TessarinCalibrateSDK/Trace.h"
 #include "Tools/Exception.h"
@@ -16,6 +17,7 @@
 #include <stdexcept>
 
 using TestSupport::Bytes;
+using TestSupport::Capture;
 using TestSupport::ClFailAllocation;
 using TestSupport::ClLogCapture;
 using TestSupport::Leaving;
@@ -34,13 +36,6 @@ public:
 
     std::function<long(ClScriptedEngine&)> m_Process;
 };
-
-Bytes Capture() {
-    StHead Head;
-    Head.m_nWidth = 48;
-    Head.m_nHeight = 132;
-    return TestSupport::UsualBlock(Head);
-}
 
 struct StScripted : StOwnHandle<ClScriptedEngine> {
     StScripted() {

@@ -19,7 +19,7 @@ using TestSupport::Trace;
 
 namespace {
 
-struct StOutcome {
+struct StThrownCall {
     long m_nCode = 0;
     StLogLine m_First{}; ///< the Enter line
     Lines m_aBehind;     ///< what came behind the line at which it threw
@@ -28,8 +28,8 @@ struct StOutcome {
 
 /// Runs a call whose work throws at its inner line.
 template <class Throw>
-StOutcome OutcomeOf(const StTracedCall& Call, StBench& rBench, Throw throwIt) {
-    StOutcome Outcome;
+StThrownCall OutcomeOf(const StTracedCall& Call, StBench& rBench, Throw throwIt) {
+    StThrownCall Outcome;
     {
         ClLogCapture Log;
         std::size_t nThrown = 0;
@@ -50,7 +50,7 @@ StOutcome OutcomeOf(const StTracedCall& Call, StBench& rBench, Throw throwIt) {
 }
 
 /// Expects the lines of the data being dropped, where the call does so, and these.
-void ExpectBehind(const StTracedCall& Call, const StOutcome& Outcome, const Lines& aLines) {
+void ExpectBehind(const StTracedCall& Call, const StThrownCall& Outcome, const Lines& aLines) {
     Lines aExpected;
     if (Call.m_bDropsData)
         aExpected = {Trace("ClIpCalibrateQK7::Clear() Enter"),
@@ -77,7 +77,7 @@ std::string NameOf(const testing::TestParamInfo<StTracedCall>& Info) {
 } // namespace
 
 TEST_P(CallFailureTrace, ShowsAnExceptionOfTheLibraryAtLevel3) {
-    const StOutcome Outcome = OutcomeOf(Call(), m_Bench, [] {
+    const StThrownCall Outcome = OutcomeOf(Call(), m_Bench, [] {
         throw ClException("the words", QMT_ERROR_BITMAP_DIMENSION, true, "Folder/File", 12);
     });
     EXPECT_EQ(Outcome.m_nCode, -14);
@@ -90,7 +90,7 @@ TEST_P(CallFailureTrace, ShowsAnExceptionOfTheLibraryAtLevel3) {
 }
 
 TEST_P(CallFailureTrace, ShowsATargetThatCannotBeEvaluatedAtLevel7) {
-    const StOutcome Outcome = OutcomeOf(Call(), m_Bench, [] {
+    const StThrownCall Outcome = OutcomeOf(Call(), m_Bench, [] {
         throw ClException("crooked", QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE, false, "Unknown", -1);
     });
     EXPECT_EQ(Outcome.m_nCode, -600);
@@ -103,7 +103,7 @@ TEST_P(CallFailureTrace, ShowsATargetThatCannotBeEvaluatedAtLevel7) {
 }
 
 TEST_P(CallFailureTrace, ShowsAForeignExceptionWithoutItsPlace) {
-    const StOutcome Outcome =
+    const StThrownCall Outcome =
         OutcomeOf(Call(), m_Bench, [] { throw std::out_of_range("far out"); });
     EXPECT_EQ(Outcome.m_nCode, -101);
     ExpectBehind(
@@ -112,7 +112,7 @@ TEST_P(CallFailureTrace, ShowsAForeignExceptionWithoutItsPlace) {
 }
 
 TEST_P(CallFailureTrace, ShowsAnythingElseByTheFatalErrorAlone) {
-    const StOutcome Outcome = OutcomeOf(Call(), m_Bench, [] { throw -14L; });
+    const StThrownCall Outcome = OutcomeOf(Call(), m_Bench, [] { throw -14L; });
     EXPECT_EQ(Outcome.m_nCode, -104);
     EXPECT_EQ(Outcome.m_aBehind,
               (Lines{{3, Name() + "() Leaving(-104), A fatal error has occurred. Process integrity "

@@ -21,15 +21,15 @@ namespace {
 
 constexpr CallFrame::StTexts cTexts = TESSARIN_CALL_TEXTS("Function", "0x%p, 0x%p, %d");
 
-struct StOutcome {
+struct StFrameRun {
     long m_nCode;
     std::vector<StLogLine> m_aLines;
     int m_nCleanups;
 };
 
 template <class Work>
-StOutcome OutcomeOf(Work work) {
-    StOutcome Outcome{};
+StFrameRun OutcomeOf(Work work) {
+    StFrameRun Outcome{};
     const ClLogCapture Log;
     Outcome.m_nCode = CallFrame::Run(cTexts, work, [&] {
         ++Outcome.m_nCleanups;
@@ -48,13 +48,13 @@ public:
 } // namespace
 
 TEST(CallFrame, LeavesWithTheCodeOfTheWork) {
-    const StOutcome Success = OutcomeOf([] { return 0L; });
+    const StFrameRun Success = OutcomeOf([] { return 0L; });
     EXPECT_EQ(Success.m_nCode, 0);
     EXPECT_EQ(Success.m_nCleanups, 0);
     EXPECT_EQ(Success.m_aLines,
               (std::vector<StLogLine>{{7, "Function() Leaving(0), No errors occurred."}}));
 
-    const StOutcome Failure = OutcomeOf([] { return -21L; });
+    const StFrameRun Failure = OutcomeOf([] { return -21L; });
     EXPECT_EQ(Failure.m_nCode, -21);
     EXPECT_EQ(Failure.m_nCleanups, 0);
     EXPECT_EQ(Failure.m_aLines,
@@ -63,7 +63,7 @@ TEST(CallFrame, LeavesWithTheCodeOfTheWork) {
 }
 
 TEST(CallFrame, LogsErrorFileAndLeavingOfAnException) {
-    const StOutcome Outcome = OutcomeOf(
+    const StFrameRun Outcome = OutcomeOf(
         []() -> long { throw ClException("the words", -39, true, "Tools/Somewhere", 123); });
     EXPECT_EQ(Outcome.m_nCode, -39);
     EXPECT_EQ(Outcome.m_aLines,
@@ -77,7 +77,7 @@ TEST(CallFrame, LogsErrorFileAndLeavingOfAnException) {
 }
 
 TEST(CallFrame, TracesATargetThatCannotBeEvaluatedAtLevel7) {
-    const StOutcome Outcome =
+    const StFrameRun Outcome =
         OutcomeOf([]() -> long { throw ClException("crooked", -600, false, "Unknown", -1); });
     const std::string Description = "The calibration failed to generate the calibrations data "
                                     "from the given pattern.";
@@ -91,7 +91,7 @@ TEST(CallFrame, TracesATargetThatCannotBeEvaluatedAtLevel7) {
 
 TEST(CallFrame, LogsEveryOtherNumberAtLevel3) {
     for (const long nNumber : {-1L, -2L, -101L, -599L, -601L, -701L, 0L, 600L, 5L}) {
-        const StOutcome Outcome =
+        const StFrameRun Outcome =
             OutcomeOf([=]() -> long { throw ClExTessarin(nNumber, "File", 1); });
         EXPECT_EQ(Outcome.m_nCode, nNumber);
         ASSERT_EQ(Outcome.m_aLines.size(), 4u);
@@ -101,7 +101,7 @@ TEST(CallFrame, LogsEveryOtherNumberAtLevel3) {
 }
 
 TEST(CallFrame, TakesTheDescriptionOfTheNumberAnew) {
-    const StOutcome Outcome = OutcomeOf([]() -> long { throw ClExTessarin(-6, "File", 1); });
+    const StFrameRun Outcome = OutcomeOf([]() -> long { throw ClExTessarin(-6, "File", 1); });
     EXPECT_EQ(Outcome.m_nCode, -6);
     EXPECT_EQ(Outcome.m_aLines.back().m_Text, "Function() Leaving(-6), Unknown error code.");
 }
@@ -115,7 +115,7 @@ TEST(CallFrame, CatchesTheWholeFamilyByItsNumber) {
 }
 
 TEST(CallFrame, AnswersOtherExceptionsWithInternalError) {
-    const StOutcome Outcome = OutcomeOf([]() -> long { throw std::runtime_error("strange"); });
+    const StFrameRun Outcome = OutcomeOf([]() -> long { throw std::runtime_error("strange"); });
     EXPECT_EQ(Outcome.m_nCode, -101);
     EXPECT_EQ(Outcome.m_nCleanups, 1);
     EXPECT_EQ(Outcome.m_aLines,
@@ -126,7 +126,7 @@ TEST(CallFrame, AnswersOtherExceptionsWithInternalError) {
 }
 
 TEST(CallFrame, AnswersAnythingElseWithAFatalErrorAndCleansNothingUp) {
-    const StOutcome Outcome = OutcomeOf([]() -> long { throw 5; });
+    const StFrameRun Outcome = OutcomeOf([]() -> long { throw 5; });
     EXPECT_EQ(Outcome.m_nCode, -104);
     EXPECT_EQ(Outcome.m_nCleanups, 0);
     EXPECT_EQ(Outcome.m_aLines,
@@ -137,9 +137,9 @@ TEST(CallFrame, AnswersAnythingElseWithAFatalErrorAndCleansNothingUp) {
 }
 
 TEST(CallFrame, LogsExceptionsWithoutText) {
-    const StOutcome Standard = OutcomeOf([]() -> long { throw ClMute(); });
+    const StFrameRun Standard = OutcomeOf([]() -> long { throw ClMute(); });
     EXPECT_EQ(Standard.m_aLines[1].m_Text, "Function() Error: ");
-    const StOutcome Own = OutcomeOf([]() -> long {
+    const StFrameRun Own = OutcomeOf([]() -> long {
         ClException e(-39, false, nullptr, 4);
         e.SetComment(nullptr);
         throw e;

@@ -1,5 +1,6 @@
 // The exact lines of every exported call.
 
+#include "TessarinCalibrateSDK/Captures.h"
 #include "TessarinCalibrateSDK/OwnHandle.h"
 #include "TessarinCalibrateSDK/Trace.h"
 #include "support/BitmapBlocks.h"
@@ -10,6 +11,7 @@
 
 using testing::MatchesRegex;
 using TestSupport::Bytes;
+using TestSupport::Capture;
 using TestSupport::ClLogCapture;
 using TestSupport::Leaving;
 using TestSupport::Lines;
@@ -23,22 +25,14 @@ using TestSupport::WithoutEngine;
 
 namespace {
 
-struct StOwn : TestSupport::StOwnHandle<> {
-    StOwn() { m_Processor.m_bDynamicFingerMask = false; }
+struct StOwnScanner : TestSupport::StOwnHandle<> {
+    StOwnScanner() { m_Processor.m_bDynamicFingerMask = false; }
 
     void Load() { Fill(PlausibleRecord(), m_Processor.m_CalibrationData); }
 };
 
 void* Null() {
     return nullptr;
-}
-
-Bytes Capture(int nWidth = 48, int nHeight = 132, int nBits = 8) {
-    StHead Head;
-    Head.m_nWidth = nWidth;
-    Head.m_nHeight = nHeight;
-    Head.m_nBits = nBits;
-    return UsualBlock(Head);
 }
 
 /// The lines that a call writes itself.
@@ -73,7 +67,7 @@ void ExpectCaught(const Lines& aLines, const std::string& EnterLine, const std::
 // Options and levels
 
 TEST(CallTrace, SetOption) {
-    StOwn Own;
+    StOwnScanner Own;
     for (const auto& [szOption, nCode] :
          {std::pair("SensitiveMode=true", 0L), {"SensitiveMode", -37L}, {"NoSuchKey=1", -37L}})
         EXPECT_EQ(LinesOf([&, szText = szOption] { CalibrateSetOption(Own.Handle(), szText); }),
@@ -86,7 +80,7 @@ TEST(CallTrace, SetOption) {
 }
 
 TEST(CallTrace, GetOption) {
-    StOwn Own;
+    StOwnScanner Own;
     char szValue[32];
     unsigned long nSize = sizeof szValue;
     const char* szKey = "SensitiveMode";
@@ -110,7 +104,7 @@ TEST(CallTrace, GetOption) {
 }
 
 TEST(CallTrace, GetCalibrationWarningLevels) {
-    StOwn Own;
+    StOwnScanner Own;
     double dDirt = 0;
     double dDry = 0;
     EXPECT_EQ(
@@ -135,7 +129,7 @@ TEST(CallTrace, GetErrorDescription) {
 // Image calls
 
 TEST(CallTrace, Calibrate) {
-    StOwn Own;
+    StOwnScanner Own;
     Bytes aIn = Capture();
     Bytes aOut(100000);
     unsigned long nSize = 0;
@@ -171,7 +165,7 @@ TEST(CallTrace, Calibrate) {
 }
 
 TEST(CallTrace, CalibrateLeavesTwoLinesForArgumentsThatItRefuses) {
-    StOwn Own;
+    StOwnScanner Own;
     Own.Load();
     Bytes aIn = Capture();
     Bytes aOut(100000);
@@ -195,7 +189,7 @@ TEST(CallTrace, CalibrateLeavesTwoLinesForArgumentsThatItRefuses) {
 }
 
 TEST(CallTrace, CalibrateShowsTheEngineAtWork) {
-    StOwn Own;
+    StOwnScanner Own;
     Own.Load();
     Own.m_Processor.m_eGeometricMode = ClIpCalibrateLumivane2::eGeometricOff;
     Bytes aIn = Capture();
@@ -212,7 +206,7 @@ TEST(CallTrace, CalibrateShowsTheEngineAtWork) {
 }
 
 TEST(CallTrace, ContaminationDetection) {
-    StOwn Own;
+    StOwnScanner Own;
     Bytes aIn = Capture();
     aIn.push_back(0);
     double dResult = 0;
@@ -236,7 +230,7 @@ TEST(CallTrace, ContaminationDetection) {
 }
 
 TEST(CallTrace, CalibrateCheckEfts) {
-    StOwn Own;
+    StOwnScanner Own;
     Bytes aIn = Capture();
     double dResult = 0;
     const auto Entered = [&](void* pResult) {
@@ -261,7 +255,7 @@ TEST(CallTrace, CalibrateCheckEfts) {
 // Data calls
 
 TEST(CallTrace, SetReferenceDataSpellsItsNameWithADoubleF) {
-    StOwn Own;
+    StOwnScanner Own;
     Bytes aBlock = RecordBlock(PlausibleRecord());
     const std::string Name = "CalibrateSetRefferenceData";
     const auto Run = [&](unsigned char* pData) {
@@ -278,7 +272,7 @@ TEST(CallTrace, SetReferenceDataSpellsItsNameWithADoubleF) {
 }
 
 TEST(CallTrace, SetData) {
-    StOwn Own;
+    StOwnScanner Own;
     Own.m_Processor.m_bPrecalculatedData = true;
     const char* szName = "CalibrateSetData";
     Bytes aBlock = RecordBlock(PlausibleRecord());
@@ -298,7 +292,7 @@ TEST(CallTrace, SetData) {
 }
 
 TEST(CallTrace, SetDataShowsTheVersionOfAnyLayout) {
-    StOwn Own;
+    StOwnScanner Own;
     Own.m_Processor.m_bPrecalculatedData = true;
     const auto VersionLine = [&](Bytes aBlock) {
         return LinesOf([&] { CalibrateSetData(Own.Handle(), aBlock.data(), aBlock.size()); })[1];
@@ -315,7 +309,7 @@ TEST(CallTrace, SetDataShowsTheVersionOfAnyLayout) {
 }
 
 TEST(CallTrace, GetData) {
-    StOwn Own;
+    StOwnScanner Own;
     const auto Run = [&](unsigned char* pData, unsigned long* pSize) {
         return LinesOf([&] { CalibrateGetData(Own.Handle(), pData, pSize); });
     };
@@ -343,7 +337,7 @@ TEST(CallTrace, GetData) {
 }
 
 TEST(CallTrace, SetAndGetPrecalculatedData) {
-    StOwn Own;
+    StOwnScanner Own;
     Bytes aRecord = RecordBlock(PlausibleRecord());
     const char* szSet = "CalibrateSetPrecalculatedData";
     Bytes aBlock = PrecalculatedBlock(TestSupport::TableOf(), HashOf(PlausibleRecord()));
@@ -370,7 +364,7 @@ TEST(CallTrace, SetAndGetPrecalculatedData) {
 }
 
 TEST(CallTrace, GetPrecalculatedData) {
-    StOwn Own;
+    StOwnScanner Own;
     const std::string Name = "CalibrateGetPrecalculatedData";
     unsigned long nSize = 100000;
     const auto Run = [&](unsigned long* pSize) {
@@ -391,7 +385,7 @@ TEST(CallTrace, GetPrecalculatedData) {
 }
 
 TEST(CallTrace, GenerateData) {
-    StOwn Own;
+    StOwnScanner Own;
     const char* szName = "CalibrateGenerateData";
     Bytes aIn = Capture(8, 8, 24);
     const auto Run = [&](unsigned char* pData, unsigned long nSize) {
@@ -407,7 +401,7 @@ TEST(CallTrace, GenerateData) {
 }
 
 TEST(CallTrace, SizesArePrintedAsInt) {
-    StOwn Own;
+    StOwnScanner Own;
     EXPECT_EQ(LinesOf([&] { CalibrateSetData(Own.Handle(), nullptr, 0x100000005UL); })[0],
               Trace(Enter("CalibrateSetData", Own.Handle(), nullptr, 5)));
     EXPECT_EQ(LinesOf([&] { CalibrateSetData(Own.Handle(), nullptr, ~0UL); })[0],

@@ -1,6 +1,7 @@
 // ContaminationDetection() from within: its lines, missing memory, and the engine that it leaves
 // alone.
 
+#include "TessarinCalibrateSDK/Captures.h"
 #include "TessarinCalibrateSDK/OwnHandle.h"
 #include "TessarinCalibrateSDK/Trace.h"
 #include "support/AllocationFailures.h"
@@ -11,6 +12,7 @@
 #include <algorithm>
 
 using TestSupport::Bytes;
+using TestSupport::Capture;
 using TestSupport::ClFailAllocation;
 using TestSupport::ClLogCapture;
 using TestSupport::Leaving;
@@ -21,15 +23,6 @@ using TestSupport::StOwnHandle;
 using TestSupport::Trace;
 
 namespace {
-
-Bytes Capture(int nWidth, int nHeight, int nBits = 8, std::uint32_t nCompression = 0) {
-    StHead Head;
-    Head.m_nWidth = nWidth;
-    Head.m_nHeight = nHeight;
-    Head.m_nBits = nBits;
-    Head.m_nCompression = nCompression;
-    return TestSupport::UsualBlock(Head);
-}
 
 /// All lines of a call, and its status.
 Lines LinesOf(void* pHandle, Bytes& rBlock, double& rLevel, long nExpected) {

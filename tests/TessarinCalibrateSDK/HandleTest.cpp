@@ -18,13 +18,12 @@ using TestSupport::EFailure;
 using TestSupport::Leaving;
 using TestSupport::Lines;
 using TestSupport::Printed;
+using TestSupport::StOwnHandle;
 using TestSupport::Trace;
 
 using EMode = ClIpCalibrateLumivane2::EGeometricMode;
 
 namespace {
-
-using StOwnHandle = TestSupport::StOwnHandle<>;
 
 /// What a check of an option throws, or 0.
 template <class Check>
@@ -55,28 +54,28 @@ TEST(Handle, IsARecordOfTwoGuardsAroundThePointer) {
 }
 
 TEST(Handle, CheckGivesTheProcessor) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     ClIpCalibrateLumivane2* pProcessor = nullptr;
     EXPECT_EQ(CheckHandle(&Own.m_Record, &pProcessor), 0);
     EXPECT_EQ(pProcessor, &Own.m_Processor);
 }
 
 TEST(Handle, CheckOfNullLeavesTheProcessor) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     ClIpCalibrateLumivane2* pProcessor = &Own.m_Processor;
     EXPECT_EQ(CheckHandle(nullptr, &pProcessor), -42);
     EXPECT_EQ(pProcessor, &Own.m_Processor);
 }
 
 TEST(Handle, CheckWantsAPlaceForTheProcessor) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     EXPECT_EQ(CheckHandle(&Own.m_Record, nullptr), -43);
     EXPECT_EQ(CheckHandle(nullptr, nullptr), -42);
 }
 
 TEST(Handle, CheckComparesAllBytesOfBothGuards) {
     for (std::size_t nBit = 0; nBit < 64; ++nBit) {
-        StOwnHandle Own;
+        StOwnHandle<> Own;
         char* pGuard = nBit < 32 ? Own.m_Record.m_acHead : Own.m_Record.m_acTail;
         char& rByte = pGuard[nBit % 32 / 8];
         rByte = static_cast<char>(rByte ^ (1 << (nBit % 8)));
@@ -87,7 +86,7 @@ TEST(Handle, CheckComparesAllBytesOfBothGuards) {
 }
 
 TEST(Handle, CheckWantsAProcessor) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     Own.m_Record.m_pProcessor = nullptr;
     ClIpCalibrateLumivane2* pProcessor = &Own.m_Processor;
     EXPECT_EQ(CheckHandle(&Own.m_Record, &pProcessor), -43);
@@ -169,7 +168,7 @@ TEST(Handle, DeleteWantsAVariable) {
 }
 
 TEST(Handle, DeleteLeavesWhatIsNoHandle) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     Own.m_Record.m_acTail[3] = 'x';
     void* pHandle = &Own.m_Record;
     EXPECT_EQ(CalibrateDelete(&pHandle), -43);
@@ -265,7 +264,7 @@ TEST(Handle, GeometricOptionLeavesOtherKeys) {
 // Levels
 
 TEST(Handle, WarningLevelsAreThoseOfTheProcessor) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     double dDirt = -1;
     double dDry = -1;
     EXPECT_EQ(GetCalibrationWarningLevels(&Own.m_Record, &dDirt, &dDry), 0);
@@ -279,7 +278,7 @@ TEST(Handle, WarningLevelsAreThoseOfTheProcessor) {
 }
 
 TEST(Handle, WarningLevelsMayBeAskedForOneByOne) {
-    StOwnHandle Own;
+    StOwnHandle<> Own;
     Own.m_Processor.m_DynamicCalibration.m_dDirtWarningLevel = 1234.5;
     Own.m_Processor.m_DynamicCalibration.m_dDryFingerWarningLevel = 6.75;
     double dDirt = -1;

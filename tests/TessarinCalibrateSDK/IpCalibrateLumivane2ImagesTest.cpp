@@ -2,6 +2,7 @@
 
 #include "TessarinCalibrateSDK/IpCalibrateLumivane2.h"
 
+#include "TessarinCalibrateSDK/EngineWords.h"
 #include "TessarinCalibrateSDK/Trace.h"
 #include "Tools/FpImage.h"
 #include "support/AllocationFailures.h"
@@ -11,6 +12,8 @@
 #include <limits>
 
 using TestSupport::ClLogCapture;
+using TestSupport::cszMissing;
+using TestSupport::cszPlanes;
 using TestSupport::Lines;
 using TestSupport::PlausibleRecord;
 using TestSupport::Trace;
@@ -42,9 +45,6 @@ void ExpectFrame(ClImage& rFrame, int nLeft, int nTop, int nX, int nY, int nWidt
         }
     EXPECT_EQ(nWrong, 0);
 }
-
-const char* const cszMissing = "One of the required parameter is missing.";
-const char* const cszPlanes = "Only grey-scale images with 8-bit color-depth are supported.";
 
 } // namespace
 

@@ -4,6 +4,7 @@
 
 #include "ImageProcessing/IpFilterBase.h"
 #include "ImageProcessing/IpUnsharpMasking.h"
+#include "TessarinCalibrateSDK/EngineWords.h"
 #include "TessarinCalibrateSDK/Trace.h"
 #include "Tools/FpImage.h"
 #include "support/AllocationFailures.h"
@@ -15,6 +16,9 @@
 #include <random>
 
 using TestSupport::ClLogCapture;
+using TestSupport::cszMissing;
+using TestSupport::cszPlanes;
+using TestSupport::cszSingular;
 using TestSupport::Lines;
 using TestSupport::PlausibleRecord;
 using TestSupport::Trace;
@@ -65,12 +69,6 @@ void ExpectSamePixels(const ClImage& Image, const ClImage& Expected) {
                   0)
             << "line " << y;
 }
-
-const char* const cszMissing = "One of the required parameter is missing.";
-const char* const cszPlanes = "Only grey-scale images with 8-bit color-depth are supported.";
-const char* const cszSingular =
-    "Generation of Geometric Calibration data not possible, simgularity detected, "
-    "contact Tessarin";
 
 } // namespace
 

@@ -37,18 +37,18 @@ Lines OwnLines(const ClLogCapture& Log, const std::string& Function) {
     return aOwn;
 }
 
-struct StOutcome {
+struct StTargetCall {
     long m_nStatus;
     Lines m_aLines;
 };
 
-StOutcome Generate(StOwn& rOwn, Bytes aBlock) {
+StTargetCall Generate(StOwn& rOwn, Bytes aBlock) {
     const ClLogCapture Log;
     const long nStatus = CalibrateGenerateData(rOwn.Handle(), aBlock.data(), aBlock.size());
     return {nStatus, OwnLines(Log, "CalibrateGenerateData")};
 }
 
-StOutcome CheckEfts(StOwn& rOwn, Bytes aBlock) {
+StTargetCall CheckEfts(StOwn& rOwn, Bytes aBlock) {
     const ClLogCapture Log;
     double dResult = 0;
     const long nStatus = CalibrateCheckEfts(rOwn.Handle(), aBlock.data(), aBlock.size(), &dResult);
@@ -56,7 +56,7 @@ StOutcome CheckEfts(StOwn& rOwn, Bytes aBlock) {
 }
 
 /// Error, File and Leaving, all on one level, behind the Enter line.
-void ExpectCaught(const StOutcome& Outcome, const std::string& Function, long nNumber,
+void ExpectCaught(const StTargetCall& Outcome, const std::string& Function, long nNumber,
                   const std::string& Words, long nLevel) {
     EXPECT_EQ(Outcome.m_nStatus, nNumber);
     ASSERT_EQ(Outcome.m_aLines.size(), 4u);
@@ -120,7 +120,7 @@ TEST(TargetCalls, ReferenceThatIsNoneIsAFailure) {
 TEST(TargetCalls, CheckingLeavesTwoLines) {
     StOwn Own;
     Fill(PlausibleRecord(), Own.m_Processor.m_CalibrationData);
-    const StOutcome Outcome = CheckEfts(Own, TargetBlock(CorrectedTarget()));
+    const StTargetCall Outcome = CheckEfts(Own, TargetBlock(CorrectedTarget()));
     EXPECT_EQ(Outcome.m_nStatus, 0);
     ASSERT_EQ(Outcome.m_aLines.size(), 2u);
     EXPECT_EQ(Outcome.m_aLines[1], Leaving("CalibrateCheckEfts", 0));

@@ -2,6 +2,7 @@
 
 #include "Tools/FpImage.h"
 #include "support/BitmapBlocks.h"
+#include "support/BitmapStreams.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
@@ -16,17 +17,6 @@ constexpr int cnRed = 0;
 constexpr int cnGreen = 1;
 constexpr int cnBlue = 2;
 constexpr int cnAlpha = 3;
-
-StHead Head(int nWidth, int nHeight, int nBits, std::uint32_t nCompression = 0) {
-    StHead head;
-    head.m_nWidth = nWidth;
-    head.m_nHeight = nHeight;
-    head.m_nBits = nBits;
-    head.m_nCompression = nCompression;
-    head.m_nPelsX = 19685;
-    head.m_nPelsY = 9843;
-    return head;
-}
 
 /// A bitmap together with the parts that it was made of.
 struct StCase {

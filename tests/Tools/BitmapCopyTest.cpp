@@ -15,16 +15,6 @@ using namespace TestSupport;
 
 namespace {
 
-StHead Head(int nWidth, int nHeight, int nBits) {
-    StHead head;
-    head.m_nWidth = nWidth;
-    head.m_nHeight = nHeight;
-    head.m_nBits = nBits;
-    head.m_nPelsX = 19685;
-    head.m_nPelsY = 9843;
-    return head;
-}
-
 /// Blocks whose palettes are shorter, as long and longer than their depth needs.
 std::vector<Bytes> Blocks() {
     std::vector<Bytes> aBlocks;

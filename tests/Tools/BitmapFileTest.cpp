@@ -21,16 +21,6 @@ using namespace TestSupport;
 
 namespace {
 
-StHead Head(int nWidth, int nHeight, int nBits) {
-    StHead head;
-    head.m_nWidth = nWidth;
-    head.m_nHeight = nHeight;
-    head.m_nBits = nBits;
-    head.m_nPelsX = 19685;
-    head.m_nPelsY = 9843;
-    return head;
-}
-
 std::uint32_t UsualOffBits(int nBits) {
     return nBits <= 8 ? 54 + (4u << nBits) : 54;
 }

@@ -12,16 +12,6 @@ using namespace TestSupport;
 
 namespace {
 
-StHead Head(int nWidth, int nHeight, int nBits) {
-    StHead head;
-    head.m_nWidth = nWidth;
-    head.m_nHeight = nHeight;
-    head.m_nBits = nBits;
-    head.m_nPelsX = 19685;
-    head.m_nPelsY = 9843;
-    return head;
-}
-
 /// The block is attached to, so that the header's adjustment shows in it.
 Bytes StoredFrom(Bytes& aBlock) {
     ClBitmap bitmap;

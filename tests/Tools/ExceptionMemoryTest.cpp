@@ -33,7 +33,7 @@ void ExpectBadAlloc(Work work) {
     ADD_FAILURE() << "nothing was thrown";
 }
 
-ClException Owned() {
+ClException WithWords() {
     return {"words", -35, true, "Tools/Somewhere", 42};
 }
 
@@ -47,7 +47,7 @@ TEST(ExceptionMemory, ReplacesAnExceptionWithoutRoomForItsComment) {
     ExpectBadAlloc([] { ClExTessarin(-35, "a", 1); });
     ExpectBadAlloc([] { ClExStreamOpen("words", -204, true, "a", 1); });
     ExpectBadAlloc([] { ClExSystem("words", "a", 1); });
-    const ClException e = Owned();
+    const ClException e = WithWords();
     ExpectBadAlloc([&] { ClException copy(e); });
     ExpectBadAlloc([&] { ClExRange copy(e); });
 }
@@ -76,7 +76,7 @@ TEST(ExceptionMemory, LeaksNothingAtAnyPoint) {
 }
 
 TEST(ExceptionMemory, KeepsItsCommentWhenANewOneCannotBeMade) {
-    ClException e = Owned();
+    ClException e = WithWords();
     const char* const pComment = e.What();
     const ClException other("other", -37, true, "a", 1);
     ExpectBadAlloc([&] { e = other; });
@@ -156,7 +156,7 @@ TEST(ExBadAlloc, IsAssignedWithoutMemory) {
 }
 
 TEST(ExBadAlloc, IsMadeFromAnotherClassWithoutMemory) {
-    const ClException e = Owned();
+    const ClException e = WithWords();
     ClFailAllocation fail(0);
     const ClExBadAlloc poor(e);
     EXPECT_STREQ(poor.What(), cszStandardComment);

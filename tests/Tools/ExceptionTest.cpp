@@ -19,7 +19,7 @@ const std::string cszRangeWords = "One of the parameters is out of range.";
 const std::string cszMemoryWords = "Memory allocation failed or given mem-block too small.";
 
 /// A comment that is a text of its own, so that copies of it can be told apart from it.
-ClException Owned(const char* szText = "words") {
+ClException WithText(const char* szText = "words") {
     return {szText, -35, true, "Tools/Somewhere", 42};
 }
 
@@ -134,7 +134,7 @@ TEST(Exception, AnswersWhatThroughTheVirtualText) {
 // Copies
 
 TEST(Exception, CopiesAnOwnedComment) {
-    const ClException e = Owned();
+    const ClException e = WithText();
     const ClException copy(e);
     EXPECT_NE(copy.What(), e.What());
     ExpectOwnedContent(copy, "words");
@@ -148,15 +148,15 @@ TEST(Exception, SharesACommentThatIsNotOwned) {
 }
 
 TEST(Exception, CopiesAMissingComment) {
-    ClException e = Owned();
+    ClException e = WithText();
     e.SetComment(nullptr);
     const ClException copy(e);
     EXPECT_EQ(copy.What(), nullptr);
 }
 
 TEST(Exception, AssignsBetweenAllOwnerships) {
-    ClException owned = Owned();
-    const ClException other = Owned("other");
+    ClException owned = WithText();
+    const ClException other = WithText("other");
     owned = other;
     EXPECT_NE(owned.What(), other.What());
     ExpectOwnedContent(owned, "other");
@@ -173,7 +173,7 @@ TEST(Exception, AssignsBetweenAllOwnerships) {
 }
 
 TEST(Exception, ChangesNothingWhenAssignedToItself) {
-    ClException e = Owned();
+    ClException e = WithText();
     const char* pComment = e.What();
     const ClException& same = e;
     e = same;
@@ -190,7 +190,7 @@ TEST(Exception, ChangesNothingWhenAssignedToItself) {
 // Replaced comments
 
 TEST(Exception, ReplacesAnOwnedCommentByACopy) {
-    ClException e = Owned();
+    ClException e = WithText();
     std::string text = "other";
     e.SetComment(text.c_str());
     text = "OTHER";
@@ -209,7 +209,7 @@ TEST(Exception, PointsAtTheNewTextWhenItDoesNotOwnTheOldOne) {
 }
 
 TEST(Exception, DropsItsCommentForNull) {
-    ClException owned = Owned();
+    ClException owned = WithText();
     owned.SetComment(nullptr);
     EXPECT_EQ(owned.What(), nullptr);
     EXPECT_EQ(owned.what(), nullptr);
@@ -228,7 +228,7 @@ TEST(Exception, FormatsAComment) {
 
 TEST(Exception, FormatsLongCommentsCompletely) {
     const std::string text(100000, 'x');
-    ClException e = Owned();
+    ClException e = WithText();
     EXPECT_EQ(e.SetCommentV("%s!", text.c_str()), 100001);
     EXPECT_EQ(Comment(e), text + "!");
 }
@@ -243,7 +243,7 @@ TEST(Exception, OwnsAFormattedComment) {
 }
 
 TEST(Exception, LeavesNoCommentForAnEmptyFormat) {
-    for (ClException e : {Owned(), Pointing()}) {
+    for (ClException e : {WithText(), Pointing()}) {
         EXPECT_EQ(e.SetCommentV("%s", ""), 0);
         EXPECT_EQ(e.What(), nullptr);
         EXPECT_EQ(e.what(), nullptr);
@@ -266,7 +266,7 @@ TYPED_TEST(ExceptionClass, AddsNothingToTheCommonClass) {
 }
 
 TYPED_TEST(ExceptionClass, IsMadeFromAnyOfTheFamily) {
-    const TypeParam copied(Owned());
+    const TypeParam copied(WithText());
     ExpectOwnedContent(copied, "words");
     const TypeParam pointing(Pointing());
     EXPECT_EQ(pointing.What(), GetErrorDescriptionIntern(-37));
@@ -296,7 +296,7 @@ TYPED_TEST(ExceptionClass, IsCopiedAndAssigned) {
 }
 
 TEST(ExTessarin, IsMadeFromAnyOfTheFamily) {
-    ExpectOwnedContent(ClExTessarin(Owned()), "words");
+    ExpectOwnedContent(ClExTessarin(WithText()), "words");
 }
 
 TEST(ExSystem, SaysWhyTheSystemFailed) {
@@ -306,7 +306,7 @@ TEST(ExSystem, SaysWhyTheSystemFailed) {
     EXPECT_EQ(Comment(e), std::string(std::strerror(ENOENT)) + "\nno such thing");
     EXPECT_STREQ(e.File(), "Tools/Somewhere");
     EXPECT_EQ(e.Line(), 42);
-    ExpectOwnedContent(ClExSystem(Owned()), "words");
+    ExpectOwnedContent(ClExSystem(WithText()), "words");
 }
 
 TEST(ExFilesystem, SaysWhyTheFileFailedUnderItsOwnNumber) {
@@ -316,5 +316,5 @@ TEST(ExFilesystem, SaysWhyTheFileFailedUnderItsOwnNumber) {
     EXPECT_EQ(Comment(e), std::string(std::strerror(EACCES)) + "\nno entry");
     EXPECT_STREQ(e.File(), "Tools/Somewhere");
     EXPECT_EQ(e.Line(), 42);
-    ExpectOwnedContent(ClExFilesystem(Owned()), "words");
+    ExpectOwnedContent(ClExFilesystem(WithText()), "words");
 }

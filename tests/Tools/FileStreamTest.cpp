@@ -17,10 +17,10 @@
 #include <unistd.h>
 
 using TestSupport::Bytes;
+using TestSupport::cnRefused;
 
 namespace {
 
-constexpr unsigned int cnRefused = 0xFFFFFFFFu;
 const char* const cszFullDevice = "/dev/full"; // takes bytes and fails to store them
 
 /// Tests that keep a file.

@@ -3,6 +3,7 @@
 
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
+#include "support/BitmapStreams.h"
 #include "support/Images.h"
 #include "support/Throws.h"
 
@@ -14,16 +15,6 @@
 using namespace TestSupport;
 
 namespace {
-
-StHead Head(int nWidth, int nHeight, int nBits) {
-    StHead head;
-    head.m_nWidth = nWidth;
-    head.m_nHeight = nHeight;
-    head.m_nBits = nBits;
-    head.m_nPelsX = 19685;
-    head.m_nPelsY = 9843;
-    return head;
-}
 
 /// Sets every sample, not the padding, to a number of its own.
 void NumberSamples(ClImage& image) {

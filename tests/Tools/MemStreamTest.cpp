@@ -10,11 +10,10 @@
 
 using TestSupport::Bytes;
 using TestSupport::ClFailAllocation;
+using TestSupport::cnRefused;
 using TestSupport::Content;
 
 namespace {
-
-constexpr unsigned int cnRefused = 0xFFFFFFFFu;
 
 void WriteZeros(ClMemStream& rStream, unsigned long nCount) {
     const Bytes aZeros(nCount);

@@ -1,6 +1,7 @@
 #include "Tools/ParameterInterface.h"
 
 #include "Tools/FpImage.h"
+#include "support/ParameterEntries.h"
 
 #include <gtest/gtest.h>
 
@@ -11,8 +12,8 @@
 
 namespace {
 
-using ClEntry = ClParameterInterface::ClParameter;
-constexpr auto ceIn = ClParameterInterface::eIn;
+using TestSupport::ceIn;
+using TestSupport::ClEntry;
 
 /// A variable between two guards.
 template <class T>

@@ -1,6 +1,7 @@
 #include "Tools/ParameterInterface.h"
 
 #include "support/AllocationFailures.h"
+#include "support/ParameterEntries.h"
 #include "support/TestStreams.h"
 #include "support/Throws.h"
 
@@ -11,10 +12,10 @@
 
 namespace {
 
-using ClEntry = ClParameterInterface::ClParameter;
 using TestSupport::Bytes;
+using TestSupport::ceIn;
+using TestSupport::ClEntry;
 using TestSupport::Content;
-constexpr auto ceIn = ClParameterInterface::eIn;
 
 ClEntry* AddOf(ClParameterInterface& List, void* pValue, const char* szName, int nType) {
     return List.AddParameter(static_cast<void**>(pValue), szName, "", ceIn,

@@ -1,6 +1,7 @@
 #include "Tools/ParameterInterface.h"
 
 #include "support/AllocationFailures.h"
+#include "support/ParameterEntries.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -11,8 +12,8 @@
 
 namespace {
 
-using ClEntry = ClParameterInterface::ClParameter;
-constexpr auto ceIn = ClParameterInterface::eIn;
+using TestSupport::ceIn;
+using TestSupport::ClEntry;
 
 static_assert(!std::is_copy_constructible_v<ClParameterInterface>);
 static_assert(!std::is_copy_constructible_v<ClEntry>);

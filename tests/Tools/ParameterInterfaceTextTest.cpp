@@ -1,6 +1,7 @@
 #include "Tools/ParameterInterface.h"
 
 #include "support/AllocationFailures.h"
+#include "support/ParameterEntries.h"
 #include "support/Throws.h"
 
 #include <cmath>
@@ -10,8 +11,8 @@
 
 namespace {
 
-using ClEntry = ClParameterInterface::ClParameter;
-constexpr auto ceIn = ClParameterInterface::eIn;
+using TestSupport::ceIn;
+using TestSupport::ClEntry;
 
 /// The text of a variable in an entry of a type that no form of adding chooses by itself.
 template <class T>

@@ -2,6 +2,7 @@
 
 #include "support/TestStreams.h"
 #include "support/Throws.h"
+#include "support/VirtualSlots.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 using TestSupport::Bytes;
 using TestSupport::ClPipeStream;
 using TestSupport::Content;
+using TestSupport::SlotOf;
 
 // Numbers
 
@@ -352,30 +354,17 @@ TEST(Stream, TheRefusalOfPendingBitsTellsWhereItComesFrom) {
 
 // The layout that callers are compiled against
 
-namespace {
-
-/// Place of a virtual operation in the table of its class, as the pointer to it holds it: one more
-/// than its offset in bytes.
-template <class Member>
-std::size_t SlotOf(Member member) {
-    std::size_t nOffset = 0;
-    std::memcpy(&nOffset, &member, sizeof nOffset);
-    return (nOffset - 1) / sizeof(void*);
-}
-
-} // namespace
-
 TEST(Stream, KeepsItsVirtualOperationsInTheirPlaces) {
-    EXPECT_EQ(SlotOf(&ClStream::Close), 2u); // behind the two entries of the destructor
-    EXPECT_EQ(SlotOf(&ClStream::Pos), 3u);
-    EXPECT_EQ(SlotOf(&ClStream::Size), 4u);
-    EXPECT_EQ(SlotOf(&ClStream::Flush), 5u);
-    EXPECT_EQ(SlotOf(&ClStream::Seek), 6u);
-    EXPECT_EQ(SlotOf(&ClStream::Name), 7u);
-    EXPECT_EQ(SlotOf(&ClStream::IsSeekable), 8u);
-    EXPECT_EQ(SlotOf(&ClStream::WriteRaw), 9u);
-    EXPECT_EQ(SlotOf(&ClStream::ReadRaw), 10u);
-    EXPECT_EQ(SlotOf(&ClMemStream::GetData), 11u);
+    EXPECT_EQ(SlotOf(&ClStream::Close), 2); // behind the two entries of the destructor
+    EXPECT_EQ(SlotOf(&ClStream::Pos), 3);
+    EXPECT_EQ(SlotOf(&ClStream::Size), 4);
+    EXPECT_EQ(SlotOf(&ClStream::Flush), 5);
+    EXPECT_EQ(SlotOf(&ClStream::Seek), 6);
+    EXPECT_EQ(SlotOf(&ClStream::Name), 7);
+    EXPECT_EQ(SlotOf(&ClStream::IsSeekable), 8);
+    EXPECT_EQ(SlotOf(&ClStream::WriteRaw), 9);
+    EXPECT_EQ(SlotOf(&ClStream::ReadRaw), 10);
+    EXPECT_EQ(SlotOf(&ClMemStream::GetData), 11);
 }
 
 // What a stream answers that overrides nothing

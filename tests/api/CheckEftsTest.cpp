@@ -1,5 +1,7 @@
 // The geometric accuracy of corrected images of the dot target.
 
+#include "api/Api.h"
+#include "api/LoadedHandle.h"
 #include "api/WaitingHandle.h"
 #include "support/DotTargets.h"
 #include "support/GuardedMemory.h"
@@ -14,17 +16,13 @@ using TestSupport::DataBlock;
 using TestSupport::DataFile;
 using TestSupport::PlausibleRecord;
 using TestSupport::RecordBlock;
+using TestSupport::StLoaded;
 using TestSupport::StRecord;
 using TestSupport::StTargetImage;
 using TestSupport::StWaiting;
 using TestSupport::TargetBlock;
 
 namespace {
-
-/// A handle with the ideal pattern as its target.
-struct StReady : ClApiHandle {
-    StReady() { EXPECT_EQ(SetData(RecordBlock(PlausibleRecord())), 0); }
-};
 
 /// The percentage of a block; -1.0 where the call fails.
 double Percent(void* pHandle, const Bytes& aBlock, long nExpected = QMT_SUCCESS) {
@@ -50,14 +48,14 @@ TEST(CalibrateCheckEfts, GivesThePercentagesOfAnIndependentModel) {
 }
 
 TEST(CalibrateCheckEfts, OfTheIdealPatternIs100) {
-    const StReady Handle;
+    const StLoaded Handle;
     EXPECT_EQ(Percent(Handle, TargetBlock(CorrectedTarget())), 100.0);
 }
 
 TEST(CalibrateCheckEfts, OfAPatternTwoPercentTooLargeIs0) {
     StTargetImage Image = CorrectedTarget();
     Image.m_dScale = 1.02;
-    const StReady Handle;
+    const StLoaded Handle;
     EXPECT_EQ(Percent(Handle, TargetBlock(Image)), 0.0);
 }
 
@@ -65,7 +63,7 @@ TEST(CalibrateCheckEfts, LooksAtNoOption) {
     const Bytes aBlock = TargetBlock(CorrectedTarget());
     for (const char* szOption : {"GeometricCalibrate=off", "GeometricCalibrate=oddLines",
                                  "MaskIsOutput=true", "DynamicFingerMask=true"}) {
-        StReady Handle;
+        StLoaded Handle;
         Handle.Set(szOption);
         EXPECT_EQ(Percent(Handle, aBlock), 100.0) << szOption;
     }
@@ -75,12 +73,12 @@ TEST(CalibrateCheckEfts, TakesImagesOfAnySize) {
     StTargetImage Image = CorrectedTarget();
     Image.m_nWidth = 263;
     Image.m_nHeight = 601;
-    const StReady Handle;
+    const StLoaded Handle;
     EXPECT_EQ(Percent(Handle, TargetBlock(Image)), 100.0);
 }
 
 TEST(CalibrateCheckEfts, LeavesResultAndDataWhereTheTargetIsNotFound) {
-    StReady Handle;
+    StLoaded Handle;
     StTargetImage Incomplete = CorrectedTarget();
     Incomplete.m_aMissing = {70};
     StTargetImage Slanted = CorrectedTarget();
@@ -122,7 +120,7 @@ TEST(CalibrateCheckEfts, RefusesATargetWithoutResolutionBetweenFindingDotsAndJud
 }
 
 TEST(CalibrateCheckEfts, KeepsDataAndTableOnSuccess) {
-    StReady Handle;
+    StLoaded Handle;
     const Bytes aTable = Handle.PrecalculatedData();
     EXPECT_EQ(Percent(Handle, TargetBlock(CorrectedTarget())), 100.0);
     EXPECT_EQ(Handle.Data(), RecordBlock(PlausibleRecord()));
@@ -130,7 +128,7 @@ TEST(CalibrateCheckEfts, KeepsDataAndTableOnSuccess) {
 }
 
 TEST(CalibrateCheckEfts, ReadsNothingBehindTheBlock) {
-    const StReady Handle;
+    const StLoaded Handle;
     const TestSupport::ClGuardedBlock Guarded(TargetBlock(CorrectedTarget()));
     double dPercent = 0.0;
     EXPECT_EQ(CalibrateCheckEfts(Handle, Guarded.Data(), Guarded.Size(), &dPercent), 0);

@@ -1,6 +1,7 @@
 // The calibration block: loading, saving, and what survives a failure.
 
 #include "api/Api.h"
+#include "api/LoadedHandle.h"
 #include "support/Records.h"
 #include "support/TestData.h"
 
@@ -9,14 +10,10 @@ using TestSupport::Capture;
 using TestSupport::ClApiHandle;
 using TestSupport::PlausibleRecord;
 using TestSupport::RecordBlock;
+using TestSupport::StLoaded;
 using TestSupport::StRecord;
 
 namespace {
-
-/// A handle that holds a record.
-struct StLoaded : ClApiHandle {
-    StLoaded() { EXPECT_EQ(SetData(RecordBlock(PlausibleRecord())), 0); }
-};
 
 Bytes Broken() {
     Bytes aBlock = RecordBlock(PlausibleRecord());

@@ -1,6 +1,7 @@
 // The finished image, the finger mask and the levels, as an application gets them.
 
 #include "api/Api.h"
+#include "support/DataJson.h"
 #include "support/Md5.h"
 #include "support/Records.h"
 #include "support/TestData.h"
@@ -15,13 +16,9 @@ using TestSupport::Bytes;
 using TestSupport::ClApiHandle;
 using TestSupport::DataBlock;
 using TestSupport::DataFile;
+using TestSupport::DataJson;
 
 namespace {
-
-json Parsed(const std::string& Name) {
-    const Bytes aText = DataFile(Name);
-    return json::parse(aText.begin(), aText.end());
-}
 
 struct StLevels {
     double m_dDirt = -1.0;
@@ -99,8 +96,8 @@ void ExpectRun(const std::string& Kind, const json& Told, bool bSensitive, const
 } // namespace
 
 TEST(DynamicCalibration, OfRawCapturesIsThatOfAnIndependentModel) {
-    const json Captures = Parsed("dynamic/dynamic.json");
-    const json Digests = Parsed("dynamic/digests.json");
+    const json Captures = DataJson("dynamic/dynamic.json");
+    const json Digests = DataJson("dynamic/digests.json");
     ASSERT_EQ(Captures.size(), 8u);
     for (const json& Capture : Captures) {
         const std::string Kind = Capture["kind"];

@@ -22,9 +22,9 @@ using TestSupport::RecordBlock;
 namespace {
 
 /// Every call that takes a bitmap, on one block whose first `nReal` bytes exist.
-class ClVictim {
+class ClBitmapVictim {
 public:
-    ClVictim() {
+    ClBitmapVictim() {
         for (ClApiHandle* pHandle : {&m_Ready, &m_Odd, &m_Spline})
             EXPECT_EQ(pHandle->SetData(RecordBlock(PlausibleRecord())), 0);
         m_Ready.Set("GeometricCalibrate=off");
@@ -97,14 +97,14 @@ void Store(Bytes& rBlock, std::size_t nOffset, std::int64_t nValue, std::size_t 
 } // namespace
 
 TEST(HostileBitmap, CutAtEveryByte) {
-    ClVictim Victim;
+    ClBitmapVictim Victim;
     const Bytes aBlock = SmallPalette(7, 5);
     for (std::size_t nSize = 0; nSize <= aBlock.size(); ++nSize)
         Victim.Attack(aBlock, nSize, nSize);
 }
 
 TEST(HostileBitmap, WithEveryBitFlipped) {
-    ClVictim Victim;
+    ClBitmapVictim Victim;
     const Bytes aBlock = SmallPalette(7, 5);
     for (std::size_t nBit = 0; nBit < aBlock.size() * 8; ++nBit) {
         Bytes aFlipped = aBlock;
@@ -114,7 +114,7 @@ TEST(HostileBitmap, WithEveryBitFlipped) {
 }
 
 TEST(HostileBitmap, WithExtremeFields) {
-    ClVictim Victim;
+    ClBitmapVictim Victim;
     const std::int64_t anExtremes[] = {
         0,          1,          2,          3,          4,          5,          8,
         39,         41,         255,        256,        257,        0x7FFF,     0x8000,
@@ -136,7 +136,7 @@ TEST(HostileBitmap, WithExtremeFields) {
 }
 
 TEST(HostileBitmap, WithPairsOfExtremeSides) {
-    ClVictim Victim;
+    ClBitmapVictim Victim;
     const std::int64_t anSides[] = {0,     1,       2,       -1,      -2,      -8,     65535,
                                     65536, 1 << 28, 1 << 29, INT_MAX, INT_MIN, -65536, INT_MIN + 1};
     for (const std::int64_t nWidth : anSides)
@@ -157,7 +157,7 @@ TEST(HostileBitmap, WithPairsOfExtremeSides) {
 // A negative height implies nearly 4 GiB; a caller who says that they are there is not asked for
 // more than header and palette.
 TEST(HostileBitmap, OfNegativeHeightIsReadNoFurtherThanItsPalette) {
-    ClVictim Victim;
+    ClBitmapVictim Victim;
     Bytes aBlock = SmallPalette(4, 1);
     aBlock.resize(48);
     Store(aBlock, 8, -1, 4);
@@ -165,7 +165,7 @@ TEST(HostileBitmap, OfNegativeHeightIsReadNoFurtherThanItsPalette) {
 }
 
 TEST(HostileBitmap, WithEveryCompressionAndDepth) {
-    ClVictim Victim;
+    ClBitmapVictim Victim;
     for (const int nDepth : {1, 4, 8, 16, 24, 32})
         for (std::uint32_t nCompression = 0; nCompression < 6; ++nCompression)
             for (const std::uint32_t nUsed : {0u, 1u, 3u, 300u}) {

@@ -18,9 +18,9 @@ using TestSupport::TableOf;
 
 namespace {
 
-class ClVictim {
+class ClTableVictim {
 public:
-    ClVictim() : m_aRecord(RecordBlock(PlausibleRecord())) {
+    ClTableVictim() : m_aRecord(RecordBlock(PlausibleRecord())) {
         m_Handle.Set("PrecalculatedData=true");
     }
 
@@ -75,7 +75,7 @@ Bytes BlockOf(const StTable& Table) {
     return PrecalculatedBlock(Table, HashOf(PlausibleRecord()));
 }
 
-const std::uint32_t canExtremes[] = {
+const std::uint32_t canTableExtremes[] = {
     0,          1,          2,          3,          4,          5,         35,      36,
     37,         72,         255,        16384,      16385,      0xFFFF,    0x10000, 0x01000000,
     0x07FFFFFF, 0x4B504600, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFC, 0xFFFFFFFF};
@@ -83,7 +83,7 @@ const std::uint32_t canExtremes[] = {
 } // namespace
 
 TEST(HostilePrecalculated, CutAtEveryByte) {
-    ClVictim Victim;
+    ClTableVictim Victim;
     const Bytes aBlock = BlockOf(TableOf());
     for (std::size_t nSize = 0; nSize < aBlock.size(); ++nSize)
         EXPECT_EQ(Victim.Attack(aBlock, nSize), QMT_ERROR_UNEXPECTED_SIGNATURE) << nSize;
@@ -91,7 +91,7 @@ TEST(HostilePrecalculated, CutAtEveryByte) {
 }
 
 TEST(HostilePrecalculated, WithEveryBitFlipped) {
-    ClVictim Victim;
+    ClTableVictim Victim;
     const Bytes aBlock = BlockOf(TableOf());
     for (std::size_t nBit = 0; nBit < aBlock.size() * 8; ++nBit) {
         Bytes aFlipped = aBlock;
@@ -101,10 +101,10 @@ TEST(HostilePrecalculated, WithEveryBitFlipped) {
 }
 
 TEST(HostilePrecalculated, WithExtremeNumbers) {
-    ClVictim Victim;
+    ClTableVictim Victim;
     const Bytes aBlock = BlockOf(TableOf());
     for (std::size_t nOffset = 0; nOffset + 4 <= aBlock.size(); ++nOffset)
-        for (const std::uint32_t nValue : canExtremes) {
+        for (const std::uint32_t nValue : canTableExtremes) {
             if (nOffset > 28 + 94 + 36 && nOffset < aBlock.size() - 8)
                 continue; // one table entry stands for all
             Bytes aChanged = aBlock;
@@ -115,9 +115,9 @@ TEST(HostilePrecalculated, WithExtremeNumbers) {
 }
 
 TEST(HostilePrecalculated, WithConsistentSizesThatTheBlockDoesNotHold) {
-    ClVictim Victim;
-    for (const std::uint32_t nWidth : canExtremes)
-        for (const std::uint32_t nHeight : canExtremes)
+    ClTableVictim Victim;
+    for (const std::uint32_t nWidth : canTableExtremes)
+        for (const std::uint32_t nHeight : canTableExtremes)
             for (std::uint32_t nPlanes = 0; nPlanes < 5; ++nPlanes) {
                 StTable Table = TableOf();
                 Table.m_nTargetWidth = Table.m_nImageWidth = nWidth;
@@ -132,7 +132,7 @@ TEST(HostilePrecalculated, WithConsistentSizesThatTheBlockDoesNotHold) {
 
 // The table ends where its pixels end: entries of every offset, weights of every size.
 TEST(HostilePrecalculated, WithEveryOffset) {
-    ClVictim Victim;
+    ClTableVictim Victim;
     for (std::int32_t nOffset = -200; nOffset < 400; ++nOffset) {
         const bool bInside = nOffset >= 0 && nOffset % 12 <= 6 && nOffset / 12 <= 5;
         EXPECT_EQ(Victim.Attack(BlockOf(TableOf({nOffset, -1, -1, -1, -1, nOffset}))),
@@ -145,7 +145,7 @@ TEST(HostilePrecalculated, WithEveryOffset) {
 }
 
 TEST(HostilePrecalculated, WithSeveralPlanesOfAGreyScanner) {
-    ClVictim Victim;
+    ClTableVictim Victim;
     for (std::uint32_t nPlanes = 2; nPlanes <= 3; ++nPlanes) {
         StTable Table = TableOf();
         const Bytes aOnce = Table.m_aTable;
@@ -158,7 +158,7 @@ TEST(HostilePrecalculated, WithSeveralPlanesOfAGreyScanner) {
 }
 
 TEST(HostilePrecalculated, OfAnyBytesAtAll) {
-    ClVictim Victim;
+    ClTableVictim Victim;
     const Bytes aBlock = BlockOf(TableOf());
     std::mt19937 Random(12);
     for (int i = 0; i < 2000; ++i) {

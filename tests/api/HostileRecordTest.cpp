@@ -18,9 +18,9 @@ using TestSupport::StRecord;
 namespace {
 
 /// The calls that take a record, without the work of preparing a table.
-class ClVictim {
+class ClRecordVictim {
 public:
-    ClVictim() { m_Handle.Set("PrecalculatedData=true"); }
+    ClRecordVictim() { m_Handle.Set("PrecalculatedData=true"); }
 
     /// What a block gives; the handle is in order afterwards whatever it was.
     long Attack(const Bytes& aBlock, std::size_t nSize) {
@@ -72,7 +72,7 @@ StRecord OfLayout(int nLayout) {
     return nLayout < 2 ? PlausibleRecord(390, 1052, 320, 480, 19685) : PlausibleRecord();
 }
 
-const std::uint32_t canExtremes[] = {
+const std::uint32_t canRecordExtremes[] = {
     0,          1,          2,          3,          4,          74,         75,         76,
     150,        255,        16384,      16385,      0xFFFF,     0x10000,    0x1FFFFFFF, 0x20000000,
     0x7F800000, 0x7FC00000, 0x7FFFFFFF, 0x80000000, 0xFF800000, 0xFFFFFFF8, 0xFFFFFFFF};
@@ -80,7 +80,7 @@ const std::uint32_t canExtremes[] = {
 } // namespace
 
 TEST(HostileRecord, CutAtEveryByteOfEveryLayout) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     for (int nLayout = 0; nLayout <= 6; ++nLayout) {
         const Bytes aBlock = RecordBlock(PlausibleRecord(), nLayout);
         for (std::size_t nSize = 0; nSize < aBlock.size(); ++nSize)
@@ -89,7 +89,7 @@ TEST(HostileRecord, CutAtEveryByteOfEveryLayout) {
 }
 
 TEST(HostileRecord, WithEveryBitFlipped) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     const Bytes aBlock = RecordBlock(PlausibleRecord());
     for (std::size_t nBit = 0; nBit < aBlock.size() * 8; ++nBit) {
         Bytes aFlipped = aBlock;
@@ -105,7 +105,7 @@ TEST(HostileRecord, WithEveryBitFlipped) {
 }
 
 TEST(HostileRecord, WithEveryBitFlippedWhereNoChecksumWatches) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     for (const int nLayout : {2, 5}) {
         const Bytes aBlock = RecordBlock(PlausibleRecord(), nLayout);
         for (std::size_t nBit = 0; nBit < aBlock.size() * 8; ++nBit) {
@@ -117,9 +117,9 @@ TEST(HostileRecord, WithEveryBitFlippedWhereNoChecksumWatches) {
 }
 
 TEST(HostileRecord, WithExtremeNumbersUnderARightChecksum) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     for (std::size_t nOffset = 12; nOffset + 8 <= 49; nOffset += 4)
-        for (const std::uint32_t nValue : canExtremes) {
+        for (const std::uint32_t nValue : canRecordExtremes) {
             Bytes aBlock = RecordBlock(PlausibleRecord());
             StoreBig(aBlock, nOffset, nValue);
             TestSupport::RenewCrc(aBlock);
@@ -133,12 +133,12 @@ TEST(HostileRecord, WithExtremeNumbersUnderARightChecksum) {
 }
 
 TEST(HostileRecord, WithExtremeCountsUnderARightChecksum) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     for (int nLayout = 0; nLayout <= 6; ++nLayout) {
         const Bytes aBlock = RecordBlock(OfLayout(nLayout), nLayout);
         const std::size_t nSecond = aBlock.size() - (nLayout == 6 ? 4 : 0) - 75 * 8 - 4;
         for (const std::size_t nOffset : {nSecond - 75 * 8 - 4, nSecond})
-            for (const std::uint32_t nValue : canExtremes) {
+            for (const std::uint32_t nValue : canRecordExtremes) {
                 Bytes aChanged = aBlock;
                 StoreBig(aChanged, nOffset, nValue);
                 if (nLayout == 6)
@@ -149,7 +149,7 @@ TEST(HostileRecord, WithExtremeCountsUnderARightChecksum) {
 }
 
 TEST(HostileRecord, WithCoordinatesThatAreNoNumbers) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     for (const float f :
          {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
           -std::numeric_limits<float>::infinity()})
@@ -162,7 +162,7 @@ TEST(HostileRecord, WithCoordinatesThatAreNoNumbers) {
 }
 
 TEST(HostileRecord, WithMorePlanesThanLists) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     StRecord Record = PlausibleRecord();
     for (const std::uint32_t nPlanes : {0u, 2u, 3u}) {
         Record.m_nPlanes = nPlanes;
@@ -200,7 +200,7 @@ TEST(HostileRecord, WithExtremeCoordinatesPreparesOrRefuses) {
 }
 
 TEST(HostileRecord, OfAnyBytesAtAll) {
-    ClVictim Victim;
+    ClRecordVictim Victim;
     std::mt19937 Random(11);
     for (int i = 0; i < 2000; ++i) {
         Bytes aBlock(Random() % 1500);

@@ -1,6 +1,9 @@
 // The precalculated block: the fast start, and what ties it to one calibration block.
 
+#include "api/Api.h"
+#include "api/LoadedHandle.h"
 #include "api/WaitingHandle.h"
+#include "support/Tables.h"
 
 using TestSupport::Bytes;
 using TestSupport::Capture;
@@ -9,15 +12,12 @@ using TestSupport::HashOf;
 using TestSupport::PlausibleRecord;
 using TestSupport::PrecalculatedBlock;
 using TestSupport::RecordBlock;
+using TestSupport::StLoaded;
 using TestSupport::StRecord;
 using TestSupport::StWaiting;
 using TestSupport::TableOf;
 
 namespace {
-
-struct StLoaded : ClApiHandle {
-    StLoaded() { EXPECT_EQ(SetData(RecordBlock(PlausibleRecord())), 0); }
-};
 
 constexpr unsigned long cnBlock = 28 + 94 + 40 * 60 * 36 + 4;
 

@@ -1,6 +1,7 @@
 // What an independent model gives for the same blocks and captures.
 
 #include "api/Api.h"
+#include "support/DataJson.h"
 #include "support/Md5.h"
 #include "support/TestData.h"
 
@@ -11,15 +12,11 @@ using TestSupport::Bytes;
 using TestSupport::ClApiHandle;
 using TestSupport::DataBlock;
 using TestSupport::DataFile;
+using TestSupport::DataJson;
 
 namespace {
 
 constexpr std::size_t cnTableOffset = 28 + 94;
-
-json Parsed(const std::string& Name) {
-    const Bytes aText = DataFile(Name);
-    return json::parse(aText.begin(), aText.end());
-}
 
 /// The table of a precalculated block without header, record and end magic.
 Bytes TableOfBlock(const Bytes& aBlock) {
@@ -55,7 +52,7 @@ void ExpectSameImage(const Bytes& aBlock, const Bytes& aExpected) {
 } // namespace
 
 TEST(Vectors, TablesAreByteForByteAsTold) {
-    const json Tables = Parsed("tables/tables.json");
+    const json Tables = DataJson("tables/tables.json");
     ASSERT_EQ(Tables.size(), 4u);
     for (const json& Table : Tables) {
         ClApiHandle Handle;
@@ -73,7 +70,7 @@ TEST(Vectors, TablesAreByteForByteAsTold) {
 
 TEST(Vectors, HashesAreThoseToldForEveryLayout) {
     int nHashes = 0;
-    for (const json& Scanner : Parsed("records/records.json"))
+    for (const json& Scanner : DataJson("records/records.json"))
         for (const json& Layout : Scanner["layouts"]) {
             ClApiHandle Handle;
             Handle.Set("PrecalculatedData=true");
@@ -87,8 +84,8 @@ TEST(Vectors, HashesAreThoseToldForEveryLayout) {
 }
 
 TEST(Vectors, EveryLayoutGivesTheSameTable) {
-    const json Tables = Parsed("tables/tables.json");
-    const json Scanner = Parsed("records/records.json")[0];
+    const json Tables = DataJson("tables/tables.json");
+    const json Scanner = DataJson("records/records.json")[0];
     ASSERT_EQ(DataFile("tables/scanner900.cal"), DataFile("records/scanner900_layout6.cal"));
     ClApiHandle Newest;
     ASSERT_EQ(Newest.SetData(DataFile("records/scanner900_layout6.cal")), 0);
@@ -102,7 +99,7 @@ TEST(Vectors, EveryLayoutGivesTheSameTable) {
 }
 
 TEST(Vectors, CorrectedCapturesAreAsTold) {
-    const json Captures = Parsed("geometric/geometric.json");
+    const json Captures = DataJson("geometric/geometric.json");
     ASSERT_EQ(Captures.size(), 3u);
     for (const json& Capture : Captures) {
         ClApiHandle Handle;

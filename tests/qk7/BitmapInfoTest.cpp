@@ -37,7 +37,7 @@ std::optional<std::uint64_t> Implied(const StHeader& Header) {
     return ReadBitmapInfo(HeaderOf(Header)).m_nImpliedBytes;
 }
 
-std::string WordsOf(const Bytes& Content) {
+std::string BitmapWords(const Bytes& Content) {
     try {
         ReadBitmapInfo(Content);
     } catch (const ClFailure& failure) {
@@ -102,17 +102,17 @@ TEST(Qk7BitmapInfo, NamesAHeaderOfAnotherSize) {
     Bytes block = HeaderOf({});
     block[0] = 124;
 
-    EXPECT_EQ(WordsOf(block), "has an info header of 124 bytes, one of 40 bytes is expected");
+    EXPECT_EQ(BitmapWords(block), "has an info header of 124 bytes, one of 40 bytes is expected");
 }
 
 TEST(Qk7BitmapInfo, IsRefusedWithACutHeader) {
     const Bytes file = GreyFileHeader(7, 3) + HeaderOf({});
 
     for (std::size_t nSize = 2; nSize < file.size(); ++nSize)
-        EXPECT_NE(WordsOf(Bytes(file.data(), file.data() + nSize)), "read") << nSize;
-    EXPECT_EQ(WordsOf(Bytes(file.data(), file.data() + 20)),
+        EXPECT_NE(BitmapWords(Bytes(file.data(), file.data() + nSize)), "read") << nSize;
+    EXPECT_EQ(BitmapWords(Bytes(file.data(), file.data() + 20)),
               "ends at byte 20, but the info header at byte 18 needs 4 bytes");
-    EXPECT_EQ(WordsOf(file), "read");
+    EXPECT_EQ(BitmapWords(file), "read");
 }
 
 TEST(Qk7BitmapBytes, IsTheBlockOfAGreyImage) {

@@ -30,7 +30,7 @@ void Replace32(Bytes& rBlock, std::size_t nAt, std::uint32_t nValue) {
     ReplaceText(rBlock, nAt, ToText(number));
 }
 
-std::string WordsOf(const Bytes& Block) {
+std::string RecordWords(const Bytes& Block) {
     try {
         ReadCalibrationInfo(Block);
     } catch (const ClFailure& failure) {
@@ -103,7 +103,7 @@ TEST_P(Qk7CalibrationLayout, IsRefusedAtEveryShorterLength) {
     const Bytes block = Layout(GetParam());
 
     for (std::size_t nSize = 0; nSize < block.size(); ++nSize)
-        EXPECT_NE(WordsOf(Bytes(block.data(), block.data() + nSize)), "read") << nSize;
+        EXPECT_NE(RecordWords(Bytes(block.data(), block.data() + nSize)), "read") << nSize;
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Qk7CalibrationLayout, testing::Range(0, 7));
@@ -123,7 +123,7 @@ TEST(Qk7CalibrationInfo, RefusesTheOldestVersionOfTheOldTags) {
     Bytes block = Get(DataPath("records/scanner900_old_tags.cal"));
     ReplaceText(block, 8, "001");
 
-    EXPECT_EQ(WordsOf(block), "version 001 with the tag Lmv cannot be read");
+    EXPECT_EQ(RecordWords(block), "version 001 with the tag Lmv cannot be read");
 }
 
 TEST(Qk7CalibrationInfo, ReadsOtherVersionsOfTheOldTagsByTheirNumber) {
@@ -151,8 +151,9 @@ TEST(Qk7CalibrationInfo, NamesATagThatIsNone) {
     ReplaceText(first, 3, "X");
     ReplaceText(second, 4, "geo");
 
-    EXPECT_EQ(WordsOf(first), "does not begin with the tag CAL or Cal of a calibration block");
-    EXPECT_EQ(WordsOf(second), "does not have the tag GEO or Lmv of a calibration block at byte 4");
+    EXPECT_EQ(RecordWords(first), "does not begin with the tag CAL or Cal of a calibration block");
+    EXPECT_EQ(RecordWords(second),
+              "does not have the tag GEO or Lmv of a calibration block at byte 4");
 }
 
 TEST(Qk7CalibrationInfo, FindsTheStoredChecksumRight) {
@@ -183,15 +184,16 @@ TEST(Qk7CalibrationInfo, RefusesACountThatTheBlockCannotHold) {
     Bytes block = Layout(6);
     Replace32(block, cnCountAt, 0xFFFFFFFFU);
 
-    EXPECT_EQ(WordsOf(block), "the list of target points claims 4294967295 points, but only 1208 "
-                              "bytes follow");
+    EXPECT_EQ(RecordWords(block),
+              "the list of target points claims 4294967295 points, but only 1208 "
+              "bytes follow");
 }
 
 TEST(Qk7CalibrationInfo, RefusesMoreThanThreePlanes) {
     Bytes block = Layout(6);
     Replace32(block, cnPlanesAt, 4);
 
-    EXPECT_EQ(WordsOf(block), "claims 4 planes, at most 3 are possible");
+    EXPECT_EQ(RecordWords(block), "claims 4 planes, at most 3 are possible");
 }
 
 TEST(Qk7CalibrationInfo, ReadsARecordWithoutPlanes) {
@@ -254,6 +256,6 @@ TEST(Qk7CalibrationInfo, SurvivesEveryChangedByte) {
         for (const int nValue : {0x00, 0x01, 0x7F, 0x80, 0xFF}) {
             Bytes changed = block;
             changed[i] = static_cast<unsigned char>(nValue);
-            WordsOf(changed); // reads or throws a ClFailure; anything else ends the test
+            RecordWords(changed); // reads or throws a ClFailure; anything else ends the test
         }
 }

@@ -1,5 +1,6 @@
 /// `qk7 calibrate`: what it says when something is wrong, and that it then writes nothing.
 
+#include "qk7/ChangedBytes.h"
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
 #include "qk7/TestFiles.h"
@@ -51,11 +52,6 @@ protected:
 
     ClTestFolder m_Folder;
 };
-
-Bytes With(Bytes block, std::size_t nAt, unsigned char nValue) {
-    block[nAt] = nValue;
-    return block;
-}
 
 } // namespace
 

@@ -2,6 +2,7 @@
 /// there was.
 
 #include "apps/qk7/RecordFault.h"
+#include "qk7/ChangedBytes.h"
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
 #include "qk7/Targets.h"
@@ -114,11 +115,6 @@ Bytes TargetWithStandIn(double dRight, double dDown) {
     sim::ClDirtSettings dirt;
     dirt.m_aPlaced = {speck};
     return RawTarget(Without({38}), dirt);
-}
-
-Bytes With(Bytes block, std::size_t nAt, unsigned char nValue) {
-    block[nAt] = nValue;
-    return block;
 }
 
 } // namespace

@@ -44,7 +44,7 @@ Bytes Block() {
     return block;
 }
 
-std::string WordsOf(const Bytes& Content) {
+std::string TableWords(const Bytes& Content) {
     try {
         ReadPrecalculatedInfo(Content);
     } catch (const ClFailure& failure) {
@@ -107,7 +107,7 @@ TEST(Qk7PrecalculatedInfo, NamesTheFieldThatIsNotTheExpected) {
         {cnTableAt + 360, "the end magic of the table"},
     };
     for (const auto& field : aFields)
-        EXPECT_EQ(WordsOf(With(field.m_nAt, '7')),
+        EXPECT_EQ(TableWords(With(field.m_nAt, '7')),
                   field.m_szField + std::string(" of the precalculated block is not the expected"));
 }
 
@@ -115,11 +115,11 @@ TEST(Qk7PrecalculatedInfo, IsRefusedAtEveryShorterLength) {
     const Bytes block = Block();
 
     for (std::size_t nSize = 0; nSize < block.size(); ++nSize)
-        EXPECT_NE(WordsOf(Bytes(block.data(), block.data() + nSize)), "read") << nSize;
+        EXPECT_NE(TableWords(Bytes(block.data(), block.data() + nSize)), "read") << nSize;
 }
 
 TEST(Qk7PrecalculatedInfo, SaysThatABlockHoldsNoTable) {
-    EXPECT_EQ(WordsOf(With(28 + 39, 0)),
+    EXPECT_EQ(TableWords(With(28 + 39, 0)),
               "holds no table: it was stored before the table was prepared");
 }
 
@@ -131,8 +131,8 @@ TEST(Qk7PrecalculatedInfo, RefusesATableThatNoBlockHolds) {
     block[28 + 39] = 3;
     block[28 + 61] = 3 * 36;
 
-    EXPECT_NE(WordsOf(block).find("but the table at byte 122 needs"), std::string::npos)
-        << WordsOf(block);
+    EXPECT_NE(TableWords(block).find("but the table at byte 122 needs"), std::string::npos)
+        << TableWords(block);
 }
 
 TEST(Qk7PrecalculatedBytes, IsHeaderTableAndEndMagic) {

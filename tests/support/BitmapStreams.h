@@ -7,6 +7,7 @@
 #include "support/BitmapBlocks.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 
 namespace TestSupport {
@@ -42,6 +43,18 @@ private:
     std::size_t m_nRoom;
     Bytes m_aWritten;
 };
+
+/// A head with unequal resolutions.
+inline StHead Head(int nWidth, int nHeight, int nBits, std::uint32_t nCompression = 0) {
+    StHead head;
+    head.m_nWidth = nWidth;
+    head.m_nHeight = nHeight;
+    head.m_nBits = nBits;
+    head.m_nCompression = nCompression;
+    head.m_nPelsX = 19685;
+    head.m_nPelsY = 9843;
+    return head;
+}
 
 inline void Load(ClBitmap& bitmap, const Bytes& aFile) {
     const auto pFile = Exactly(aFile, aFile.size());

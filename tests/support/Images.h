@@ -25,6 +25,7 @@
 namespace TestSupport {
 
 /// The samples of each line, pixel by pixel, the planes of a pixel side by side.
+inline constexpr unsigned char ceDefault = ClImage::eTypeDefault;
 using Rows = std::vector<std::vector<int>>;
 using RealRows = std::vector<std::vector<double>>;
 

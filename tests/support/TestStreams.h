@@ -12,6 +12,9 @@
 
 namespace TestSupport {
 
+/// What `Seek` answers where it does not go.
+inline constexpr unsigned int cnRefused = 0xFFFFFFFFu;
+
 using Bytes = std::vector<unsigned char>;
 
 inline Bytes Content(const ClMemStream& Stream) {

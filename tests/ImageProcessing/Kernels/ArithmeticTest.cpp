@@ -12,19 +12,19 @@ using Line = std::vector<unsigned char>;
 using KernelFunction = void (*)(const unsigned char*, const unsigned char*, long, unsigned char*);
 using Definition = int (*)(int, int);
 
-struct StKernel {
+struct StPairKernel {
     const char* m_szName;
     KernelFunction m_pKernel;
     Definition m_pDefinition;
 };
 
-constexpr StKernel caKernels[] = {
+constexpr StPairKernel caPairKernels[] = {
     {"AddCutLine", Kernels::AddCutLine, [](int a, int b) { return std::min(255, a + b); }},
     {"AddHalfLine", Kernels::AddHalfLine, [](int a, int b) { return (a + b) / 2; }},
     {"SubtractLine", Kernels::SubtractLine, [](int a, int b) { return std::max(0, a - b); }},
     {"MaxLine", Kernels::MaxLine, [](int a, int b) { return std::max(a, b); }}};
 
-Line Defined(const StKernel& Kernel, const Line& a, const Line& b) {
+Line Defined(const StPairKernel& Kernel, const Line& a, const Line& b) {
     Line out(a.size());
     for (std::size_t i = 0; i < a.size(); ++i)
         out[i] = static_cast<unsigned char>(Kernel.m_pDefinition(a[i], b[i]));
@@ -45,7 +45,7 @@ TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamples) {
         a.push_back(static_cast<unsigned char>(i >> 8));
         b.push_back(static_cast<unsigned char>(i));
     }
-    for (const StKernel& Kernel : caKernels) {
+    for (const StPairKernel& Kernel : caPairKernels) {
         Line out(a.size());
         Kernel.m_pKernel(a.data(), b.data(), 65536, out.data());
         EXPECT_EQ(out, Defined(Kernel, a, b)) << Kernel.m_szName;
@@ -53,7 +53,7 @@ TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamples) {
 }
 
 TEST(Arithmetic, EqualsItsDefinitionOnLinesOfEveryLength) {
-    for (const StKernel& Kernel : caKernels)
+    for (const StPairKernel& Kernel : caPairKernels)
         for (long nSamples = 0; nSamples < 70; ++nSamples) {
             const Line a = RandomLine(nSamples, 1);
             const Line b = RandomLine(nSamples, 2);
@@ -71,7 +71,7 @@ TEST(Arithmetic, ReadsAndWritesAtEveryAlignment) {
     const auto part = [](const Line& From, long n) {
         return Line(From.begin() + n, From.begin() + n + 40);
     };
-    for (const StKernel& Kernel : caKernels)
+    for (const StPairKernel& Kernel : caPairKernels)
         for (long nA = 0; nA < 4; ++nA)
             for (long nB = 0; nB < 4; ++nB) {
                 Line out(50, 77);
@@ -84,7 +84,7 @@ TEST(Arithmetic, ReadsAndWritesAtEveryAlignment) {
 }
 
 TEST(Arithmetic, WritesOverEitherOfItsLines) {
-    for (const StKernel& Kernel : caKernels) {
+    for (const StPairKernel& Kernel : caPairKernels) {
         const Line a = RandomLine(50, 1);
         const Line b = RandomLine(50, 2);
         Line first = a;

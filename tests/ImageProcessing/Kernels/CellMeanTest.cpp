@@ -23,7 +23,7 @@ std::vector<T> RandomSamples(std::size_t nCount) {
 
 /// Unit by unit.
 template <class T>
-T NaiveMean(const T* pIn, long nStride, long long nFrom, long long nTo, long long nUnit) {
+T MeanOfSpan(const T* pIn, long nStride, long long nFrom, long long nTo, long long nUnit) {
     long long nSum = 0;
     for (long long n = nFrom; n < nTo; ++n)
         nSum += pIn[n / nUnit * nStride];
@@ -60,12 +60,12 @@ void ExpectNaiveMeans() {
                 const StCell Cell = MakeCell(nFrom, nTo, nUnit);
                 T mean = 0;
                 Kernels::MeanOfCells(aIn.data(), &Cell, 1, nUnit, &mean);
-                EXPECT_EQ(mean, NaiveMean(aIn.data(), 1, nFrom, nTo, nUnit));
+                EXPECT_EQ(mean, MeanOfSpan(aIn.data(), 1, nFrom, nTo, nUnit));
                 std::vector<T> aOut(515, T(77));
                 Kernels::MeanOfLines(aIn.data(), cnStride, Cell, nUnit, 514, aOut.data());
                 for (long x : {0L, 1L, 511L, 512L, 513L})
                     EXPECT_EQ(aOut[static_cast<std::size_t>(x)],
-                              NaiveMean(aIn.data() + x, cnStride, nFrom, nTo, nUnit));
+                              MeanOfSpan(aIn.data() + x, cnStride, nFrom, nTo, nUnit));
                 EXPECT_EQ(aOut[514], T(77)) << "written behind the end";
             }
 }

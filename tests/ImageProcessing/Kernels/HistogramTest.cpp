@@ -1,5 +1,7 @@
 #include "ImageProcessing/Kernels/Histogram.h"
 
+#include "ImageProcessing/Kernels/RandomBytes.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -7,16 +9,10 @@
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-using Bins = std::vector<std::int32_t>;
+using TestSupport::Bytes;
+using TestSupport::RandomBytes;
 
-Bytes RandomBytes(std::size_t nCount, unsigned nSeed) {
-    std::mt19937 random(nSeed);
-    Bytes aBytes(nCount);
-    for (unsigned char& n : aBytes)
-        n = static_cast<unsigned char>(random());
-    return aBytes;
-}
+using BinList = std::vector<std::int32_t>;
 
 TEST(HistogramKernel, EqualsPlainCountingForEveryWidthAndStride) {
     for (long nWidth = 0; nWidth < 40; ++nWidth)
@@ -26,8 +22,8 @@ TEST(HistogramKernel, EqualsPlainCountingForEveryWidthAndStride) {
             // exactly as many bytes as are read, so that a sanitizer sees one more
             const Bytes aData =
                 RandomBytes(static_cast<std::size_t>(nStride * (nLines - 1) + nWidth), 1);
-            Bins aBins(256, 1000);
-            Bins aExpected = aBins;
+            BinList aBins(256, 1000);
+            BinList aExpected = aBins;
             for (long y = 0; y < nLines; ++y)
                 for (long x = 0; x < nWidth; ++x)
                     ++aExpected[aData[static_cast<std::size_t>(y * nStride + x)]];
@@ -38,16 +34,16 @@ TEST(HistogramKernel, EqualsPlainCountingForEveryWidthAndStride) {
 
 TEST(HistogramKernel, CountsLinesStoredUpsideDown) {
     const Bytes aData = {1, 2, 3, 4, 5, 6};
-    Bins aBins(256, 0);
+    BinList aBins(256, 0);
     Kernels::CountValues(aData.data() + 4, -2, 2, 3, aBins.data());
     for (std::size_t i = 0; i < 256; ++i)
         EXPECT_EQ(aBins[i], i >= 1 && i <= 6 ? 1 : 0);
 }
 
 TEST(HistogramKernel, CountsNothingWithoutLines) {
-    Bins aBins(256, 3);
+    BinList aBins(256, 3);
     Kernels::CountValues(nullptr, 0, 0, 0, aBins.data());
-    EXPECT_EQ(aBins, Bins(256, 3));
+    EXPECT_EQ(aBins, BinList(256, 3));
 }
 
 } // namespace

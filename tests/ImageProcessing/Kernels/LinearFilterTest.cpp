@@ -40,7 +40,7 @@ T Quotient(Wide nSum, long nDivisor) {
     return static_cast<T>(static_cast<std::int64_t>(static_cast<std::int64_t>(nSum) / nDivisor));
 }
 
-long At(long x, long i, const std::vector<long>& aTaps, long nWidth) {
+long PlaceOf(long x, long i, const std::vector<long>& aTaps, long nWidth) {
     return std::clamp(x + i - static_cast<long>(aTaps.size()) / 2, 0L, nWidth - 1);
 }
 
@@ -50,7 +50,7 @@ Wide SumAlong(const Values& aValues, const std::vector<long>& aTaps, long x) {
     for (std::size_t i = 0; i < aTaps.size(); ++i)
         nSum += Wide{aTaps[i]} *
                 Wide{aValues[static_cast<std::size_t>(
-                    At(x, static_cast<long>(i), aTaps, static_cast<long>(aValues.size())))]};
+                    PlaceOf(x, static_cast<long>(i), aTaps, static_cast<long>(aValues.size())))]};
     return nSum;
 }
 

@@ -1,5 +1,7 @@
 #include "ImageProcessing/Kernels/LookUp.h"
 
+#include "ImageProcessing/Kernels/RandomBytes.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -7,15 +9,8 @@
 
 namespace {
 
-using Bytes = std::vector<unsigned char>;
-
-Bytes RandomBytes(std::size_t nCount, unsigned nSeed) {
-    std::mt19937 random(nSeed);
-    Bytes aBytes(nCount);
-    for (unsigned char& n : aBytes)
-        n = static_cast<unsigned char>(random());
-    return aBytes;
-}
+using TestSupport::Bytes;
+using TestSupport::RandomBytes;
 
 TEST(LookUpKernel, ReplacesEverySampleByItsEntry) {
     const Bytes aTable = RandomBytes(256, 1);

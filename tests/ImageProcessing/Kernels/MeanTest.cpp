@@ -31,7 +31,7 @@ RealRows Mean3x3(ClPlaneCase<T>& rCase) {
     return rCase.Run(Kernels::Mean3x3<T>);
 }
 
-RealRows NaiveMean(const RealRows& aIn, long nHalfX, long nHalfY) {
+RealRows TruncatedMeans(const RealRows& aIn, long nHalfX, long nHalfY) {
     StReach Reach(0, 0);
     Reach.m_nX = nHalfX;
     Reach.m_nY = nHalfY;
@@ -51,7 +51,7 @@ TYPED_TEST(MeanKernel, EqualsItsDefinitionOnEveryWindow) {
         ClPlaneCase<TypeParam> plane(Size.m_nWidth, Size.m_nHeight, 1);
         for (long nHalfX : {0, 1, 2, 3, 7, Size.m_nWidth / 2, Size.m_nWidth})
             for (long nHalfY : {0, 1, 2, 5, Size.m_nHeight / 2, Size.m_nHeight - 1, 40})
-                EXPECT_EQ(Mean(plane, nHalfX, nHalfY), NaiveMean(plane.In(), nHalfX, nHalfY))
+                EXPECT_EQ(Mean(plane, nHalfX, nHalfY), TruncatedMeans(plane.In(), nHalfX, nHalfY))
                     << "halves " << nHalfX << ", " << nHalfY;
     }
 }

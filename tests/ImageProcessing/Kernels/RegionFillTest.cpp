@@ -8,11 +8,11 @@ namespace {
 
 using namespace TestSupport;
 
-struct StPlace {
+struct StSeed {
     long x;
     long y;
 };
-using Seeds = Kernels::TpSeeds<StPlace>;
+using Seeds = Kernels::TpSeeds<StSeed>;
 
 // Seeds
 
@@ -23,7 +23,7 @@ TEST(Seeds, ComeBackLastInFirstOut) {
         seeds.Push({i, -i});
     for (long i = 999; i >= 0; --i) {
         ASSERT_FALSE(seeds.IsEmpty());
-        const StPlace Place = seeds.Pop();
+        const StSeed Place = seeds.Pop();
         EXPECT_EQ(Place.x, i);
         EXPECT_EQ(Place.y, -i);
     }

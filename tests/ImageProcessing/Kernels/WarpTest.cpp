@@ -29,8 +29,8 @@ Bytes TableOf(const std::vector<StEntry>& aEntries) {
 }
 
 /// The definition.
-unsigned char Sample(const StEntry& Entry, const unsigned char* pSource, int nStride, int nStep,
-                     unsigned char nBackground) {
+unsigned char WarpedSample(const StEntry& Entry, const unsigned char* pSource, int nStride,
+                           int nStep, unsigned char nBackground) {
     if (Entry.m_nOffset < 0)
         return nBackground;
     int nSum = 0;
@@ -141,7 +141,7 @@ TEST(WarpKernel, DoesWhatTheDefinitionDoesInAllStepsAndWidths) {
 
             Bytes aExpected;
             for (const StEntry& Entry : aEntries)
-                aExpected.push_back(Sample(Entry, aSource.data(), nStride, nStep, 42));
+                aExpected.push_back(WarpedSample(Entry, aSource.data(), nStride, nStep, 42));
             EXPECT_EQ(Warped(aEntries, aSource, nStride, nStep, 42), aExpected)
                 << "step " << nStep << " width " << nWidth;
         }
