@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct StCall {
+struct StCalibrateCall {
     std::string m_Data;
     std::string m_Precalculated; ///< empty when none is given
     std::vector<std::string> m_aOptions;
@@ -41,7 +41,7 @@ struct StScanner {
     std::uint32_t m_nPlanes = 1;
 };
 
-bool IsFolder(const StCall& Call) {
+bool IsFolder(const StCalibrateCall& Call) {
     std::error_code ignored;
     return Call.m_aInputs.size() > 1 || (!Call.m_Output.empty() && Call.m_Output.back() == '/') ||
            fs::is_directory(Call.m_Output, ignored);
@@ -49,7 +49,7 @@ bool IsFolder(const StCall& Call) {
 
 /// Two results under one name, or a result in the place of its capture, are found before anything
 /// is written.
-void CheckOutputs(const StCall& Call, const std::vector<std::string>& aOutputs) {
+void CheckOutputs(const StCalibrateCall& Call, const std::vector<std::string>& aOutputs) {
     std::set<std::string> seen;
     for (std::size_t i = 0; i < aOutputs.size(); ++i) {
         std::error_code ignored;
@@ -60,7 +60,7 @@ void CheckOutputs(const StCall& Call, const std::vector<std::string>& aOutputs) 
     }
 }
 
-std::vector<std::string> PlanOutputs(const StCall& Call) {
+std::vector<std::string> PlanOutputs(const StCalibrateCall& Call) {
     std::vector<std::string> outputs;
     for (const std::string& input : Call.m_aInputs)
         outputs.push_back(IsFolder(Call)
@@ -90,7 +90,7 @@ std::size_t ExpectedBytes(const StScanner& Scanner, std::size_t nCaptureBytes) {
     return std::max<std::size_t>(nCaptureBytes, std::min(nWarped, nMost));
 }
 
-StScanner Prepare(const StCall& Call, ClHandle& rHandle) {
+StScanner Prepare(const StCalibrateCall& Call, ClHandle& rHandle) {
     for (const std::string& option : Call.m_aOptions)
         Handing(EHanded::eOption, "-O " + option, [&] { rHandle.SetOption(option); });
     if (!Call.m_Precalculated.empty())
@@ -148,13 +148,13 @@ void AddLevels(const ClHandle& Handle, const std::string& Input, const std::stri
                 json);
 }
 
-EForm FormOf(const StCall& Call) {
+EForm FormOf(const StCalibrateCall& Call) {
     if (Call.m_bJson)
         return EForm::eJson;
     return Call.m_bVerbose ? EForm::eText : EForm::eSilent;
 }
 
-void RunCalibrate(const StCall& Call) {
+void RunCalibrate(const StCalibrateCall& Call) {
     const std::vector<std::string> outputs = PlanOutputs(Call);
     ClHandle handle;
     const StScanner scanner = Prepare(Call, handle);
@@ -181,7 +181,7 @@ void RunCalibrate(const StCall& Call) {
 
 void AddCalibrate(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand("calibrate", "Corrects captures of a scanner");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StCalibrateCall>();
     pCommand->add_option("-d,--data", pCall->m_Data, "Calibration block of the scanner")
         ->required()
         ->type_name("scanner.cal");

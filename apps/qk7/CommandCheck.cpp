@@ -17,7 +17,7 @@ namespace qk7 {
 
 namespace {
 
-struct StCall {
+struct StCheckCall {
     std::string m_Data;
     std::vector<std::string> m_aInputs;
     bool m_bJson = false;
@@ -48,7 +48,7 @@ double Measure(const ClHandle& Handle, const std::string& Path, const Bytes& Cal
     });
 }
 
-void RunCheck(const StCall& Call) {
+void RunCheck(const StCheckCall& Call) {
     const Bytes calibration = ReadFile(Call.m_Data);
     ClHandle handle;
     handle.SetOption("PrecalculatedData=true"); // no warp table is needed
@@ -72,7 +72,7 @@ void RunCheck(const StCall& Call) {
 void AddCheck(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
         "check", "Measures the geometric accuracy of corrected images of the target");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StCheckCall>();
     pCommand->add_option("-d,--data", pCall->m_Data, "Calibration block of the scanner")
         ->required()
         ->type_name("scanner.cal");

@@ -14,7 +14,7 @@ namespace qk7 {
 
 namespace {
 
-struct StCall {
+struct StContaminationCall {
     std::vector<std::string> m_aInputs;
     bool m_bJson = false;
 };
@@ -25,7 +25,7 @@ void CheckNotCompressed(const std::string& Path, const Bytes& Capture) {
         throw ClFailure(Path, "is compressed. Save it without compression.");
 }
 
-void RunContamination(const StCall& Call) {
+void RunContamination(const StContaminationCall& Call) {
     ClHandle handle;
     ClFileReport report("contamination", Call.m_bJson ? EForm::eJson : EForm::eText);
     for (const std::string& path : Call.m_aInputs) {
@@ -48,7 +48,7 @@ void RunContamination(const StCall& Call) {
 void AddContamination(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
         "contamination", "Measures on captures of the empty platen how dirty the sensor is");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StContaminationCall>();
     pCommand->add_option("RAW.bmp", pCall->m_aInputs, "Raw captures of the empty platen")
         ->required()
         ->type_name("");

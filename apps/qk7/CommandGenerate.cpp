@@ -22,7 +22,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct StCall {
+struct StGenerateCall {
     std::string m_Target;
     std::string m_Output;
     std::string m_Precalculated; ///< this and the next two: empty when none is asked for
@@ -38,7 +38,7 @@ bool AreSame(const std::string& a, const std::string& b) {
 }
 
 /// No output replaces an input or another output.
-void CheckOutputs(const StCall& Call) {
+void CheckOutputs(const StGenerateCall& Call) {
     std::vector<std::string> taken = {Call.m_Target};
     if (!Call.m_Reference.empty())
         taken.push_back(Call.m_Reference);
@@ -57,7 +57,7 @@ struct StRun {
     ClHandle m_Handle;
 };
 
-void ReadFiles(const StCall& Call, StRun& rRun) {
+void ReadFiles(const StGenerateCall& Call, StRun& rRun) {
     rRun.m_Target = ReadBlock(Call.m_Target);
     if (Call.m_Reference.empty())
         return;
@@ -71,7 +71,7 @@ StTargetDiagnosis Diagnose(const StRun& Run) {
 }
 
 /// The picture of a target that was refused must not hide why it was.
-void DrawRefused(const StCall& Call, const StTargetDiagnosis& Diagnosis) {
+void DrawRefused(const StGenerateCall& Call, const StTargetDiagnosis& Diagnosis) {
     try {
         if (!Call.m_DebugImage.empty())
             WriteBlock(Call.m_DebugImage, Diagnosis.m_Picture);
@@ -80,13 +80,14 @@ void DrawRefused(const StCall& Call, const StTargetDiagnosis& Diagnosis) {
     }
 }
 
-std::string RecaptureAdvice(const StCall& Call) {
+std::string RecaptureAdvice(const StGenerateCall& Call) {
     return "Clean platen and target, lay the target flat and straight, and capture it again" +
            std::string(Call.m_DebugImage.empty() ? "; --debug-image FILE shows what was found."
                                                  : ".");
 }
 
-[[noreturn]] void Refuse(const StCall& Call, const StRun& Run, const ClLibraryError& Error) {
+[[noreturn]] void Refuse(const StGenerateCall& Call, const StRun& Run,
+                         const ClLibraryError& Error) {
     const StTargetDiagnosis diagnosis = Diagnose(Run);
     DrawRefused(Call, diagnosis);
     std::string message = Call.m_Target + ": " + Error.what();
@@ -95,7 +96,7 @@ std::string RecaptureAdvice(const StCall& Call) {
     throw ClRefusedTarget(message, diagnosis, RecaptureAdvice(Call));
 }
 
-[[noreturn]] void Fail(const StCall& Call, const StRun& Run, const ClLibraryError& Error) {
+[[noreturn]] void Fail(const StGenerateCall& Call, const StRun& Run, const ClLibraryError& Error) {
     if (Error.Number() == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE)
         Refuse(Call, Run, Error);
     // Of all that is handed over only the points of a reference can be corrupt here.
@@ -112,7 +113,7 @@ struct StBlocks {
 };
 
 /// Names the file whose fault it is, and the dot.
-[[noreturn]] void FailToLoad(const StCall& Call, const StRun& Run, const Bytes& Calibration,
+[[noreturn]] void FailToLoad(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibration,
                              const ClLibraryError& Error) {
     const std::string words =
         std::string(": ") + Error.what() + " The calibration block derived from it does not load.";
@@ -130,7 +131,7 @@ struct StBlocks {
 /// A block that was generated need not load, and one that is written has to: it is read back on a
 /// handle of its own. The table comes from there too, since a block holds coordinates rounded to
 /// 32-bit floats: results are then the same with the precalculated block and without it.
-StBlocks LoadableBlocks(const StCall& Call, const StRun& Run) {
+StBlocks LoadableBlocks(const StGenerateCall& Call, const StRun& Run) {
     StBlocks blocks;
     blocks.m_Calibration = Run.m_Handle.Data();
     try {
@@ -145,7 +146,8 @@ StBlocks LoadableBlocks(const StCall& Call, const StRun& Run) {
     return blocks;
 }
 
-void WriteOutputs(const StCall& Call, const StBlocks& Blocks, const StTargetDiagnosis& Diagnosis) {
+void WriteOutputs(const StGenerateCall& Call, const StBlocks& Blocks,
+                  const StTargetDiagnosis& Diagnosis) {
     if (!Call.m_Precalculated.empty())
         WriteFile(Call.m_Precalculated, {&Blocks.m_Precalculated});
     if (!Call.m_DebugImage.empty())
@@ -154,7 +156,7 @@ void WriteOutputs(const StCall& Call, const StBlocks& Blocks, const StTargetDiag
 }
 
 /// What is known about the target; nothing where nobody asked.
-StTargetDiagnosis Generate(const StCall& Call) {
+StTargetDiagnosis Generate(const StGenerateCall& Call) {
     CheckOutputs(Call);
     StRun run;
     ReadFiles(Call, run);
@@ -171,7 +173,7 @@ StTargetDiagnosis Generate(const StCall& Call) {
     return diagnosis;
 }
 
-void RunGenerate(const StCall& Call) {
+void RunGenerate(const StGenerateCall& Call) {
     Json json = {{"file", Call.m_Target}, {"calibration", Call.m_Output}};
     try {
         const StTargetDiagnosis diagnosis = Generate(Call);
@@ -187,7 +189,7 @@ void RunGenerate(const StCall& Call) {
         Print(Dump(json));
 }
 
-void AddOutputOptions(CLI::App& rCommand, StCall& rCall) {
+void AddOutputOptions(CLI::App& rCommand, StGenerateCall& rCall) {
     rCommand.add_option("-o,--output", rCall.m_Output, "Calibration block to write")
         ->required()
         ->type_name("scanner.cal");
@@ -208,7 +210,7 @@ void AddOutputOptions(CLI::App& rCommand, StCall& rCall) {
 void AddGenerate(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
         "generate", "Derives a calibration block from a capture of the dot target");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StGenerateCall>();
     pCommand->add_option("TARGET.bmp", pCall->m_Target, "Raw capture of the target")
         ->required()
         ->type_name("");

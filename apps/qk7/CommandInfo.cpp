@@ -12,7 +12,7 @@ namespace qk7 {
 
 namespace {
 
-struct StCall {
+struct StInfoCall {
     std::vector<std::string> m_aFiles;
     bool m_bJson = false;
 };
@@ -25,7 +25,7 @@ FileInfo ReadInfoOf(const std::string& Path, const Bytes& Content) {
     }
 }
 
-void RunInfo(const StCall& Call) {
+void RunInfo(const StInfoCall& Call) {
     ClFileReport report("info", Call.m_bJson ? EForm::eJson : EForm::eText);
     for (const std::string& path : Call.m_aFiles) {
         try {
@@ -44,7 +44,7 @@ void RunInfo(const StCall& Call) {
 void AddInfo(CLI::App& rApp) {
     CLI::App* pCommand =
         rApp.add_subcommand("info", "Tells what stands in calibration blocks and bitmaps");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StInfoCall>();
     pCommand->add_option("FILE", pCall->m_aFiles, "Files")->required()->type_name("");
     pCommand->add_flag("--json", pCall->m_bJson, "Print an array with an object for each file");
     pCommand->callback([pCall] { RunInfo(*pCall); });

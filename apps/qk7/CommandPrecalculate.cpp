@@ -13,12 +13,12 @@ namespace qk7 {
 
 namespace {
 
-struct StCall {
+struct StPrecalculateCall {
     std::string m_Data;
     std::string m_Output;
 };
 
-void RunPrecalculate(const StCall& Call) {
+void RunPrecalculate(const StPrecalculateCall& Call) {
     const Bytes calibration = ReadFile(Call.m_Data);
     ClHandle handle;
     const Bytes table = Handing(EHanded::eCalibration, Call.m_Data, [&] {
@@ -33,7 +33,7 @@ void RunPrecalculate(const StCall& Call) {
 void AddPrecalculate(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
         "precalculate", "Stores the prepared warp table of a calibration block");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StPrecalculateCall>();
     pCommand->add_option("-d,--data", pCall->m_Data, "Calibration block of the scanner")
         ->required()
         ->type_name("scanner.cal");

@@ -24,7 +24,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct StCall {
+struct StSimulateCall {
     std::uint64_t m_nSeed = 1;
     unsigned int m_nCount = 1;
     std::vector<std::string> m_aKinds = {"loop"};
@@ -33,7 +33,7 @@ struct StCall {
     bool m_bTruth = false;
 };
 
-std::string PathIn(const StCall& Call, const std::string& Name) {
+std::string PathIn(const StSimulateCall& Call, const std::string& Name) {
     return (std::filesystem::path(Call.m_Output) / Name).string();
 }
 
@@ -85,7 +85,7 @@ std::vector<std::string> EachOnce(const std::vector<std::string>& aNames,
 }
 
 /// The two plates once each, then the kinds and the cases that were asked for, each once.
-std::vector<StOrder> OrdersOf(const StCall& Call) {
+std::vector<StOrder> OrdersOf(const StSimulateCall& Call) {
     std::vector<StOrder> orders;
     const std::vector<std::string> plates = {"target", "ruled"};
     for (const std::string& plate : plates)
@@ -149,7 +149,7 @@ Json JsonOf(const StOrder& Order, const sim::ClCapture& Capture) {
     return json;
 }
 
-Json WriteCaptures(const sim::ClScanner& Scanner, const StCall& Call) {
+Json WriteCaptures(const sim::ClScanner& Scanner, const StSimulateCall& Call) {
     const std::vector<StOrder> orders = OrdersOf(Call);
     ClProgress progress(orders.size());
     Json truths = Json::array();
@@ -164,7 +164,7 @@ Json WriteCaptures(const sim::ClScanner& Scanner, const StCall& Call) {
     return truths;
 }
 
-void RunSimulate(const StCall& Call) {
+void RunSimulate(const StSimulateCall& Call) {
     const sim::ClScanner scanner(Call.m_nSeed);
     MakeDirectory(Call.m_Output);
     const Bytes record = sim::RecordBlock(scanner);
@@ -199,7 +199,7 @@ std::string HelpOf(std::string help, const Entries& entries) {
 void AddSimulate(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
         "simulate", "Writes the captures and the calibration block of a simulated scanner");
-    const auto pCall = std::make_shared<StCall>();
+    const auto pCall = std::make_shared<StSimulateCall>();
     pCommand->add_option("-s,--seed", pCall->m_nSeed, "Number of the scanner")
         ->capture_default_str();
     pCommand

@@ -85,14 +85,14 @@ struct StDirection {
 constexpr StDirection g_Down = {0, 1, &StPlace::m_dY, "lines", "below it", "above it"};
 constexpr StDirection g_Right = {1, 0, &StPlace::m_dX, "columns", "on its right", "on its left"};
 
-struct StStep {
+struct StDotStep {
     const StDot* m_pFrom;
     const StDot* m_pTo;
     double m_dLength;
 };
 
-std::vector<StStep> StepsOf(const Dots& aDots, const StDirection& Direction) {
-    std::vector<StStep> steps;
+std::vector<StDotStep> StepsOf(const Dots& aDots, const StDirection& Direction) {
+    std::vector<StDotStep> steps;
     for (const StDot& from : aDots)
         for (const StDot& to : aDots)
             if (to.m_nColumn == from.m_nColumn + Direction.m_nColumns &&
@@ -105,9 +105,9 @@ std::vector<StStep> StepsOf(const Dots& aDots, const StDirection& Direction) {
 /// The steps that are accepted: formed as the library forms them, so that both draw the line at
 /// the same place.
 struct StRange {
-    explicit StRange(const std::vector<StStep>& aSteps) {
+    explicit StRange(const std::vector<StDotStep>& aSteps) {
         double dSum = 0.0;
-        for (const StStep& step : aSteps)
+        for (const StDotStep& step : aSteps)
             dSum += std::fabs(step.m_dLength);
         const double dMean = dSum / static_cast<double>(aSteps.size());
         m_dLeast = dMean - cdStepTolerance * dMean;
@@ -160,7 +160,7 @@ private:
     double m_dPerRow = 0.0;
 };
 
-std::string StepWords(const StStep& Step, const StDirection& Direction, const StRange& Range,
+std::string StepWords(const StDotStep& Step, const StDirection& Direction, const StRange& Range,
                       const char* szOther) {
     return Tenths(Step.m_dLength) + " " + Direction.m_szUnit + " to the dot " + szOther +
            ", where " + Tenths(Range.m_dLeast) + " to " + Tenths(Range.m_dMost) + " are expected";
@@ -169,7 +169,7 @@ std::string StepWords(const StStep& Step, const StDirection& Direction, const St
 /// A step has two ends, and either may be the dot that is wrong: it is the one further from its
 /// place in a regular grid.
 std::optional<StRecordFault> FindStepFault(const Dots& aDots, const StDirection& Direction) {
-    const std::vector<StStep> steps = StepsOf(aDots, Direction);
+    const std::vector<StDotStep> steps = StepsOf(aDots, Direction);
     const StRange range(steps);
     const ClRegularGrid grid(aDots, Direction.m_pAxis);
     const auto off = [&](const StDot& Dot) {
@@ -177,7 +177,7 @@ std::optional<StRecordFault> FindStepFault(const Dots& aDots, const StDirection&
     };
     std::optional<StRecordFault> fault;
     double dWorst = -1.0;
-    for (const StStep& step : steps) {
+    for (const StDotStep& step : steps) {
         const bool bFrom = off(*step.m_pFrom) > off(*step.m_pTo);
         const StDot& dot = bFrom ? *step.m_pFrom : *step.m_pTo;
         if (range.Holds(step.m_dLength) || !(off(dot) > dWorst))
