@@ -17,30 +17,37 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
-# Tests and tool are compiled often and run little: they are built to be built quickly. Optimising
-# what a sanitizer has instrumented takes four times as long as leaving it as it is.
-if(TESSARIN_SANITIZE)
-    set(TESSARIN_QUICK_BUILD -O0)
-else()
-    set(TESSARIN_QUICK_BUILD -O1)
-endif()
-
-# ccache, where it is installed, keeps what was compiled before. It and precompiled headers exclude
-# each other: those are bound to the time stamps of one checkout.
+# ccache, where it is installed, keeps what was compiled before.
 find_program(TESSARIN_CCACHE ccache)
 mark_as_advanced(TESSARIN_CCACHE)
 if(TESSARIN_CCACHE AND NOT DEFINED CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${TESSARIN_CCACHE}")
-    set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
+set(TESSARIN_BATCH 8 CACHE STRING
+    "Sources of a test program, or of the tool, compiled as one: 1 compiles each by itself, 0 all at once")
+
+# What is added to this directory from here on is built to be built quickly.
+macro(tessarin_build_quickly)
+    add_compile_options(-O0)
+    if(NOT TESSARIN_BATCH EQUAL 1)
+        set(CMAKE_UNITY_BUILD ON)
+        set(CMAKE_UNITY_BUILD_BATCH_SIZE ${TESSARIN_BATCH})
+    endif()
+endmacro()
+
+# To the compiler, the sources of a batch are headers of one file, and what one names may hide what
+# another does: two warnings are left to builds without batches.
+set(TESSARIN_IN_BATCHES $<BOOL:$<TARGET_PROPERTY:UNITY_BUILD>>)
 add_library(tessarin_settings INTERFACE)
 target_compile_options(tessarin_settings INTERFACE
     -ffp-contract=off
     -fno-tree-slp-vectorize # GCC 12 drops the rounding of two neighbouring doubles to float with it
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=" # the last one that matches is applied
     "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/src/="
-    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    -Wall -Wextra -Wpedantic -Wconversion
+    $<$<NOT:${TESSARIN_IN_BATCHES}>:-Wshadow>
+    $<$<AND:${TESSARIN_IN_BATCHES},$<COMPILE_LANGUAGE:CXX>>:-Wno-subobject-linkage>
     $<$<BOOL:${TESSARIN_WARNINGS_AS_ERRORS}>:-Werror>)
 
 if(TESSARIN_SANITIZE)

@@ -74,7 +74,8 @@ std::vector<StFlatRow> Flat(ClIpSample& Sample) {
     return {FlatImage("Image", Sample.m_pImage, "In: Image"),
             FlatNumber("Width", Sample.m_nWidth, 3, "", 3, 127),
             FlatNumber("Sigma", Sample.m_dSigma, 1.5, "", 0, 0, ceOut),
-            FlatEnum("Mode", Sample.m_nMode, 1, caSampleModes), FlatBool("Exact", Sample.m_bExact, true)};
+            FlatEnum("Mode", Sample.m_nMode, 1, caSampleModes),
+            FlatBool("Exact", Sample.m_bExact, true)};
 }
 
 /// Whether the statements of `check` report a failure or end with an exception.
@@ -149,7 +150,8 @@ TEST(PublishedChecks, SeeAnotherTreeParameter) {
     EXPECT_TRUE(TreeComplains(1, [](S& s) { return TreeNumber("nWidth", s.m_nOther, 3); }));
     EXPECT_TRUE(TreeComplains(1, [](S& s) { return TreeNumber("nWidth", s.m_dSigma, 3); }));
     EXPECT_TRUE(TreeComplains(2, [](S&) { return TreeContainer("Parts"); }));
-    EXPECT_TRUE(TreeComplains(4, [](S& s) { return TreeEnum("nMode", s.m_nMode, 2, caSampleModes); }));
+    EXPECT_TRUE(
+        TreeComplains(4, [](S& s) { return TreeEnum("nMode", s.m_nMode, 2, caSampleModes); }));
     EXPECT_TRUE(TreeComplains(4, [](S& s) {
         return TreeEnum("nMode", s.m_nMode, 1, {{1, "Mode X"}, {3, "Mode Y"}});
     }));
