@@ -54,6 +54,13 @@ Bytes Warped(const std::vector<StEntry>& aEntries, const Bytes& aSource, int nSt
     return Bytes(aOut.begin() + 1, aOut.end() - 1);
 }
 
+/// The sample of an entry, from a line of as many equal ones as take every way through the kernel.
+int SampleOf(const StEntry& Entry, const Bytes& aSource, int nStride, int nStep) {
+    const Bytes aOut = Warped(std::vector<StEntry>(5, Entry), aSource, nStride, nStep, 99);
+    EXPECT_EQ(aOut, Bytes(5, aOut[0]));
+    return aOut[0];
+}
+
 /// The sample of one entry with these weights over 16 equal samples.
 int Flat(std::initializer_list<int> anWeights, unsigned char nValue) {
     StEntry Entry;
@@ -61,7 +68,7 @@ int Flat(std::initializer_list<int> anWeights, unsigned char nValue) {
     int i = 0;
     for (const int nWeight : anWeights)
         Entry.m_anWeights[i++] = static_cast<std::int16_t>(nWeight);
-    return Warped({Entry}, Bytes(16, nValue), 4, 1, 99)[0];
+    return SampleOf(Entry, Bytes(16, nValue), 4, 1);
 }
 
 } // namespace
@@ -77,7 +84,7 @@ TEST(WarpKernel, AWeightOf1024ReproducesTheSample) {
                 Bytes aSource(static_cast<std::size_t>(4 * nStride), 77);
                 aSource[static_cast<std::size_t>(nTap / 4 * nStride + nTap % 4 * nStep)] =
                     static_cast<unsigned char>(v);
-                EXPECT_EQ(Warped({Entry}, aSource, nStride, nStep, 99)[0], v);
+                EXPECT_EQ(SampleOf(Entry, aSource, nStride, nStep), v);
             }
         }
 }
@@ -111,6 +118,22 @@ TEST(WarpKernel, EveryNegativeOffsetGivesTheBackground) {
         Entry.m_anWeights[5] = 1024;
         for (const unsigned char nBackground : Bytes{0, 7, 255})
             EXPECT_EQ(Warped({Entry}, Bytes(16, 100), 4, 1, nBackground), Bytes{nBackground});
+    }
+}
+
+TEST(WarpKernel, TellsSamplesWithoutSourceFromTheirNeighbours) {
+    StEntry Entry;
+    Entry.m_nOffset = 0;
+    Entry.m_anWeights[5] = 1024;
+    for (unsigned nPattern = 0; nPattern < 32; ++nPattern) {
+        std::vector<StEntry> aEntries(5, Entry);
+        Bytes aExpected(5, 100);
+        for (std::size_t i = 0; i < 5; ++i)
+            if ((nPattern >> i & 1) != 0) {
+                aEntries[i].m_nOffset = -1;
+                aExpected[i] = 7;
+            }
+        EXPECT_EQ(Warped(aEntries, Bytes(16, 100), 4, 1, 7), aExpected) << nPattern;
     }
 }
 
