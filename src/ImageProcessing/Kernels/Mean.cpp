@@ -1,14 +1,19 @@
 #include "ImageProcessing/Kernels/Mean.h"
 
-// A window of any size costs the same: a line enters the sums of all columns and one leaves them,
-// then a column enters the sum of the window and one leaves it. Only that last, running sum goes
-// sample by sample; the rest works on whole lines.
+// Windows of up to 127 columns and 2^13 samples, which are all that images of fingers ask for, take
+// the lines of MeanLines.h. They cost a few additions of 16 bits more, the wider they are.
+//
+// Beyond, a window of any size costs the same: a line enters the sums of all columns and one leaves
+// them, then a column enters the sum of the window and one leaves it. That last, running sum goes
+// sample by sample.
 //
 // The division is that of MeanQuotient.h, by a reciprocal that is kept for each column and computed
 // anew only where the number of lines in the window changes.
 
+#include "ImageProcessing/Kernels/MeanLines.h"
 #include "ImageProcessing/Kernels/MeanQuotient.h"
 #include "Tools/Allocate.h"
+#include "Tools/InstructionLevel.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -18,10 +23,29 @@ namespace Kernels {
 
 namespace {
 
-template <class Numbers, class T>
+template <class T>
+struct StMeanOfPlane {
+    using Lines = ClMeanLines<StMean<T>>;
+
+    static std::size_t Bytes(long nWidth, long nHalfX) {
+        return Lines::KeptBytes(nWidth) + Lines::BatchBytes(nWidth, nHalfX);
+    }
+
+    static void Run(unsigned char* pMemory, const T* pIn, std::ptrdiff_t nInStride, long nWidth,
+                    long nHeight, long nHalfX, long nHalfY, T* pOut, std::ptrdiff_t nOutStride) {
+        Lines Mean(pMemory, pMemory + Lines::KeptBytes(nWidth), nWidth, nHalfX, {});
+        for (long y = -nHalfY; y < nHeight; y += Lines::cnBatch)
+            Mean.RunLines(
+                y, nHeight, nHalfY, nHeight, [=](long nLine) { return pIn + nLine * nInStride; },
+                [=](long nLine) { return pOut + nLine * nOutStride; });
+    }
+};
+
+template <class T>
 class ClMean {
-    using Sum = typename Numbers::Sum;
-    using Real = typename Numbers::Real;
+    using Numbers = StWideMean;
+    using Sum = Numbers::Sum;
+    using Real = Numbers::Real;
 
 public:
     ClMean(long nWidth, long nHalf)
@@ -73,7 +97,7 @@ private:
         Real* __restrict pReciprocals = m_pReciprocals.get();
         const Real lines = static_cast<Real>(m_nLines);
         for (long x = 0; x < m_nWidth; ++x)
-            pReciprocals[x] = Real(1) / (lines * pCounts[x]);
+            pReciprocals[x] = MeanReciprocal(lines * pCounts[x]);
         m_nLinesOfReciprocals = m_nLines;
     }
 
@@ -106,10 +130,10 @@ private:
     std::unique_ptr<Real[]> m_pReciprocals; ///< of the samples in the window
 };
 
-template <class Numbers, class T>
-void MeanOf(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, long nHalfX,
-            long nHalfY, T* pOut, std::ptrdiff_t nOutStride) {
-    ClMean<Numbers, T> Mean(nWidth, nHalfX);
+template <class T>
+void MeanOfAnyWindow(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, long nHalfX,
+                     long nHalfY, T* pOut, std::ptrdiff_t nOutStride) {
+    ClMean<T> Mean(nWidth, nHalfX);
     for (long y = 0; y < nHalfY; ++y)
         Mean.Enter(pIn + y * nInStride);
     for (long y = 0; y < nHeight; ++y) {
@@ -129,22 +153,35 @@ void MeanOf(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, l
 
 template <class T>
 void MeanOfWindow(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, long nHalfX,
-                  long nHalfY, T* pOut, std::ptrdiff_t nOutStride) {
+                  long nHalfY, T* pOut, std::ptrdiff_t nOutStride, ClScratch& rScratch) {
     if (nWidth < 1 || nHeight < 1)
         return;
     nHalfX = std::min(nHalfX, nWidth - 1);
     nHalfY = std::min(nHalfY, nHeight - 1);
-    const long nArea = std::min(2 * nHalfX + 1, nWidth) * std::min(2 * nHalfY + 1, nHeight);
-    if (nArea <= StNarrowMean::cnLargestArea)
-        MeanOf<StNarrowMean>(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
-    else
-        MeanOf<StWideMean>(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
+    if (!IsNarrowWindow(nWidth, nHeight, nHalfX, nHalfY))
+        return MeanOfAnyWindow(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride);
+    unsigned char* pMemory = rScratch.Reserve(StMeanOfPlane<T>::Bytes(nWidth, nHalfX));
+    RunAtLevel<StMeanOfPlane<T>>(pMemory, pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut,
+                                 nOutStride);
 }
 
-template void MeanOfWindow(const unsigned char*, std::ptrdiff_t, long, long, long, long,
-                           unsigned char*, std::ptrdiff_t);
-template void MeanOfWindow(const signed char*, std::ptrdiff_t, long, long, long, long, signed char*,
-                           std::ptrdiff_t);
+template <class T>
+void MeanOfWindow(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, long nHalfX,
+                  long nHalfY, T* pOut, std::ptrdiff_t nOutStride) {
+    ClScratch Scratch;
+    MeanOfWindow(pIn, nInStride, nWidth, nHeight, nHalfX, nHalfY, pOut, nOutStride, Scratch);
+}
+
+#define INSTANTIATE(type)                                                                          \
+    template void MeanOfWindow(const type*, std::ptrdiff_t, long, long, long, long, type*,         \
+                               std::ptrdiff_t, ClScratch&);                                        \
+    template void MeanOfWindow(const type*, std::ptrdiff_t, long, long, long, long, type*,         \
+                               std::ptrdiff_t);
+
+INSTANTIATE(unsigned char)
+INSTANTIATE(signed char)
+
+#undef INSTANTIATE
 
 // 3 by 3, in 16 bits: with the factors times 16 the shift is one by 16, that is the upper half of
 // a product, for which there is an instruction.

@@ -5,6 +5,8 @@
 ///
 /// The templates exist for `unsigned char` and `signed char`. Throw `ClExBadAlloc` (-102).
 
+#include "ImageProcessing/Kernels/Scratch.h"
+
 #include <cstddef>
 
 namespace Kernels {
@@ -15,6 +17,11 @@ namespace Kernels {
 template <class T>
 void MeanOfWindow(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, long nHalfX,
                   long nHalfY, T* pOut, std::ptrdiff_t nOutStride);
+
+/// The same in memory that the caller keeps.
+template <class T>
+void MeanOfWindow(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight, long nHalfX,
+                  long nHalfY, T* pOut, std::ptrdiff_t nOutStride, ClScratch& rScratch);
 
 /// The window of 3 by 3 in fixed point, cut at the edges. Four samples in a corner give
 /// (sum + 2) >> 2, six along an edge ((sum + 3) * 682) >> 12, nine inside

@@ -1,17 +1,21 @@
 #pragma once
 
-// The division of the sums of a window by their number: a multiplication by a reciprocal. With a
-// sum s of n samples of 8 bits, both integers,
+// The division of the sums of a window by their number: a multiplication by a reciprocal that is a
+// little too large. With u the unit of rounding of the numbers, 2^-24 or 2^-53, it is
 //
-//     trunc((s + 0.5) * (1 / n))     for s of 0 or more, and with - 0.5 below
+//     r = (1 / n) (1 + 4 u)
 //
-// is s / n toward zero: (s + 0.5) / n lies at least 0.5 / n away from every integer, while two
-// roundings move a quotient of at most 255.5 by less than 255.5 * 2^-23 in single precision, which
-// is below 0.5 / n for n up to 16000, or 255.5 * 2^-52 in double precision. s + 0.5 itself is
-// exact: s has at most 21 and 39 bits.
+// and for an integer s of either sign, trunc(s r) is s / n toward zero. With its three roundings
+// the product lies between |s| / n and |s| / n (1 + 8 u): a multiple of n is never missed, and
+// where s is one less than the multiple (k + 1) n, the product stays below k + 1, which is 256 at
+// most, as long as
+//
+//     256 * 8 u <= 1 / n     that is, for n up to 2^13, or 2^42.
+//
+// Sums are exact: of so many samples of 8 bits they have 21 bits, or 50.
 
 #include <cstdint>
-#include <type_traits>
+#include <limits>
 
 namespace Kernels {
 
@@ -28,13 +32,16 @@ struct StWideMean {
     using Real = double;
 };
 
-/// s / n toward zero, for samples of type `T`, from s and 1 / n.
+/// r for n samples.
+template <class Real>
+Real MeanReciprocal(Real samples) {
+    return (Real(1) / samples) * (Real(1) + 2 * std::numeric_limits<Real>::epsilon());
+}
+
+/// s / n toward zero, for samples of type `T`, from s and r.
 template <class T, class Numbers>
 T MeanQuotient(typename Numbers::Sum nSum, typename Numbers::Real reciprocal) {
-    using Real = typename Numbers::Real;
-    const bool bNegative = std::is_signed_v<T> && nSum < 0;
-    const Real half = bNegative ? Real(-0.5) : Real(0.5);
-    return static_cast<T>(static_cast<int>((static_cast<Real>(nSum) + half) * reciprocal));
+    return static_cast<T>(static_cast<int>(static_cast<typename Numbers::Real>(nSum) * reciprocal));
 }
 
 } // namespace Kernels

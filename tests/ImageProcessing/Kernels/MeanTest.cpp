@@ -4,12 +4,16 @@
 #include "ImageProcessing/Kernels/PlaneCase.h"
 #include "ImageProcessing/NaiveRankFilter.h"
 #include "support/AllocationFailures.h"
+#include "support/InstructionLevels.h"
 
+#include <cstring>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
 
+using TestSupport::AtEveryLevel;
 using TestSupport::caRankSizes;
 using TestSupport::ClPlaneCase;
 using TestSupport::CutWindow;
@@ -50,22 +54,61 @@ TYPED_TEST(MeanKernel, EqualsItsDefinitionOnEveryWindow) {
         SCOPED_TRACE(testing::Message() << Size.m_nWidth << " by " << Size.m_nHeight);
         ClPlaneCase<TypeParam> plane(Size.m_nWidth, Size.m_nHeight, 1);
         for (long nHalfX : {0, 1, 2, 3, 7, Size.m_nWidth / 2, Size.m_nWidth})
-            for (long nHalfY : {0, 1, 2, 5, Size.m_nHeight / 2, Size.m_nHeight - 1, 40})
-                EXPECT_EQ(Mean(plane, nHalfX, nHalfY), TruncatedMeans(plane.In(), nHalfX, nHalfY))
-                    << "halves " << nHalfX << ", " << nHalfY;
+            for (long nHalfY : {0, 1, 2, 5, Size.m_nHeight / 2, Size.m_nHeight - 1, 40}) {
+                SCOPED_TRACE(testing::Message() << "halves " << nHalfX << ", " << nHalfY);
+                const RealRows aExpected = TruncatedMeans(plane.In(), nHalfX, nHalfY);
+                AtEveryLevel([&] { EXPECT_EQ(Mean(plane, nHalfX, nHalfY), aExpected); });
+            }
+    }
+}
+
+TYPED_TEST(MeanKernel, EqualsItsDefinitionOnWindowsOfEveryWidth) {
+    ClPlaneCase<TypeParam> plane(150, 3, 3);
+    for (long nHalf = 0; nHalf <= 75; ++nHalf) { // sums of 16 bits go to 63
+        SCOPED_TRACE(nHalf);
+        const RealRows aExpected = TruncatedMeans(plane.In(), nHalf, 1);
+        AtEveryLevel([&] { EXPECT_EQ(Mean(plane, nHalf, 1), aExpected); });
+    }
+}
+
+TYPED_TEST(MeanKernel, EqualsItsDefinitionOnTheLargestSums) {
+    using T = TypeParam;
+    ClPlaneCase<T> plane(140, 70, 0);
+    for (long y = 0; y < 70; ++y) // the largest samples leave as the smallest ones enter
+        for (long x = 0; x < 140; ++x)
+            plane.Set(x, y, y < 33 ? std::numeric_limits<T>::max() : std::numeric_limits<T>::min());
+    for (const auto& [nHalfX, nHalfY] : {std::pair{63L, 16L}, {63L, 31L}, {64L, 16L}}) {
+        SCOPED_TRACE(nHalfX);
+        const RealRows aExpected = TruncatedMeans(plane.In(), nHalfX, nHalfY);
+        AtEveryLevel([&] { EXPECT_EQ(Mean(plane, nHalfX, nHalfY), aExpected); });
+    }
+}
+
+TYPED_TEST(MeanKernel, TakesWhatIsLeftInTheMemoryOfItsCaller) {
+    Kernels::ClScratch Scratch;
+    std::memset(Scratch.Reserve(1 << 17), 0xA5, 1 << 17);
+    for (const long nWidth : {37L, 5L, 64L}) {
+        ClPlaneCase<TypeParam> plane(nWidth, 9, 4);
+        EXPECT_EQ(plane.Run([&](const TypeParam* pIn, long nInStride, long nW, long nH,
+                                TypeParam* pOut, long nOutStride) {
+            Kernels::MeanOfWindow(pIn, nInStride, nW, nH, 3L, 2L, pOut, nOutStride, Scratch);
+        }),
+                  TruncatedMeans(plane.In(), 3, 2));
     }
 }
 
 TYPED_TEST(MeanKernel, EqualsItsDefinitionOnEitherSideOfTheLargestAreaOfSinglePrecision) {
     ClPlaneCase<TypeParam> plane(95, 92, 2);
     for (long nHalf : {44L, 45L, 46L, 60L}) { // 89 by 89 samples are the last below 2^13
-        const RealRows aMeans = Mean(plane, nHalf, nHalf);
         const RealRows aIn = plane.In();
-        for (long x : {0L, 30L, 47L, 94L})
-            for (long y : {0L, 45L, 91L})
-                EXPECT_EQ(TestSupport::At(aMeans, x, y),
-                          TruncatedMean(CutWindow(aIn, x, y, StReach(3, 2 * nHalf + 1))))
-                    << "half " << nHalf << " at " << x << ", " << y;
+        AtEveryLevel([&] {
+            const RealRows aMeans = Mean(plane, nHalf, nHalf);
+            for (long x : {0L, 30L, 47L, 94L})
+                for (long y : {0L, 45L, 91L})
+                    EXPECT_EQ(TestSupport::At(aMeans, x, y),
+                              TruncatedMean(CutWindow(aIn, x, y, StReach(3, 2 * nHalf + 1))))
+                        << "half " << nHalf << " at " << x << ", " << y;
+        });
     }
 }
 
@@ -117,7 +160,7 @@ void ExpectEveryQuotient(long nFirstCount, long nLastCount, long nStep) {
     long nWrong = 0;
     long nTried = 0;
     for (long n = nFirstCount; n <= nLastCount; n += nStep) {
-        const Real reciprocal = Real(1) / static_cast<Real>(n);
+        const Real reciprocal = Kernels::MeanReciprocal(static_cast<Real>(n));
         for (long k = nLow; k <= nHigh; ++k)
             for (long nSum : {k * n - 1, k * n, k * n + 1})
                 if (nSum >= nLow * n && nSum <= nHigh * n) {
@@ -140,6 +183,7 @@ TYPED_TEST(MeanKernel, DividesExactlyNextToEveryMultipleOfEveryCountOfSinglePrec
 TYPED_TEST(MeanKernel, DividesExactlyNextToEveryMultipleInDoublePrecision) {
     ExpectEveryQuotient<Kernels::StWideMean, TypeParam>(1, 40000, 17);
     ExpectEveryQuotient<Kernels::StWideMean, TypeParam>(40001, 2147483647, 1073741);
+    ExpectEveryQuotient<Kernels::StWideMean, TypeParam>((1L << 42) - 1000, 1L << 42, 1);
 }
 
 /// Single precision fails first at 25796 samples without a sign and at 51299 with one: through the
