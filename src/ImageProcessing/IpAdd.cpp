@@ -41,7 +41,7 @@ long DispatchSumType(unsigned char nType1, unsigned char nType2, Function&& func
     return function(TpPixelTag<int>());
 }
 
-using LineKernel = void (*)(const unsigned char*, const unsigned char*, long, unsigned char*);
+using PlaneKernel = void (*)(const Kernels::StPairOfPlanes&);
 
 } // namespace
 
@@ -55,9 +55,7 @@ public:
     double Value(Sum sum) const {
         return m_Clip(static_cast<double>(sum));
     }
-    LineKernel EightBitKernel() const {
-        return m_Clip.IsEightBit() ? Kernels::AddCutLine : nullptr;
-    }
+    PlaneKernel EightBitKernel() const { return m_Clip.IsEightBit() ? Kernels::AddCut : nullptr; }
 
 private:
     ClRangeClip m_Clip;
@@ -74,9 +72,7 @@ public:
         else
             return m_Clip(static_cast<double>(sum / 2)); // NOLINT(bugprone-integer-division)
     }
-    LineKernel EightBitKernel() const {
-        return m_Clip.IsEightBit() ? Kernels::AddHalfLine : nullptr;
-    }
+    PlaneKernel EightBitKernel() const { return m_Clip.IsEightBit() ? Kernels::AddHalf : nullptr; }
 
 private:
     ClRangeClip m_Clip;
@@ -90,7 +86,7 @@ public:
     double Value(Sum sum) const {
         return static_cast<double>(sum);
     }
-    LineKernel EightBitKernel() const { return nullptr; }
+    PlaneKernel EightBitKernel() const { return nullptr; }
 };
 
 // Parameters
@@ -150,9 +146,9 @@ long ClIpAdd::Default(const StPairArea& Area) {
         throw ClException("unequal plane count is not suported.", QMT_ERROR_INVALID_PARAMETER, true,
                           VEK_HERE);
     const Mode mode(Area.m_rOut);
-    const LineKernel kernel = Area.IsEightBit() ? mode.EightBitKernel() : nullptr;
+    const PlaneKernel kernel = Area.IsEightBit() ? mode.EightBitKernel() : nullptr;
     if (kernel != nullptr) {
-        WalkPairLines(Area, kernel);
+        WalkPairPlanes(Area, kernel);
         return 0;
     }
     return DispatchSumType(Area.m_rIn1.DataType(), Area.m_rIn2.DataType(), [&](auto Tag) {

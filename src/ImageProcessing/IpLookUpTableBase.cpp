@@ -47,8 +47,10 @@ long ClIpLookUpTableBase::Process() {
         return nResult;
     ClImage& Out = PrepareOutImage();
     const long nSamples = static_cast<long>(m_pInImage->Width()) * m_pInImage->Planes();
-    for (int y = 0; y < m_pInImage->Height(); ++y)
-        Kernels::LookUpLine(m_pInImage->LineData(y), nSamples, m_aLuT, Out.LineData(y));
+    if (m_pInImage->Height() > 0)
+        Kernels::ClLookUp(m_aLuT).Run(m_pInImage->LineData(0), m_pInImage->LineStrideBytes(),
+                                      nSamples, m_pInImage->Height(), Out.LineData(0),
+                                      Out.LineStrideBytes());
     if (m_pInImage->Planes() > 1)
         Out.BlackWhiteFromType(Out.DataType());
     m_bLuTValid = true;

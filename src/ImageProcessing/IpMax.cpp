@@ -39,7 +39,7 @@ long ClIpMax::DoProcess(ClImage& In1, ClImage& In2, ClImage& Out, long nWidth, l
 long ClIpMax::Default(const StPairArea& Area) {
     const ClRangeClip clip(Area.m_rOut);
     if (Area.IsEightBit() && clip.IsEightBit() && Area.m_nPlanes1 == Area.m_nPlanes2)
-        WalkPairLines(Area, Kernels::MaxLine);
+        WalkPairPlanes(Area, Kernels::Max);
     else
         WalkPairs(Area, [&](double a, double b) { return clip(Larger(a, b)); });
     return 0;

@@ -85,7 +85,7 @@ long ClIpSubtract::Default(const StPairArea& Area) const {
         return 0;
     const ClRangeClip clip = FixBounds(Area);
     if (Area.IsEightBit() && clip.IsEightBit() && Area.m_nPlanes1 == Area.m_nPlanes2)
-        WalkPairLines(Area, Kernels::SubtractLine);
+        WalkPairPlanes(Area, Kernels::Subtract);
     else // doubles hold the difference of any two integer samples
         WalkPairs(Area, [&](double a, double b) { return clip(a - b); });
     return 0;

@@ -1,7 +1,10 @@
 #include "ImageProcessing/Kernels/Arithmetic.h"
 
+#include "ImageProcessing/Kernels/SampleBySample.h"
+#include "Tools/InstructionLevel.h"
+
 // Each is one loop without a branch, in forms that stay within 8 bits, so that the compiler has an
-// instruction per vector of 16 samples for every step:
+// instruction per vector of samples for every step:
 //
 //     min(255, a + b)  =  min(a, 255 - b) + b
 //     (a + b) / 2      =  (a & b) + ((a ^ b) >> 1)
@@ -21,31 +24,63 @@ unsigned char Smaller(unsigned char a, unsigned char b) {
     return a < b ? a : b;
 }
 
+// The definitions
+
+struct StAddCut {
+    static unsigned char Of(unsigned char a, unsigned char b) {
+        return static_cast<unsigned char>(Smaller(a, static_cast<unsigned char>(~b)) + b);
+    }
+};
+
+struct StAddHalf {
+    static unsigned char Of(unsigned char a, unsigned char b) {
+        return static_cast<unsigned char>((a & b) + ((a ^ b) >> 1));
+    }
+};
+
+struct StSubtract {
+    static unsigned char Of(unsigned char a, unsigned char b) {
+        return static_cast<unsigned char>(Larger(a, b) - b);
+    }
+};
+
+struct StMax {
+    static unsigned char Of(unsigned char a, unsigned char b) { return Larger(a, b); }
+};
+
+template <class Definition>
+void Line(const unsigned char* pA, const unsigned char* pB, long nSamples, unsigned char* pOut) {
+    TESSARIN_SAMPLE_BY_SAMPLE
+    for (long i = 0; i < nSamples; ++i)
+        pOut[i] = Definition::Of(pA[i], pB[i]);
+}
+
+template <class Definition>
+struct StPlanes {
+    static void Run(const StPairOfPlanes* pPlanes) {
+        const StPairOfPlanes P = *pPlanes;
+        for (long y = 0; y < P.m_nLines; ++y)
+            Line<Definition>(P.m_pA + y * P.m_nStrideA, P.m_pB + y * P.m_nStrideB, P.m_nSamples,
+                             P.m_pOut + y * P.m_nStrideOut);
+    }
+};
+
 } // namespace
 
-void AddCutLine(const unsigned char* pA, const unsigned char* pB, long nSamples,
-                unsigned char* pOut) {
-    for (long i = 0; i < nSamples; ++i) {
-        const auto nRoom = static_cast<unsigned char>(~pB[i]);
-        pOut[i] = static_cast<unsigned char>(Smaller(pA[i], nRoom) + pB[i]);
+#define DEFINE(name)                                                                               \
+    void name(const StPairOfPlanes& Planes) {                                                      \
+        RunAtLevel<StPlanes<St##name>>(&Planes);                                                   \
+    }                                                                                              \
+    void name##Line(const unsigned char* pA, const unsigned char* pB, long nSamples,               \
+                    unsigned char* pOut) {                                                         \
+        Line<St##name>(pA, pB, nSamples, pOut);                                                    \
     }
-}
 
-void AddHalfLine(const unsigned char* pA, const unsigned char* pB, long nSamples,
-                 unsigned char* pOut) {
-    for (long i = 0; i < nSamples; ++i)
-        pOut[i] = static_cast<unsigned char>((pA[i] & pB[i]) + ((pA[i] ^ pB[i]) >> 1));
-}
+DEFINE(AddCut)
+DEFINE(AddHalf)
+DEFINE(Subtract)
+DEFINE(Max)
 
-void SubtractLine(const unsigned char* pA, const unsigned char* pB, long nSamples,
-                  unsigned char* pOut) {
-    for (long i = 0; i < nSamples; ++i)
-        pOut[i] = static_cast<unsigned char>(Larger(pA[i], pB[i]) - pB[i]);
-}
-
-void MaxLine(const unsigned char* pA, const unsigned char* pB, long nSamples, unsigned char* pOut) {
-    for (long i = 0; i < nSamples; ++i)
-        pOut[i] = Larger(pA[i], pB[i]);
-}
+#undef DEFINE
 
 } // namespace Kernels

@@ -41,6 +41,7 @@ StPlanes Planes(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeigh
         pOut, nOutStride};
 }
 
+/// A power of two of lines, so that one is found without a division.
 class ClRing {
 public:
     ClRing(T* pLines, long nWidth, long nLines)
@@ -50,7 +51,7 @@ public:
         return static_cast<std::size_t>(Stride(nWidth) * nLines);
     }
 
-    T* Line(long y) const { return m_pLines + y % m_nLines * m_nStride; }
+    T* Line(long y) const { return m_pLines + (y & (m_nLines - 1)) * m_nStride; }
 
 private:
     static long Stride(long nWidth) {
@@ -63,7 +64,10 @@ private:
 };
 
 long RingLines(const StPlanes& rPlanes) {
-    return 2 * rPlanes.m_nHalfY + 1 + ClWindowSums::cnBatch;
+    long nLines = 1;
+    while (nLines < 2 * rPlanes.m_nHalfY + 1 + ClWindowSums::cnBatch)
+        nLines *= 2;
+    return nLines;
 }
 
 template <class Finish>

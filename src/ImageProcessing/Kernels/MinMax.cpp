@@ -5,19 +5,24 @@
 //
 // Along lines the windows double: the extreme of 2 n samples is that of two neighbouring runs of
 // n, and any window is covered by two overlapping runs of the largest power of two within it. That
-// costs one comparison per sample and doubling, 6 for a width of 53.
+// costs one comparison per sample and doubling, 6 for a width of 53. A few lines go through each
+// step together: what has just been stored is not loaded at once, across the stores.
 //
 // Along columns the lines are taken in blocks as high as the window (van Herk, Gil and Werman). A
 // window covers the end of one block and the beginning of the next: the extremes of all ends are
 // kept, one line each, those of the beginnings run along. Three comparisons per sample at any
 // width.
 //
+// Over the square the blocks are of lines that have been through the first step. Two blocks of them
+// are kept, no plane.
+//
 // Beyond the edges stand samples that never win.
 
-#include "Tools/Allocate.h"
+#include "Tools/InstructionLevel.h"
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace Kernels {
 
@@ -35,105 +40,262 @@ T Pick(T a, T b) {
         return b < a ? b : a;
 }
 
+/// Samples of a round; memory for lines has whole ones.
+constexpr long cnRound = 64;
+
+constexpr long Rounded(long nSamples) {
+    return (nSamples + cnRound - 1) / cnRound * cnRound;
+}
+
+/// Calls `round(i)` for rounds from i on, the last of which ends with the line and repeats some of
+/// the one before; or, for a short line, `single(i)` for each sample.
+template <class Round, class Single>
+void ForEachRound(long nSamples, Round round, Single single) {
+    if (nSamples < cnRound) {
+        for (long i = 0; i < nSamples; ++i)
+            single(i);
+        return;
+    }
+    for (long i = 0; i < nSamples; i += cnRound)
+        round(std::min(i, nSamples - cnRound));
+}
+
 /// out[i] = the extreme of a[i] and b[i]; `pOut` overlaps neither.
 template <EExtreme eKind, class T>
-void PickLine(const T* pA, const T* pB, long nCount, T* __restrict pOut) {
-    for (long i = 0; i < nCount; ++i)
-        pOut[i] = Pick<eKind>(pA[i], pB[i]);
+void PickLine(const T* pA, const T* pB, long nSamples, T* __restrict pOut) {
+    ForEachRound(
+        nSamples,
+        [=](long nFrom) {
+            for (long i = nFrom; i < nFrom + cnRound; ++i)
+                pOut[i] = Pick<eKind>(pA[i], pB[i]);
+        },
+        [=](long i) { pOut[i] = Pick<eKind>(pA[i], pB[i]); });
 }
+
+// Memory: lines side by side
+
+template <class T>
+class ClLines {
+public:
+    ClLines(T* pFirst, long nStride) : m_pFirst(pFirst), m_nStride(nStride) {}
+
+    T* operator[](long i) const { return m_pFirst + i * m_nStride; }
+
+private:
+    T* m_pFirst;
+    long m_nStride;
+};
 
 // Along lines
 
-/// Two buffers for a line with its margins.
-template <class T>
-class ClPaddedLine {
+/// A batch of lines with their margins.
+template <EExtreme eKind, class T>
+class ClPaddedLines {
 public:
-    explicit ClPaddedLine(long nLength)
-        : m_nLength(nLength),
-          m_pBuffers(Vek::NewArrayPtr<T>(2 * static_cast<std::size_t>(nLength))),
-          m_pLine(m_pBuffers.get()), m_pSpare(m_pLine + nLength) {}
+    static constexpr int cnBatch = 8;
 
-    /// `nWidth` samples in the middle, `nMargin` at both ends.
-    void Fill(const T* pIn, long nWidth, T nMargin) {
-        const long nHalf = (m_nLength - nWidth) / 2;
-        std::fill_n(m_pLine, nHalf, nMargin);
-        std::copy_n(pIn, nWidth, m_pLine + nHalf);
-        std::fill_n(m_pLine + nHalf + nWidth, nHalf, nMargin);
+    static long Samples(long nWidth, long nHalf) { return 3 * BlockSize(nWidth, nHalf); }
+
+    ClPaddedLines(T* pMemory, long nWidth, long nHalf)
+        : m_nWidth(nWidth), m_nHalf(nHalf), m_nStride(Rounded(nWidth + 2 * nHalf)),
+          m_nBlock(BlockSize(nWidth, nHalf)), m_pLines(pMemory) {
+        std::fill_n(pMemory, Samples(nWidth, nHalf), cNeverWins<eKind, T>);
     }
 
-    /// The extremes of `nWindow` samples from each place on, to `nWidth` places.
-    template <EExtreme eKind>
-    void Run(long nWindow, long nWidth, T* pOut) {
-        long nRun = 1; // sample i of the line is the extreme of so many from i on
-        long nLength = m_nLength;
-        for (; 2 * nRun <= nWindow; nRun *= 2) {
-            nLength -= nRun;
-            PickLine<eKind>(m_pLine, m_pLine + nRun, nLength, m_pSpare);
-            std::swap(m_pLine, m_pSpare);
+    /// `in(i)` and `out(i)` are lines for i from 0 to nLines, at most cnBatch.
+    template <class In, class Out>
+    void Run(int nLines, In in, Out out) {
+        for (int i = 0; i < nLines; ++i)
+            std::copy_n(in(i), m_nWidth, m_pLines + i * m_nStride + m_nHalf);
+        const T* pRuns = m_pLines; // sample i is the extreme of nRun samples from i on
+        T* pLonger = m_pLines + m_nBlock;
+        T* pSpare = pLonger + m_nBlock;
+        long nRun = 1;
+        for (; 2 * nRun <= Window(); nRun *= 2) {
+            PickLine<eKind>(pRuns, pRuns + nRun, nLines * m_nStride, pLonger);
+            pRuns = pLonger;
+            std::swap(pLonger, pSpare);
         }
-        PickLine<eKind>(m_pLine, m_pLine + (nWindow - nRun), nWidth, pOut);
+        for (int i = 0; i < nLines; ++i) {
+            const T* pLine = pRuns + i * m_nStride;
+            PickLine<eKind>(pLine, pLine + (Window() - nRun), m_nWidth, out(i));
+        }
     }
 
 private:
-    long m_nLength;
-    std::unique_ptr<T[]> m_pBuffers;
-    T* m_pLine;
-    T* m_pSpare;
+    /// What the runs of the last line read beyond it follows the lines.
+    static long BlockSize(long nWidth, long nHalf) {
+        return cnBatch * Rounded(nWidth + 2 * nHalf) + Rounded(nHalf + 1);
+    }
+    long Window() const { return 2 * m_nHalf + 1; }
+
+    long m_nWidth;
+    long m_nHalf;
+    long m_nStride;
+    long m_nBlock;
+    T* m_pLines;
 };
 
 // Along columns
 
-/// The lines of a plane with their extremes over blocks of `nWindow` lines. Line 0 is the first
-/// one of the margin above the plane.
+/// The lines of a plane, or lines of extremes, with their extremes over blocks of as many lines as
+/// the window has. Line 0 is the first one of the margin above the plane.
 template <EExtreme eKind, class T>
 class ClBlocks {
 public:
-    ClBlocks(const T* pIn, std::ptrdiff_t nStride, long nWidth, long nHeight, long nHalf)
-        : m_pIn(pIn), m_nStride(nStride), m_nWidth(nWidth), m_nHeight(nHeight), m_nHalf(nHalf),
-          m_pLines(Vek::NewArrayPtr<T>(static_cast<std::size_t>(nWidth) *
-                                       static_cast<std::size_t>(Window() + 2))) {
-        std::fill_n(Margin(), nWidth, cNeverWins<eKind, T>);
+    static long Samples(long nWidth, long nHalf) { return Rounded(nWidth) * (2 * nHalf + 3); }
+
+    ClBlocks(T* pMemory, long nWidth, long nHeight, long nHalf)
+        : m_nWidth(nWidth), m_nHeight(nHeight), m_nHalf(nHalf),
+          m_Ends(pMemory + 2 * Rounded(nWidth), Rounded(nWidth)), m_pMargin(pMemory),
+          m_pBeginning(pMemory + Rounded(nWidth)) {
+        std::fill_n(m_pMargin, nWidth, cNeverWins<eKind, T>);
     }
 
     long Window() const { return 2 * m_nHalf + 1; }
 
-    /// The extremes from each line of the block that begins at `nBlock` to its end.
-    void TakeEnds(long nBlock) {
+    /// The extremes from each line of the block that begins at `nBlock` to its end; `lineAt(y)` is
+    /// line y of the plane.
+    template <class LineAt>
+    void TakeEnds(long nBlock, LineAt lineAt) {
         const long nLast = Window() - 1;
-        std::copy_n(LineAt(nBlock + nLast), m_nWidth, End(nLast));
+        std::copy_n(Line(nBlock + nLast, lineAt), m_nWidth, m_Ends[nLast]);
         for (long i = nLast - 1; i >= 0; --i)
-            PickLine<eKind>(LineAt(nBlock + i), End(i + 1), m_nWidth, End(i));
-        std::fill_n(Beginning(), m_nWidth, cNeverWins<eKind, T>);
+            PickLine<eKind>(Line(nBlock + i, lineAt), m_Ends[i + 1], m_nWidth, m_Ends[i]);
+        std::fill_n(m_pBeginning, m_nWidth, cNeverWins<eKind, T>);
     }
 
     /// The extremes of the window that begins `i` lines into the block, called for 0, 1, 2, ...
-    void TakeWindow(long nBlock, long i, T* __restrict pOut) {
-        const T* pEntering = LineAt(nBlock + i + Window() - 1);
-        const T* pEnd = End(i);
-        T* pBeginning = Beginning();
-        for (long x = 0; x < m_nWidth; ++x) {
+    template <class LineAt>
+    void TakeWindow(long nBlock, long i, LineAt lineAt, T* __restrict pOut) {
+        const T* pEntering = Line(nBlock + i + Window() - 1, lineAt);
+        const T* pEnd = m_Ends[i];
+        T* __restrict pBeginning = m_pBeginning;
+        const auto take = [=](long x) {
             const T nBeginning = Pick<eKind>(pBeginning[x], pEntering[x]);
             pBeginning[x] = nBeginning;
             pOut[x] = Pick<eKind>(pEnd[x], nBeginning);
-        }
+        };
+        ForEachRound(
+            m_nWidth,
+            [=](long nFrom) {
+                for (long x = nFrom; x < nFrom + cnRound; ++x)
+                    take(x);
+            },
+            take);
     }
 
 private:
-    T* Margin() { return m_pLines.get(); }
-    T* Beginning() { return Margin() + m_nWidth; }
-    T* End(long i) { return Margin() + (i + 2) * m_nWidth; }
-    const T* LineAt(long i) {
+    template <class LineAt>
+    const T* Line(long i, LineAt lineAt) const {
         const long y = i - m_nHalf;
-        return y >= 0 && y < m_nHeight ? m_pIn + y * m_nStride : Margin();
+        return y >= 0 && y < m_nHeight ? lineAt(y) : m_pMargin;
     }
 
-    const T* m_pIn;
-    std::ptrdiff_t m_nStride;
     long m_nWidth;
     long m_nHeight;
     long m_nHalf;
-    std::unique_ptr<T[]> m_pLines;
+    ClLines<T> m_Ends;
+    T* m_pMargin;
+    T* m_pBeginning;
 };
+
+// Planes
+
+template <class T>
+struct StPlanes {
+    const T* In(long y) const { return m_pIn + y * m_nInStride; }
+    T* Out(long y) const { return m_pOut + y * m_nOutStride; }
+
+    const T* m_pIn;
+    std::ptrdiff_t m_nInStride;
+    long m_nWidth;
+    long m_nHeight;
+    T* m_pOut;
+    std::ptrdiff_t m_nOutStride;
+};
+
+template <EExtreme eKind, class T>
+struct StAlongLines {
+    using Lines = ClPaddedLines<eKind, T>;
+
+    static void Run(T* pMemory, const StPlanes<T>* pPlane, long nHalf) {
+        const StPlanes<T> P = *pPlane;
+        Lines Padded(pMemory, P.m_nWidth, nHalf);
+        for (long y = 0; y < P.m_nHeight; y += Lines::cnBatch)
+            Padded.Run(
+                static_cast<int>(std::min<long>(Lines::cnBatch, P.m_nHeight - y)),
+                [=](int i) { return P.In(y + i); }, [=](int i) { return P.Out(y + i); });
+    }
+};
+
+template <EExtreme eKind, class T>
+struct StAlongColumns {
+    static void Run(T* pMemory, const StPlanes<T>* pPlane, long nHalf) {
+        const StPlanes<T> P = *pPlane;
+        const auto lineAt = [P](long y) { return P.In(y); };
+        ClBlocks<eKind, T> Blocks(pMemory, P.m_nWidth, P.m_nHeight, nHalf);
+        for (long nBlock = 0; nBlock < P.m_nHeight; nBlock += Blocks.Window()) {
+            Blocks.TakeEnds(nBlock, lineAt);
+            const long nLines = std::min(Blocks.Window(), P.m_nHeight - nBlock);
+            for (long i = 0; i < nLines; ++i)
+                Blocks.TakeWindow(nBlock, i, lineAt, P.Out(nBlock + i));
+        }
+    }
+};
+
+/// Lines of extremes come into a ring of two blocks, a batch at a time, before a block needs them.
+template <EExtreme eKind, class T>
+struct StOverSquares {
+    using Lines = ClPaddedLines<eKind, T>;
+    using Blocks = ClBlocks<eKind, T>;
+
+    /// A power of two, so that a line is found without a division.
+    static long RingLines(long nHalfY) {
+        long nLines = Lines::cnBatch;
+        while (nLines < 2 * (2 * nHalfY + 1) + Lines::cnBatch)
+            nLines *= 2;
+        return nLines;
+    }
+
+    static long Samples(long nWidth, long nHalfX, long nHalfY) {
+        return Rounded(Lines::Samples(nWidth, nHalfX)) + Blocks::Samples(nWidth, nHalfY) +
+               RingLines(nHalfY) * Rounded(nWidth);
+    }
+
+    static void Run(T* pMemory, const StPlanes<T>* pPlane, long nHalfX, long nHalfY) {
+        const StPlanes<T> P = *pPlane;
+        T* pBlocks = pMemory + Rounded(Lines::Samples(P.m_nWidth, nHalfX));
+        Lines Padded(pMemory, P.m_nWidth, nHalfX);
+        Blocks Columns(pBlocks, P.m_nWidth, P.m_nHeight, nHalfY);
+        const ClLines<T> Kept(pBlocks + Blocks::Samples(P.m_nWidth, nHalfY), Rounded(P.m_nWidth));
+        const auto lineAt = [=, nMask = RingLines(nHalfY) - 1](long y) { return Kept[y & nMask]; };
+
+        long nMade = 0;
+        const auto makeLines = [&](long nEnd) {
+            while (nMade < std::min(nEnd, P.m_nHeight)) {
+                const long nLines = std::min<long>(Lines::cnBatch, P.m_nHeight - nMade);
+                Padded.Run(
+                    static_cast<int>(nLines), [=](int i) { return P.In(nMade + i); },
+                    [=](int i) { return lineAt(nMade + i); });
+                nMade += nLines;
+            }
+        };
+        for (long nBlock = 0; nBlock < P.m_nHeight; nBlock += Columns.Window()) {
+            makeLines(nBlock + Columns.Window() - nHalfY);
+            Columns.TakeEnds(nBlock, lineAt);
+            makeLines(nBlock + 2 * Columns.Window() - 1 - nHalfY);
+            const long nLines = std::min(Columns.Window(), P.m_nHeight - nBlock);
+            for (long i = 0; i < nLines; ++i)
+                Columns.TakeWindow(nBlock, i, lineAt, P.Out(nBlock + i));
+        }
+    }
+};
+
+template <class T>
+T* Reserve(ClScratch& rScratch, long nSamples) {
+    return reinterpret_cast<T*>(rScratch.Reserve(static_cast<std::size_t>(nSamples)));
+}
 
 } // namespace
 
@@ -143,11 +305,10 @@ void ExtremeAlongLines(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long
     if (nWidth < 1 || nHeight < 1)
         return;
     nHalf = std::min(nHalf, nWidth - 1); // covers the line
-    ClPaddedLine<T> Line(nWidth + 2 * nHalf);
-    for (long y = 0; y < nHeight; ++y) {
-        Line.Fill(pIn + y * nInStride, nWidth, cNeverWins<eKind, T>);
-        Line.template Run<eKind>(2 * nHalf + 1, nWidth, pOut + y * nOutStride);
-    }
+    const StPlanes<T> Plane = {pIn, nInStride, nWidth, nHeight, pOut, nOutStride};
+    ClScratch Scratch;
+    T* pMemory = Reserve<T>(Scratch, ClPaddedLines<eKind, T>::Samples(nWidth, nHalf));
+    RunAtLevel<StAlongLines<eKind, T>>(pMemory, &Plane, nHalf);
 }
 
 template <EExtreme eKind, class T>
@@ -155,20 +316,32 @@ void ExtremeAlongColumns(const T* pIn, std::ptrdiff_t nInStride, long nWidth, lo
                          long nHalf, T* pOut, std::ptrdiff_t nOutStride) {
     if (nWidth < 1 || nHeight < 1)
         return;
-    ClBlocks<eKind, T> Blocks(pIn, nInStride, nWidth, nHeight, std::min(nHalf, nHeight - 1));
-    for (long nBlock = 0; nBlock < nHeight; nBlock += Blocks.Window()) {
-        Blocks.TakeEnds(nBlock);
-        const long nLines = std::min(Blocks.Window(), nHeight - nBlock);
-        for (long i = 0; i < nLines; ++i)
-            Blocks.TakeWindow(nBlock, i, pOut + (nBlock + i) * nOutStride);
-    }
+    nHalf = std::min(nHalf, nHeight - 1);
+    const StPlanes<T> Plane = {pIn, nInStride, nWidth, nHeight, pOut, nOutStride};
+    ClScratch Scratch;
+    T* pMemory = Reserve<T>(Scratch, ClBlocks<eKind, T>::Samples(nWidth, nHalf));
+    RunAtLevel<StAlongColumns<eKind, T>>(pMemory, &Plane, nHalf);
+}
+
+template <EExtreme eKind, class T>
+void ExtremeOverSquares(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight,
+                        long nHalf, T* pOut, std::ptrdiff_t nOutStride, ClScratch& rScratch) {
+    if (nWidth < 1 || nHeight < 1)
+        return;
+    const long nHalfX = std::min(nHalf, nWidth - 1);
+    const long nHalfY = std::min(nHalf, nHeight - 1);
+    const StPlanes<T> Plane = {pIn, nInStride, nWidth, nHeight, pOut, nOutStride};
+    T* pMemory = Reserve<T>(rScratch, StOverSquares<eKind, T>::Samples(nWidth, nHalfX, nHalfY));
+    RunAtLevel<StOverSquares<eKind, T>>(pMemory, &Plane, nHalfX, nHalfY);
 }
 
 #define INSTANTIATE(kind, type)                                                                    \
     template void ExtremeAlongLines<kind>(const type*, std::ptrdiff_t, long, long, long, type*,    \
                                           std::ptrdiff_t);                                         \
     template void ExtremeAlongColumns<kind>(const type*, std::ptrdiff_t, long, long, long, type*,  \
-                                            std::ptrdiff_t);
+                                            std::ptrdiff_t);                                       \
+    template void ExtremeOverSquares<kind>(const type*, std::ptrdiff_t, long, long, long, type*,   \
+                                           std::ptrdiff_t, ClScratch&);
 
 INSTANTIATE(EExtreme::eMin, unsigned char)
 INSTANTIATE(EExtreme::eMin, signed char)

@@ -9,6 +9,8 @@
 ///
 /// The templates exist for `unsigned char` and `signed char`.
 
+#include "ImageProcessing/Kernels/Scratch.h"
+
 #include <cstddef>
 
 namespace Kernels {
@@ -22,5 +24,10 @@ void ExtremeAlongLines(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long
 template <EExtreme eKind, class T>
 void ExtremeAlongColumns(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight,
                          long nHalf, T* pOut, std::ptrdiff_t nOutStride);
+
+/// Along both: over the square of 2 nHalf + 1 lines and columns.
+template <EExtreme eKind, class T>
+void ExtremeOverSquares(const T* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight,
+                        long nHalf, T* pOut, std::ptrdiff_t nOutStride, ClScratch& rScratch);
 
 } // namespace Kernels

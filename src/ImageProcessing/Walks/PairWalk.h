@@ -5,6 +5,7 @@
 /// Images of equally many planes are paired sample by sample. A grey image pairs with each plane of
 /// an image of three. Other counts pair nothing.
 
+#include "ImageProcessing/Kernels/Arithmetic.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
 #include "ImageProcessing/Walks/SampleBlocks.h"
 #include "Tools/FpImage.h"
@@ -68,16 +69,15 @@ void WalkPairBlocks(const StPairArea& Area, Function&& function) {
                      std::min(cnSampleBlock, Area.SamplesPerLine() - i));
 }
 
-/// `function(pIn1, pIn2, n, pOut)` for each line, of images of 8 bits and equally many planes.
-template <class Function>
-void WalkPairLines(const StPairArea& Area, Function&& function) {
+/// `kernel(planes)` for images of 8 bits and equally many planes.
+template <class Kernel>
+void WalkPairPlanes(const StPairArea& Area, Kernel kernel) {
     if (Area.IsEmpty())
         return;
-    for (long y = 0; y < Area.m_nHeight; ++y)
-        function(Area.m_rIn1.Data() + Area.m_nIn1Offset + y * Area.m_nIn1Stride,
-                 Area.m_rIn2.Data() + Area.m_nIn2Offset + y * Area.m_nIn2Stride,
-                 Area.SamplesPerLine(),
-                 Area.m_rOut.Data() + Area.m_nOutOffset + y * Area.m_nOutStride);
+    kernel(Kernels::StPairOfPlanes{Area.m_rIn1.Data() + Area.m_nIn1Offset, Area.m_nIn1Stride,
+                                   Area.m_rIn2.Data() + Area.m_nIn2Offset, Area.m_nIn2Stride,
+                                   Area.SamplesPerLine(), Area.m_nHeight,
+                                   Area.m_rOut.Data() + Area.m_nOutOffset, Area.m_nOutStride});
 }
 
 /// `Out = function(In1, In2)` for every pair of samples, in double, of images that have pixel

@@ -113,7 +113,16 @@ void ExtremesAlongY(const ClImage& In, long nHalf, ClImage& Out) {
 /// Over the square: along columns of what is along lines.
 template <EExtreme eKind, class T>
 void ExtremesAlongXY(const ClImage& In, long nHalf, ClImage& Out) {
-    ClImage Lines;
-    ExtremesAlongX<eKind, T>(In, nHalf, Lines);
-    ExtremesAlongY<eKind, T>(Lines, nHalf, Out);
+    if constexpr (sizeof(T) == 1) {
+        Out.New(In);
+        Kernels::ClScratch Scratch;
+        if (In.SizeBytes() > 0)
+            Kernels::ExtremeOverSquares<eKind>(In.Line<const T>(0), In.LineStrideSamples(),
+                                               In.Width(), In.Height(), nHalf, Out.Line<T>(0),
+                                               Out.LineStrideSamples(), Scratch);
+    } else {
+        ClImage Lines;
+        ExtremesAlongX<eKind, T>(In, nHalf, Lines);
+        ExtremesAlongY<eKind, T>(Lines, nHalf, Out);
+    }
 }

@@ -2,8 +2,10 @@
 
 /// The walks that the operator frames share: over the samples of two images of one geometry.
 
+#include "ImageProcessing/Kernels/LookUp.h"
 #include "ImageProcessing/PixelTypeDispatch.h"
-#include "Tools/Allocate.h"
+
+#include <type_traits>
 
 /// `Out = function(In)` for every sample, line by line; both images have `In`'s width, height and
 /// planes.
@@ -30,9 +32,16 @@ void WalkValues(const ClImage& In, ClImage& Out, Function&& function) {
 template <class TIn, class TOut, class Function>
 void WalkTable(const ClImage& In, ClImage& Out, Function&& function) {
     static_assert(std::is_same_v<TIn, unsigned char>);
-    constexpr std::size_t cnValues = 256;
-    auto pTable = Vek::NewArrayPtr<TOut>(cnValues);
-    for (std::size_t i = 0; i < cnValues; ++i)
-        pTable[i] = SampleFromDouble<TOut>(function(static_cast<double>(i)));
-    WalkSamples<TIn, TOut>(In, Out, [&](TIn n) { return pTable[n]; });
+    constexpr int cnValues = 256;
+    TOut aTable[cnValues];
+    for (int i = 0; i < cnValues; ++i)
+        aTable[i] = SampleFromDouble<TOut>(function(static_cast<double>(i)));
+    if constexpr (std::is_same_v<TOut, unsigned char>) {
+        if (In.Height() > 0)
+            Kernels::ClLookUp(aTable).Run(In.LineData(0), In.LineStrideBytes(),
+                                          static_cast<long>(In.Width()) * In.Planes(), In.Height(),
+                                          Out.LineData(0), Out.LineStrideBytes());
+    } else {
+        WalkSamples<TIn, TOut>(In, Out, [&](TIn n) { return aTable[n]; });
+    }
 }

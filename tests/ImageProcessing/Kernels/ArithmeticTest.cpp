@@ -1,8 +1,11 @@
 #include "ImageProcessing/Kernels/Arithmetic.h"
 
+#include "support/InstructionLevels.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <iterator>
 #include <random>
 #include <vector>
 
@@ -30,6 +33,10 @@ Line Defined(const StPairKernel& Kernel, const Line& a, const Line& b) {
         out[i] = static_cast<unsigned char>(Kernel.m_pDefinition(a[i], b[i]));
     return out;
 }
+
+using PlaneKernel = void (*)(const Kernels::StPairOfPlanes&);
+constexpr PlaneKernel caPlaneKernels[] = {Kernels::AddCut, Kernels::AddHalf, Kernels::Subtract,
+                                          Kernels::Max};
 
 Line RandomLine(long nSamples, unsigned nSeed) {
     std::mt19937 random(nSeed);
@@ -94,6 +101,56 @@ TEST(Arithmetic, WritesOverEitherOfItsLines) {
         Kernel.m_pKernel(a.data(), second.data(), 50, second.data());
         EXPECT_EQ(second, Defined(Kernel, a, b)) << Kernel.m_szName;
     }
+}
+
+// Planes
+
+constexpr long cnLines = 3;
+
+/// The kernel on lines of `nSamples`, by the definition of that kernel; a is 3 samples wider, b 1,
+/// the output 2.
+void ExpectPlane(std::size_t nKernel, long nSamples) {
+    const Line a = RandomLine((nSamples + 3) * cnLines, 1);
+    const Line b = RandomLine((nSamples + 1) * cnLines, 2);
+    Line out(static_cast<std::size_t>((nSamples + 2) * cnLines), 77);
+    Line expected = out;
+    for (long y = 0; y < cnLines; ++y)
+        for (long x = 0; x < nSamples; ++x)
+            expected[static_cast<std::size_t>(y * (nSamples + 2) + x)] =
+                static_cast<unsigned char>(caKernels[nKernel].m_pDefinition(
+                    a[static_cast<std::size_t>(y * (nSamples + 3) + x)],
+                    b[static_cast<std::size_t>(y * (nSamples + 1) + x)]));
+    caPlaneKernels[nKernel]({a.data(), nSamples + 3, b.data(), nSamples + 1, nSamples, cnLines,
+                             out.data(), nSamples + 2});
+    EXPECT_EQ(out, expected) << caKernels[nKernel].m_szName << " of " << nSamples;
+}
+
+TEST(Arithmetic, EqualsItsDefinitionOnPlanesOfEveryWidth) {
+    TestSupport::AtEveryLevel([] {
+        for (std::size_t nKernel = 0; nKernel < std::size(caKernels); ++nKernel)
+            for (long nSamples = 0; nSamples < 140; ++nSamples)
+                ExpectPlane(nKernel, nSamples);
+    });
+}
+
+TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamplesInPlace) {
+    TestSupport::AtEveryLevel([] {
+        for (std::size_t nKernel = 0; nKernel < std::size(caKernels); ++nKernel) {
+            Line a;
+            Line b;
+            for (int i = 0; i < 65536; ++i) {
+                a.push_back(static_cast<unsigned char>(i >> 8));
+                b.push_back(static_cast<unsigned char>(i));
+            }
+            const Line expected = Defined(caKernels[nKernel], a, b);
+            Line first = a;
+            caPlaneKernels[nKernel](
+                {first.data(), 256, b.data(), 256, 256, 256, first.data(), 256});
+            EXPECT_EQ(first, expected) << caKernels[nKernel].m_szName;
+            caPlaneKernels[nKernel]({a.data(), 256, b.data(), 256, 256, 256, b.data(), 256});
+            EXPECT_EQ(b, expected) << caKernels[nKernel].m_szName;
+        }
+    });
 }
 
 } // namespace
