@@ -35,6 +35,16 @@ public:
     /// Throws -600 where a mapped origin misses its target by more than 0.01.
     void CheckSetup(long nSize, const ClVector* pvOrigin, const ClVector* pvTarget) const;
 
+    /// What the mapping is made of; null and 0 before a Setup() has succeeded. Holds until the
+    /// next.
+    struct StParts {
+        const ClVector* m_pOrigins;
+        unsigned long m_nOrigins;
+        const T* m_pWeightsX; ///< one per origin, constant, factor of x, factor of y
+        const T* m_pWeightsY;
+    };
+    StParts Parts() const;
+
 private:
     using Weights = boost::numeric::ublas::vector<T>;
 

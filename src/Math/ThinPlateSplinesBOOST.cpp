@@ -6,6 +6,8 @@
 
 #include "Math/ThinPlateSplines.h"
 
+#include "Math/Logarithm.h"
+
 #include <boost/numeric/ublas/lu.hpp>
 #include <boost/numeric/ublas/matrix.hpp>
 #include <boost/numeric/ublas/vector.hpp>
@@ -21,13 +23,12 @@ namespace {
 /// A mapped origin may miss its target by this much, in pixels.
 constexpr double cdTolerance = 0.01;
 
-/// U(s) = s log s of the squared distance, 0 at the point itself. The logarithm is the C library's,
-/// whose last bit depends on its version and on whether the processor fuses multiplication and
-/// addition: splines of one record, and the tables made of them, may differ in single last digits
-/// between two machines. On one machine they are always the same.
+/// U(s) = s log s of the squared distance, 0 at the point itself. The logarithm is correctly
+/// rounded and all else rounds in one way only: splines of one record, and the tables made of them,
+/// are the same on every machine.
 template <class T>
 T Radial(T s) {
-    return s > T(0) ? s * std::log(s) : T(0);
+    return s > T(0) ? s * CorrectLog(s) : T(0);
 }
 
 template <class T>
@@ -134,13 +135,21 @@ void TpThinPlateSplines<T>::Transform(T x, T y, T* pX, T* pY) const {
         const T s =
             SquaredDistance(x, y, static_cast<T>(m_aOrigin[i].x), static_cast<T>(m_aOrigin[i].y));
         if (s > T(0)) {
-            const T u = s * std::log(s);
+            const T u = s * CorrectLog(s);
             sumX += u * wx(i);
             sumY += u * wy(i);
         }
     }
     *pX = sumX + (wx(n) + x * wx(n + 1) + y * wx(n + 2));
     *pY = sumY + (wy(n) + x * wy(n + 1) + y * wy(n + 2));
+}
+
+template <class T>
+typename TpThinPlateSplines<T>::StParts TpThinPlateSplines<T>::Parts() const {
+    if (m_aOrigin.Entries() == 0)
+        return {nullptr, 0, nullptr, nullptr};
+    return {m_aOrigin.Data(), m_aOrigin.Entries(), &m_pvWeightsX->data()[0],
+            &m_pvWeightsY->data()[0]};
 }
 
 template <class T>
