@@ -1,5 +1,6 @@
 // The region of the finger: two detectors, and the sum of their probabilities.
 
+#include "FingerCoding/FingerSettings.h"
 #include "FingerCoding/IpBrightnessMask.h"
 #include "FingerCoding/IpContrastMask2.h"
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
@@ -18,8 +19,6 @@ namespace {
 
 constexpr unsigned char cnFinger = 0;
 constexpr unsigned char cnBackground = 255;
-
-constexpr double cdSumThreshold = 72.0; ///< of the added probabilities: below is finger
 
 /// A rectangle in pixels.
 struct StPlace {
@@ -62,19 +61,7 @@ void FindDarkArea(const ClProcessorBase& Owner, const ClImage& Image, double dRi
     Detector.m_pOptOutProbImage = &Prob;
     Detector.m_pdRidgeDist = &dRidgeDist;
     Detector.m_pInOutMask = &Region;
-    Detector.m_bIlFix = true;
-    Detector.m_nImageBorderWidth = 4;
-    Detector.m_dIlFixMaxWidthFactor = 1.88444;
-    Detector.m_dIlFixLowPassWidthFactor = 0.45396;
-    Detector.m_dDarkNoisePart = 0.11;
-    Detector.m_dBrightNoisePart = 0.1;
-    Detector.m_dDilatWidthFactor = 0.63;
-    Detector.m_dLowPassWidthFactor = 1.20342;
-    Detector.m_nDerivationWidth = 10;
-    Detector.m_dDerivativeThresh = 15.0;
-    Detector.m_dMinAreaMM2 = 0.0;
-    Detector.m_nMinBinarizeThreshold = 100;
-    Detector.m_nMaxBinarizeThreshold = 198;
+    FingerSettings::Set(Detector);
     Timed(Owner, Detector).Apply();
 }
 
@@ -88,13 +75,7 @@ void FindRidges(const ClProcessorBase& Owner, const ClImage& Length, double dRid
     Detector.m_pOptOutProbImage = &Prob;
     Detector.m_pdRidgeDist = &dRidgeDist;
     Detector.m_pInOutMask = &Region;
-    Detector.m_nBorderWidth = 3;
-    Detector.m_dScaleFactor = 7.8;
-    Detector.m_dMidRotWidthFactor1 = 2.1;
-    Detector.m_dMidRotWidthFactor2 = 2.0;
-    Detector.m_dMidRotWidthFactor3 = 2.0;
-    Detector.m_dThresholdFactor = 10.0;
-    Detector.m_dMinFgBlobSize = 16.0;
+    FingerSettings::Set(Detector);
     Timed(Owner, Detector).Apply();
 }
 
@@ -114,7 +95,7 @@ void FindSumRegion(const ClProcessorBase& Owner, ClImage& BrightProb, ClImage& C
     ClImage Sum;
     AddProbabilities(Owner, BrightProb, ContrastProb, Sum);
     AddProbabilities(Owner, Sum, ContrastProb, Sum);
-    Timed(Owner, ClIpBinarizeGlobal()).ApplyParam(Sum, Sum, cdSumThreshold);
+    Timed(Owner, ClIpBinarizeGlobal()).ApplyParam(Sum, Sum, FingerSettings::cdSumThreshold);
     Region.ResetEntries();
     Region.BuildFromImage(Sum, cnBackground);
     Region.RemoveBgBlobs();

@@ -142,7 +142,9 @@ long ClIpBrightnessMask::Process() {
     else
         Image = *m_pInImage;
     SpreadRidges(Image);
-    const long nThreshold = FindThreshold(Image);
+    ClHistogram Histogram;
+    Histogram.Create(Image);
+    const long nThreshold = FindThreshold(Histogram, Image.PelsX());
     if (m_pOptOutProbImage != nullptr)
         Run(*this, ClIpOffset(), Image, *m_pOptOutProbImage,
             static_cast<double>(cnProbThreshold - nThreshold));
@@ -176,14 +178,12 @@ void ClIpBrightnessMask::SpreadRidges(ClImage& Image) {
 }
 
 /// Values whose derivative is not defined, within its width of either end, are left out.
-long ClIpBrightnessMask::FindThreshold(const ClImage& Image) const {
+long ClIpBrightnessMask::FindThreshold(const ClHistogram& Histogram, int nPelsX) const {
     const long nLow = std::max(m_nMinBinarizeThreshold, m_nDerivationWidth);
     const long nHigh = std::min<long>(255 - m_nDerivationWidth, m_nMaxBinarizeThreshold);
-    ClHistogram Histogram;
-    Histogram.Create(Image);
     if (nLow >= nHigh)
         return nLow;
-    const ClConvert Convert(Image.PelsX(), Image.PelsY());
+    const ClConvert Convert(nPelsX, nPelsX);
     return SearchFoot(Histogram, nLow, nHigh,
                       DetectorSteps::PixelsOfArea(m_dMinAreaMM2, Convert.PelsX()));
 }

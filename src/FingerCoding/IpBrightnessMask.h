@@ -51,6 +51,11 @@ public:
     /// (-102). The input is not changed.
     long Process() override;
 
+    /// Odd: trunc(ridge distance * dRidgeDistances) | 1
+    long FilterWidth(double dRidgeDistances) const;
+    /// The threshold for an image of this histogram and resolution.
+    long FindThreshold(const ClHistogram& Histogram, int nPelsX) const;
+
     ClImage* m_pInImage = nullptr;           ///< 8 bits, one plane; borrowed, as all objects
     ClImage* m_pOptOutProbImage = nullptr;   ///< 8 bits: dark below 128, bright above; may be null
     double m_dRidgeDist = 0.0;               ///< pixels
@@ -78,11 +83,8 @@ protected:
 
 private:
     void CheckParameters() const;
-    /// Odd: trunc(ridge distance * dRidgeDistances) | 1
-    long FilterWidth(double dRidgeDistances) const;
     void FixIllumination(ClImage& Out);
     void SpreadRidges(ClImage& Image);
-    long FindThreshold(const ClImage& Image) const;
     long SearchFoot(const ClHistogram& Histogram, long nLow, long nHigh,
                     std::int64_t nMinPixels) const;
     void BuildMask(const ClImage& Image, long nThreshold);

@@ -99,9 +99,9 @@ int ClIpContrastMask2::WorkPels(const ClImage& In, int nPels) const {
 }
 
 /// What two means of half the width, made odd, would cover: odd itself, and about the width.
-long ClIpContrastMask2::MeanWidth() const {
+long ClIpContrastMask2::MeanWidth(const ClImage& In) const {
     const std::int64_t n =
-        Mask::Truncated(*m_pdRidgeDist * m_dMidRotWidthFactor1 / ShrinkFactor(*m_pInImage));
+        Mask::Truncated(*m_pdRidgeDist * m_dMidRotWidthFactor1 / ShrinkFactor(In));
     const std::int64_t nOdd = (n - n / 2) | 1;
     return (2 * nOdd - 1) | 1;
 }
@@ -147,7 +147,7 @@ void ClIpContrastMask2::Amplify(ClImage& Image) {
 
 void ClIpContrastMask2::Smoothen(ClImage& Image) {
     ClImage Smooth;
-    Run(*this, ClIpFilterMid(), Image, Smooth, MeanWidth());
+    Run(*this, ClIpFilterMid(), Image, Smooth, MeanWidth(*m_pInImage));
     Image.Swap(Smooth);
 }
 

@@ -54,6 +54,11 @@ public:
     /// or higher than 4096 pixels or have more than 8 million at the resolution of the work.
     void CheckWorkSize(const ClImage& In) const;
 
+    /// The resolution of the work for one of the input: toward zero, as near as an `int` comes.
+    int WorkPels(const ClImage& In, int nPels) const;
+    /// Pixels of the work: of the mean.
+    long MeanWidth(const ClImage& In) const;
+
     ClImage* m_pInImage = nullptr;           ///< gradient lengths, 8 bits, one plane; borrowed
     ClImage* m_pOptOutProbImage = nullptr;   ///< may be null
     double m_dRidgeDist = 0.0;               ///< pixels of the input
@@ -79,8 +84,6 @@ protected:
 private:
     void CheckParameters() const;
     double ShrinkFactor(const ClImage& In) const;
-    int WorkPels(const ClImage& In, int nPels) const;
-    long MeanWidth() const;
     void ShrinkRegion(ClImage& Out);
     void Amplify(ClImage& Image);
     void Smoothen(ClImage& Image);

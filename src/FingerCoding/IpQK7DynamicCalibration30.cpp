@@ -1,6 +1,8 @@
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
 
+#include "FingerCoding/FingerSettings.h"
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
+#include "FingerCoding/Quick/DynamicCalibration.h"
 #include "FingerCoding/TimedOperator.h"
 #include "ImageProcessing/Histogram.h"
 #include "ImageProcessing/IpAdd.h"
@@ -11,6 +13,7 @@
 #include "ImageProcessing/IpSubtract.h"
 #include "ImageProcessing/LocalTarget.h"
 #include "Tools/Allocate.h"
+#include "Tools/ClassCallProfile.h"
 #include "Tools/FpImage.h"
 
 #include <TessarinCalibrateSDK.h>
@@ -20,26 +23,13 @@
 
 namespace {
 
+using namespace FingerSettings;
+
 constexpr unsigned char cnWhite = 255;
-
-constexpr double cdRidgeDist = 11.7; ///< pixels, at 500 dots per inch
-
-/// Shares of the samples that the global stretch sets aside.
-constexpr double cdDarkPart = 0.001;
-constexpr double cdDarkPartSensitive = 0.05;
-constexpr double cdBrightPart = 0.005;
-
-/// A capture of no greater range shows no finger.
-constexpr int cnLargestRangeWithoutFinger = 96;
-
-constexpr long cnLocalWidth = 23; ///< surroundings of the local stretch, pixels
 
 constexpr double cdSaturated = 255.0;
 constexpr long cnFarWidth = 53;     ///< what is far from the finger, pixels
 constexpr double cdFarMask = 250.0; ///< least mean of the mask over that width
-
-constexpr double cdUnusableDirt = 2000.0;
-constexpr double cdRejectedDirt = 100.0; ///< reported for a capture that is of no use
 
 /// The share of the saturated samples: a large white background is not to pull the upper limit up
 /// to 255.
@@ -61,6 +51,8 @@ ClIpQK7DynamicCalibration30::ClIpQK7DynamicCalibration30() {
     FillDirtWeights();
 }
 
+ClIpQK7DynamicCalibration30::~ClIpQK7DynamicCalibration30() = default;
+
 ClProcessorBase* ClIpQK7DynamicCalibration30::Create() {
     return Vek::NewObject<ClIpQK7DynamicCalibration30>();
 }
@@ -78,6 +70,8 @@ long ClIpQK7DynamicCalibration30::Process() {
     if (m_pInImage == nullptr || m_pOutImage == nullptr)
         return QMT_ERROR_PARAM_IS_MISSING;
     CheckCapture(*m_pInImage);
+    if (!IsObserved() && IsOrdinary() && ProcessQuickly())
+        return 0;
     ClImage Capture; // the mask may be written over the input
     Capture.Attach(*m_pInImage);
     return ProcessInto(*m_pInImage, *m_pOutImage, [&](const ClImage&, ClImage& Out) {
@@ -85,6 +79,50 @@ long ClIpQK7DynamicCalibration30::Process() {
         return 0L;
     });
 }
+
+// Quickly, where nobody looks at the stages
+
+namespace {
+
+bool SharePixels(const ClImage* pA, const ClImage* pB) {
+    return pA != nullptr && pB != nullptr &&
+           (pA == pB || (pA->Data() != nullptr && pA->Data() == pB->Data()));
+}
+
+} // namespace
+
+/// Whether somebody looks at the steps of a run.
+bool ClIpQK7DynamicCalibration30::IsObserved() const {
+    return m_bDumpImages || m_bDumpDefectImage || IsTimerEnabled() ||
+           g_pClassCallProfile != nullptr;
+}
+
+bool ClIpQK7DynamicCalibration30::IsOrdinary() const {
+    const auto hasUsualWeights = [this] {
+        for (int v = 0; v <= cnWhite; ++v)
+            if (m_aDirtWeights[v] != DirtWeight(v))
+                return false;
+        return true;
+    };
+    return Quick::ClDynamicCalibration::Takes(*m_pInImage) &&
+           !SharePixels(m_pInImage, m_pOutImage) && !SharePixels(m_pInImage, m_pOutMaskImage) &&
+           !SharePixels(m_pOutImage, m_pOutMaskImage) && hasUsualWeights();
+}
+
+/// False for a capture that is left to the operators; then nothing has changed.
+bool ClIpQK7DynamicCalibration30::ProcessQuickly() {
+    if (m_pQuick == nullptr)
+        m_pQuick.reset(Vek::NewObject<Quick::ClDynamicCalibration>());
+    const auto Levels = m_pQuick->Run(*m_pInImage, m_bSensitiveMode,
+                                      m_bMaskOnly ? nullptr : m_pOutImage, m_pOutMaskImage);
+    if (!Levels)
+        return false;
+    m_dDirtWarningLevel = Levels->m_dDirt;
+    m_dDryFingerWarningLevel = Levels->m_dDryFinger;
+    return true;
+}
+
+// The plain sequence
 
 void ClIpQK7DynamicCalibration30::Correct(const ClImage& Capture, ClImage& Out) {
     Dump(Capture, "C:\\01_InImage.kpf");

@@ -32,12 +32,19 @@
 
 #include "Tools/ProcessorBase.h"
 
+#include <memory>
+
 class ClImage;
 class ClMask2;
+
+namespace Quick {
+class ClDynamicCalibration;
+}
 
 class ClIpQK7DynamicCalibration30 : public ClProcessorBase {
 public:
     ClIpQK7DynamicCalibration30();
+    ~ClIpQK7DynamicCalibration30() override;
 
     ClProcessorBase* Create() override;
     const char* Name() const override;
@@ -64,6 +71,7 @@ public:
     unsigned char m_aDirtWeights[256];     ///< what a grey value of the background counts as dirt
     bool m_bDumpImages = false;            ///< stores the image of every stage in a file
     bool m_bDumpDefectImage = false;       ///< stores the image of the functionality check
+    bool m_bMaskOnly = false;              ///< nobody reads the output: it may stay as it is
 
 protected: // the steps of a run, open to tests by derivation
     // Finger mask. `dRidgeDist` is the distance of ridges in pixels.
@@ -125,6 +133,10 @@ protected: // the steps of a run, open to tests by derivation
     double CalcDirtWarningLevel2(const ClImage& In, const ClImage& Mask) const;
 
 private:
+    bool IsObserved() const;
+    bool IsOrdinary() const;
+    bool ProcessQuickly();
+
     // The stages of a run, each from whole images to whole images
     void Correct(const ClImage& Capture, ClImage& Out);
     int StretchGlobally(const ClImage& Capture, ClImage& Stretched) const;
@@ -138,4 +150,6 @@ private:
     void PaintRegion(const ClMask2& Region, ClImage& OutMask) const;
     void FillDirtWeights();
     void Dump(const ClImage& Image, const char* szFileName) const;
+
+    std::unique_ptr<Quick::ClDynamicCalibration> m_pQuick; ///< keeps memory for one size
 };

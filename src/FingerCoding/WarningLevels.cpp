@@ -1,6 +1,7 @@
 // The weights of dirt and the warning levels. The two levels differ in scale, and are to: dryness
 // is a score from 0 to 100, dirt an open sum, so that a larger background shows more of it.
 
+#include "FingerCoding/FingerSettings.h"
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
 #include "FingerCoding/TimedOperator.h"
@@ -14,14 +15,8 @@
 
 namespace {
 
-constexpr int cnPale = 205;     ///< grey values from here on are no dirt
 constexpr int cnDecision = 128; ///< of a probability
 constexpr int cnWhite = 255;
-
-constexpr double cdDirtPerSum = 0.000392156862745098; ///< 1 / 2550
-constexpr double cdHealthyExcess = 5.0;               ///< grey values
-constexpr double cdDryPerExcess = 2.0;
-constexpr double cdDriest = 100.0;
 
 constexpr double cdDirt2PerSum = 0.0005;
 constexpr double cdLeastDirt2 = 100.0;
@@ -65,13 +60,9 @@ std::uint64_t SampleSum(const ClImage& Image) {
 
 } // namespace
 
-/// Quadratic in the darkness: a faint shade of the background counts for nothing, a black speck
-/// for much. weight[v] = min(255, max(205 - v, 0)^2 / 255), truncated.
 void ClIpQK7DynamicCalibration30::FillDirtWeights() {
-    for (int v = 0; v <= cnWhite; ++v) {
-        const int nDark = std::max(cnPale - v, 0);
-        m_aDirtWeights[v] = static_cast<unsigned char>(std::min(255, nDark * nDark / 255));
-    }
+    for (int v = 0; v <= cnWhite; ++v)
+        m_aDirtWeights[v] = FingerSettings::DirtWeight(v);
 }
 
 double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel(const ClImage& In,
@@ -82,7 +73,7 @@ double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel(const ClImage& In,
         nMaskSum += static_cast<unsigned>(nMask);
         nWeighted += static_cast<unsigned>(nMask * m_aDirtWeights[nIn]);
     });
-    return nMaskSum == 0 ? 0.0 : static_cast<double>(nWeighted) * cdDirtPerSum;
+    return nMaskSum == 0 ? 0.0 : static_cast<double>(nWeighted) * FingerSettings::cdDirtPerSum;
 }
 
 double ClIpQK7DynamicCalibration30::CalcDryFingerWarningLevel(const ClImage& Prob,
@@ -94,10 +85,7 @@ double ClIpQK7DynamicCalibration30::CalcDryFingerWarningLevel(const ClImage& Pro
         nWeights += static_cast<unsigned>(nWeight);
         nExcess += static_cast<unsigned>(std::max(nProb - cnDecision, 0) * nWeight);
     });
-    if (nWeights == 0)
-        return 0.0;
-    const double dRatio = static_cast<double>(nExcess) / static_cast<double>(nWeights);
-    return std::clamp(cdDryPerExcess * (dRatio - cdHealthyExcess), 0.0, cdDriest);
+    return FingerSettings::DryFingerLevel(nExcess, nWeights);
 }
 
 double ClIpQK7DynamicCalibration30::CalcDirtWarningLevel2(const ClImage& In,

@@ -1,0 +1,48 @@
+#include "FingerCoding/Quick/Filters.h"
+
+#include "ImageProcessing/Kernels/Histogram.h"
+#include "ImageProcessing/Kernels/LookUp.h"
+#include "ImageProcessing/Kernels/Mean.h"
+
+namespace Quick {
+
+void Mean(const StPlane& In, long nHalf, const StPlane& Out) {
+    Kernels::MeanOfWindow<unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth, In.m_nHeight, nHalf,
+                                         nHalf, Out.m_pData, Out.m_nStride);
+}
+
+namespace {
+
+template <Kernels::EExtreme eKind>
+void ExtremeOf(const StPlane& In, long nHalf, const StPlane& Between, const StPlane& Out) {
+    Kernels::ExtremeAlongLines<eKind, unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth,
+                                                     In.m_nHeight, nHalf, Between.m_pData,
+                                                     Between.m_nStride);
+    Kernels::ExtremeAlongColumns<eKind, unsigned char>(Between.m_pData, Between.m_nStride,
+                                                       Between.m_nWidth, Between.m_nHeight, nHalf,
+                                                       Out.m_pData, Out.m_nStride);
+}
+
+} // namespace
+
+void Extreme(Kernels::EExtreme eKind, const StPlane& In, long nHalf, const StPlane& Between,
+             const StPlane& Out) {
+    if (eKind == Kernels::EExtreme::eMin)
+        ExtremeOf<Kernels::EExtreme::eMin>(In, nHalf, Between, Out);
+    else
+        ExtremeOf<Kernels::EExtreme::eMax>(In, nHalf, Between, Out);
+}
+
+void LookUp(const StPlane& In, const unsigned char* pTable, const StPlane& Out) {
+    for (long y = 0; y < In.m_nHeight; ++y)
+        Kernels::LookUpLine(In.Line(y), In.m_nWidth, pTable, Out.Line(y));
+}
+
+ClHistogram HistogramOf(const StPlane& Plane) {
+    ClHistogram Histogram;
+    Kernels::CountValues(Plane.m_pData, Plane.m_nStride, Plane.m_nWidth, Plane.m_nHeight,
+                         Histogram.m_anCount);
+    return Histogram;
+}
+
+} // namespace Quick

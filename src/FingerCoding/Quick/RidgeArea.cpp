@@ -1,0 +1,208 @@
+#include "FingerCoding/Quick/RidgeArea.h"
+
+#include "FingerCoding/DetectorSteps.h"
+#include "FingerCoding/Quick/Filters.h"
+#include "ImageProcessing/IpEuclidLength.h"
+#include "ImageProcessing/IpFilterDGauss.h"
+#include "ImageProcessing/Kernels/Arithmetic.h"
+#include "ImageProcessing/Kernels/Median.h"
+#include "ImageProcessing/PixelTypeDispatch.h"
+#include "Tools/Convert.h"
+#include "Tools/InstructionLevel.h"
+
+#include <array>
+
+namespace Quick {
+
+namespace {
+
+constexpr int cnProbThreshold = 128;
+constexpr int cnLargestSquare = 1023;
+
+/// The taps of the derivative of a Gaussian, for lines of a width.
+Kernels::ClLinearFilter GradientKernel(long nWidth) {
+    ClImage Line;
+    Line.Attach(nullptr, ClImage::eUInt8, static_cast<int>(nWidth), 1, 1, 1, 1);
+    ClImage Out;
+    ClIpFilterDGauss Filter;
+    Filter.m_pInImage = &Line;
+    Filter.m_pOutImage = &Out;
+    Filter.Initialize();
+    return {Filter.Filter().Data(), static_cast<long>(Filter.Filter().Entries()), nWidth};
+}
+
+constexpr long cnTaps = 9;
+
+/// min(1023, dx^2 + dy^2) of bytes that stand for signed numbers.
+struct StSquares {
+    static void Run(const unsigned char* __restrict pDx, const unsigned char* __restrict pDy,
+                    long nSamples, std::uint16_t* __restrict pOut) {
+        for (long i = 0; i < nSamples; ++i) {
+            const auto x = static_cast<std::int16_t>(static_cast<signed char>(pDx[i]));
+            const auto y = static_cast<std::int16_t>(static_cast<signed char>(pDy[i]));
+            const auto nSquare = static_cast<std::uint16_t>(x * x + y * y); // at most 2^15
+            pOut[i] = std::min(nSquare, static_cast<std::uint16_t>(cnLargestSquare));
+        }
+    }
+};
+
+/// in becomes min(255, in + lift); out = 1 where that is at least a threshold, else 0.
+struct StLift {
+    static void Run(unsigned char* __restrict pInOut, long nSamples, int nLift, int nThreshold,
+                    unsigned char* __restrict pOut) {
+        for (long i = 0; i < nSamples; ++i) {
+            const int nValue = std::clamp(pInOut[i] + nLift, 0, 255);
+            pInOut[i] = static_cast<unsigned char>(nValue);
+            pOut[i] = nValue >= nThreshold ? 1 : 0;
+        }
+    }
+};
+
+int ThresholdOf(const ClIpContrastMask2& Settings) {
+    return SampleFromDouble<unsigned char>(Settings.m_dScaleFactor * Settings.m_dThresholdFactor);
+}
+
+} // namespace
+
+std::optional<StRidgeWork> StRidgeWork::Of(const ClImage& Window,
+                                           const ClIpContrastMask2& Settings) {
+    constexpr double cdRoundUp = 0.9999;
+    const int nPelsX = Settings.WorkPels(Window, Window.PelsX());
+    const int nPelsY = Settings.WorkPels(Window, Window.PelsY());
+    StRidgeWork Work{Window.PelsX(), Window.PelsY(), StNearestAxis(Window.Width()),
+                     StNearestAxis(Window.Height()), Settings.MeanWidth(Window)};
+    if (nPelsX < 1 || nPelsY < 1)
+        return std::nullopt;
+    if (nPelsX == Window.PelsX() && nPelsY == Window.PelsY())
+        return Work;
+    const long nWidth =
+        static_cast<long>(1.0 * Window.Width() * nPelsX / Window.PelsX() + cdRoundUp);
+    const long nHeight =
+        static_cast<long>(1.0 * Window.Height() * nPelsY / Window.PelsY() + cdRoundUp);
+    if (nWidth < 1 || nHeight < 1)
+        return std::nullopt;
+    if (nWidth == Window.Width() && nHeight == Window.Height())
+        return Work; // a copy, which keeps the resolution
+    Work.m_nPelsX = nPelsX;
+    Work.m_nPelsY = nPelsY;
+    Work.m_X = StNearestAxis(Window.Width(), nWidth, Window.PelsX(), nPelsX);
+    Work.m_Y = StNearestAxis(Window.Height(), nHeight, Window.PelsY(), nPelsY);
+    return Work;
+}
+
+ClRidgeArea::ClRidgeArea(const ClIpContrastMask2& Settings, const StRidgeMemory& Memory,
+                         long nWidth)
+    : m_rSettings(Settings), m_Memory(Memory), m_Gradient(GradientKernel(nWidth)) {
+    for (int n = 0; n <= cnLargestSquare; ++n) {
+        const auto nLength = static_cast<unsigned char>(std::sqrt(static_cast<double>(n)) * 1.414);
+        m_aAmplified[n] =
+            SampleFromDouble<unsigned char>(std::min(255.0, nLength * m_rSettings.m_dScaleFactor));
+    }
+}
+
+void ClRidgeArea::FindGradients(const StPlane& In, long nLine) {
+    std::array<const unsigned char*, cnTaps> apLines;
+    for (long i = 0; i < cnTaps; ++i)
+        apLines[static_cast<std::size_t>(i)] =
+            In.Line(std::clamp(nLine + i - cnTaps / 2, 0L, In.m_nHeight - 1));
+    m_Gradient.FilterLine(In.Line(nLine), m_Memory.m_pDx);
+    m_Gradient.FilterColumns(apLines.data(), m_Memory.m_pDy);
+    RunAtLevel<StSquares>(m_Memory.m_pDx, m_Memory.m_pDy, In.m_nWidth, m_Memory.m_pSquares);
+}
+
+/// The frame that is black at the resolution of the work hides the edges that the cut to the region
+/// has made.
+void ClRidgeArea::Shrink(const StPlane& In, const StBox& Window, const ClSpans& Region, long nX,
+                         long nY, const StRidgeWork& Work, const StPlane& Out) {
+    const long nBorder = m_rSettings.m_nBorderWidth;
+    long* pColumns = m_Memory.m_pColumns;
+    for (long x = 0; x < Out.m_nWidth; ++x)
+        pColumns[x] = Work.m_X.SourceOf(x);
+    long nColumns = Out.m_nWidth; // those behind the edge are last
+    while (nColumns > 0 && pColumns[nColumns - 1] == StNearestAxis::cnOutside)
+        --nColumns;
+    const StSpan* pSpan = Region.begin();
+    for (long y = 0; y < Out.m_nHeight; ++y) {
+        unsigned char* pOut = Out.Line(y);
+        std::fill_n(pOut, Out.m_nWidth, static_cast<unsigned char>(0));
+        const long nLine = Work.m_Y.SourceOf(y);
+        if (y < nBorder || y >= Out.m_nHeight - nBorder || nLine == StNearestAxis::cnOutside)
+            continue;
+        while (pSpan != Region.end() && pSpan->m_nLine - nY < nLine)
+            ++pSpan;
+        const auto copy = [&](long nFirst, long nLast) {
+            const long nBegin = std::lower_bound(pColumns, pColumns + nColumns, nFirst) - pColumns;
+            const long nEnd = std::upper_bound(pColumns, pColumns + nColumns, nLast) - pColumns;
+            const long nStop = std::min(nEnd, Out.m_nWidth - nBorder);
+            const std::uint16_t* pSquares = m_Memory.m_pSquares + Window.m_nLeft;
+            for (long x = std::max(nBegin, nBorder); x < nStop; ++x)
+                pOut[x] = m_aAmplified[pSquares[pColumns[x]]];
+        };
+        if (!Region.IsEmpty() && (pSpan == Region.end() || pSpan->m_nLine - nY != nLine))
+            continue;
+        FindGradients(In, Window.m_nTop + nLine);
+        if (Region.IsEmpty())
+            copy(0, Window.Width() - 1);
+        for (const StSpan* p = pSpan; p != Region.end() && p->m_nLine - nY == nLine; ++p)
+            copy(p->m_nFirst - nX, p->m_nLast - nX);
+    }
+}
+
+/// The median fills what is dark between strong gradients; ridges keep their own values.
+void ClRidgeArea::Amplify(const StPlane& InOut, const StPlane& Median) const {
+    Kernels::MedianOfWindow<unsigned char>(InOut.m_pData, InOut.m_nStride, InOut.m_nWidth,
+                                           InOut.m_nHeight, 1, 1, Median.m_pData, Median.m_nStride);
+    for (long y = 0; y < InOut.m_nHeight; ++y)
+        Kernels::MaxLine(InOut.Line(y), Median.Line(y), InOut.m_nWidth, InOut.Line(y));
+}
+
+void ClRidgeArea::Find(const StPlane& In, const StBox& Window, const ClSpans& Region, long nX,
+                       long nY, const StRidgeWork& Work, ClSpans& rStrong) {
+    const StBox Box{0, 0, Work.m_X.m_nOut, Work.m_Y.m_nOut};
+    StPlane Image = m_Memory.m_A.Part(Box);
+    StPlane Other = m_Memory.m_B.Part(Box);
+    Shrink(In, Window, Region, nX, nY, Work, Image);
+    Amplify(Image, Other);
+    if (Work.m_nMeanWidth <= std::min(Box.m_nRight, Box.m_nBottom)) { // else no mean is taken
+        Mean(Image, Work.m_nMeanWidth / 2, Other);
+        std::swap(Image, Other);
+    }
+    const int nThreshold = ThresholdOf(m_rSettings);
+    rStrong.Clear();
+    for (long y = 0; y < Box.m_nBottom; ++y) {
+        RunAtLevel<StLift>(Image.Line(y), Box.m_nRight, cnProbThreshold - nThreshold, nThreshold,
+                           Other.Line(y));
+        rStrong.Append(Other.Line(y), static_cast<int>(y), Box.m_nRight, 1);
+    }
+    m_Lifted = Image;
+    const ClConvert Convert(Work.m_nPelsX, Work.m_nPelsY);
+    rStrong.DropSmall(DetectorSteps::PixelsOfArea(m_rSettings.m_dMinFgBlobSize, Convert.PelsX()));
+}
+
+void ClRidgeArea::WriteProbability(const StRidgeWork& Work, const StPlane& Out) {
+    constexpr unsigned char cnOutside = 255; // behind the edge there is 0, and it is inverted
+    const bool bCopy = Work.m_X.m_nOut == Out.m_nWidth && Work.m_Y.m_nOut == Out.m_nHeight;
+    const auto axis = [bCopy](long nIn, long nOut, long nPels) {
+        return bCopy ? StNearestAxis(nOut) : StNearestAxis(nIn, nOut, nPels, nOut * nPels / nIn);
+    };
+    const StNearestAxis X = axis(Work.m_X.m_nOut, Out.m_nWidth, Work.m_nPelsX);
+    const StNearestAxis Y = axis(Work.m_Y.m_nOut, Out.m_nHeight, Work.m_nPelsY);
+    long* pColumns = m_Memory.m_pColumns;
+    for (long x = 0; x < Out.m_nWidth; ++x)
+        pColumns[x] = X.SourceOf(x);
+    for (long y = 0; y < Out.m_nHeight; ++y) {
+        const long nLine = Y.SourceOf(y);
+        unsigned char* pOut = Out.Line(y);
+        if (nLine == StNearestAxis::cnOutside)
+            std::fill_n(pOut, Out.m_nWidth, cnOutside);
+        else if (y > 0 && nLine == Y.SourceOf(y - 1))
+            std::copy_n(Out.Line(y - 1), Out.m_nWidth, pOut);
+        else
+            for (long x = 0; x < Out.m_nWidth; ++x)
+                pOut[x] = pColumns[x] == StNearestAxis::cnOutside
+                              ? cnOutside
+                              : static_cast<unsigned char>(255 - m_Lifted.Line(nLine)[pColumns[x]]);
+    }
+}
+
+} // namespace Quick
