@@ -198,6 +198,14 @@ long ClIpLinFilterBase::ProcessSignedY() {
     return FilterY<signed char>();
 }
 
+void ClIpLinFilterBase::SharpenY(const ClImage& In, ClImage& Out) const {
+    const Kernels::ClLinearFilter Kernel = LineKernel();
+    ForEachLine<unsigned char>(In, Out,
+                               [&](const unsigned char* const* ppLines, unsigned char* pOut) {
+                                   Kernel.SharpenColumns(ppLines, pOut);
+                               });
+}
+
 // Along both: one line of column sums, not a whole image in between
 
 template <class T>

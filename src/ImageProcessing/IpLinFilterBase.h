@@ -46,6 +46,11 @@ public:
     long ProcessDirected(bool bOrtho) override;
     long ProcessSignedDirected(bool bOrtho) override;
 
+    /// Out = min(255, max(0, 2 In - F)), with F what ProcessY() makes of In: unsharp masking. Both
+    /// are one plane of `eUInt8` with samples and of one geometry; In is the input of the last
+    /// Initialize().
+    void SharpenY(const ClImage& In, ClImage& Out) const;
+
     /// Fixed-point taps from real ones: divided by their sum, or by twice the larger one-signed
     /// sum where the signs are mixed. All taps are 0 where that is 0 or not finite.
     virtual void TransferArray(TpArrayStatic<double>& rTaps, TpArrayStatic<long>& rFilter);

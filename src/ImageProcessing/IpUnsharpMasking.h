@@ -27,4 +27,8 @@ public:
     double m_dAmplificationFactor = 1.0; ///< weight of the difference
     long m_nThreshold = 0;               ///< grey values; differences within it are noise
     long m_nMode = 3;                    ///< mode of the low pass
+
+private:
+    bool IsAlongColumns(const ClImage& rIn, const ClImage& rOut) const;
+    long SharpenColumns(ClImage& rIn, ClImage& rOut) const;
 };

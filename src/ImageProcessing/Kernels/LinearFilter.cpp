@@ -1,5 +1,8 @@
 #include "ImageProcessing/Kernels/LinearFilter.h"
 
+// Bytes and the taps of a Gaussian, symmetric and few, take the loops of SymmetricFilter.h. What
+// follows serves all others.
+//
 // Across lines, two lines at a time are interleaved and multiplied by a pair of taps in one
 // multiply-add of the x86-64 baseline: 16 columns a round. Along a line the same loop runs over
 // one padded copy, which stands for nTaps lines, each moved by one sample: no border test is left
@@ -13,7 +16,9 @@
 // The last round of a line begins where it ends with the line, and repeats some samples of the
 // round before.
 
+#include "ImageProcessing/Kernels/Sharpen.h"
 #include "Tools/Allocate.h"
+#include "Tools/InstructionLevel.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -166,6 +171,9 @@ ClLinearFilter::ClLinearFilter(const long* pTaps, long nTaps, long nWidth)
     const auto nPadded = static_cast<std::size_t>(m_nWidth + m_nTaps - 1);
     m_pPadded = Vek::NewArrayPtr<unsigned char>(nPadded);
     m_pSums = Vek::NewArrayPtr<double>(nPadded);
+    m_Symmetric = ClSymmetricTaps(m_pTaps.get(), m_nTaps);
+    if (m_Symmetric.Half() >= 0)
+        m_pSymmetricSums = Vek::NewArrayPtr<std::uint32_t>(nPadded);
 }
 
 void ClLinearFilter::CopyTaps(const long* pTaps, long nTaps) {
@@ -196,8 +204,18 @@ void ClLinearFilter::Filter(const LineAt& lineAt, T* pOut) const {
         pOut[x] = static_cast<T>(SumOfOne(lineAt, m_pTaps.get(), m_nTaps, x) / cnDivisor);
 }
 
+template <class Finish, class Out>
+void ClLinearFilter::FilterSymmetric(const unsigned char* const* ppLines, Out* pOut) const {
+    WithHalf(m_Symmetric.Half(), [&](auto half) {
+        RunAtLevel<StFilterLines<half(), Finish, Out>>(&m_Symmetric, ppLines, m_nWidth, pOut);
+    });
+}
+
 template <class T>
 void ClLinearFilter::FilterColumns(const T* const* ppLines, T* pOut) const {
+    if constexpr (std::is_same_v<T, unsigned char>)
+        if (m_Symmetric.Half() >= 0)
+            return FilterSymmetric<StQuotientOfSum>(ppLines, pOut);
     Filter<T>([ppLines](long i) { return ppLines[i]; }, pOut);
 }
 
@@ -208,6 +226,13 @@ void ClLinearFilter::FilterLine(const T* pIn, T* pOut) {
     T* pPadded = reinterpret_cast<T*>(m_pPadded.get());
     std::memcpy(pPadded + m_nTaps / 2, pIn, static_cast<std::size_t>(m_nWidth));
     RepeatEnds(pPadded, m_nWidth, m_nTaps);
+    if constexpr (std::is_same_v<T, unsigned char>)
+        if (m_Symmetric.Half() >= 0) {
+            const unsigned char* apMoved[2 * ClSymmetricTaps::cnLargestHalf + 1];
+            for (long i = 0; i < m_nTaps; ++i)
+                apMoved[i] = pPadded + i;
+            return FilterSymmetric<StQuotientOfSum>(apMoved, pOut);
+        }
     Filter<T>([pPadded](long i) { return pPadded + i; }, pOut);
 }
 
@@ -215,11 +240,32 @@ template <class T>
 void ClLinearFilter::FilterBoth(const T* const* ppLines, T* pOut) {
     if (m_nWidth < 1)
         return;
+    if constexpr (std::is_same_v<T, unsigned char>)
+        if (m_Symmetric.Half() >= 0)
+            return FilterBothSymmetric(ppLines, pOut);
     if (!m_bNarrow)
         return FilterBothWide(ppLines, pOut);
     SumColumns(ppLines, m_pSums.get() + m_nTaps / 2);
     RepeatEnds(m_pSums.get(), m_nWidth, m_nTaps);
     ProcessLine(m_pSums.get(), pOut, m_nWidth);
+}
+
+void ClLinearFilter::FilterBothSymmetric(const unsigned char* const* ppLines, unsigned char* pOut) {
+    std::uint32_t* pSums = m_pSymmetricSums.get();
+    FilterSymmetric<StWholeSum>(ppLines, pSums + m_nTaps / 2);
+    RepeatEnds(pSums, m_nWidth, m_nTaps);
+    WithHalf(m_Symmetric.Half(), [&](auto half) {
+        RunAtLevel<StFilterSums<half()>>(&m_Symmetric, static_cast<const std::uint32_t*>(pSums),
+                                         m_nWidth, pOut);
+    });
+}
+
+void ClLinearFilter::SharpenColumns(const unsigned char* const* ppLines,
+                                    unsigned char* pOut) const {
+    if (m_Symmetric.Half() >= 0)
+        return FilterSymmetric<StSharpened>(ppLines, pOut);
+    FilterColumns(ppLines, pOut);
+    SharpenLine(ppLines[m_nTaps / 2], pOut, m_nWidth, 1.0, 0, pOut);
 }
 
 template <class T>

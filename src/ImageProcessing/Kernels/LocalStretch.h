@@ -28,6 +28,10 @@ private:
         std::uint8_t m_nLow;
     };
 
+    bool m_bPlain; ///< neither the threshold is negative nor the range empty
+    unsigned char m_nMinContrast;
+    unsigned char m_nLow;
+    unsigned char m_nSpan;
     static constexpr int cnLargest = 255;
     StRange m_aRanges[2 * cnLargest + 1]; ///< by difference, from -255 on
 };

@@ -1,6 +1,7 @@
 #include "ImageProcessing/Kernels/LinearFilter.h"
 
 #include "support/AllocationFailures.h"
+#include "support/InstructionLevels.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -80,7 +81,15 @@ void ExpectLine(const std::vector<T>& aExpected, Run run) {
     }
 }
 
-/// All three loops on random lines.
+std::vector<unsigned char> Sharpened(const std::vector<unsigned char>& aIn,
+                                     const std::vector<unsigned char>& aLowPass) {
+    std::vector<unsigned char> aOut;
+    for (std::size_t x = 0; x < aIn.size(); ++x)
+        aOut.push_back(static_cast<unsigned char>(std::clamp(2 * aIn[x] - aLowPass[x], 0, 255)));
+    return aOut;
+}
+
+/// All loops on random lines.
 template <class T>
 void ExpectDefinition(std::mt19937& rRandom, long nWidth, const std::vector<long>& aTaps) {
     SCOPED_TRACE(testing::Message() << "width " << nWidth << ", taps " << aTaps.size());
@@ -101,9 +110,14 @@ void ExpectDefinition(std::mt19937& rRandom, long nWidth, const std::vector<long
         aAcross.push_back(Quotient<T>(aSums[static_cast<std::size_t>(x)], 4096));
         aBoth.push_back(Quotient<T>(SumAlong(aSums, aTaps, x), 4096L * 4096L));
     }
-    ExpectLine(aAlong, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
-    ExpectLine(aAcross, [&](T* pOut) { filter.FilterColumns(aPointers.data(), pOut); });
-    ExpectLine(aBoth, [&](T* pOut) { filter.FilterBoth(aPointers.data(), pOut); });
+    TestSupport::AtEveryLevel([&] {
+        ExpectLine(aAlong, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
+        ExpectLine(aAcross, [&](T* pOut) { filter.FilterColumns(aPointers.data(), pOut); });
+        ExpectLine(aBoth, [&](T* pOut) { filter.FilterBoth(aPointers.data(), pOut); });
+        if constexpr (std::is_same_v<T, unsigned char>)
+            ExpectLine(Sharpened(aLines[aLines.size() / 2], aAcross),
+                       [&](T* pOut) { filter.SharpenColumns(aPointers.data(), pOut); });
+    });
 }
 
 template <class T>
@@ -120,6 +134,46 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionAtEveryWidth) {
         for (long nTaps : {1L, 2L, 3L, 6L, 7L, 9L, 17L})
             ExpectDefinition<TypeParam>(this->m_Random, nWidth,
                                         RandomTaps(this->m_Random, nTaps, 4095));
+}
+
+/// Symmetric taps from the sum of a Gaussian's on both sides of 4096, which is the last that 16
+/// bits hold, and of as many taps as they hold and more.
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnSymmetricTaps) {
+    for (long nHalf = 0; nHalf <= 8; ++nHalf)
+        for (long nWidth : {1L, 5L, 63L, 64L, 65L, 130L})
+            for (long nTotal : {4095L, 4096L, 4097L}) {
+                std::vector<long> aTaps(static_cast<std::size_t>(2 * nHalf + 1), 0);
+                long nRest = nTotal;
+                for (std::size_t k = 0; k < static_cast<std::size_t>(nHalf); ++k) {
+                    aTaps[k] = static_cast<long>(this->m_Random() % 300) | 15;
+                    aTaps[aTaps.size() - 1 - k] = aTaps[k];
+                    nRest -= 2 * aTaps[k];
+                }
+                aTaps[static_cast<std::size_t>(nHalf)] = std::max(nRest, 0L);
+                ExpectDefinition<TypeParam>(this->m_Random, nWidth, aTaps);
+            }
+}
+
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTapsThatAreNearlySymmetric) {
+    for (const auto& aTaps : std::vector<std::vector<long>>{
+             {100, 3000, 101}, {-5, 3000, -5}, {5000, 0, 5000}, {1000, 1000}, {2000, 4000, 2000}})
+        ExpectDefinition<TypeParam>(this->m_Random, 70, aTaps);
+}
+
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestSymmetricSums) {
+    using T = TypeParam;
+    constexpr long cnWidth = 70;
+    for (const auto& aTaps : std::vector<std::vector<long>>{
+             {4096}, {2048, 0, 2048}, {15, 15, 15, 15, 15, 15, 3916, 15, 15, 15, 15, 15, 15}}) {
+        const std::vector<T> aLine(cnWidth, std::numeric_limits<T>::max());
+        const std::vector<const T*> aLines(aTaps.size(), aLine.data());
+        ClLinearFilter filter(aTaps.data(), static_cast<long>(aTaps.size()), cnWidth);
+        TestSupport::AtEveryLevel([&] { // the taps sum to one
+            ExpectLine(aLine, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
+            ExpectLine(aLine, [&](T* pOut) { filter.FilterColumns(aLines.data(), pOut); });
+            ExpectLine(aLine, [&](T* pOut) { filter.FilterBoth(aLines.data(), pOut); });
+        });
+    }
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionWithMoreTapsThanSamples) {

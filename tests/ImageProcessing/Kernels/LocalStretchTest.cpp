@@ -1,5 +1,7 @@
 #include "ImageProcessing/Kernels/LocalStretch.h"
 
+#include "support/InstructionLevels.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -49,15 +51,39 @@ void ExpectDefinition(long nMinContrast, int nLow, int nHigh) {
             }
     const Kernels::ClLocalStretch Stretch(nMinContrast, static_cast<unsigned char>(nLow),
                                           static_cast<unsigned char>(nHigh));
-    Bytes aOut(aIn.size() + 1, 77);
-    Stretch.StretchLine(aIn.data(), aMin.data(), aMax.data(), static_cast<long>(aIn.size()),
-                        aOut.data());
-    EXPECT_EQ(aOut.back(), 77);
-    aOut.pop_back();
-    EXPECT_EQ(aOut, aExpected);
-    Stretch.StretchLine(aIn.data(), aMin.data(), aMax.data(), static_cast<long>(aIn.size()),
-                        aIn.data());
-    EXPECT_EQ(aIn, aExpected) << "in place";
+    const long nSamples = static_cast<long>(aIn.size());
+    TestSupport::AtEveryLevel([&] {
+        Bytes aOut(aIn.size() + 1, 77);
+        Stretch.StretchLine(aIn.data(), aMin.data(), aMax.data(), nSamples, aOut.data());
+        EXPECT_EQ(aOut.back(), 77);
+        aOut.pop_back();
+        EXPECT_EQ(aOut, aExpected);
+        Bytes aInPlace = aIn;
+        Stretch.StretchLine(aInPlace.data(), aMin.data(), aMax.data(), nSamples, aInPlace.data());
+        EXPECT_EQ(aInPlace, aExpected) << "in place";
+    });
+}
+
+/// Every number of values with every distance: where a quotient or a product is next to an
+/// integer.
+TEST(LocalStretchKernel, EqualsItsDefinitionForEveryDistanceInEveryRange) {
+    Bytes aIn;
+    Bytes aMax;
+    Bytes aExpected;
+    for (int nMax = 0; nMax < 256; ++nMax)
+        for (int n = 0; n < 256; ++n) {
+            aIn.push_back(static_cast<unsigned char>(n));
+            aMax.push_back(static_cast<unsigned char>(nMax));
+            aExpected.push_back(static_cast<unsigned char>(Defined(n, 0, nMax, 0, 7, 7)));
+        }
+    const Bytes aMin(aIn.size(), 0);
+    const Kernels::ClLocalStretch Stretch(0, 7, 7);
+    TestSupport::AtEveryLevel([&] {
+        Bytes aOut(aIn.size());
+        Stretch.StretchLine(aIn.data(), aMin.data(), aMax.data(), static_cast<long>(aIn.size()),
+                            aOut.data());
+        EXPECT_EQ(aOut, aExpected);
+    });
 }
 
 TEST(LocalStretchKernel, EqualsItsDefinitionForEveryContrast) {
@@ -72,7 +98,7 @@ TEST(LocalStretchKernel, EqualsItsDefinitionForNegativeContrasts) {
 
 TEST(LocalStretchKernel, EqualsItsDefinitionForEveryGlobalRange) {
     for (int nLow : {0, 1, 128, 255})
-        for (int nHigh : {nLow, 255})
+        for (int nHigh : {nLow, 255, 100, 50})
             ExpectDefinition(5, nLow, nHigh);
 }
 

@@ -3,6 +3,7 @@
 #include "ImageProcessing/Kernels/PlaneCase.h"
 #include "ImageProcessing/NaiveRankFilter.h"
 #include "support/AllocationFailures.h"
+#include "support/InstructionLevels.h"
 
 #include <limits>
 
@@ -24,7 +25,9 @@ protected:
                 const auto run = [&](auto kernel) {
                     kernel(pIn, nInStride, nWidth, nHeight, nHalf, pOut, nOutStride);
                 };
-                if (eKind == EExtreme::eMax)
+                if (nMode == 3)
+                    OverSquares(eKind, pIn, nInStride, nWidth, nHeight, nHalf, pOut, nOutStride);
+                else if (eKind == EExtreme::eMax)
                     run(nMode == 1 ? Kernels::ExtremeAlongLines<EExtreme::eMax, T>
                                    : Kernels::ExtremeAlongColumns<EExtreme::eMax, T>);
                 else
@@ -33,13 +36,25 @@ protected:
             });
     }
 
+    void OverSquares(EExtreme eKind, const T* pIn, long nInStride, long nWidth, long nHeight,
+                     long nHalf, T* pOut, long nOutStride) {
+        const auto kernel = eKind == EExtreme::eMax
+                                ? Kernels::ExtremeOverSquares<EExtreme::eMax, T>
+                                : Kernels::ExtremeOverSquares<EExtreme::eMin, T>;
+        kernel(pIn, nInStride, nWidth, nHeight, nHalf, pOut, nOutStride, m_Scratch);
+    }
+
     void ExpectDefinition(ClPlaneCase<T>& rCase, long nMode, long nHalf) {
         SCOPED_TRACE(testing::Message() << "mode " << nMode << ", half " << nHalf);
-        EXPECT_EQ(Along(rCase, EExtreme::eMax, nMode, nHalf),
-                  NaiveMax(rCase.In(), nMode, 2 * nHalf + 1));
-        EXPECT_EQ(Along(rCase, EExtreme::eMin, nMode, nHalf),
-                  NaiveMin(rCase.In(), nMode, 2 * nHalf + 1));
+        const RealRows aMax = NaiveMax(rCase.In(), nMode, 2 * nHalf + 1);
+        const RealRows aMin = NaiveMin(rCase.In(), nMode, 2 * nHalf + 1);
+        TestSupport::AtEveryLevel([&] {
+            EXPECT_EQ(Along(rCase, EExtreme::eMax, nMode, nHalf), aMax);
+            EXPECT_EQ(Along(rCase, EExtreme::eMin, nMode, nHalf), aMin);
+        });
     }
+
+    Kernels::ClScratch m_Scratch;
 };
 
 using SampleTypes = testing::Types<unsigned char, signed char>;
@@ -53,6 +68,24 @@ TYPED_TEST(MinMax, EqualTheirDefinitionAtEveryWidth) {
             this->ExpectDefinition(plane, 1, nHalf);
         for (long nHalf = 0; nHalf <= Size.m_nHeight + 1; ++nHalf)
             this->ExpectDefinition(plane, 2, nHalf);
+    }
+}
+
+TYPED_TEST(MinMax, EqualTheirDefinitionOnSquares) {
+    for (const auto& Size : caRankSizes) {
+        SCOPED_TRACE(testing::Message() << Size.m_nWidth << " by " << Size.m_nHeight);
+        ClPlaneCase<TypeParam> plane(Size.m_nWidth, Size.m_nHeight, 5);
+        for (long nHalf : {0, 1, 2, 3, 5, 11, Size.m_nWidth, Size.m_nHeight})
+            this->ExpectDefinition(plane, 3, nHalf);
+    }
+}
+
+TYPED_TEST(MinMax, EqualTheirDefinitionOnLinesBeyondARound) {
+    for (const long nWidth : {63L, 64L, 65L, 100L, 130L}) {
+        ClPlaneCase<TypeParam> plane(nWidth, 40, 6);
+        for (long nMode : {1L, 2L, 3L})
+            for (long nHalf : {1L, 3L, 11L})
+                this->ExpectDefinition(plane, nMode, nHalf);
     }
 }
 
