@@ -5,6 +5,7 @@
 
 #include "Calibrate/IpCalibrateGeometricBuildRefPointsBase.h"
 #include "Calibrate/RecordLimits.h"
+#include "Math/SplineLine.h"
 #include "Tools/CallTrace.h"
 #include "Tools/FpImage.h"
 #include "Tools/MathConst.h"
@@ -79,14 +80,22 @@ ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByBorders(Spline& rSpline
 double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(Spline& rSpline, int nX, int nY,
                                                                 int nLength, bool bVertical) const {
     const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta()");
+    constexpr int cnChunk = 256;
+    float afX[cnChunk];
+    float afY[cnChunk];
+    float afMappedX[cnChunk];
+    float afMappedY[cnChunk];
     float sum = 0.0F;
-    for (long i = 0; i < nLength; ++i) {
-        const long nStepX = bVertical ? nX : nX + i;
-        const long nStepY = bVertical ? nY + i : nY;
-        float x = 0.0F;
-        float y = 0.0F;
-        rSpline.Transform(static_cast<float>(nStepX), static_cast<float>(nStepY), &x, &y);
-        sum += bVertical ? x : y;
+    for (int nFirst = 0; nFirst < nLength; nFirst += cnChunk) {
+        const int nCount = std::min(cnChunk, nLength - nFirst);
+        for (int i = 0; i < nCount; ++i) {
+            const long nAlong = long{nFirst} + i;
+            afX[i] = static_cast<float>(bVertical ? nX : nX + nAlong);
+            afY[i] = static_cast<float>(bVertical ? nY + nAlong : nY);
+        }
+        TransformLine(rSpline, afX, afY, nCount, afMappedX, afMappedY);
+        for (int i = 0; i < nCount; ++i)
+            sum += bVertical ? afMappedX[i] : afMappedY[i];
     }
     return static_cast<double>(nLength > 0 ? sum / static_cast<float>(nLength) : 0.0F);
 }

@@ -74,46 +74,66 @@ void FillEntry(const StCaptureSize& Size, double sx, double sy, unsigned char* p
 
 namespace {
 
-/// Whether all positions inside have whole parts and offsets that fit, and sides are exact floats.
+/// Whether there are positions inside, all with offsets that fit, and sides are exact floats.
 bool IsOrdinary(const StCaptureSize& Size) {
     constexpr std::uint32_t cnExactFloats = 1U << 24;
-    return Size.m_nWidth <= cnExactFloats && Size.m_nHeight <= cnExactFloats &&
+    return Size.m_nWidth >= 4 && Size.m_nHeight >= 4 && Size.m_nWidth <= cnExactFloats &&
+           Size.m_nHeight <= cnExactFloats &&
            LineStride(Size.m_nWidth) * Size.m_nHeight <= INT32_MAX;
 }
 
-void KernelValues(double dFraction, double dFactor, double* pValues) {
+inline void KernelValues(double dFraction, double dFactor, double* pValues) {
     pValues[0] = OuterCubic(1.0 + dFraction) * dFactor;
     pValues[1] = InnerCubic(dFraction) * dFactor;
     pValues[2] = InnerCubic(1.0 - dFraction) * dFactor;
     pValues[3] = OuterCubic(2.0 - dFraction) * dFactor;
 }
 
-/// Positions taken apart: offsets, and per pixel the values of 4 columns, 1024 standing for 1, and
-/// of 4 rows.
-struct StSplit {
-    std::int32_t m_anOffset[cnMostEntries];
-    double m_aadColumns[cnMostEntries][4];
-    double m_aadRows[cnMostEntries][4];
+/// Positions taken apart. One without source becomes one at the limits whose columns weigh
+/// nothing: the loops have no branch, and each is one that becomes vectors.
+class ClSplit {
+public:
+    void Split(const StCaptureSize& Size, const double* pX, const double* pY, int nEntries) {
+        ReplaceOutside(LargestPosition(Size.m_nWidth), LargestPosition(Size.m_nHeight), pX, pY,
+                       nEntries);
+        TakeApart(static_cast<int>(LineStride(Size.m_nWidth)), nEntries);
+    }
 
-    void Split(const StCaptureSize& Size, const double* __restrict pX, const double* __restrict pY,
-               int nEntries) {
-        const double dLimitX = LargestPosition(Size.m_nWidth);
-        const double dLimitY = LargestPosition(Size.m_nHeight);
-        const int nStride = static_cast<int>(LineStride(Size.m_nWidth));
+    std::int32_t Offset(int i) const { return m_anOffset[i]; }
+    const double* Columns(int i) const { return m_aadColumns[i]; } ///< 1024 standing for 1
+    const double* Rows(int i) const { return m_aadRows[i]; }
+
+private:
+    void ReplaceOutside(double dLimitX, double dLimitY, const double* pX, const double* pY,
+                        int nEntries) {
         for (int i = 0; i < nEntries; ++i) {
             const bool bInside =
-                static_cast<int>(pX[i] >= 1.0) & static_cast<int>(pX[i] <= dLimitX) &
-                static_cast<int>(pY[i] >= 1.0) & static_cast<int>(pY[i] <= dLimitY);
-            const float fX = static_cast<float>(bInside ? pX[i] : 1.0);
-            const float fY = static_cast<float>(bInside ? pY[i] : 1.0);
+                (pX[i] >= 1.0) & (pX[i] <= dLimitX) & (pY[i] >= 1.0) & (pY[i] <= dLimitY);
+            m_adX[i] = bInside ? pX[i] : dLimitX;
+            m_adY[i] = bInside ? pY[i] : dLimitY;
+            m_adInside[i] = bInside ? 1.0 : 0.0;
+        }
+    }
+
+    void TakeApart(int nStride, int nEntries) {
+        for (int i = 0; i < nEntries; ++i) {
+            const float fX = static_cast<float>(m_adX[i]);
+            const float fY = static_cast<float>(m_adY[i]);
             const int nX = static_cast<int>(fX);
             const int nY = static_cast<int>(fY);
-            m_anOffset[i] = bInside ? (nY - 1) * nStride + nX - 1 : cnNoSource;
-            KernelValues(static_cast<double>(fX) - nX, bInside ? cdWeightOne : 0.0,
+            m_anOffset[i] = ((nY - 1) * nStride + nX) * static_cast<int>(m_adInside[i]) - 1;
+            KernelValues(static_cast<double>(fX) - nX, cdWeightOne * m_adInside[i],
                          m_aadColumns[i]);
             KernelValues(static_cast<double>(fY) - nY, 1.0, m_aadRows[i]);
         }
     }
+
+    double m_adX[cnMostEntries];
+    double m_adY[cnMostEntries];
+    double m_adInside[cnMostEntries]; ///< 1 or 0
+    std::int32_t m_anOffset[cnMostEntries];
+    double m_aadColumns[cnMostEntries][4];
+    double m_aadRows[cnMostEntries][4];
 };
 
 /// 4 weights of one row as 32-bit numbers, truncated.
@@ -135,10 +155,10 @@ void WriteEntry(std::int32_t nOffset, const double* pColumns, const double* pRow
 struct StFill {
     static void Run(const StCaptureSize* pSize, const double* pX, const double* pY, int nEntries,
                     std::size_t nStep, unsigned char* pEntries) {
-        StSplit split;
+        ClSplit split;
         split.Split(*pSize, pX, pY, nEntries);
         for (int i = 0; i < nEntries; ++i, pEntries += nStep)
-            WriteEntry(split.m_anOffset[i], split.m_aadColumns[i], split.m_aadRows[i], pEntries);
+            WriteEntry(split.Offset(i), split.Columns(i), split.Rows(i), pEntries);
     }
 };
 
