@@ -5,6 +5,7 @@
 // and are 16 bits wide: 53 lines of 255 are 13515, and four columns of them still fit. Along a line
 // 53 samples are summed as 3 * 16 + 4 + 1, of which all but the last are cut at 14046.
 
+#include "FingerCoding/Quick/LineSums.h"
 #include "ImageProcessing/Kernels/Scratch.h"
 #include "Tools/InstructionLevel.h"
 
@@ -14,7 +15,7 @@ namespace Quick {
 
 namespace {
 
-using Kernels::ClScratch;
+using namespace LineSums;
 
 constexpr long cnHalf = cnFarWidth / 2;
 constexpr int cnLossPerPixel = 5;
@@ -28,111 +29,98 @@ struct StLoss {
     }
 };
 
-std::uint16_t Cut(int nSum) {
-    return std::min(static_cast<std::uint16_t>(nSum), cnAboveBounds);
-}
-
-/// How many of the places n - half to n + half lie in a frame.
-long Inside(long n, long nSize) {
-    return std::min(n + cnHalf, nSize - 1) - std::max(n - cnHalf, 0L) + 1;
-}
-
-/// One line of sums in several stages.
+/// Lines of sums in several stages, with half a window on either side.
 struct StSums {
-    StSums(unsigned char* pMemory, long nWidth) {
-        const auto nSamples = static_cast<std::size_t>(nWidth + 2 * cnHalf);
-        const std::size_t nBytes = ClScratch::Aligned(nSamples * sizeof(std::uint16_t));
-        for (std::uint16_t** pp : {&m_pColumns, &m_pFours, &m_pSixteens, &m_pBounds}) {
-            *pp = reinterpret_cast<std::uint16_t*>(pMemory);
-            pMemory += nBytes;
-        }
-        m_pEnd = pMemory;
+    StSums(unsigned char* pMemory, long nWidth) : m_nSamples(nWidth + 2 * cnHalf) {
+        m_nBytes = 0;
+        const auto take = [&](std::size_t nBytes) {
+            unsigned char* pTaken = pMemory == nullptr ? nullptr : pMemory + m_nBytes;
+            m_nBytes += Kernels::ClScratch::Aligned(nBytes);
+            return pTaken;
+        };
+        for (std::uint16_t** pp : {&m_pColumns, &m_pFours, &m_pSixteens, &m_pBounds})
+            *pp = reinterpret_cast<std::uint16_t*>(take(2 * Room(m_nSamples)));
+        m_pNothing = take(Room(m_nSamples));
     }
-    std::uint16_t* m_pColumns = nullptr; ///< with half a window of zeros on either side
-    std::uint16_t* m_pFours = nullptr;
-    std::uint16_t* m_pSixteens = nullptr;
-    std::uint16_t* m_pBounds = nullptr;
-    unsigned char* m_pEnd = nullptr;
+    long m_nSamples;
+    std::size_t m_nBytes;
+    std::uint16_t* m_pColumns;
+    std::uint16_t* m_pFours;
+    std::uint16_t* m_pSixteens;
+    std::uint16_t* m_pBounds;
+    std::uint8_t* m_pNothing; ///< a line without loss
 };
 
+/// The fade where the sum of 53 columns is within its bound, else 0.
+void Keep(const std::uint16_t* __restrict p, const std::uint16_t* __restrict pFours,
+          const std::uint16_t* __restrict pSixteens, const std::uint16_t* __restrict pBounds,
+          const unsigned char* __restrict pFade, long nPixels, unsigned char* __restrict pOut) {
+    for (long i = 0; i < nPixels; ++i) {
+        const std::uint16_t n32 =
+            std::min(static_cast<std::uint16_t>(pSixteens[i] + pSixteens[i + 16]), cnAboveBounds);
+        const auto nSum =
+            static_cast<std::uint16_t>(n32 + pSixteens[i + 32] + pFours[i + 48] + p[i + 52]);
+        pOut[i] = static_cast<unsigned char>(nSum <= pBounds[i] ? pFade[i] : 0);
+    }
+}
+
 struct StFar {
-    static bool Run(const StPlane* pLoss, const StPlane* pFade, unsigned char* pMemory,
+    static void Run(const StPlane* pLoss, const StPlane* pFade, unsigned char* pMemory,
                     const StPlane* pOut) {
-        return StFar(*pLoss, *pFade, pMemory, *pOut).KeepLines();
+        StFar(*pLoss, *pFade, pMemory, *pOut).KeepLines();
     }
 
 private:
     StFar(const StPlane& Loss, const StPlane& Fade, unsigned char* pMemory, const StPlane& Out)
-        : m_Loss(Loss), m_Fade(Fade), m_Out(Out), m_Sums(pMemory, Loss.m_nWidth) {
-        std::fill_n(m_Sums.m_pColumns, Loss.m_nWidth + 2 * cnHalf, std::uint16_t{0});
+        : m_Loss(Loss), m_Fade(Fade), m_Out(Out), m_L(pMemory, Loss.m_nWidth) {
+        std::fill_n(m_L.m_pColumns, Room(m_L.m_nSamples), std::uint16_t{0});
+        std::memset(m_L.m_pNothing, 0, Room(m_L.m_nSamples));
     }
 
-    bool KeepLines() {
-        for (long y = 0; y < cnHalf; ++y)
-            Enter<1>(y);
-        for (long y = 0; y < m_Loss.m_nHeight; ++y) {
-            Enter<1>(y + cnHalf);
-            Enter<-1>(y - cnHalf - 1);
-            SetBounds(Inside(y, m_Loss.m_nHeight));
-            KeepLine(y);
+    void KeepLines() {
+        for (long y = -cnHalf; y < m_Loss.m_nHeight; ++y) {
+            Exchange(LineOf(y + cnHalf), LineOf(y - cnHalf - 1), m_Loss.m_nWidth,
+                     m_L.m_pColumns + cnHalf);
+            if (y >= 0)
+                KeepLine(y);
         }
-        return m_nLeast == m_nMost;
     }
 
-    template <int nSign>
-    void Enter(long y) {
-        if (y < 0 || y >= m_Loss.m_nHeight)
-            return;
-        const unsigned char* __restrict pLine = m_Loss.Line(y);
-        std::uint16_t* __restrict pColumns = m_Sums.m_pColumns + cnHalf;
-        const long nWidth = m_Loss.m_nWidth;
-        for (long x = 0; x < nWidth; ++x)
-            pColumns[x] = static_cast<std::uint16_t>(pColumns[x] + nSign * pLine[x]);
+    const unsigned char* LineOf(long y) const {
+        return y >= 0 && y < m_Loss.m_nHeight ? m_Loss.Line(y) : m_L.m_pNothing;
     }
 
     void SetBounds(long nLines) {
         if (nLines == m_nLinesOfBounds)
             return;
         m_nLinesOfBounds = nLines;
-        for (long x = 0; x < m_Loss.m_nWidth; ++x)
-            m_Sums.m_pBounds[x] =
-                static_cast<std::uint16_t>(cnLossPerPixel * nLines * Inside(x, m_Loss.m_nWidth));
+        FillBounds(cnLossPerPixel, nLines, 0, cnHalf, m_Loss.m_nWidth, m_Loss.m_nWidth,
+                   m_L.m_pBounds);
     }
 
     void KeepLine(long y) {
-        const std::uint16_t* __restrict p = m_Sums.m_pColumns;
-        std::uint16_t* __restrict pFours = m_Sums.m_pFours;
-        std::uint16_t* __restrict pSixteens = m_Sums.m_pSixteens;
-        const std::uint16_t* __restrict pBounds = m_Sums.m_pBounds;
-        const unsigned char* __restrict pFade = m_Fade.Line(y);
-        unsigned char* __restrict pOut = m_Out.Line(y);
-        const long nWidth = m_Loss.m_nWidth;
-        for (long i = 0; i < nWidth + 2 * cnHalf - 3; ++i)
-            pFours[i] = Cut(p[i] + p[i + 1] + p[i + 2] + p[i + 3]);
-        for (long i = 0; i < nWidth + 2 * cnHalf - 15; ++i)
-            pSixteens[i] = Cut(pFours[i] + pFours[i + 4] + pFours[i + 8] + pFours[i + 12]);
-        unsigned char nLeast = m_nLeast;
-        unsigned char nMost = m_nMost;
-        for (long x = 0; x < nWidth; ++x) {
-            const std::uint16_t n32 = Cut(pSixteens[x] + pSixteens[x + 16]);
-            const auto nSum =
-                static_cast<std::uint16_t>(n32 + pSixteens[x + 32] + pFours[x + 48] + p[x + 52]);
-            const unsigned char nKept = nSum <= pBounds[x] ? pFade[x] : 0;
-            pOut[x] = nKept;
-            nLeast = std::min(nLeast, nKept);
-            nMost = std::max(nMost, nKept);
-        }
-        m_nLeast = nLeast;
-        m_nMost = nMost;
+        SetBounds(Inside(y, cnHalf, m_Loss.m_nHeight));
+        SumFours<1>(m_L.m_pColumns, m_L.m_nSamples, cnAboveBounds, m_L.m_pFours);
+        SumFours<4>(m_L.m_pFours, m_L.m_nSamples, cnAboveBounds, m_L.m_pSixteens);
+        Keep(m_L.m_pColumns, m_L.m_pFours, m_L.m_pSixteens, m_L.m_pBounds, m_Fade.Line(y),
+             m_Loss.m_nWidth, m_Out.Line(y));
     }
 
     const StPlane m_Loss;
     const StPlane m_Fade;
     const StPlane m_Out;
-    StSums m_Sums;
+    StSums m_L;
     long m_nLinesOfBounds = -1;
-    unsigned char m_nLeast = 255;
-    unsigned char m_nMost = 0;
+};
+
+/// Whether all samples are `nValue`.
+struct StUniform {
+    static bool Run(const unsigned char* __restrict p, long nSamples, unsigned char nValue) {
+        unsigned char nOther = 0;
+        for (long i = 0; i < nSamples; ++i)
+            nOther = static_cast<unsigned char>(nOther | (p[i] ^ nValue));
+        return nOther == 0;
+    }
 };
 
 // Levels. The sum of a line fits in 32 bits up to 2^16 pixels.
@@ -143,8 +131,7 @@ struct StDirt {
         constexpr std::uint8_t cnPale = 205;
         std::uint32_t nSum = 0;
         for (long i = 0; i < nPixels; ++i) {
-            const auto nDark = static_cast<std::uint8_t>(
-                std::max(pCapture[i], cnPale) == cnPale ? cnPale - pCapture[i] : 0);
+            const auto nDark = static_cast<std::uint8_t>(cnPale - std::min(pCapture[i], cnPale));
             const auto nSquare = static_cast<std::uint16_t>(nDark * nDark);
             const auto nWeight = static_cast<std::uint16_t>(nSquare * 0x8081U >> 23); // / 255
             nSum += static_cast<std::uint32_t>(nWeight * pMask[i]);
@@ -154,17 +141,19 @@ struct StDirt {
 };
 
 struct StDry {
-    static void Run(const unsigned char* __restrict pSmooth, int nOffset,
+    static void Run(StBrightProb Bright, const unsigned char* __restrict pSmooth,
                     const unsigned char* __restrict pRidges, const unsigned char* __restrict pMask,
                     long nPixels, StDrySums* pSums) {
+        constexpr std::uint16_t cnDecision = 128;
+        constexpr std::uint16_t cnWhite = 255;
         std::uint32_t nWeights = 0;
         std::uint32_t nExcess = 0;
         for (long i = 0; i < nPixels; ++i) {
-            const int nBright = std::clamp(pSmooth[i] + nOffset, 0, 255);
-            const int nProb = std::min(nBright + pRidges[i], 255);
-            const int nWeight = 255 - pMask[i];
-            nWeights += static_cast<std::uint32_t>(nWeight);
-            nExcess += static_cast<std::uint32_t>(std::max(nProb - 128, 0) * nWeight);
+            const auto nSum = static_cast<std::uint16_t>(Bright.Of(pSmooth[i]) + pRidges[i]);
+            const std::uint16_t nProb = std::min(std::max(nSum, cnDecision), cnWhite);
+            const auto nWeight = static_cast<std::uint16_t>(255 - pMask[i]);
+            nWeights += nWeight;
+            nExcess += static_cast<std::uint16_t>((nProb - cnDecision) * nWeight);
         }
         pSums->m_nWeights += nWeights;
         pSums->m_nExcess += nExcess;
@@ -185,8 +174,7 @@ struct StDryOutside {
 } // namespace
 
 std::size_t FarBackgroundBytes(long nWidth) {
-    return static_cast<std::size_t>(StSums(nullptr, nWidth).m_pEnd -
-                                    static_cast<unsigned char*>(nullptr));
+    return StSums(nullptr, nWidth).m_nBytes;
 }
 
 void WriteLoss(const StPlane& Capture, const StPlane& Mask, const StPlane& Loss) {
@@ -194,9 +182,17 @@ void WriteLoss(const StPlane& Capture, const StPlane& Mask, const StPlane& Loss)
         RunAtLevel<StLoss>(Capture.Line(y), Mask.Line(y), Loss.m_nWidth, Loss.Line(y));
 }
 
-bool KeepFarBackground(const StPlane& Loss, const StPlane& Fade, unsigned char* pMemory,
+void KeepFarBackground(const StPlane& Loss, const StPlane& Fade, unsigned char* pMemory,
                        const StPlane& Out) {
-    return RunAtLevel<StFar>(&Loss, &Fade, pMemory, &Out);
+    RunAtLevel<StFar>(&Loss, &Fade, pMemory, &Out);
+}
+
+bool IsUniform(const StPlane& Plane) {
+    const unsigned char nValue = Plane.Line(0)[0];
+    for (long y = 0; y < Plane.m_nHeight; ++y)
+        if (!RunAtLevel<StUniform>(Plane.Line(y), Plane.m_nWidth, nValue))
+            return false;
+    return true;
 }
 
 std::uint64_t DirtSum(const StPlane& Capture, const StPlane& Mask) {
@@ -206,12 +202,14 @@ std::uint64_t DirtSum(const StPlane& Capture, const StPlane& Mask) {
     return nSum;
 }
 
-void AddDrySums(const unsigned char* pSmooth, int nOffset, const unsigned char* pRidges,
-                const unsigned char* pMask, long nPixels, StDrySums& rSums) {
-    if (pRidges == nullptr)
-        RunAtLevel<StDryOutside>(pMask, nPixels, &rSums);
-    else
-        RunAtLevel<StDry>(pSmooth, nOffset, pRidges, pMask, nPixels, &rSums);
+void AddDrySums(const StBrightProb& Bright, const unsigned char* pSmooth,
+                const unsigned char* pRidges, const unsigned char* pMask, long nPixels,
+                StDrySums& rSums) {
+    RunAtLevel<StDry>(Bright, pSmooth, pRidges, pMask, nPixels, &rSums);
+}
+
+void AddDrySums(const unsigned char* pMask, long nPixels, StDrySums& rSums) {
+    RunAtLevel<StDryOutside>(pMask, nPixels, &rSums);
 }
 
 } // namespace Quick

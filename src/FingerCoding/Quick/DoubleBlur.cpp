@@ -24,6 +24,7 @@
 // stages are kept for the lines in the windows alone. A line costs about 25 vector operations for
 // each 32 columns of the box, and nothing outside of it is looked at.
 
+#include "FingerCoding/Quick/LineSums.h"
 #include "ImageProcessing/Kernels/Scratch.h"
 #include "Tools/InstructionLevel.h"
 
@@ -34,54 +35,96 @@ namespace Quick {
 
 namespace {
 
-using Kernels::ClScratch;
+using namespace LineSums;
 
 constexpr long cnHalf = ClDoubleBlur::cnHalf;
 constexpr long cnWindow = ClDoubleBlur::cnWidth;
 constexpr long cnReach = ClDoubleBlur::cnReach;
 constexpr int cnBoundPerPixel = 10;
-constexpr std::uint16_t cnAboveBounds =
-    6000; ///< sums of four are cut here; five and three more fit in 16 bits
+constexpr std::uint16_t cnAboveBounds = 6000; ///< five of these and three sums fit in 16 bits
 
 /// Lines of a box and of what its pixels reach, one after the other.
 struct StLines {
     StLines(unsigned char* pMemory, long nBoxWidth)
         : m_nCounts(nBoxWidth + 4 * cnReach), m_nMeans(nBoxWidth + 3 * cnReach),
-          m_nResults(nBoxWidth + 2 * cnReach), m_pMemory(pMemory) {
-        m_nMeanStride = static_cast<long>(ClScratch::Aligned(static_cast<std::size_t>(m_nMeans)));
+          m_nResults(nBoxWidth + 2 * cnReach), m_nMeanStride(static_cast<long>(Room(m_nMeans))),
+          m_pBegin(pMemory) {
         m_pCounts = Take<std::uint8_t>(m_nCounts);
-        m_pFours = Take<std::uint8_t>(m_nCounts);
+        m_pFourCounts = Take<std::uint8_t>(m_nCounts);
+        m_pNothing = Take<std::uint8_t>(m_nCounts);
         m_pSums = Take<std::uint16_t>(m_nMeans);
-        m_pSumsOfFour = Take<std::uint16_t>(m_nMeans);
+        m_pFourSums = Take<std::uint16_t>(m_nMeans);
         m_pBounds = Take<std::uint16_t>(m_nResults);
         m_pColumns = Take<std::uint8_t>(m_nResults);
         m_pMeans = Take<std::uint8_t>(cnWindow * m_nMeanStride);
     }
 
-    template <class T>
-    T* Take(long nSamples) {
-        T* pTaken = reinterpret_cast<T*>(m_pMemory);
-        m_pMemory += ClScratch::Aligned(static_cast<std::size_t>(nSamples) * sizeof(T));
-        return pTaken;
-    }
+    std::size_t Bytes() const { return m_nTaken; }
 
     long m_nCounts;
     long m_nMeans;
     long m_nResults;
-    long m_nMeanStride = 0;
-    unsigned char* m_pMemory;
-    std::uint8_t* m_pCounts = nullptr;      ///< region pixels of the columns of the first window
-    std::uint8_t* m_pFours = nullptr;       ///< of four columns
-    std::uint16_t* m_pSums = nullptr;       ///< of the columns of the second window
-    std::uint16_t* m_pSumsOfFour = nullptr; ///< of four columns, cut
-    std::uint16_t* m_pBounds = nullptr;     ///< for the sum of a second window
-    std::uint8_t* m_pColumns = nullptr;     ///< whether a column of the result has region
-    std::uint8_t* m_pMeans = nullptr;       ///< what the second window sums, line after line
+    long m_nMeanStride;
+    std::uint8_t* m_pCounts;     ///< region pixels of the columns of the first window
+    std::uint8_t* m_pFourCounts; ///< of four columns
+    std::uint8_t* m_pNothing;    ///< a line without region
+    std::uint16_t* m_pSums;      ///< of the columns of the second window
+    std::uint16_t* m_pFourSums;  ///< of four columns, cut
+    std::uint16_t* m_pBounds;    ///< for the sum of a second window
+    std::uint8_t* m_pColumns;    ///< whether a column of the result has region
+    std::uint8_t* m_pMeans;      ///< what the second window sums, line after line
+
+private:
+    template <class T>
+    T* Take(long nSamples) {
+        unsigned char* pTaken = m_pBegin == nullptr ? nullptr : m_pBegin + m_nTaken;
+        m_nTaken += Kernels::ClScratch::Aligned(Room(nSamples) * sizeof(T));
+        return reinterpret_cast<T*>(pTaken);
+    }
+
+    unsigned char* m_pBegin;
+    std::size_t m_nTaken = 0;
 };
 
-/// How many of the places n - half to n + half lie in a frame.
-long Inside(long n, long nSize) {
-    return std::min(n + cnHalf, nSize - 1) - std::max(n - cnHalf, 0L) + 1;
+// Lines. Windows are known by their first column.
+
+/// Puts the means of a line in the place of those that leave the sums of columns.
+template <bool bGrow>
+void ExchangeMeans(const std::uint8_t* __restrict p, const std::uint8_t* __restrict pFours,
+                   long nSamples, std::uint8_t* __restrict pMeans,
+                   std::uint16_t* __restrict pSums) {
+    const long nEnd = Rounds(nSamples);
+    for (long i = 0; i < nEnd; ++i) {
+        // Up to 8 columns of 23 pixels fit in 8 bits.
+        const auto n8 = static_cast<std::uint8_t>(pFours[i] + pFours[i + 4]);
+        const auto n16 = static_cast<std::uint8_t>(pFours[i + 8] + pFours[i + 12]);
+        const auto n23 =
+            static_cast<std::uint8_t>(pFours[i + 16] + p[i + 20] + p[i + 21] + p[i + 22]);
+        const auto n = static_cast<std::uint16_t>(n8 + n16 + n23);
+        const auto nRegion = static_cast<std::uint16_t>(
+            static_cast<std::uint16_t>(n * 31591U >> 16) + (n != 0 ? 1 : 0));
+        const auto nMean = static_cast<std::uint8_t>(bGrow ? nRegion : 255 - nRegion);
+        pSums[i] = static_cast<std::uint16_t>(pSums[i] + nMean - pMeans[i]);
+        pMeans[i] = nMean;
+    }
+}
+
+/// Whether there is region in a line of the result.
+template <bool bGrow>
+bool Compare(const std::uint16_t* __restrict p, const std::uint16_t* __restrict pFours,
+             const std::uint16_t* __restrict pBounds, long nSamples, std::uint8_t* __restrict pOut,
+             std::uint8_t* __restrict pColumns) {
+    std::uint8_t nAny = 0;
+    for (long i = 0; i < nSamples; ++i) {
+        const auto nSum =
+            static_cast<std::uint16_t>(pFours[i] + pFours[i + 4] + pFours[i + 8] + pFours[i + 12] +
+                                       pFours[i + 16] + p[i + 20] + p[i + 21] + p[i + 22]);
+        const std::uint8_t nIn = (bGrow ? nSum > pBounds[i] : nSum < pBounds[i]) ? 1 : 0;
+        pOut[i] = nIn;
+        pColumns[i] |= nIn;
+        nAny |= nIn;
+    }
+    return nAny != 0;
 }
 
 template <bool bGrow>
@@ -99,13 +142,10 @@ private:
           m_Target((bGrow ? Box.Grown(cnReach) : Box).CutTo(Out.Frame())) {}
 
     StBox Blur() {
-        std::memset(m_L.m_pCounts, 0, static_cast<std::size_t>(m_L.m_nCounts));
-        std::memset(m_L.m_pMeans, cnGround, static_cast<std::size_t>(cnWindow * m_L.m_nMeanStride));
-        std::memset(m_L.m_pColumns, 0, static_cast<std::size_t>(m_L.m_nResults));
-        std::fill_n(m_L.m_pSums, m_L.m_nMeans, static_cast<std::uint16_t>(cnWindow * cnGround));
+        Begin();
         StBox Found{m_Target.m_nRight, m_Target.m_nBottom, m_Target.m_nLeft, m_Target.m_nTop};
         for (long y = m_Box.m_nTop - cnReach; y < m_Target.m_nBottom; ++y) {
-            EnterMeans(y + cnHalf);
+            EnterLine(y + cnHalf);
             if (y < m_Target.m_nTop || !WriteLine(y))
                 continue;
             Found.m_nTop = std::min(Found.m_nTop, y);
@@ -120,85 +160,52 @@ private:
         return Found;
     }
 
-    long FirstResult() const { return m_Box.m_nLeft - cnReach; }
-
-    /// Line `y` of the first mean takes the place of line y - 23.
-    void EnterMeans(long y) {
-        CountLine(y + cnHalf, 1);
-        CountLine(y - cnHalf - 1, -1);
-        const long nSlot = (y - m_Box.m_nTop + cnWindow) % cnWindow;
-        std::uint8_t* __restrict pMeans = m_L.m_pMeans + nSlot * m_L.m_nMeanStride;
-        std::uint16_t* __restrict pSums = m_L.m_pSums;
-        std::uint8_t* __restrict pFours = m_L.m_pFours;
-        const std::uint8_t* __restrict p = m_L.m_pCounts;
-        const long nFours = m_L.m_nCounts - 3; // what a loop stores could be its own end else
-        const long nMeans = m_L.m_nMeans;
-        for (long i = 0; i < nFours; ++i)
-            pFours[i] = static_cast<std::uint8_t>(p[i] + p[i + 1] + p[i + 2] + p[i + 3]);
-        for (long i = 0; i < nMeans; ++i) {
-            const auto n = static_cast<std::uint16_t>(pFours[i] + pFours[i + 4] + pFours[i + 8] +
-                                                      pFours[i + 12] + pFours[i + 16] + p[i + 20] +
-                                                      p[i + 21] + p[i + 22]);
-            const auto nRegion = static_cast<std::uint16_t>(
-                static_cast<std::uint16_t>(n * 31591U >> 16) + (n != 0 ? 1 : 0));
-            const auto nMean = static_cast<std::uint8_t>(bGrow ? nRegion : 255 - nRegion);
-            pSums[i] = static_cast<std::uint16_t>(pSums[i] + nMean - pMeans[i]);
-            pMeans[i] = nMean;
-        }
+    /// All is ground so far.
+    void Begin() {
+        std::memset(m_L.m_pCounts, 0, Room(m_L.m_nCounts));
+        std::memset(m_L.m_pNothing, 0, Room(m_L.m_nCounts));
+        std::memset(m_L.m_pColumns, 0, Room(m_L.m_nResults));
+        std::memset(m_L.m_pMeans, cnGround, Room(cnWindow * m_L.m_nMeanStride));
+        std::fill_n(m_L.m_pSums, Room(m_L.m_nMeans),
+                    static_cast<std::uint16_t>(cnWindow * cnGround));
     }
 
-    /// Adds a line of the region to the counts of columns, or takes it away.
-    void CountLine(long y, int nSign) {
-        if (y < m_Box.m_nTop || y >= m_Box.m_nBottom)
-            return;
-        const unsigned char* __restrict pLine = m_In.Line(y) + m_Box.m_nLeft;
-        std::uint8_t* __restrict pCounts = m_L.m_pCounts + 2 * cnReach;
-        const long nWidth = m_Box.Width();
-        if (nSign > 0)
-            for (long x = 0; x < nWidth; ++x)
-                pCounts[x] = static_cast<std::uint8_t>(pCounts[x] + pLine[x]);
-        else
-            for (long x = 0; x < nWidth; ++x)
-                pCounts[x] = static_cast<std::uint8_t>(pCounts[x] - pLine[x]);
+    long FirstResult() const { return m_Box.m_nLeft - cnReach; }
+
+    const unsigned char* LineOf(long y) const {
+        const bool bInBox = y >= m_Box.m_nTop && y < m_Box.m_nBottom;
+        return bInBox ? m_In.Line(y) + m_Box.m_nLeft : m_L.m_pNothing;
+    }
+
+    /// Line `y` of the first mean takes the place of line y - 23.
+    void EnterLine(long y) {
+        Exchange(LineOf(y + cnHalf), LineOf(y - cnHalf - 1), m_Box.Width(),
+                 m_L.m_pCounts + 2 * cnReach);
+        SumFours<1>(m_L.m_pCounts, m_L.m_nCounts, std::uint8_t{255}, m_L.m_pFourCounts);
+        const long nSlot = (y - m_Box.m_nTop + cnWindow) % cnWindow;
+        ExchangeMeans<bGrow>(m_L.m_pCounts, m_L.m_pFourCounts, m_L.m_nMeans,
+                             m_L.m_pMeans + nSlot * m_L.m_nMeanStride, m_L.m_pSums);
     }
 
     void SetBounds(long nLines) {
         if (nLines == m_nLinesOfBounds)
             return;
         m_nLinesOfBounds = nLines;
-        for (long i = 0; i < m_L.m_nResults; ++i)
-            m_L.m_pBounds[i] = static_cast<std::uint16_t>(
-                cnBoundPerPixel * nLines *
-                (bGrow ? std::max(Inside(FirstResult() + i, m_In.m_nWidth), 0L) : cnWindow));
+        if (bGrow)
+            FillBounds(cnBoundPerPixel, nLines, FirstResult(), cnHalf, m_In.m_nWidth,
+                       m_L.m_nResults, m_L.m_pBounds);
+        else
+            std::fill_n(m_L.m_pBounds, m_L.m_nResults,
+                        static_cast<std::uint16_t>(cnBoundPerPixel * cnWindow * cnWindow));
     }
 
-    /// Whether the line has region.
     bool WriteLine(long y) {
-        SetBounds(bGrow ? Inside(y, m_In.m_nHeight) : cnWindow);
-        const std::uint16_t* __restrict p = m_L.m_pSums;
-        std::uint16_t* __restrict pFours = m_L.m_pSumsOfFour;
-        const long nFours = m_L.m_nMeans - 3;
-        for (long i = 0; i < nFours; ++i)
-            pFours[i] = std::min(static_cast<std::uint16_t>(p[i] + p[i + 1] + p[i + 2] + p[i + 3]),
-                                 cnAboveBounds);
+        SetBounds(bGrow ? Inside(y, cnHalf, m_In.m_nHeight) : cnWindow);
+        SumFours<1>(m_L.m_pSums, m_L.m_nMeans, cnAboveBounds, m_L.m_pFourSums);
         const long nSkip = m_Target.m_nLeft - FirstResult();
-        const std::uint16_t* __restrict pSingle = p + nSkip;
-        const std::uint16_t* __restrict pFour = pFours + nSkip;
-        const std::uint16_t* __restrict pBounds = m_L.m_pBounds + nSkip;
-        std::uint8_t* __restrict pColumns = m_L.m_pColumns + nSkip;
-        unsigned char* __restrict pOut = m_Out.Line(y) + m_Target.m_nLeft;
-        std::uint8_t nAny = 0;
-        const long nWidth = m_Target.Width();
-        for (long i = 0; i < nWidth; ++i) {
-            const auto nSum = static_cast<std::uint16_t>(
-                pFour[i] + pFour[i + 4] + pFour[i + 8] + pFour[i + 12] + pFour[i + 16] +
-                pSingle[i + 20] + pSingle[i + 21] + pSingle[i + 22]);
-            const std::uint8_t nIn = (bGrow ? nSum > pBounds[i] : nSum < pBounds[i]) ? 1 : 0;
-            pOut[i] = nIn;
-            pColumns[i] |= nIn;
-            nAny |= nIn;
-        }
-        return nAny != 0;
+        return Compare<bGrow>(m_L.m_pSums + nSkip, m_L.m_pFourSums + nSkip, m_L.m_pBounds + nSkip,
+                              m_Target.Width(), m_Out.Line(y) + m_Target.m_nLeft,
+                              m_L.m_pColumns + nSkip);
     }
 
     const StPlane m_In;
@@ -212,8 +219,7 @@ private:
 } // namespace
 
 std::size_t ClDoubleBlur::Bytes(long nWidth) {
-    const StLines Lines(nullptr, nWidth);
-    return static_cast<std::size_t>(Lines.m_pMemory - static_cast<unsigned char*>(nullptr));
+    return StLines(nullptr, nWidth).Bytes();
 }
 
 StBox ClDoubleBlur::Grow(const StPlane& In, const StBox& Box, const StPlane& Out) const {

@@ -80,19 +80,17 @@ struct StBelow {
     }
 };
 
-/// out = 1 where min(255, bright + 2 * ridges) is below a threshold, else 0; bright is limited.
+/// out = 1 where bright + 2 * ridges is below a threshold, else 0.
 struct StSumBelow {
-    static void Run(const unsigned char* __restrict pSmooth, int nOffset,
-                    const unsigned char* __restrict pRidges, long nPixels, int nThreshold,
+    static void Run(StBrightProb Bright, const unsigned char* __restrict pSmooth,
+                    const unsigned char* __restrict pRidges, long nPixels, std::uint16_t nThreshold,
                     unsigned char* __restrict pOut) {
         for (long i = 0; i < nPixels; ++i) {
-            const int nBright = std::clamp(pSmooth[i] + nOffset, 0, 255);
-            pOut[i] = nBright + 2 * pRidges[i] < nThreshold ? cnRegion : 0;
+            const auto nSum = static_cast<std::uint16_t>(Bright.Of(pSmooth[i]) + 2 * pRidges[i]);
+            pOut[i] = nSum < nThreshold ? cnRegion : 0;
         }
     }
 };
-
-constexpr int cnProbThreshold = 128;
 
 } // namespace
 
@@ -141,7 +139,7 @@ void ClDynamicCalibration::TakeMemory(long nWidth, long nHeight) {
         m_pFarMemory = Pieces.Take(FarBackgroundBytes(nWidth));
         m_pLine = Pieces.Take(nLine);
         StRidgeMemory Ridges{m_Canvas.m_A, m_Canvas.m_B};
-        Ridges.m_pColumns = Pieces.Take<long>(static_cast<std::size_t>(nWidth + cnBoth));
+        Ridges.m_pColumns = Pieces.Take<int>(static_cast<std::size_t>(nWidth + cnBoth));
         Ridges.m_pDx = Pieces.Take(nLine);
         Ridges.m_pDy = Pieces.Take(nLine);
         Ridges.m_pSquares = Pieces.Take<std::uint16_t>(nLine);
@@ -329,14 +327,13 @@ bool ClDynamicCalibration::FindSumRegion() {
         Bright->Height() != Ridges->Height())
         return false;
     const long nWidth = Bright->Width();
-    const int nOffset = cnProbThreshold - static_cast<int>(m_nThreshold);
-    m_BrightCut = *Bright;
-    m_RidgeCut = *Ridges;
+
     m_Spans.Clear();
     for (long y = 0; y < Bright->Height(); ++y) {
-        RunAtLevel<StSumBelow>(m_Smooth.Line(Bright->m_nTop + y) + Bright->m_nLeft, nOffset,
+        RunAtLevel<StSumBelow>(StBrightProb(m_nThreshold),
+                               m_Smooth.Line(Bright->m_nTop + y) + Bright->m_nLeft,
                                m_RidgeProb.Line(Ridges->m_nTop + y) + Ridges->m_nLeft, nWidth,
-                               static_cast<int>(cdSumThreshold), m_pLine);
+                               static_cast<std::uint16_t>(cdSumThreshold), m_pLine);
         m_Spans.Append(m_pLine, static_cast<int>(y), nWidth, cnRegion);
     }
     const Mask::ClPrecutChain Chain(m_Chain);
@@ -376,21 +373,22 @@ StBox ClDynamicCalibration::PaintRegion() {
 /// Leaves in B what of the background is clean. False where it is one value all over.
 bool ClDynamicCalibration::KeepCleanBackground(const StPlane& Capture) {
     WriteLoss(Capture, m_Mask, m_A);
-    return !KeepFarBackground(m_A, m_Fade, m_pFarMemory, m_B);
+    KeepFarBackground(m_A, m_Fade, m_pFarMemory, m_B);
+    return !IsUniform(m_B);
 }
 
 double ClDynamicCalibration::DryFingerLevel() const {
-    const int nOffset = cnProbThreshold - static_cast<int>(m_nThreshold);
+    const StBrightProb Bright(m_nThreshold);
     StDrySums Sums;
     for (long y = 0; y < m_B.m_nHeight; ++y) {
         const unsigned char* pMask = m_B.Line(y);
         const bool bRidges = y >= m_Pasted.m_nTop && y < m_Pasted.m_nBottom;
         const long nBegin = bRidges ? m_Pasted.m_nLeft : m_B.m_nWidth;
         const long nEnd = bRidges ? m_Pasted.m_nRight : m_B.m_nWidth;
-        AddDrySums(nullptr, 0, nullptr, pMask, nBegin, Sums);
-        AddDrySums(nullptr, 0, nullptr, pMask + nEnd, m_B.m_nWidth - nEnd, Sums);
+        AddDrySums(pMask, nBegin, Sums);
+        AddDrySums(pMask + nEnd, m_B.m_nWidth - nEnd, Sums);
         if (bRidges)
-            AddDrySums(m_Smooth.Line(y) + nBegin, nOffset,
+            AddDrySums(Bright, m_Smooth.Line(y) + nBegin,
                        m_RidgeProb.Line(y - m_nPasteY) + nBegin - m_nPasteX, pMask + nBegin,
                        nEnd - nBegin, Sums);
     }

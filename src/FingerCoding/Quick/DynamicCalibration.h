@@ -99,8 +99,7 @@ private:
     StPlane m_Fade;
 
     StBox m_WindowBox; ///< in the frame
-    StBox m_BrightCut; ///< the last window in the frame, and in the window of the ridges
-    StBox m_RidgeCut;
+
     StBox m_Pasted; ///< where the probability of ridges counts in the frame, which is moved by
     long m_nPasteX = 0;
     long m_nPasteY = 0;

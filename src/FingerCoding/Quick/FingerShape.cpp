@@ -2,6 +2,7 @@
 
 #include "FingerCoding/Quick/Filters.h"
 #include "ImageProcessing/IpRenderPolygon.h"
+#include "Tools/InstructionLevel.h"
 
 #include <climits>
 #include <cstring>
@@ -117,6 +118,14 @@ struct StSoftTable {
     unsigned char m_aValues[256];
 };
 
+struct StToGreys {
+    static void Run(const unsigned char* __restrict pIn, long nPixels,
+                    unsigned char* __restrict pOut) {
+        for (long i = 0; i < nPixels; ++i)
+            pOut[i] = static_cast<unsigned char>(pIn[i] == cnRegion ? 0 : cnBackground);
+    }
+};
+
 /// A region of 1 as 0 on 255, with ground around its box.
 void ToGreys(const StPlane& Region, const StBox& Box, const StBox& Part, const StPlane& Out) {
     for (long y = Part.m_nTop; y < Part.m_nBottom; ++y) {
@@ -124,9 +133,7 @@ void ToGreys(const StPlane& Region, const StBox& Box, const StBox& Part, const S
         std::fill(pOut + Part.m_nLeft, pOut + Part.m_nRight, cnBackground);
         if (y < Box.m_nTop || y >= Box.m_nBottom)
             continue;
-        const unsigned char* pIn = Region.Line(y);
-        for (long x = Box.m_nLeft; x < Box.m_nRight; ++x)
-            pOut[x] = pIn[x] == cnRegion ? 0 : cnBackground;
+        RunAtLevel<StToGreys>(Region.Line(y) + Box.m_nLeft, Box.Width(), pOut + Box.m_nLeft);
     }
 }
 

@@ -22,6 +22,15 @@ struct StNearestAxis {
         return nSource < m_nIn ? nSource : cnOutside;
     }
 
+    /// Writes where all places are taken from, but for the last ones, which lie outside. Returns
+    /// their number.
+    long WriteSources(int* pSources) const {
+        long n = 0;
+        for (; n < m_nOut && SourceOf(n) != cnOutside; ++n)
+            pSources[n] = static_cast<int>(SourceOf(n));
+        return n;
+    }
+
     long m_nIn;
     long m_nOut;
     long m_nStep;

@@ -115,12 +115,8 @@ void ClRidgeArea::FindGradients(const StPlane& In, long nLine) {
 void ClRidgeArea::Shrink(const StPlane& In, const StBox& Window, const ClSpans& Region, long nX,
                          long nY, const StRidgeWork& Work, const StPlane& Out) {
     const long nBorder = m_rSettings.m_nBorderWidth;
-    long* pColumns = m_Memory.m_pColumns;
-    for (long x = 0; x < Out.m_nWidth; ++x)
-        pColumns[x] = Work.m_X.SourceOf(x);
-    long nColumns = Out.m_nWidth; // those behind the edge are last
-    while (nColumns > 0 && pColumns[nColumns - 1] == StNearestAxis::cnOutside)
-        --nColumns;
+    const int* pColumns = m_Memory.m_pColumns;
+    const long nColumns = Work.m_X.WriteSources(m_Memory.m_pColumns);
     const StSpan* pSpan = Region.begin();
     for (long y = 0; y < Out.m_nHeight; ++y) {
         unsigned char* pOut = Out.Line(y);
@@ -179,6 +175,14 @@ void ClRidgeArea::Find(const StPlane& In, const StBox& Window, const ClSpans& Re
     rStrong.DropSmall(DetectorSteps::PixelsOfArea(m_rSettings.m_dMinFgBlobSize, Convert.PelsX()));
 }
 
+/// 255 less the pixels that the columns are taken from.
+void ClRidgeArea::InvertLine(const unsigned char* __restrict pIn, long nColumns,
+                             unsigned char* __restrict pOut) const {
+    const int* __restrict pColumns = m_Memory.m_pColumns;
+    for (long x = 0; x < nColumns; ++x)
+        pOut[x] = static_cast<unsigned char>(255 - pIn[pColumns[x]]);
+}
+
 void ClRidgeArea::WriteProbability(const StRidgeWork& Work, const StPlane& Out) {
     constexpr unsigned char cnOutside = 255; // behind the edge there is 0, and it is inverted
     const bool bCopy = Work.m_X.m_nOut == Out.m_nWidth && Work.m_Y.m_nOut == Out.m_nHeight;
@@ -187,9 +191,7 @@ void ClRidgeArea::WriteProbability(const StRidgeWork& Work, const StPlane& Out) 
     };
     const StNearestAxis X = axis(Work.m_X.m_nOut, Out.m_nWidth, Work.m_nPelsX);
     const StNearestAxis Y = axis(Work.m_Y.m_nOut, Out.m_nHeight, Work.m_nPelsY);
-    long* pColumns = m_Memory.m_pColumns;
-    for (long x = 0; x < Out.m_nWidth; ++x)
-        pColumns[x] = X.SourceOf(x);
+    const long nColumns = X.WriteSources(m_Memory.m_pColumns);
     for (long y = 0; y < Out.m_nHeight; ++y) {
         const long nLine = Y.SourceOf(y);
         unsigned char* pOut = Out.Line(y);
@@ -198,10 +200,8 @@ void ClRidgeArea::WriteProbability(const StRidgeWork& Work, const StPlane& Out) 
         else if (y > 0 && nLine == Y.SourceOf(y - 1))
             std::copy_n(Out.Line(y - 1), Out.m_nWidth, pOut);
         else
-            for (long x = 0; x < Out.m_nWidth; ++x)
-                pOut[x] = pColumns[x] == StNearestAxis::cnOutside
-                              ? cnOutside
-                              : static_cast<unsigned char>(255 - m_Lifted.Line(nLine)[pColumns[x]]);
+            InvertLine(m_Lifted.Line(nLine), nColumns, pOut);
+        std::fill(pOut + nColumns, pOut + Out.m_nWidth, cnOutside);
     }
 }
 

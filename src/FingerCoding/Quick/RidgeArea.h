@@ -31,7 +31,7 @@ struct StRidgeWork {
 struct StRidgeMemory {
     StPlane m_A;
     StPlane m_B;
-    long* m_pColumns = nullptr;     ///< one per column of the work, and of the window
+    int* m_pColumns = nullptr;      ///< one per column of the work, and of the window
     unsigned char* m_pDx = nullptr; ///< one line of the capture each
     unsigned char* m_pDy = nullptr;
     std::uint16_t* m_pSquares = nullptr;
@@ -55,6 +55,7 @@ private:
     void Shrink(const StPlane& In, const StBox& Window, const ClSpans& Region, long nX, long nY,
                 const StRidgeWork& Work, const StPlane& Out);
     void Amplify(const StPlane& InOut, const StPlane& Median) const;
+    void InvertLine(const unsigned char* pIn, long nColumns, unsigned char* pOut) const;
 
     const ClIpContrastMask2& m_rSettings;
     const StRidgeMemory m_Memory;
