@@ -11,6 +11,8 @@
 /// fixed-point Gaussian comes out slightly darker than the mean. That is within the noise.
 
 #include "ImageProcessing/Ip1to1Base.h"
+#include "ImageProcessing/Kernels/Scratch.h"
+#include "Tools/FpImage.h"
 
 class ClIpQK7FunctionalityCheck : public ClIp1to1Base {
 public:
@@ -55,4 +57,11 @@ public:
 
     double m_dOutDefectWarningLevel = 0.0; ///< of the last run
     unsigned char m_nNoise = 5;            ///< grey values; differences up to this are no defects
+
+private:
+    bool IsOrdinary(const ClImage& In, const ClImage& Out) const;
+    void ProcessQuickly(const ClImage& In, ClImage& Out);
+
+    Kernels::ClScratch m_Memory; ///< kept for the next run
+    ClImage m_Fade;              ///< what the frame of the sensor leaves of white, for one size
 };

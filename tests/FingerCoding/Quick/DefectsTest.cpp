@@ -1,0 +1,69 @@
+// The quick form of the functionality check gives what its operators give.
+
+#include "FingerCoding/IpQK7FunctionalityCheck.h"
+#include "FingerCoding/OpenDynamicCalibration.h"
+#include "FingerCoding/Quick/QuickRun.h"
+#include "FingerCoding/RandomCaptures.h"
+#include "support/InstructionLevels.h"
+
+using namespace TestSupport;
+
+namespace {
+
+double Check(ClIpQK7FunctionalityCheck& rCheck, ClImage& rCapture, ClImage& rOut) {
+    EXPECT_EQ(rCheck.ApplyParam(rCapture, rOut, ClImage::eTypeDefault), 0);
+    return rCheck.m_dOutDefectWarningLevel;
+}
+
+/// The same object runs quickly, observed, and quickly again.
+void ExpectTheSame(ClImage& rCapture, unsigned char nNoise) {
+    ClIpQK7FunctionalityCheck Check1;
+    Check1.m_nNoise = nNoise;
+    ClImage Plain;
+    double dPlain = 0.0;
+    {
+        const ClObservedRuns Observed;
+        dPlain = Check(Check1, rCapture, Plain);
+    }
+    AtEveryLevel([&] {
+        ClImage Out;
+        EXPECT_EQ(Check(Check1, rCapture, Out), dPlain);
+        EXPECT_TRUE(IsTwin(Out, Plain));
+    });
+}
+
+} // namespace
+
+TEST(QuickDefects, AreThoseOfTheOperatorsOnSimulatedCaptures) {
+    for (const char* szKind : {"empty", "dirty", "loop"}) {
+        SCOPED_TRACE(szKind);
+        ClTestImage Capture = WarpedCapture(szKind);
+        ExpectTheSame(Capture, 5);
+    }
+}
+
+TEST(QuickDefects, AreThoseOfTheOperatorsForEveryNoiseAndSize) {
+    std::mt19937 Random(11);
+    const auto below = [&Random](unsigned long n) { return static_cast<int>(Random() % n); };
+    for (int nRun = 0; nRun < 60; ++nRun) {
+        SCOPED_TRACE(nRun);
+        ClTestImage Capture;
+        Capture.NewWithType(ClImage::eUInt8, 49 + below(70), 49 + below(90), 1, 0, 7);
+        const int nRange = 1 + below(256);
+        for (int y = 0; y < Capture.Height(); ++y)
+            for (int x = 0; x < Capture.Width(); ++x)
+                Capture.LineData(y)[x] = static_cast<unsigned char>(
+                    nRun % 3 == 0 ? (x * 7 + y / 9) % 256 : 255 - below(256) % nRange);
+        ExpectTheSame(Capture, static_cast<unsigned char>(below(70)));
+    }
+}
+
+TEST(QuickDefects, AreThoseOfTheOperatorsAtTheEndsOfTheScale) {
+    for (const int n : {0, 1, 84, 85, 86, 169, 170, 171, 254, 255}) {
+        SCOPED_TRACE(n);
+        ClTestImage Capture = FlatImage(ClImage::eUInt8, 97, 83, 1, n);
+        ExpectTheSame(Capture, 0);
+        Capture.LineData(40)[50] = static_cast<unsigned char>(255 - n);
+        ExpectTheSame(Capture, 0);
+    }
+}
