@@ -22,10 +22,10 @@ using Warp::EDecision;
 namespace {
 
 using Points = std::vector<ClVector>;
-using Spline = TpThinPlateSplines<double>;
+using TableSpline = TpThinPlateSplines<double>;
 using Table = std::vector<unsigned char>;
 
-void Solve(Spline& rSpline, const Points& aOrigin, const Points& aTarget) {
+void Solve(TableSpline& rSpline, const Points& aOrigin, const Points& aTarget) {
     rSpline.Setup(static_cast<long>(aOrigin.size()), aOrigin.data(), aTarget.data());
 }
 
@@ -46,7 +46,7 @@ struct StMade {
     std::uint64_t m_nBySpline;
 };
 
-StMade Make(const StSizes& Sizes, const Spline* pSplines,
+StMade Make(const StSizes& Sizes, const TableSpline* pSplines,
             EDecision eDecision = EDecision::FieldWhereSure) {
     StMade Made{Table(Sizes.TableBytes(), 0xEE), 0};
     Made.m_nBySpline = Warp::MakeTable(Sizes, pSplines, Made.m_aTable.data(), eDecision);
@@ -54,7 +54,7 @@ StMade Make(const StSizes& Sizes, const Spline* pSplines,
 }
 
 /// Returns the share of entries that the field did not decide.
-double ExpectSame(const StSizes& Sizes, const Spline* pSplines) {
+double ExpectSame(const StSizes& Sizes, const TableSpline* pSplines) {
     const std::uint64_t nEntries = Sizes.TableBytes() / Warp::cnEntrySize;
     const StMade Reference = Make(Sizes, pSplines, EDecision::SplineAlways);
     EXPECT_EQ(Reference.m_nBySpline, nEntries);
@@ -77,7 +77,7 @@ Points RandomPoints(std::mt19937& rRandom, int nCount, double dWidth, double dHe
     return aPoints;
 }
 
-Points Moved(Points aPoints, double dX, double dY) {
+Points Shifted(Points aPoints, double dX, double dY) {
     for (ClVector& v : aPoints)
         v = v + ClVector(dX, dY);
     return aPoints;
@@ -100,7 +100,7 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesForScanners) {
         ClMemStream Stream(aBlock.data(), aBlock.size());
         ClCalibrateGeometricData Data;
         static_cast<ClCalibrateDataBase&>(Data).Read(Stream);
-        Spline spline;
+        TableSpline spline;
         spline.Setup(75, Data.m_aTarget.Data(), Data.m_aActual[0].Data());
         const StSizes Sizes(Data.m_nSourceWidth, Data.m_nSourceHeight, Data.m_nTargetWidth,
                             Data.m_nTargetHeight);
@@ -111,8 +111,8 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesForScanners) {
 TEST(WarpTableMaking, GivesTheTablesOfTheSplinesForSeveralPlanesAndAnySize) {
     std::mt19937 Random(1);
     for (std::uint32_t nPlanes = 1; nPlanes <= 3; ++nPlanes) {
-        Spline aSplines[3];
-        for (Spline& rSpline : aSplines)
+        TableSpline aSplines[3];
+        for (TableSpline& rSpline : aSplines)
             Solve(rSpline, RandomPoints(Random, 12, 50.0, 50.0),
                   RandomPoints(Random, 12, 90.0, 70.0));
         for (const std::uint32_t nWidth : {0u, 1u, 15u, 16u, 17u, 319u, 321u})
@@ -128,7 +128,7 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesForPointsAnywhere) {
         Points aOrigin = RandomPoints(Random, 15, 60.0, 60.0);
         for (const ClVector& v : RandomPoints(Random, 15, dExtent, dExtent))
             aOrigin.push_back(v + ClVector(20.0, 20.0));
-        Spline spline;
+        TableSpline spline;
         try {
             Solve(spline, aOrigin, RandomPoints(Random, 30, 90.0, 70.0));
         } catch (const ClException& e) {
@@ -140,15 +140,15 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesForPointsAnywhere) {
 }
 
 TEST(WarpTableMaking, AsksTheSplineAtEveryMiddleOfTwoFloats) {
-    Spline spline;
-    Solve(spline, caSquare, Moved(caSquare, 300.0 + 0x1p-16, 200.0));
+    TableSpline spline;
+    Solve(spline, caSquare, Shifted(caSquare, 300.0 + 0x1p-16, 200.0));
     EXPECT_EQ(ExpectSame(StSizes(600, 600, 40, 60), &spline), 1.0);
 }
 
 TEST(WarpTableMaking, AsksTheSplineAtTheLimits) {
     // Column 1 of the identity lies at the lower, column 37 at the upper limit, or just beside
     // them.
-    Spline spline;
+    TableSpline spline;
     Solve(spline, caSquare, caSquare);
     EXPECT_GE(ExpectSame(StSizes(40, 1000, 41, 60), &spline), 2.0 / 41);
 }
@@ -160,7 +160,7 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesAtPositionsOnTheEdge) {
     const Points aOrigin = RandomPoints(Random, 20, 40.0, 60.0);
     const Points aTarget = RandomPoints(Random, 20, 200.0, 300.0);
     const StSizes Sizes(190, 290, 40, 60);
-    Spline plain;
+    TableSpline plain;
     Solve(plain, aOrigin, aTarget);
     std::uint64_t nBySpline = 0;
     for (int i = 0; i < 60; ++i) {
@@ -169,8 +169,8 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesAtPositionsOnTheEdge) {
         plain.Transform(static_cast<double>(Random() % 40), static_cast<double>(Random() % 60), &sx,
                         &sy);
         const double dX = i % 3 == 0 ? 1.0 : i % 3 == 1 ? 187.0 : MiddleOfFloats(sx);
-        Spline spline;
-        Solve(spline, aOrigin, Moved(aTarget, dX - sx, MiddleOfFloats(sy) - sy));
+        TableSpline spline;
+        Solve(spline, aOrigin, Shifted(aTarget, dX - sx, MiddleOfFloats(sy) - sy));
         const StMade Made = Make(Sizes, &spline);
         nBySpline += Made.m_nBySpline;
         ASSERT_TRUE(Made.m_aTable == Make(Sizes, &spline, EDecision::SplineAlways).m_aTable) << i;
@@ -181,13 +181,13 @@ TEST(WarpTableMaking, GivesTheTablesOfTheSplinesAtPositionsOnTheEdge) {
 TEST(WarpTableMaking, AsksTheSplineWhereNumbersEnd) {
     Points aTarget = caSquare;
     aTarget[1].y = std::nan("");
-    Spline spline;
+    TableSpline spline;
     Solve(spline, caSquare, aTarget);
     EXPECT_EQ(ExpectSame(StSizes(90, 90, 40, 60), &spline), 1.0);
 }
 
 TEST(WarpTableMaking, LeaksNothingWithoutMemory) {
-    Spline spline;
+    TableSpline spline;
     Solve(spline, caSquare, caSquare);
     const StSizes Sizes(90, 90, 5, 5);
     Table aTable(Sizes.TableBytes());

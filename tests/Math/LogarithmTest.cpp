@@ -2,6 +2,8 @@
 
 #include "Math/Logarithm.h"
 
+#include "support/SpecialNumbers.h"
+
 #include <boost/multiprecision/cpp_bin_float.hpp>
 
 #include <gtest/gtest.h>
@@ -12,12 +14,12 @@
 #include <limits>
 #include <random>
 
+using TestSupport::cdInfinity;
+
 namespace {
 
 using Long = boost::multiprecision::number<
     boost::multiprecision::cpp_bin_float<200, boost::multiprecision::digit_base_2>>;
-
-constexpr double cdInfinity = std::numeric_limits<double>::infinity();
 
 double FromBits(std::uint64_t nBits) {
     double x = 0;

@@ -16,7 +16,7 @@ using TestSupport::AtEveryLevel;
 namespace {
 
 using Points = std::vector<ClVector>;
-using Spline = TpThinPlateSplines<float>;
+using FloatSpline = TpThinPlateSplines<float>;
 
 std::uint32_t Bits(float f) {
     std::uint32_t nBits = 0;
@@ -29,7 +29,8 @@ bool Same(float a, float b) {
     return Bits(a) == Bits(b) || (std::isnan(a) && std::isnan(b));
 }
 
-void ExpectSame(const Spline& rSpline, const std::vector<float>& aX, const std::vector<float>& aY) {
+void ExpectSame(const FloatSpline& rSpline, const std::vector<float>& aX,
+                const std::vector<float>& aY) {
     AtEveryLevel([&] {
         std::vector<float> aMappedX(aX.size(), 99.0F);
         std::vector<float> aMappedY(aX.size(), 99.0F);
@@ -55,7 +56,7 @@ Points RandomPoints(std::mt19937& rRandom, int nCount, double dExtent) {
     return aPoints;
 }
 
-void Solve(Spline& rSpline, const Points& aOrigin, const Points& aTarget) {
+void Solve(FloatSpline& rSpline, const Points& aOrigin, const Points& aTarget) {
     rSpline.Setup(static_cast<long>(aOrigin.size()), aOrigin.data(), aTarget.data());
 }
 
@@ -65,7 +66,7 @@ TEST(SplineLine, MapsEachPositionAsTheSplineDoes) {
     std::mt19937 Random(1);
     for (const long nCount : {0L, 1L, 63L, 64L, 65L, 3000L}) {
         const Points aOrigin = RandomPoints(Random, 12, 100.0);
-        Spline spline;
+        FloatSpline spline;
         Solve(spline, aOrigin, RandomPoints(Random, 12, 5.0));
         std::uniform_real_distribution<float> Position(-50.0F, 400.0F);
         std::vector<float> aX;
@@ -81,7 +82,7 @@ TEST(SplineLine, MapsEachPositionAsTheSplineDoes) {
 // No term for a position on an origin, and logarithms at and around 0 a pixel beside it.
 TEST(SplineLine, MapsOriginsAndWhatIsOnePixelFromThem) {
     const Points aOrigin = {{10.0, 10.0}, {50.0, 10.0}, {10.0, 50.0}, {30.0, 40.0}};
-    Spline spline;
+    FloatSpline spline;
     Solve(spline, aOrigin, {{1.0, 2.0}, {4.0, 2.0}, {1.5, 8.0}, {3.0, 6.0}});
     std::vector<float> aX;
     std::vector<float> aY;
@@ -97,7 +98,7 @@ TEST(SplineLine, MapsOriginsAndWhatIsOnePixelFromThem) {
 TEST(SplineLine, MapsWhatIsFarAwayOrNoNumber) {
     const float fInfinity = std::numeric_limits<float>::infinity();
     const float fNone = std::numeric_limits<float>::quiet_NaN();
-    Spline spline;
+    FloatSpline spline;
     Solve(spline, {{0.0, 0.0}, {9.0, 1.0}, {2.0, 8.0}, {5.0, 5.0}},
           {{0.0, 0.0}, {9.0, 2.0}, {2.0, 8.0}, {5.0, 5.5}});
     ExpectSame(spline, {1e18F, 1e19F, 3e38F, fInfinity, -fInfinity, fNone, 4.0F, 0.0F},
@@ -108,13 +109,13 @@ TEST(SplineLine, MapsBySplinesThatHoldNoNumbers) {
     const Points aOrigin = {{0.0, 0.0}, {9.0, 1.0}, {2.0, 8.0}, {5.0, 5.0}};
     Points aTarget = aOrigin;
     aTarget[1].x = std::numeric_limits<double>::quiet_NaN();
-    Spline spline;
+    FloatSpline spline;
     Solve(spline, aOrigin, aTarget);
     ExpectSame(spline, {0.0F, 1.0F, 9.0F}, {0.0F, 2.0F, 1.0F});
 }
 
 TEST(SplineLine, NeedsASplineThatWasSetUp) {
-    const Spline spline;
+    const FloatSpline spline;
     float f = 0.0F;
     EXPECT_THROWS(TransformLine(spline, &f, &f, 1, &f, &f), ClExTessarin, -1,
                   "Multiple initialization.");

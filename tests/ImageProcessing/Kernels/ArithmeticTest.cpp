@@ -117,17 +117,17 @@ void ExpectPlane(std::size_t nKernel, long nSamples) {
     for (long y = 0; y < cnLines; ++y)
         for (long x = 0; x < nSamples; ++x)
             expected[static_cast<std::size_t>(y * (nSamples + 2) + x)] =
-                static_cast<unsigned char>(caKernels[nKernel].m_pDefinition(
+                static_cast<unsigned char>(caPairKernels[nKernel].m_pDefinition(
                     a[static_cast<std::size_t>(y * (nSamples + 3) + x)],
                     b[static_cast<std::size_t>(y * (nSamples + 1) + x)]));
     caPlaneKernels[nKernel]({a.data(), nSamples + 3, b.data(), nSamples + 1, nSamples, cnLines,
                              out.data(), nSamples + 2});
-    EXPECT_EQ(out, expected) << caKernels[nKernel].m_szName << " of " << nSamples;
+    EXPECT_EQ(out, expected) << caPairKernels[nKernel].m_szName << " of " << nSamples;
 }
 
 TEST(Arithmetic, EqualsItsDefinitionOnPlanesOfEveryWidth) {
     TestSupport::AtEveryLevel([] {
-        for (std::size_t nKernel = 0; nKernel < std::size(caKernels); ++nKernel)
+        for (std::size_t nKernel = 0; nKernel < std::size(caPairKernels); ++nKernel)
             for (long nSamples = 0; nSamples < 140; ++nSamples)
                 ExpectPlane(nKernel, nSamples);
     });
@@ -135,20 +135,20 @@ TEST(Arithmetic, EqualsItsDefinitionOnPlanesOfEveryWidth) {
 
 TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamplesInPlace) {
     TestSupport::AtEveryLevel([] {
-        for (std::size_t nKernel = 0; nKernel < std::size(caKernels); ++nKernel) {
+        for (std::size_t nKernel = 0; nKernel < std::size(caPairKernels); ++nKernel) {
             Line a;
             Line b;
             for (int i = 0; i < 65536; ++i) {
                 a.push_back(static_cast<unsigned char>(i >> 8));
                 b.push_back(static_cast<unsigned char>(i));
             }
-            const Line expected = Defined(caKernels[nKernel], a, b);
+            const Line expected = Defined(caPairKernels[nKernel], a, b);
             Line first = a;
             caPlaneKernels[nKernel](
                 {first.data(), 256, b.data(), 256, 256, 256, first.data(), 256});
-            EXPECT_EQ(first, expected) << caKernels[nKernel].m_szName;
+            EXPECT_EQ(first, expected) << caPairKernels[nKernel].m_szName;
             caPlaneKernels[nKernel]({a.data(), 256, b.data(), 256, 256, 256, b.data(), 256});
-            EXPECT_EQ(b, expected) << caKernels[nKernel].m_szName;
+            EXPECT_EQ(b, expected) << caPairKernels[nKernel].m_szName;
         }
     });
 }
