@@ -45,26 +45,30 @@ private:
     std::vector<unsigned char> m_aTable;
 };
 
-void TableAtLevel(benchmark::State& state) {
+void MakeAtLevel(benchmark::State& state, Warp::EDecision eDecision) {
     ClTable Table(900);
     LimitInstructionLevel(static_cast<EInstructionLevel>(state.range(0)));
     for (auto _ : state)
-        benchmark::DoNotOptimize(Table.Make());
+        benchmark::DoNotOptimize(Table.Make(eDecision));
     LimitInstructionLevel(HighestInstructionLevel());
 }
-BENCHMARK(TableAtLevel)
-    ->ArgName("level")
-    ->Arg(static_cast<int>(EInstructionLevel::Baseline))
-    ->Arg(static_cast<int>(EInstructionLevel::V3))
-    ->Arg(static_cast<int>(EInstructionLevel::V4))
-    ->Unit(benchmark::kMillisecond);
+
+void Levels(benchmark::internal::Benchmark* pBenchmark) {
+    pBenchmark->ArgName("level")->Unit(benchmark::kMillisecond);
+    for (const EInstructionLevel eLevel :
+         {EInstructionLevel::Baseline, EInstructionLevel::V3, EInstructionLevel::V4})
+        pBenchmark->Arg(static_cast<int>(eLevel));
+}
+
+void Table(benchmark::State& state) {
+    MakeAtLevel(state, Warp::EDecision::FieldWhereSure);
+}
+BENCHMARK(Table)->Apply(Levels);
 
 void TableBySpline(benchmark::State& state) {
-    ClTable Table(900);
-    for (auto _ : state)
-        benchmark::DoNotOptimize(Table.Make(Warp::EDecision::SplineAlways));
+    MakeAtLevel(state, Warp::EDecision::SplineAlways);
 }
-BENCHMARK(TableBySpline)->Unit(benchmark::kMillisecond);
+BENCHMARK(TableBySpline)->Apply(Levels);
 
 /// The largest corrected image that a record may claim.
 void LargestTable(benchmark::State& state) {

@@ -9,12 +9,14 @@
 
 #include "Calibrate/WarpEntries.h"
 #include "Math/SplineField.h"
+#include "Math/SplineLine.h"
 #include "Tools/Allocate.h"
 #include "Tools/InstructionLevel.h"
 
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <numeric>
 
 namespace Warp {
 
@@ -23,6 +25,7 @@ namespace {
 constexpr int cnLines = ClSplineField::cnBlockHeight;
 constexpr int cnColumns = ClSplineField::cnBlockWidth;
 static_assert(cnColumns <= cnMostEntries);
+constexpr int cnManyDoubts = 32; // of a line: asking for all of it is cheaper then
 
 /// One axis: its error and its limit.
 struct StAxisDoubt {
@@ -85,14 +88,27 @@ private:
         const int nDoubts =
             RunAtLevel<StCountDoubts>(m_DoubtX, m_DoubtY, static_cast<const double*>(pX),
                                       static_cast<const double*>(pY), nColumns);
-        for (int i = 0; i < nColumns && nDoubts != 0; ++i)
-            if ((m_DoubtX.At(pX[i]) | m_DoubtY.At(pY[i])) != 0)
-                m_rSpline.Transform(nX + i, nY, &pX[i], &pY[i]);
+        if (nDoubts > cnManyDoubts)
+            AskForLine(nX, nY, nColumns, pX, pY);
+        else if (nDoubts > 0)
+            AskWhereInDoubt(nX, nY, nColumns, pX, pY);
         const std::size_t nEntry =
             static_cast<std::size_t>(nY) * static_cast<std::size_t>(m_nWidth) +
             static_cast<std::size_t>(nX);
         FillEntries(m_Size, pX, pY, nColumns, m_nStep, m_pTable + nEntry * m_nStep);
         return static_cast<std::uint64_t>(nDoubts);
+    }
+
+    void AskWhereInDoubt(int nX, int nY, int nColumns, double* pX, double* pY) const {
+        for (int i = 0; i < nColumns; ++i)
+            if ((m_DoubtX.At(pX[i]) | m_DoubtY.At(pY[i])) != 0)
+                m_rSpline.Transform(nX + i, nY, &pX[i], &pY[i]);
+    }
+
+    void AskForLine(int nX, int nY, int nColumns, double* pX, double* pY) const {
+        std::iota(pX, pX + nColumns, static_cast<double>(nX));
+        std::fill_n(pY, nColumns, static_cast<double>(nY));
+        TransformLine(m_rSpline, pX, pY, nColumns, pX, pY);
     }
 
     StCaptureSize m_Size;

@@ -5,8 +5,8 @@
 //
 //     log x = e log 2 - log c + log(1 + z),    z = m c - 1,    |z| < 0.0048,
 //
-// where z is exact: m c is a product of integers, and what it differs from 1 by has 53 bits at
-// most. In the two intervals beside 1 c is 1, so that small results are log(1 + z) alone.
+// where z is exact: c has 9 bits, and what m c differs from 1 by has 53 at most. In the two
+// intervals beside 1 c is 1, so that small results are log(1 + z) alone.
 //
 // The quick way adds this up in pairs of doubles. Log 2, log c and z^2 / 2 are exact to far below
 // 2^-76; z^3 / 3 with all behind it is one double, less than 2^-24.6, cut off behind z^9. A dozen
@@ -25,6 +25,8 @@
 // the elementary functions in double precision, 2001), so all are decided. The table comes of the
 // same sum, which the compiler works out.
 
+#include "Math/LogarithmPairs.h"
+
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -32,6 +34,9 @@
 #include <utility>
 
 namespace {
+
+using LogarithmPairs::cnIntervals;
+using LogarithmPairs::StPair;
 
 __extension__ typedef unsigned __int128 UInt128;
 
@@ -139,18 +144,12 @@ double LogInIntegers(int nExponent, std::uint64_t a, std::uint64_t b) {
 
 // The table
 
-/// A number of magnitude below 1 as two doubles, the first with so few bits that sums are exact.
-struct StPair {
-    double m_dHigh;
-    double m_dLow;
-};
-
 constexpr double PowerOfHalf(int n) {
     return n == 0 ? 1.0 : 0.5 * PowerOfHalf(n - 1);
 }
 
-constexpr double cdTestedError = PowerOfHalf(63);
-
+/// A number of magnitude below 1 as two doubles, the first with this many bits behind the point:
+/// few enough for exact sums.
 constexpr StPair Split(const StFixed& a, int nBits) {
     const StFixed magnitude = a.IsNegative() ? -a : a;
     const double dSign = a.IsNegative() ? -1.0 : 1.0;
@@ -161,44 +160,41 @@ constexpr StPair Split(const StFixed& a, int nBits) {
             dSign * static_cast<double>(nLow) * PowerOfHalf(nBits + 64)};
 }
 
-constexpr StPair cstPairOf2 = Split(cstLogOf2, 42); // its product with an exponent is exact
+static_assert(Split(cstLogOf2, 42).m_dHigh == LogarithmPairs::cdLogOf2High);
+static_assert(Split(cstLogOf2, 42).m_dLow == LogarithmPairs::cdLogOf2Low);
 
-constexpr int cnMantissaBits = 52;
-constexpr std::uint64_t cnHiddenBit = std::uint64_t{1} << cnMantissaBits;
-constexpr int cnIntervals = 256;
-/// Intervals from 1.4141 on are taken as halves of themselves, with the next exponent.
-constexpr int cnFirstHalved = 106;
+constexpr bool IsHalved(int i) {
+    return i >= 106;
+}
 
 /// 256 c: the reciprocal of an interval's middle, (513 + 2 i) / 512 or half of that.
 constexpr std::uint64_t Reciprocal(int i) {
     const std::uint64_t nMiddle = 513 + 2 * static_cast<std::uint64_t>(i);
-    const std::uint64_t nOne = i < cnFirstHalved ? 256 * 512 : 256 * 1024;
+    const std::uint64_t nOne = IsHalved(i) ? 256 * 1024 : 256 * 512;
     return i == 0 ? 256 : (nOne + nMiddle / 2) / nMiddle;
 }
 
-struct StInterval {
-    std::uint64_t m_nReciprocal; ///< 256 c
-    StPair m_Log;                ///< -log c
-};
-
-template <int i>
-constexpr StInterval cstInterval = {Reciprocal(i), Split(LogOfRatio(256, Reciprocal(i)), 52)};
-
-struct StTable {
-    StInterval m_aIntervals[cnIntervals];
-};
-
-template <int... i>
-constexpr StTable MakeTable(std::integer_sequence<int, i...>) {
-    return {{cstInterval<i>...}};
+constexpr double Factor(int i) {
+    return static_cast<double>(Reciprocal(i)) * PowerOfHalf(IsHalved(i) ? 9 : 8);
 }
 
-constexpr StTable cstTable = MakeTable(std::make_integer_sequence<int, cnIntervals>());
+template <int i>
+constexpr StPair cstMinusLog = Split(LogOfRatio(256, Reciprocal(i)), 52);
+
+template <int... i>
+constexpr LogarithmPairs::StTable MakeTable(std::integer_sequence<int, i...>) {
+    return {{Factor(i)...},
+            {(IsHalved(i) ? 1.0 : 0.0)...},
+            {cstMinusLog<i>.m_dHigh...},
+            {cstMinusLog<i>.m_dLow...}};
+}
+
+constexpr LogarithmPairs::StTable cstTable =
+    MakeTable(std::make_integer_sequence<int, cnIntervals>());
 
 /// z at the beginning of an interval, nEnd 0, and at its end, 1.
 constexpr double ZAt(int i, int nEnd) {
-    const double dHalved = i < cnFirstHalved ? 1.0 : 0.5;
-    return (256 + i + nEnd) / 256.0 * dHalved * static_cast<double>(Reciprocal(i)) / 256.0 - 1.0;
+    return (256 + i + nEnd) / 256.0 * Factor(i) - 1.0;
 }
 
 constexpr double Magnitude(double d) {
@@ -212,9 +208,8 @@ constexpr bool IsAsTold(int i) {
     const double dMost = dFirst > dLast ? dFirst : dLast;
     if (Reciprocal(i) == 256)
         return (i == 0 || i == cnIntervals - 1) && dMost <= PowerOfHalf(8);
-    const double dExact = i < cnFirstHalved ? PowerOfHalf(7) : PowerOfHalf(8); // 53 bits
-    return dMost < dExact && dMost < 0.0048 &&
-           dMost < Magnitude(cstTable.m_aIntervals[i].m_Log.m_dHigh);
+    const double dExact = IsHalved(i) ? PowerOfHalf(8) : PowerOfHalf(7); // 53 bits
+    return dMost < dExact && dMost < 0.0048 && dMost < Magnitude(cstTable.m_adHigh[i]);
 }
 
 constexpr bool AreAsTold() {
@@ -225,82 +220,29 @@ constexpr bool AreAsTold() {
 }
 static_assert(AreAsTold());
 
-// The quick way
+// The two ways
 
-/// 1 / (256 m_nOne), for mantissas taken as they are and as halves.
-constexpr double cadUnit[2] = {PowerOfHalf(cnMantissaBits + 8), PowerOfHalf(cnMantissaBits + 9)};
-
-/// A positive double as 2^m_nExponent * m_nMantissa / m_nOne, the quotient from 0.707 to 1.4141.
-struct StParts {
-    explicit StParts(double x) {
-        std::uint64_t nBits = 0;
-        std::memcpy(&nBits, &x, sizeof nBits);
-        m_nInterval = static_cast<int>(nBits >> (cnMantissaBits - 8) & (cnIntervals - 1));
-        const int nHalved = m_nInterval >= cnFirstHalved;
-        m_nExponent = static_cast<int>(nBits >> cnMantissaBits) - 1023 + nHalved;
-        m_nMantissa = (nBits & (cnHiddenBit - 1)) | cnHiddenBit;
-        m_nOne = cnHiddenBit << nHalved;
-        m_dUnit = cadUnit[nHalved];
-    }
-
-    int m_nInterval;
-    int m_nExponent;
-    std::uint64_t m_nMantissa;
-    std::uint64_t m_nOne;
-    double m_dUnit; ///< 1 / (256 m_nOne)
-};
-
-/// The exact sum of two doubles, rounded and what the rounding took. The first is 0 or not the
-/// smaller.
-StPair ExactSum(double a, double b) {
-    const double dSum = a + b;
-    return {dSum, b - (dSum - a)};
-}
-
-/// 1/3 - z/4 + z^2/5 - ... + z^6/9
-double Tail(double z) {
-    double dSum = 1.0 / 9.0;
-    for (const double d : {-1.0 / 8.0, 1.0 / 7.0, -1.0 / 6.0, 1.0 / 5.0, -1.0 / 4.0, 1.0 / 3.0})
-        dSum = dSum * z + d;
-    return dSum;
-}
-
-/// The half of z^2, negative: z is split at 2^-34, so that the higher part has 26 bits at most and
-/// its square is exact.
-StPair HalfSquare(double z) {
-    constexpr double cdSplitter = 0x1.8p18; // its unit is 2^-34
-    const double dHigh = (z + cdSplitter) - cdSplitter;
-    return {-0.5 * dHigh * dHigh, -0.5 * (z - dHigh) * (z + dHigh)};
-}
-
-/// A double next to the logarithm, and the rest.
-StPair LogInPairs(const StParts& Parts) {
-    const StInterval& rInterval = cstTable.m_aIntervals[Parts.m_nInterval];
-    const double z = static_cast<double>(static_cast<std::int64_t>(
-                         Parts.m_nMantissa * rInterval.m_nReciprocal - 256 * Parts.m_nOne)) *
-                     Parts.m_dUnit;
-    const double dExponent = Parts.m_nExponent;
-    const StPair half = HalfSquare(z);
-    const StPair whole = ExactSum(dExponent * cstPairOf2.m_dHigh, rInterval.m_Log.m_dHigh);
-    const StPair first = ExactSum(whole.m_dHigh, z);
-    const StPair second = ExactSum(first.m_dHigh, half.m_dHigh);
-    const double dRest = dExponent * cstPairOf2.m_dLow + rInterval.m_Log.m_dLow + whole.m_dLow +
-                         first.m_dLow + second.m_dLow + half.m_dLow + z * z * z * Tail(z);
-    return ExactSum(second.m_dHigh, dRest);
+/// The logarithm of 2^nMoreExponent x in integers.
+double LogInIntegers(double x, int nMoreExponent) {
+    constexpr int cnBits = 52;
+    constexpr std::uint64_t cnHiddenBit = std::uint64_t{1} << cnBits;
+    std::uint64_t nBits = 0;
+    std::memcpy(&nBits, &x, sizeof x);
+    const bool bHalved = IsHalved(static_cast<int>(nBits >> (cnBits - 8) & (cnIntervals - 1)));
+    const int nExponent = static_cast<int>(nBits >> cnBits) - 1023 + (bHalved ? 1 : 0);
+    return LogInIntegers(nExponent + nMoreExponent, (nBits & (cnHiddenBit - 1)) | cnHiddenBit,
+                         bHalved ? 2 * cnHiddenBit : cnHiddenBit);
 }
 
 double LogOfNormal(double x, int nMoreExponent) {
-    StParts Parts(x);
-    Parts.m_nExponent += nMoreExponent;
-    const StPair sum = LogInPairs(Parts);
-    const double dError = sum.m_dHigh * cdTestedError;
-    const double dResult = sum.m_dHigh + (sum.m_dLow + dError);
-    if (dResult == sum.m_dHigh + (sum.m_dLow - dError))
-        return dResult;
-    return LogInIntegers(Parts.m_nExponent, Parts.m_nMantissa, Parts.m_nOne);
+    const StPair sum = LogarithmPairs::LogOfNormal(x, nMoreExponent);
+    const double dLess = RoundedLess(sum);
+    return dLess == RoundedMore(sum) ? dLess : LogInIntegers(x, nMoreExponent);
 }
 
 } // namespace
+
+const LogarithmPairs::StTable LogarithmPairs::g_Table = cstTable;
 
 double CorrectLog(double x) noexcept {
     if (x >= std::numeric_limits<double>::min() && x <= std::numeric_limits<double>::max())

@@ -1,101 +1,142 @@
 #include "Math/SplineLine.h"
 
 // The sums of Transform() side by side, 64 at a time: each adds the same terms in the same order.
-// The logarithm of a squared distance is QuickLog()'s, which is off by less than 2^-48: where
-// 2^-47 more and less of it round to one float, that is the float of the correctly rounded
-// logarithm, too. One in some million does not, and is looked up.
+// Logarithms are taken the quick way, which tells where it cannot vouch for the last bit; those are
+// looked up. For doubles that is the quick way of CorrectLog(). For floats it is QuickLog(), off by
+// less than 2^-48: where 2^-47 less and more of it round to one float, that is the float of the
+// correctly rounded logarithm, too.
 
 #include "Math/Logarithm.h"
+#include "Math/LogarithmPairs.h"
 #include "Math/QuickLogarithm.h"
 #include "Tools/InstructionLevel.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace {
 
 constexpr int cnLanes = 64;
 
+/// Positions and the sums of their terms.
+template <class T>
 struct StSums {
-    float m_afX[cnLanes]; ///< the positions
-    float m_afY[cnLanes];
-    float m_afSumX[cnLanes];
-    float m_afSumY[cnLanes];
+    T m_aX[cnLanes];
+    T m_aY[cnLanes];
+    T m_aSumX[cnLanes];
+    T m_aSumY[cnLanes];
 };
 
 /// Squared distances from one origin and their logarithms.
+template <class T>
 struct StDistances {
-    float m_afSquare[cnLanes];
-    float m_afLog[cnLanes];
+    T m_aSquare[cnLanes];
+    T m_aLog[cnLanes];
 };
 
-/// Returns how many logarithms may have been rounded to the wrong float.
+/// A logarithm, and 1 where it may have been rounded to the wrong side, else 0.
+template <class T>
+struct StLog {
+    T m_Log;
+    int m_nDoubt;
+};
+
+StLog<float> LogWithDoubt(float fSquare) {
+    const double dLog = QuickLog(static_cast<double>(fSquare));
+    const float fLess = static_cast<float>(dLog * (1.0 - 0x1p-47));
+    return {fLess, fLess != static_cast<float>(dLog * (1.0 + 0x1p-47))};
+}
+
+StLog<double> LogWithDoubt(double dSquare) {
+    const LogarithmPairs::StPair sum = LogarithmPairs::LogOfNormal(dSquare, 0.0);
+    const double dLess = LogarithmPairs::RoundedLess(sum);
+    const bool bSure = (dLess == LogarithmPairs::RoundedMore(sum)) &
+                       (dSquare >= std::numeric_limits<double>::min()) &
+                       (dSquare <= std::numeric_limits<double>::max());
+    return {dLess, bSure ? 0 : 1};
+}
+
+/// Returns how many logarithms are in doubt.
+template <class T>
 struct StMeasure {
-    static int Run(const StSums* pSums, float fX, float fY, StDistances* __restrict pDistances) {
+    static int Run(const StSums<T>* pSums, T x, T y, StDistances<T>* __restrict pDistances) {
         int nDoubts = 0;
         for (int i = 0; i < cnLanes; ++i) {
-            const float fDistanceX = pSums->m_afX[i] - fX;
-            const float fDistanceY = pSums->m_afY[i] - fY;
-            const float fSquare = fDistanceX * fDistanceX + fDistanceY * fDistanceY;
-            const double dLog = QuickLog(static_cast<double>(fSquare));
-            pDistances->m_afSquare[i] = fSquare;
-            pDistances->m_afLog[i] = static_cast<float>(dLog * (1.0 - 0x1p-47));
-            nDoubts += pDistances->m_afLog[i] != static_cast<float>(dLog * (1.0 + 0x1p-47));
+            const T distanceX = pSums->m_aX[i] - x;
+            const T distanceY = pSums->m_aY[i] - y;
+            const T square = distanceX * distanceX + distanceY * distanceY;
+            const StLog<T> Log = LogWithDoubt(square);
+            pDistances->m_aSquare[i] = square;
+            pDistances->m_aLog[i] = Log.m_Log;
+            nDoubts += Log.m_nDoubt;
         }
         return nDoubts;
     }
 };
 
+template <class T>
 struct StAdd {
-    static void Run(const StDistances* pDistances, float fWeightX, float fWeightY,
-                    StSums* __restrict pSums) {
+    static void Run(const StDistances<T>* pDistances, T weightX, T weightY,
+                    StSums<T>* __restrict pSums) {
         for (int i = 0; i < cnLanes; ++i) {
-            const float fSquare = pDistances->m_afSquare[i];
-            const float fRadial = fSquare * pDistances->m_afLog[i];
-            const float fSumX = pSums->m_afSumX[i] + fRadial * fWeightX;
-            const float fSumY = pSums->m_afSumY[i] + fRadial * fWeightY;
-            pSums->m_afSumX[i] = fSquare > 0.0F ? fSumX : pSums->m_afSumX[i];
-            pSums->m_afSumY[i] = fSquare > 0.0F ? fSumY : pSums->m_afSumY[i];
+            const T square = pDistances->m_aSquare[i];
+            const T radial = square * pDistances->m_aLog[i];
+            const T oldX = pSums->m_aSumX[i];
+            const T oldY = pSums->m_aSumY[i];
+            const T newX = oldX + radial * weightX;
+            const T newY = oldY + radial * weightY;
+            pSums->m_aSumX[i] = square > T(0) ? newX : oldX;
+            pSums->m_aSumY[i] = square > T(0) ? newY : oldY;
         }
     }
 };
 
-void SumUp(const TpThinPlateSplines<float>::StParts& Parts, StSums& rSums) {
-    StDistances distances;
+template <class T>
+void SumUp(const typename TpThinPlateSplines<T>::StParts& Parts, StSums<T>& rSums) {
+    StDistances<T> distances;
     for (unsigned long i = 0; i < Parts.m_nOrigins; ++i) {
         const ClVector& rOrigin = Parts.m_pOrigins[i];
-        const int nDoubts =
-            RunAtLevel<StMeasure>(static_cast<const StSums*>(&rSums), static_cast<float>(rOrigin.x),
-                                  static_cast<float>(rOrigin.y), &distances);
+        const int nDoubts = RunAtLevel<StMeasure<T>>(static_cast<const StSums<T>*>(&rSums),
+                                                     static_cast<T>(rOrigin.x),
+                                                     static_cast<T>(rOrigin.y), &distances);
         for (int l = 0; l < cnLanes && nDoubts != 0; ++l)
-            distances.m_afLog[l] = CorrectLog(distances.m_afSquare[l]);
-        RunAtLevel<StAdd>(static_cast<const StDistances*>(&distances), Parts.m_pWeightsX[i],
-                          Parts.m_pWeightsY[i], &rSums);
+            distances.m_aLog[l] = CorrectLog(distances.m_aSquare[l]);
+        RunAtLevel<StAdd<T>>(static_cast<const StDistances<T>*>(&distances), Parts.m_pWeightsX[i],
+                             Parts.m_pWeightsY[i], &rSums);
     }
+}
+
+/// With the affine part, in the order of Transform().
+template <class T>
+T Whole(T sum, const T* pAffine, T x, T y) {
+    return sum + (pAffine[0] + x * pAffine[1] + y * pAffine[2]);
 }
 
 } // namespace
 
-void TransformLine(const TpThinPlateSplines<float>& rSpline, const float* pX, const float* pY,
-                   long nCount, float* pMappedX, float* pMappedY) {
-    const TpThinPlateSplines<float>::StParts Parts = rSpline.Parts();
+template <class T>
+void TransformLine(const TpThinPlateSplines<T>& rSpline, const T* pX, const T* pY, long nCount,
+                   T* pMappedX, T* pMappedY) {
+    const typename TpThinPlateSplines<T>::StParts Parts = rSpline.Parts();
     const unsigned long n = Parts.m_nOrigins;
     if (n == 0)
         throw ClExTessarin(QMT_ERROR_INITIALIZED, VEK_HERE);
     for (long nFirst = 0; nFirst < nCount; nFirst += cnLanes) {
         const long nLanes = std::min<long>(cnLanes, nCount - nFirst);
-        StSums sums = {};
-        std::copy_n(pX + nFirst, nLanes, sums.m_afX);
-        std::copy_n(pY + nFirst, nLanes, sums.m_afY);
-        SumUp(Parts, sums);
+        StSums<T> sums = {};
+        std::copy_n(pX + nFirst, nLanes, sums.m_aX);
+        std::copy_n(pY + nFirst, nLanes, sums.m_aY);
+        SumUp<T>(Parts, sums);
         for (long l = 0; l < nLanes; ++l) {
-            const float x = sums.m_afX[l];
-            const float y = sums.m_afY[l];
-            pMappedX[nFirst + l] =
-                sums.m_afSumX[l] + (Parts.m_pWeightsX[n] + x * Parts.m_pWeightsX[n + 1] +
-                                    y * Parts.m_pWeightsX[n + 2]);
-            pMappedY[nFirst + l] =
-                sums.m_afSumY[l] + (Parts.m_pWeightsY[n] + x * Parts.m_pWeightsY[n + 1] +
-                                    y * Parts.m_pWeightsY[n + 2]);
+            const T x = sums.m_aX[l];
+            const T y = sums.m_aY[l];
+            pMappedX[nFirst + l] = Whole(sums.m_aSumX[l], Parts.m_pWeightsX + n, x, y);
+            pMappedY[nFirst + l] = Whole(sums.m_aSumY[l], Parts.m_pWeightsY + n, x, y);
         }
     }
 }
+
+template void TransformLine(const TpThinPlateSplines<double>&, const double*, const double*, long,
+                            double*, double*);
+template void TransformLine(const TpThinPlateSplines<float>&, const float*, const float*, long,
+                            float*, float*);

@@ -16,29 +16,24 @@ using TestSupport::AtEveryLevel;
 namespace {
 
 using Points = std::vector<ClVector>;
-using FloatSpline = TpThinPlateSplines<float>;
 
-std::uint32_t Bits(float f) {
-    std::uint32_t nBits = 0;
-    std::memcpy(&nBits, &f, sizeof f);
-    return nBits;
+/// Whether two numbers have the same bits, or are both no number.
+template <class T>
+bool Same(T a, T b) {
+    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
 }
 
-/// Whether two floats have the same bits, or are both no number.
-bool Same(float a, float b) {
-    return Bits(a) == Bits(b) || (std::isnan(a) && std::isnan(b));
-}
-
-void ExpectSame(const FloatSpline& rSpline, const std::vector<float>& aX,
-                const std::vector<float>& aY) {
+template <class T>
+void ExpectSame(const TpThinPlateSplines<T>& rSpline, const std::vector<T>& aX,
+                const std::vector<T>& aY) {
     AtEveryLevel([&] {
-        std::vector<float> aMappedX(aX.size(), 99.0F);
-        std::vector<float> aMappedY(aX.size(), 99.0F);
+        std::vector<T> aMappedX(aX.size(), T(99));
+        std::vector<T> aMappedY(aX.size(), T(99));
         TransformLine(rSpline, aX.data(), aY.data(), static_cast<long>(aX.size()), aMappedX.data(),
                       aMappedY.data());
         for (std::size_t i = 0; i < aX.size(); ++i) {
-            float x = 0;
-            float y = 0;
+            T x = 0;
+            T y = 0;
             rSpline.Transform(aX[i], aY[i], &x, &y);
             ASSERT_TRUE(Same(aMappedX[i], x)) << aX[i] << ", " << aY[i];
             ASSERT_TRUE(Same(aMappedY[i], y)) << aX[i] << ", " << aY[i];
@@ -56,21 +51,32 @@ Points RandomPoints(std::mt19937& rRandom, int nCount, double dExtent) {
     return aPoints;
 }
 
-void Solve(FloatSpline& rSpline, const Points& aOrigin, const Points& aTarget) {
+template <class T>
+void SetUp(TpThinPlateSplines<T>& rSpline, const Points& aOrigin, const Points& aTarget) {
     rSpline.Setup(static_cast<long>(aOrigin.size()), aOrigin.data(), aTarget.data());
 }
 
 } // namespace
 
-TEST(SplineLine, MapsEachPositionAsTheSplineDoes) {
+template <class T>
+class SplineLine : public testing::Test {
+protected:
+    using Positions = std::vector<T>;
+    TpThinPlateSplines<T> m_Spline;
+};
+
+using Precisions = testing::Types<double, float>;
+TYPED_TEST_SUITE(SplineLine, Precisions);
+
+TYPED_TEST(SplineLine, MapsEachPositionAsTheSplineDoes) {
     std::mt19937 Random(1);
     for (const long nCount : {0L, 1L, 63L, 64L, 65L, 3000L}) {
         const Points aOrigin = RandomPoints(Random, 12, 100.0);
-        FloatSpline spline;
-        Solve(spline, aOrigin, RandomPoints(Random, 12, 5.0));
-        std::uniform_real_distribution<float> Position(-50.0F, 400.0F);
-        std::vector<float> aX;
-        std::vector<float> aY;
+        TpThinPlateSplines<TypeParam> spline;
+        SetUp(spline, aOrigin, RandomPoints(Random, 12, 5.0));
+        std::uniform_real_distribution<TypeParam> Position(-50, 400);
+        typename TestFixture::Positions aX;
+        typename TestFixture::Positions aY;
         for (long i = 0; i < nCount; ++i) {
             aX.push_back(Position(Random));
             aY.push_back(Position(Random));
@@ -80,43 +86,58 @@ TEST(SplineLine, MapsEachPositionAsTheSplineDoes) {
 }
 
 // No term for a position on an origin, and logarithms at and around 0 a pixel beside it.
-TEST(SplineLine, MapsOriginsAndWhatIsOnePixelFromThem) {
+TYPED_TEST(SplineLine, MapsOriginsAndWhatIsOnePixelFromThem) {
     const Points aOrigin = {{10.0, 10.0}, {50.0, 10.0}, {10.0, 50.0}, {30.0, 40.0}};
-    FloatSpline spline;
-    Solve(spline, aOrigin, {{1.0, 2.0}, {4.0, 2.0}, {1.5, 8.0}, {3.0, 6.0}});
-    std::vector<float> aX;
-    std::vector<float> aY;
+    auto& spline = this->m_Spline;
+    SetUp(spline, aOrigin, {{1.0, 2.0}, {4.0, 2.0}, {1.5, 8.0}, {3.0, 6.0}});
+    typename TestFixture::Positions aX;
+    typename TestFixture::Positions aY;
     for (const ClVector& v : aOrigin)
-        for (const float f : {0.0F, 1.0F, -1.0F, 0x1p-20F, 0.99999F, 1.00001F, 0x1p-100F})
-            for (const float g : {0.0F, 0x1p-13F, 0x1p-30F}) {
-                aX.push_back(static_cast<float>(v.x) + f);
-                aY.push_back(static_cast<float>(v.y) + g);
+        for (const TypeParam f : {0.0F, 1.0F, -1.0F, 0x1p-20F, 0.99999F, 1.00001F, 0x1p-100F})
+            for (const TypeParam g : {0.0F, 0x1p-13F, 0x1p-30F}) {
+                aX.push_back(static_cast<TypeParam>(v.x) + f);
+                aY.push_back(static_cast<TypeParam>(v.y) + g);
             }
     ExpectSame(spline, aX, aY);
 }
 
-TEST(SplineLine, MapsWhatIsFarAwayOrNoNumber) {
-    const float fInfinity = std::numeric_limits<float>::infinity();
-    const float fNone = std::numeric_limits<float>::quiet_NaN();
-    FloatSpline spline;
-    Solve(spline, {{0.0, 0.0}, {9.0, 1.0}, {2.0, 8.0}, {5.0, 5.0}},
+TYPED_TEST(SplineLine, MapsWhatIsFarAwayOrNoNumber) {
+    using T = TypeParam;
+    const T infinity = std::numeric_limits<T>::infinity();
+    const T none = std::numeric_limits<T>::quiet_NaN();
+    const T most = std::numeric_limits<T>::max();
+    const T least = std::numeric_limits<T>::denorm_min();
+    auto& spline = this->m_Spline;
+    SetUp(spline, {{0.0, 0.0}, {9.0, 1.0}, {2.0, 8.0}, {5.0, 5.0}},
           {{0.0, 0.0}, {9.0, 2.0}, {2.0, 8.0}, {5.0, 5.5}});
-    ExpectSame(spline, {1e18F, 1e19F, 3e38F, fInfinity, -fInfinity, fNone, 4.0F, 0.0F},
-               {1.0F, -1e19F, 3e38F, 2.0F, fInfinity, 1.0F, fNone, 1e-30F});
+    ExpectSame<T>(spline, {T(1e18), T(1e19), most, infinity, -infinity, none, 4, 0, 0, least},
+                  {1, T(-1e19), most, 2, infinity, 1, none, T(1e-30), T(1e-160), least});
 }
 
-TEST(SplineLine, MapsBySplinesThatHoldNoNumbers) {
+TYPED_TEST(SplineLine, MapsBySplinesThatHoldNoNumbers) {
     const Points aOrigin = {{0.0, 0.0}, {9.0, 1.0}, {2.0, 8.0}, {5.0, 5.0}};
     Points aTarget = aOrigin;
     aTarget[1].x = std::numeric_limits<double>::quiet_NaN();
-    FloatSpline spline;
-    Solve(spline, aOrigin, aTarget);
-    ExpectSame(spline, {0.0F, 1.0F, 9.0F}, {0.0F, 2.0F, 1.0F});
+    auto& spline = this->m_Spline;
+    SetUp(spline, aOrigin, aTarget);
+    ExpectSame<TypeParam>(spline, {0, 1, 9}, {0, 2, 1});
 }
 
-TEST(SplineLine, NeedsASplineThatWasSetUp) {
-    const FloatSpline spline;
-    float f = 0.0F;
-    EXPECT_THROWS(TransformLine(spline, &f, &f, 1, &f, &f), ClExTessarin, -1,
+TYPED_TEST(SplineLine, MapsInPlace) {
+    SetUp(this->m_Spline, {{0.0, 0.0}, {9.0, 1.0}, {2.0, 8.0}},
+          {{1.0, 0.0}, {9.0, 1.0}, {2.0, 8.5}});
+    TypeParam x = 3;
+    TypeParam y = 4;
+    TypeParam expectedX = 0;
+    TypeParam expectedY = 0;
+    this->m_Spline.Transform(x, y, &expectedX, &expectedY);
+    TransformLine(this->m_Spline, &x, &y, 1, &x, &y);
+    EXPECT_EQ(x, expectedX);
+    EXPECT_EQ(y, expectedY);
+}
+
+TYPED_TEST(SplineLine, NeedsASplineThatWasSetUp) {
+    TypeParam x = 0;
+    EXPECT_THROWS(TransformLine(this->m_Spline, &x, &x, 1, &x, &x), ClExTessarin, -1,
                   "Multiple initialization.");
 }
