@@ -43,18 +43,10 @@ long ClIpBinarizeLocal2::DoProcess(ClImage& rIn, ClImage& rOut) {
     if (rOut.SizeBytes() == 0) // no planes, or a type without bytes: there is nothing in a line
         return 0;
     rOut = static_cast<unsigned char>(0);
-    Kernels::ClLocalThreshold Threshold(rIn.Width(), m_nSizeX, m_nOffset, m_nBelowValue,
-                                        m_nAboveValue);
-    const long nHalf = m_nSizeY / 2;
-    for (long y = 0; y < nHalf; ++y)
-        Threshold.AddLine(rIn.LineData(y));
-    for (long y = 0; y < rIn.Height(); ++y) {
-        if (y + nHalf < rIn.Height())
-            Threshold.AddLine(rIn.LineData(y + nHalf));
-        Threshold.ThresholdLine(rIn.LineData(y), rOut.LineData(y));
-        if (y >= nHalf)
-            Threshold.RemoveLine(rIn.LineData(y - nHalf));
-    }
+    Kernels::ClScratch Scratch;
+    Kernels::LocalThreshold(rIn.LineData(0), rIn.LineStrideBytes(), rIn.Width(), rIn.Height(),
+                            {m_nSizeX, m_nSizeY, m_nOffset, m_nBelowValue, m_nAboveValue},
+                            rOut.LineData(0), rOut.LineStrideBytes(), Scratch);
     return 0;
 }
 

@@ -11,8 +11,8 @@
 /// rows * sizeX: with an even sizeX that is one column less than is summed, which lowers the
 /// output a little. The calibration target is found with this bias.
 ///
-/// Sums of columns are carried from line to line and the sum of the window from pixel to pixel, so
-/// that the cost does not depend on the size of the window.
+/// Sums of windows are carried from line to line, so that the cost does not depend on the height of
+/// the window and little on its width.
 
 #include "ImageProcessing/Ip1to1Base.h"
 

@@ -2,10 +2,28 @@
 
 /// Comparison of 8-bit pixels with the mean of a sliding window.
 
+#include "ImageProcessing/Kernels/Scratch.h"
+
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
 namespace Kernels {
+
+struct StLocalThreshold {
+    long m_nSizeX; ///< of the window, 1 to the width of the plane
+    long m_nSizeY; ///< 1 to its height
+    long m_nOffset;
+    unsigned char m_nBelow;
+    unsigned char m_nAbove;
+};
+
+/// A plane of `nWidth` by `nHeight` pixels, the comparisons of ClLocalThreshold with the lines
+/// y - nSizeY / 2 to y + nSizeY / 2 that there are. Input and output do not overlap. Throws
+/// `ClExBadAlloc` (-102).
+void LocalThreshold(const unsigned char* pIn, std::ptrdiff_t nInStride, long nWidth, long nHeight,
+                    const StLocalThreshold& Settings, unsigned char* pOut,
+                    std::ptrdiff_t nOutStride, ClScratch& rScratch);
 
 /// The lines of a window, summed by column. Lines are added in front of the window and removed
 /// behind it.

@@ -19,16 +19,19 @@
 
 namespace Kernels {
 
+// What a result is made of: the sample in the middle of the window, the sum, and a factor for the
+// lines and columns of the window
+
 /// The mean, toward zero.
 template <class T>
 struct StMean {
     using Sample = T;
     using Factor = float;
 
-    Factor FactorOf(std::int32_t nSamples) const {
-        return MeanReciprocal(static_cast<float>(nSamples));
+    Factor FactorOf(std::int32_t nLines, std::int32_t nColumns) const {
+        return MeanReciprocal(static_cast<float>(nLines * nColumns));
     }
-    T Result(std::int32_t nSum, Factor reciprocal) const {
+    T Result(T, std::int32_t nSum, Factor reciprocal) const {
         return MeanQuotient<T, StNarrowMean>(nSum, reciprocal);
     }
 };
@@ -39,8 +42,10 @@ struct StMeanAtLeast {
     using Sample = unsigned char;
     using Factor = std::int32_t;
 
-    Factor FactorOf(std::int32_t nSamples) const { return m_nThreshold * nSamples; }
-    unsigned char Result(std::int32_t nSum, Factor nBound) const {
+    Factor FactorOf(std::int32_t nLines, std::int32_t nColumns) const {
+        return m_nThreshold * nLines * nColumns;
+    }
+    unsigned char Result(Sample, std::int32_t nSum, Factor nBound) const {
         return static_cast<unsigned char>(m_nBelow ^
                                           (m_nChange & -static_cast<int>(nSum >= nBound)));
     }
@@ -89,6 +94,7 @@ public:
         const T* m_pEnter;
         const T* m_pLeave;
         T* m_pOut;
+        const T* m_pMiddle; ///< the line of the results, where one is written
     };
 
     /// At most cnBatch steps. None reads what one of them writes.
@@ -111,7 +117,8 @@ public:
             const long nEnter = y + nHalfY;
             const long nLeave = y - nHalfY - 1;
             aSteps[nSteps++] = {nEnter < nHeight ? in(nEnter) : nullptr,
-                                nLeave >= 0 ? in(nLeave) : nullptr, y >= 0 ? out(y) : nullptr};
+                                nLeave >= 0 ? in(nLeave) : nullptr, y >= 0 ? out(y) : nullptr,
+                                y >= 0 ? in(y) : nullptr};
         }
         Run(aSteps, nSteps);
     }
@@ -161,7 +168,7 @@ private:
     void Take(const StStep& Step, int nLine) {
         m_nLines += (Step.m_pEnter != nullptr ? 1 : 0) - (Step.m_pLeave != nullptr ? 1 : 0);
         if (Step.m_pOut != nullptr)
-            Write(nLine, Step.m_pOut);
+            Write(nLine, Step.m_pMiddle, Step.m_pOut);
         else
             AddUp(nLine);
     }
@@ -177,19 +184,20 @@ private:
                 static_cast<std::uint32_t>(static_cast<short>(pA[x] + pB[x] + pC[x] + pD[x]));
     }
 
-    void Write(int nLine, T* pOut) {
+    void Write(int nLine, const T* pMiddle, T* pOut) {
         if (m_nLinesOfFactors != m_nLines)
             FindFactors();
         const long nWhole = WholeRounds();
-        WriteRounds(nLine, 0, nWhole, pOut);
+        WriteRounds(nLine, 0, nWhole, pMiddle, pOut);
         if (nWhole == m_nWidth)
             return;
+        const StRound Middle(pMiddle + nWhole, m_nWidth - nWhole);
         StRound Last;
-        WriteRounds(nLine, nWhole, cnRound, Last.m_aSamples);
+        WriteRounds(nLine, nWhole, cnRound, Middle.m_aSamples, Last.m_aSamples);
         std::copy_n(Last.m_aSamples, m_nWidth - nWhole, pOut + nWhole);
     }
 
-    void WriteRounds(int nLine, long nFrom, long nSamples, T* __restrict pOut) {
+    void WriteRounds(int nLine, long nFrom, long nSamples, const T* pMiddle, T* __restrict pOut) {
         std::uint32_t* __restrict pSums = m_pSums + nFrom;
         const Factor* __restrict pFactors = m_pFactors + nFrom;
         const short* pA = m_Windows.Part(0, nLine) + nFrom;
@@ -201,7 +209,7 @@ private:
             const auto nChange = static_cast<short>(pA[x] + pB[x] + pC[x] + pD[x]);
             const std::uint32_t nSum = pSums[x] + static_cast<std::uint32_t>(nChange);
             pSums[x] = nSum;
-            pOut[x] = finish.Result(static_cast<std::int32_t>(nSum), pFactors[x]);
+            pOut[x] = finish.Result(pMiddle[x], static_cast<std::int32_t>(nSum), pFactors[x]);
         }
     }
 
@@ -216,7 +224,7 @@ private:
         Factor* __restrict pFactors = m_pFactors;
         const Finish finish = m_Finish;
         for (long x = 0; x < m_nWidth; ++x)
-            pFactors[x] = finish.FactorOf(m_nLines * pColumns[x]);
+            pFactors[x] = finish.FactorOf(m_nLines, pColumns[x]);
         m_nLinesOfFactors = m_nLines;
     }
 

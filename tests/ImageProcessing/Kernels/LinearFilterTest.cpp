@@ -176,6 +176,23 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestSymmetricSums) {
     }
 }
 
+TYPED_TEST(LinearFilter, EqualsItsDefinitionWhereATapSumsToMoreThanOne) {
+    using T = TypeParam;
+    constexpr long cnWidth = 70;
+    for (const long nTap : {4097L, 4300L}) {
+        const std::vector<T> aLine(cnWidth, std::numeric_limits<T>::max());
+        const T* apLines[] = {aLine.data()};
+        ClLinearFilter filter(&nTap, 1, cnWidth);
+        const Wide nSum = Wide{nTap} * std::numeric_limits<T>::max();
+        const std::vector<T> aOnce(cnWidth, Quotient<T>(nSum, 4096));
+        const std::vector<T> aTwice(cnWidth, Quotient<T>(nSum * nTap, 4096L * 4096L));
+        TestSupport::AtEveryLevel([&] {
+            ExpectLine(aOnce, [&](T* pOut) { filter.FilterColumns(apLines, pOut); });
+            ExpectLine(aTwice, [&](T* pOut) { filter.FilterBoth(apLines, pOut); });
+        });
+    }
+}
+
 TYPED_TEST(LinearFilter, EqualsItsDefinitionWithMoreTapsThanSamples) {
     for (long nTaps : {20L, 45L, 101L})
         ExpectDefinition<TypeParam>(this->m_Random, 19, RandomTaps(this->m_Random, nTaps, 4095));

@@ -1,6 +1,7 @@
 #include "ImageProcessing/Kernels/LocalThreshold.h"
 
 #include "support/AllocationFailures.h"
+#include "support/InstructionLevels.h"
 
 #include <gtest/gtest.h>
 
@@ -144,6 +145,77 @@ TEST(LocalThresholdKernel, SeesADifferenceOfOneGreyValueInAHugeSum) {
 
 TEST(LocalThresholdKernel, ReportsMissingMemory) {
     TestSupport::FailEachAllocation([] { Kernels::ClLocalThreshold(100, 3, 0, 0, 255); });
+}
+
+// Planes
+
+/// Each line with the lines of its window, by the definition of one pixel.
+Lines DefinedPlane(const Lines& aIn, long nSizeX, long nSizeY, long nOffset) {
+    const long nHeight = static_cast<long>(aIn.size());
+    const long nWidth = static_cast<long>(aIn[0].size());
+    Lines aOut = aIn;
+    for (long y = 0; y < nHeight; ++y) {
+        const Lines aWindow(aIn.begin() + std::max(0L, y - nSizeY / 2),
+                            aIn.begin() + std::min(nHeight, y + nSizeY / 2 + 1));
+        Bytes& aLine = aOut[static_cast<std::size_t>(y)];
+        for (long x = 0; x < nWidth; ++x) {
+            unsigned char& rPixel = aLine[static_cast<std::size_t>(x)];
+            rPixel = Defined(aWindow, nWidth, nSizeX, nOffset, x, rPixel);
+        }
+    }
+    return aOut;
+}
+
+void ExpectPlane(const Lines& aIn, long nSizeX, long nSizeY, long nOffset) {
+    SCOPED_TRACE(testing::Message() << nSizeX << " by " << nSizeY << ", " << nOffset);
+    const std::size_t nWidth = aIn[0].size();
+    Bytes aPlane;
+    for (const Bytes& aLine : aIn) {
+        aPlane.insert(aPlane.end(), aLine.begin(), aLine.end());
+        aPlane.push_back(0);
+    }
+    Bytes aExpected;
+    for (const Bytes& aLine : DefinedPlane(aIn, nSizeX, nSizeY, nOffset)) {
+        aExpected.insert(aExpected.end(), aLine.begin(), aLine.end());
+        aExpected.insert(aExpected.end(), 2, 77);
+    }
+    TestSupport::AtEveryLevel([&] {
+        Kernels::ClScratch Scratch;
+        Bytes aOut(aExpected.size(), 77);
+        const long nSamples = static_cast<long>(nWidth);
+        Kernels::LocalThreshold(aPlane.data(), nSamples + 1, nSamples,
+                                static_cast<long>(aIn.size()), {nSizeX, nSizeY, nOffset, 100, 200},
+                                aOut.data(), nSamples + 2, Scratch);
+        EXPECT_EQ(aOut, aExpected);
+    });
+}
+
+TEST(LocalThresholdKernel, EqualsItsDefinitionOnPlanes) {
+    for (const std::size_t nWidth : {1U, 2U, 9U, 32U, 45U})
+        for (const std::size_t nHeight : {1U, 2U, 13U}) {
+            const Lines aIn = RandomLines(nHeight, nWidth, 3);
+            for (long nSizeX = 1; nSizeX <= static_cast<long>(nWidth); nSizeX += 3)
+                for (const long nSizeY : {1L, 2L, 5L, static_cast<long>(nHeight)})
+                    if (nSizeY <= static_cast<long>(nHeight))
+                        for (const long nOffset : {0L, -10L, 7L, -1000L, 1L << 40})
+                            ExpectPlane(aIn, nSizeX, nSizeY, nOffset);
+        }
+}
+
+TEST(LocalThresholdKernel, EqualsItsDefinitionOnWindowsOfAnyWidth) {
+    const Lines aIn = RandomLines(4, 140, 4);
+    for (const long nSizeX : {42L, 126L, 127L, 128L, 129L, 140L}) // vectors go to 127
+        for (const long nOffset : {0L, -10L})
+            ExpectPlane(aIn, nSizeX, 3, nOffset);
+}
+
+/// Pixels equal to the mean are below, and above with an offset of 1.
+TEST(LocalThresholdKernel, DecidesByOneGreyValueOnAFlatPlane) {
+    for (const int nValue : {0, 1, 254, 255}) {
+        const Lines aIn(5, Bytes(40, static_cast<unsigned char>(nValue)));
+        for (const long nOffset : {-1L, 0L, 1L})
+            ExpectPlane(aIn, 7, 3, nOffset);
+    }
 }
 
 } // namespace
