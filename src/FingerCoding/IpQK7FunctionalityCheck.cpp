@@ -144,8 +144,8 @@ void ClIpQK7FunctionalityCheck::ProcessQuickly(const ClImage& In, ClImage& Out) 
     const auto planeOf = [](const ClImage& Image) {
         return Quick::StPlane{Image.Data(), Image.LineStrideBytes(), Image.Width(), Image.Height()};
     };
-    const Quick::StDefectSums Sums =
-        Quick::WriteDefects(planeOf(In), m_nNoise, planeOf(m_Fade), m_Memory, planeOf(Out));
+    const Quick::StDefectSums Sums = Quick::WriteDefects(planeOf(In), m_nNoise, planeOf(m_Fade),
+                                                         m_Memory, m_Scratch, planeOf(Out));
     const double dPixels = static_cast<double>(In.Width()) * In.Height();
     m_dOutDefectWarningLevel =
         LevelOf(Sums.m_nWhite, static_cast<std::uint32_t>(Sums.m_nSum) / dPixels);

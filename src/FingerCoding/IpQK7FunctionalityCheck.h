@@ -63,5 +63,6 @@ private:
     void ProcessQuickly(const ClImage& In, ClImage& Out);
 
     Kernels::ClScratch m_Memory; ///< kept for the next run
-    ClImage m_Fade;              ///< what the frame of the sensor leaves of white, for one size
+    Kernels::ClScratch m_Scratch;
+    ClImage m_Fade; ///< what the frame of the sensor leaves of white, for one size
 };

@@ -38,20 +38,21 @@ void CopyWithBlackFrame(const StPlane& In, long nBorder, const StPlane& Out) {
 
 /// min(255, In + what the smoothed background lacks to white), in B.
 void FixIllumination(const StPlane& In, const ClIpBrightnessMask& Settings,
-                     const StDarkPlanes& Planes) {
+                     const StDarkPlanes& Planes, Kernels::ClScratch& rScratch) {
     CopyWithBlackFrame(In, Settings.m_nImageBorderWidth, Planes.m_A);
     Extreme(EExtreme::eMax, Planes.m_A, Settings.FilterWidth(Settings.m_dIlFixMaxWidthFactor) / 2,
-            Planes.m_Smooth, Planes.m_B);
+            Planes.m_B, rScratch);
     for (long y = 0; y < In.m_nHeight; ++y)
         RunAtLevel<StInvert>(Planes.m_B.Line(y), In.m_nWidth, Planes.m_A.Line(y));
-    Mean(Planes.m_A, Settings.FilterWidth(Settings.m_dIlFixLowPassWidthFactor) / 2, Planes.m_B);
+    Mean(Planes.m_A, Settings.FilterWidth(Settings.m_dIlFixLowPassWidthFactor) / 2, Planes.m_B,
+         rScratch);
     for (long y = 0; y < In.m_nHeight; ++y)
         Kernels::AddCutLine(In.Line(y), Planes.m_B.Line(y), In.m_nWidth, Planes.m_B.Line(y));
 }
 
 /// B stretched without noise, its ridges grown into the valleys, and smoothed.
 void SpreadRidges(const ClIpBrightnessMask& Settings, ClIpStretchRangeGlobal& rTable,
-                  const StDarkPlanes& Planes) {
+                  const StDarkPlanes& Planes, Kernels::ClScratch& rScratch) {
     HistogramOf(Planes.m_B)
         .GetNoiseFreeRange(Settings.m_dDarkNoisePart, Settings.m_dBrightNoisePart, rTable.m_nFrom,
                            rTable.m_nTo);
@@ -59,16 +60,18 @@ void SpreadRidges(const ClIpBrightnessMask& Settings, ClIpStretchRangeGlobal& rT
     rTable.CalculateLuT();
     LookUp(Planes.m_B, rTable.m_aLuT, Planes.m_B);
     Extreme(EExtreme::eMin, Planes.m_B, Settings.FilterWidth(Settings.m_dDilatWidthFactor) / 2,
-            Planes.m_Smooth, Planes.m_A);
-    Mean(Planes.m_A, Settings.FilterWidth(Settings.m_dLowPassWidthFactor) / 2, Planes.m_Smooth);
+            Planes.m_A, rScratch);
+    Mean(Planes.m_A, Settings.FilterWidth(Settings.m_dLowPassWidthFactor) / 2, Planes.m_Smooth,
+         rScratch);
 }
 
 } // namespace
 
 long SmoothDarkArea(const StPlane& In, int nPelsX, const ClIpBrightnessMask& Settings,
-                    ClIpStretchRangeGlobal& rTable, const StDarkPlanes& Planes) {
-    FixIllumination(In, Settings, Planes);
-    SpreadRidges(Settings, rTable, Planes);
+                    ClIpStretchRangeGlobal& rTable, const StDarkPlanes& Planes,
+                    Kernels::ClScratch& rScratch) {
+    FixIllumination(In, Settings, Planes, rScratch);
+    SpreadRidges(Settings, rTable, Planes, rScratch);
     return Settings.FindThreshold(HistogramOf(Planes.m_Smooth), nPelsX);
 }
 

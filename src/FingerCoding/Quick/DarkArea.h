@@ -5,6 +5,7 @@
 #include "FingerCoding/IpBrightnessMask.h"
 #include "FingerCoding/Quick/Plane.h"
 #include "ImageProcessing/IpStretchRangeGlobal.h"
+#include "ImageProcessing/Kernels/Scratch.h"
 
 namespace Quick {
 
@@ -18,6 +19,7 @@ struct StDarkPlanes {
 /// Makes the smoothed image, which is dark where the finger is, and returns the threshold below
 /// which it is. `rTable` is a table to be filled.
 long SmoothDarkArea(const StPlane& In, int nPelsX, const ClIpBrightnessMask& Settings,
-                    ClIpStretchRangeGlobal& rTable, const StDarkPlanes& Planes);
+                    ClIpStretchRangeGlobal& rTable, const StDarkPlanes& Planes,
+                    Kernels::ClScratch& rScratch);
 
 } // namespace Quick

@@ -64,7 +64,8 @@ Kernels::ClLinearFilter FineKernel(const StPlane& In) {
 } // namespace
 
 StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
-                          Kernels::ClScratch& rMemory, const StPlane& Out) {
+                          Kernels::ClScratch& rMemory, Kernels::ClScratch& rScratch,
+                          const StPlane& Out) {
     const auto nStride = Kernels::ClScratch::Aligned(static_cast<std::size_t>(In.m_nWidth));
     const std::size_t nPlane = nStride * static_cast<std::size_t>(In.m_nHeight);
     unsigned char* pMemory = rMemory.Reserve(2 * nPlane + nStride);
@@ -74,7 +75,7 @@ StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
     unsigned char* pFine = pMemory + 2 * nPlane;
     for (long y = 0; y < In.m_nHeight; ++y)
         RunAtLevel<StScaleInverse>(In.Line(y), In.m_nWidth, Scaled.Line(y));
-    Mean(Scaled, cnCoarseHalf, Coarse);
+    Mean(Scaled, cnCoarseHalf, Coarse, rScratch);
     Kernels::ClLinearFilter Fine = FineKernel(In);
     StDefectSums Sums;
     std::array<const unsigned char*, cnTaps> apLines;

@@ -22,6 +22,7 @@ struct StDefectSums {
 /// `nNoise` is below 64, and planes have at least 51 lines and columns. Throws `ClExBadAlloc`
 /// (-102).
 StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
-                          Kernels::ClScratch& rMemory, const StPlane& Out);
+                          Kernels::ClScratch& rMemory, Kernels::ClScratch& rScratch,
+                          const StPlane& Out);
 
 } // namespace Quick

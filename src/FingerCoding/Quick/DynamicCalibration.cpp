@@ -140,6 +140,7 @@ void ClDynamicCalibration::TakeMemory(long nWidth, long nHeight) {
         m_pLine = Pieces.Take(nLine);
         StRidgeMemory Ridges{m_Canvas.m_A, m_Canvas.m_B};
         Ridges.m_pColumns = Pieces.Take<int>(static_cast<std::size_t>(nWidth + cnBoth));
+        Ridges.m_pScratch = &m_Canvas.m_Scratch;
         Ridges.m_pDx = Pieces.Take(nLine);
         Ridges.m_pDy = Pieces.Take(nLine);
         Ridges.m_pSquares = Pieces.Take<std::uint16_t>(nLine);
@@ -230,8 +231,8 @@ ClDynamicCalibration::EFinger ClDynamicCalibration::FindFinger() {
 
 void ClDynamicCalibration::FindDarkArea() {
     constexpr long cnLeastBlob = 1000;
-    m_nThreshold =
-        SmoothDarkArea(m_Stretched, m_Frame.PelsX(), m_DarkSettings, m_Table, {m_A, m_B, m_Smooth});
+    m_nThreshold = SmoothDarkArea(m_Stretched, m_Frame.PelsX(), m_DarkSettings, m_Table,
+                                  {m_A, m_B, m_Smooth}, m_Canvas.m_Scratch);
     m_Dark.Clear();
     for (long y = 0; y < m_Smooth.m_nHeight; ++y) {
         RunAtLevel<StBelow>(m_Smooth.Line(y), m_Smooth.m_nWidth, m_nThreshold, m_pLine);
@@ -400,13 +401,14 @@ double ClDynamicCalibration::DryFingerLevel() const {
 /// The finger stretched locally, in the box of the mask, and white around it.
 void ClDynamicCalibration::WriteStretched(ClImage& Out) {
     constexpr long cnHalf = cnLocalWidth / 2;
+    Kernels::ClScratch& rScratch = m_Canvas.m_Scratch;
     const StBox Inner = m_MaskBox.Grown(cnHalf).CutTo(FrameOf(m_Frame));
     const StBox Outer = m_MaskBox.Grown(2 * cnHalf).CutTo(FrameOf(m_Frame));
     const StPlane In = m_Stretched.Part(Outer);
-    Extreme(EExtreme::eMin, In, cnHalf, m_A.Part(Outer), m_B.Part(Outer));
-    Mean(m_B.Part(Inner), cnHalf, m_A.Part(Inner));
-    Extreme(EExtreme::eMax, In, cnHalf, m_B.Part(Outer), m_Smooth.Part(Outer));
-    Mean(m_Smooth.Part(Inner), cnHalf, m_B.Part(Inner));
+    Extreme(EExtreme::eMin, In, cnHalf, m_B.Part(Outer), rScratch);
+    Mean(m_B.Part(Inner), cnHalf, m_A.Part(Inner), rScratch);
+    Extreme(EExtreme::eMax, In, cnHalf, m_Smooth.Part(Outer), rScratch);
+    Mean(m_Smooth.Part(Inner), cnHalf, m_B.Part(Inner), rScratch);
     const Kernels::ClLocalStretch Stretch(cnLocalMinContrast, m_nLocalLow, m_nLocalHigh);
     for (long y = 0; y < Out.Height(); ++y) {
         std::fill_n(Out.LineData(y), Out.Width(), cnWhite);

@@ -6,7 +6,7 @@
 
 namespace Quick {
 
-void Mean(const StPlane& In, long nHalf, const StPlane& Out) {
+void Mean(const StPlane& In, long nHalf, const StPlane& Out, Kernels::ClScratch&) {
     Kernels::MeanOfWindow<unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth, In.m_nHeight, nHalf,
                                          nHalf, Out.m_pData, Out.m_nStride);
 }
@@ -14,23 +14,23 @@ void Mean(const StPlane& In, long nHalf, const StPlane& Out) {
 namespace {
 
 template <Kernels::EExtreme eKind>
-void ExtremeOf(const StPlane& In, long nHalf, const StPlane& Between, const StPlane& Out) {
+void ExtremeOf(const StPlane& In, long nHalf, const StPlane& Out, Kernels::ClScratch& rScratch) {
+    unsigned char* pBetween = rScratch.Reserve(static_cast<std::size_t>(In.m_nWidth) *
+                                               static_cast<std::size_t>(In.m_nHeight));
     Kernels::ExtremeAlongLines<eKind, unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth,
-                                                     In.m_nHeight, nHalf, Between.m_pData,
-                                                     Between.m_nStride);
-    Kernels::ExtremeAlongColumns<eKind, unsigned char>(Between.m_pData, Between.m_nStride,
-                                                       Between.m_nWidth, Between.m_nHeight, nHalf,
-                                                       Out.m_pData, Out.m_nStride);
+                                                     In.m_nHeight, nHalf, pBetween, In.m_nWidth);
+    Kernels::ExtremeAlongColumns<eKind, unsigned char>(
+        pBetween, In.m_nWidth, In.m_nWidth, In.m_nHeight, nHalf, Out.m_pData, Out.m_nStride);
 }
 
 } // namespace
 
-void Extreme(Kernels::EExtreme eKind, const StPlane& In, long nHalf, const StPlane& Between,
-             const StPlane& Out) {
+void Extreme(Kernels::EExtreme eKind, const StPlane& In, long nHalf, const StPlane& Out,
+             Kernels::ClScratch& rScratch) {
     if (eKind == Kernels::EExtreme::eMin)
-        ExtremeOf<Kernels::EExtreme::eMin>(In, nHalf, Between, Out);
+        ExtremeOf<Kernels::EExtreme::eMin>(In, nHalf, Out, rScratch);
     else
-        ExtremeOf<Kernels::EExtreme::eMax>(In, nHalf, Between, Out);
+        ExtremeOf<Kernels::EExtreme::eMax>(In, nHalf, Out, rScratch);
 }
 
 void LookUp(const StPlane& In, const unsigned char* pTable, const StPlane& Out) {

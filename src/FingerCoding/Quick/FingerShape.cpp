@@ -148,8 +148,8 @@ StBox Soften(StCanvas& rCanvas, const StBox& Box, const StPlane& Mask) {
         return {};
     const StBox Part = Box.Grown(cnSoftPart).CutTo(Frame.Grown(cnSoftMargin));
     ToGreys(rCanvas.m_B, Box, Part, rCanvas.m_A);
-    Mean(rCanvas.m_A.Part(Part), cnSoftHalf, rCanvas.m_B.Part(Part));
-    Mean(rCanvas.m_B.Part(Part), cnSoftHalf, rCanvas.m_A.Part(Part));
+    Mean(rCanvas.m_A.Part(Part), cnSoftHalf, rCanvas.m_B.Part(Part), rCanvas.m_Scratch);
+    Mean(rCanvas.m_B.Part(Part), cnSoftHalf, rCanvas.m_A.Part(Part), rCanvas.m_Scratch);
     const StBox Soft = Box.Grown(cnSoftReach).CutTo(Frame);
     const StBox InFrame = Soft.Moved(-StCanvas::cnMargin, -StCanvas::cnMargin);
     LookUp(rCanvas.m_A.Part(Soft), Table.m_aValues, Mask.Part(InFrame));

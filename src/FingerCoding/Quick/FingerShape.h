@@ -8,6 +8,7 @@
 #include "FingerCoding/Quick/Plane.h"
 #include "FingerCoding/Quick/Spans.h"
 #include "ImageProcessing/ConvexHull.h"
+#include "ImageProcessing/Kernels/Scratch.h"
 
 #include <optional>
 
@@ -28,6 +29,7 @@ struct StCanvas {
     StPlane m_B;
     StEnds* m_pEnds = nullptr; ///< one per line
     unsigned char* m_pBlurMemory = nullptr;
+    Kernels::ClScratch m_Scratch;
     ClSpans m_Spans;
     ConvexHull::Points_t m_aPoints;
     ConvexHull::Points_t m_aHull;

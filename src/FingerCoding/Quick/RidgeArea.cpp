@@ -160,7 +160,7 @@ void ClRidgeArea::Find(const StPlane& In, const StBox& Window, const ClSpans& Re
     Shrink(In, Window, Region, nX, nY, Work, Image);
     Amplify(Image, Other);
     if (Work.m_nMeanWidth <= std::min(Box.m_nRight, Box.m_nBottom)) { // else no mean is taken
-        Mean(Image, Work.m_nMeanWidth / 2, Other);
+        Mean(Image, Work.m_nMeanWidth / 2, Other, *m_Memory.m_pScratch);
         std::swap(Image, Other);
     }
     const int nThreshold = ThresholdOf(m_rSettings);

@@ -8,6 +8,7 @@
 #include "FingerCoding/Quick/Plane.h"
 #include "FingerCoding/Quick/Spans.h"
 #include "ImageProcessing/Kernels/LinearFilter.h"
+#include "ImageProcessing/Kernels/Scratch.h"
 
 #include <cstdint>
 #include <optional>
@@ -35,6 +36,7 @@ struct StRidgeMemory {
     unsigned char* m_pDx = nullptr; ///< one line of the capture each
     unsigned char* m_pDy = nullptr;
     std::uint16_t* m_pSquares = nullptr;
+    Kernels::ClScratch* m_pScratch = nullptr;
 };
 
 class ClRidgeArea {
