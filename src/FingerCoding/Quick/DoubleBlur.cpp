@@ -56,7 +56,7 @@ struct StLines {
         m_pFourSums = Take<std::uint16_t>(m_nMeans);
         m_pBounds = Take<std::uint16_t>(m_nResults);
         m_pColumns = Take<std::uint8_t>(m_nResults);
-        m_pMeans = Take<std::uint8_t>(cnWindow * m_nMeanStride);
+        m_pMeans = Take<std::uint16_t>(cnWindow * m_nMeanStride);
     }
 
     std::size_t Bytes() const { return m_nTaken; }
@@ -72,7 +72,7 @@ struct StLines {
     std::uint16_t* m_pFourSums;  ///< of four columns, cut
     std::uint16_t* m_pBounds;    ///< for the sum of a second window
     std::uint8_t* m_pColumns;    ///< whether a column of the result has region
-    std::uint8_t* m_pMeans;      ///< what the second window sums, line after line
+    std::uint16_t* m_pMeans;     ///< what the second window sums, line after line
 
 private:
     template <class T>
@@ -91,7 +91,7 @@ private:
 /// Puts the means of a line in the place of those that leave the sums of columns.
 template <bool bGrow>
 void ExchangeMeans(const std::uint8_t* __restrict p, const std::uint8_t* __restrict pFours,
-                   long nSamples, std::uint8_t* __restrict pMeans,
+                   long nSamples, std::uint16_t* __restrict pMeans,
                    std::uint16_t* __restrict pSums) {
     const long nEnd = Rounds(nSamples);
     for (long i = 0; i < nEnd; ++i) {
@@ -103,7 +103,7 @@ void ExchangeMeans(const std::uint8_t* __restrict p, const std::uint8_t* __restr
         const auto n = static_cast<std::uint16_t>(n8 + n16 + n23);
         const auto nRegion = static_cast<std::uint16_t>(
             static_cast<std::uint16_t>(n * 31591U >> 16) + (n != 0 ? 1 : 0));
-        const auto nMean = static_cast<std::uint8_t>(bGrow ? nRegion : 255 - nRegion);
+        const auto nMean = static_cast<std::uint16_t>(bGrow ? nRegion : 255 - nRegion);
         pSums[i] = static_cast<std::uint16_t>(pSums[i] + nMean - pMeans[i]);
         pMeans[i] = nMean;
     }
@@ -129,7 +129,7 @@ bool Compare(const std::uint16_t* __restrict p, const std::uint16_t* __restrict 
 
 template <bool bGrow>
 struct StBlur {
-    static constexpr std::uint8_t cnGround = bGrow ? 0 : 255; ///< what ground adds to a sum
+    static constexpr std::uint16_t cnGround = bGrow ? 0 : 255; ///< what ground adds to a sum
 
     static StBox Run(const StPlane* pIn, const StBox* pBox, const StPlane* pOut,
                      unsigned char* pMemory) {
@@ -165,7 +165,7 @@ private:
         std::memset(m_L.m_pCounts, 0, Room(m_L.m_nCounts));
         std::memset(m_L.m_pNothing, 0, Room(m_L.m_nCounts));
         std::memset(m_L.m_pColumns, 0, Room(m_L.m_nResults));
-        std::memset(m_L.m_pMeans, cnGround, Room(cnWindow * m_L.m_nMeanStride));
+        std::fill_n(m_L.m_pMeans, cnWindow * m_L.m_nMeanStride, cnGround);
         std::fill_n(m_L.m_pSums, Room(m_L.m_nMeans),
                     static_cast<std::uint16_t>(cnWindow * cnGround));
     }

@@ -236,7 +236,7 @@ void ClDynamicCalibration::FindDarkArea() {
     m_Dark.Clear();
     for (long y = 0; y < m_Smooth.m_nHeight; ++y) {
         RunAtLevel<StBelow>(m_Smooth.Line(y), m_Smooth.m_nWidth, m_nThreshold, m_pLine);
-        m_Dark.Append(m_pLine, static_cast<int>(y), m_Smooth.m_nWidth, cnRegion);
+        m_Dark.Append(m_pLine, static_cast<int>(y), m_Smooth.m_nWidth);
     }
     m_Dark.DropSmall(cnLeastBlob);
     m_Dark.FillHoles(m_Smooth.m_nWidth, m_Smooth.m_nHeight);
@@ -335,7 +335,7 @@ bool ClDynamicCalibration::FindSumRegion() {
                                m_Smooth.Line(Bright->m_nTop + y) + Bright->m_nLeft,
                                m_RidgeProb.Line(Ridges->m_nTop + y) + Ridges->m_nLeft, nWidth,
                                static_cast<std::uint16_t>(cdSumThreshold), m_pLine);
-        m_Spans.Append(m_pLine, static_cast<int>(y), nWidth, cnRegion);
+        m_Spans.Append(m_pLine, static_cast<int>(y), nWidth);
     }
     const Mask::ClPrecutChain Chain(m_Chain);
     if (Chain.Width() != nWidth || Chain.Height() != Bright->Height())

@@ -18,7 +18,7 @@ constexpr unsigned char cnBackground = 255;
 bool IsOnePiece(StCanvas& rCanvas, const StPlane& Plane, const StBox& Box) {
     if (Box.IsEmpty())
         return false;
-    rCanvas.m_Spans.Find(Plane.Part(Box), cnRegion);
+    rCanvas.m_Spans.Find(Plane.Part(Box));
     return rCanvas.m_Spans.CountBlobs() == 1;
 }
 

@@ -168,7 +168,7 @@ void ClRidgeArea::Find(const StPlane& In, const StBox& Window, const ClSpans& Re
     for (long y = 0; y < Box.m_nBottom; ++y) {
         RunAtLevel<StLift>(Image.Line(y), Box.m_nRight, cnProbThreshold - nThreshold, nThreshold,
                            Other.Line(y));
-        rStrong.Append(Other.Line(y), static_cast<int>(y), Box.m_nRight, 1);
+        rStrong.Append(Other.Line(y), static_cast<int>(y), Box.m_nRight);
     }
     m_Lifted = Image;
     const ClConvert Convert(Work.m_nPelsX, Work.m_nPelsY);

@@ -6,21 +6,31 @@
 
 namespace Quick {
 
+namespace {
+
+constexpr unsigned char cnRegion = 1;
+constexpr unsigned char cnGround = 0;
+
+} // namespace
+
 ClSpans::ClSpans(unsigned char* pMemory, std::size_t nMost)
     : m_pSpans(reinterpret_cast<StSpan*>(pMemory)), m_pOthers(m_pSpans + nMost),
       m_pRoots(reinterpret_cast<int*>(m_pOthers + nMost)), m_pTally(m_pRoots + nMost) {}
 
-void ClSpans::Find(const StPlane& Plane, unsigned char nValue) {
+void ClSpans::Find(const StPlane& Plane) {
     Clear();
     for (long y = 0; y < Plane.m_nHeight; ++y)
-        Append(Plane.Line(y), static_cast<int>(y), Plane.m_nWidth, nValue);
+        Append(Plane.Line(y), static_cast<int>(y), Plane.m_nWidth);
 }
 
-void ClSpans::Append(const unsigned char* pLine, int nLine, long nWidth, unsigned char nValue) {
-    Kernels::ForEachRun(pLine, 0, nWidth, nValue, [&](Kernels::StRun Run) {
-        m_pSpans[m_nCount++] = {nLine, static_cast<int>(Run.m_nBegin),
-                                static_cast<int>(Run.m_nEnd - 1)};
-    });
+void ClSpans::Append(const unsigned char* pLine, int nLine, long nWidth) {
+    for (long nEnd = 0;;) {
+        const long nBegin = Kernels::FindValue(pLine, nEnd, nWidth, cnRegion);
+        if (nBegin == nWidth)
+            return;
+        nEnd = Kernels::FindValue(pLine, nBegin, nWidth, cnGround);
+        m_pSpans[m_nCount++] = {nLine, static_cast<int>(nBegin), static_cast<int>(nEnd - 1)};
+    }
 }
 
 StBox ClSpans::Box() const {

@@ -40,10 +40,10 @@ public:
     const StSpan* begin() const { return m_pSpans; }
     const StSpan* end() const { return m_pSpans + m_nCount; }
 
-    /// Becomes the pixels of a plane that are `nValue`.
-    void Find(const StPlane& Plane, unsigned char nValue);
+    /// Becomes the bytes of 1 in a plane of 0 and 1.
+    void Find(const StPlane& Plane);
     /// Adds those of one line, which lies behind all others.
-    void Append(const unsigned char* pLine, int nLine, long nWidth, unsigned char nValue);
+    void Append(const unsigned char* pLine, int nLine, long nWidth);
 
     /// The smallest box around all; empty without spans.
     StBox Box() const;
