@@ -145,8 +145,11 @@ void ClDynamicCalibration::TakeMemory(long nWidth, long nHeight) {
         Ridges.m_pDy = Pieces.Take(nLine);
         Ridges.m_pSquares = Pieces.Take<std::uint16_t>(nLine);
         m_Ridges.emplace(m_RidgeSettings, Ridges, nWidth);
-        for (ClSpans* p : {&m_Dark, &m_Spans, &m_Canvas.m_Spans})
-            *p = ClSpans(Pieces.Take(ClSpans::Bytes(nMostSpans)), nMostSpans);
+        const ClSpans::StScratch Scratch{Pieces.Take<StSpan>(nMostSpans),
+                                         Pieces.Take<int>(nMostSpans),
+                                         Pieces.Take<int>(nMostSpans)};
+        for (ClSpans* p : {&m_Dark, &m_Spans})
+            *p = ClSpans(Pieces.Take<StSpan>(nMostSpans), Scratch);
         return Pieces.Taken();
     };
     take(ClPieces(m_Memory.Reserve(take(ClPieces(nullptr)))));
@@ -222,7 +225,7 @@ ClDynamicCalibration::EFinger ClDynamicCalibration::FindFinger() {
     const EFinger eRidges = FindRidges();
     if (eRidges != EFinger::eFound)
         return eRidges;
-    const std::optional<StBox> Region = Embrace(m_Canvas, PaintRegion());
+    const std::optional<StBox> Region = Embrace(m_Canvas, PaintRegion(), m_Spans);
     if (!Region)
         return EFinger::eNone;
     m_MaskBox = Soften(m_Canvas, *Region, m_Mask);

@@ -15,11 +15,11 @@ namespace {
 constexpr unsigned char cnRegion = 1;
 constexpr unsigned char cnBackground = 255;
 
-bool IsOnePiece(StCanvas& rCanvas, const StPlane& Plane, const StBox& Box) {
+bool IsOnePiece(const StPlane& Plane, const StBox& Box, ClSpans& rSpans) {
     if (Box.IsEmpty())
         return false;
-    rCanvas.m_Spans.Find(Plane.Part(Box));
-    return rCanvas.m_Spans.CountBlobs() == 1;
+    rSpans.Find(Plane.Part(Box));
+    return rSpans.CountBlobs() == 1;
 }
 
 // The hull
@@ -79,7 +79,7 @@ void PaintHull(ConvexHull::Points_t& rHull, StEnds* pEnds, const StPlane& Plane,
 
 /// A blur closes the gaps between ridges, two more remove bridges and crumbs; the count is taken on
 /// a grown copy, so that pieces which nearly touch count as one, and the hull joins them.
-std::optional<StBox> Embrace(StCanvas& rCanvas, const StBox& Box) {
+std::optional<StBox> Embrace(StCanvas& rCanvas, const StBox& Box, ClSpans& rSpans) {
     const StPlane& A = rCanvas.m_A;
     const StPlane& B = rCanvas.m_B;
     const ClDoubleBlur Blur(rCanvas.m_pBlurMemory);
@@ -87,7 +87,7 @@ std::optional<StBox> Embrace(StCanvas& rCanvas, const StBox& Box) {
     for (const auto& [From, To] : {std::pair(B, A), std::pair(A, B)})
         if (!Region.IsEmpty())
             Region = Blur.Shrink(From, Region, To);
-    if (Region.IsEmpty() || !IsOnePiece(rCanvas, A, Blur.Grow(B, Region, A)))
+    if (Region.IsEmpty() || !IsOnePiece(A, Blur.Grow(B, Region, A), rSpans))
         return std::nullopt;
     FindPoints(B, Region, rCanvas.m_aPoints);
     ConvexHull::BuildChains(rCanvas.m_aPoints, rCanvas.m_aHull,

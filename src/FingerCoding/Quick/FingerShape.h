@@ -30,17 +30,17 @@ struct StCanvas {
     StEnds* m_pEnds = nullptr; ///< one per line
     unsigned char* m_pBlurMemory = nullptr;
     Kernels::ClScratch m_Scratch;
-    ClSpans m_Spans;
+
     ConvexHull::Points_t m_aPoints;
     ConvexHull::Points_t m_aHull;
 
     StBox FrameBox() const { return m_A.Frame().Grown(-cnMargin); }
 };
 
-/// Closes the region of bytes of 1 in a box of canvas A, and makes it convex. The result stands in
-/// canvas B, in the box returned, as far as it lies in the frame. Nothing where the region is not
-/// one piece.
-std::optional<StBox> Embrace(StCanvas& rCanvas, const StBox& Box);
+/// Closes the region of bytes of 1 in a box of canvas A, and makes it convex. `rSpans` is for use.
+/// The result stands in canvas B, in the box returned, as far as it lies in the frame. Nothing
+/// where the region is not one piece.
+std::optional<StBox> Embrace(StCanvas& rCanvas, const StBox& Box, ClSpans& rSpans);
 
 /// Makes `Mask`, of the size of the frame, from the region in a box of canvas B: 0 in the region,
 /// 255 on the ground, and a ramp in between. Without a region all is ground. Returns the box in the

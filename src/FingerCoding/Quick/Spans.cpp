@@ -13,10 +13,6 @@ constexpr unsigned char cnGround = 0;
 
 } // namespace
 
-ClSpans::ClSpans(unsigned char* pMemory, std::size_t nMost)
-    : m_pSpans(reinterpret_cast<StSpan*>(pMemory)), m_pOthers(m_pSpans + nMost),
-      m_pRoots(reinterpret_cast<int*>(m_pOthers + nMost)), m_pTally(m_pRoots + nMost) {}
-
 void ClSpans::Find(const StPlane& Plane) {
     Clear();
     for (long y = 0; y < Plane.m_nHeight; ++y)
@@ -47,8 +43,8 @@ StBox ClSpans::Box() const {
 // Blobs
 
 int ClSpans::RootOf(int nSpan) {
-    while (m_pRoots[nSpan] != nSpan)
-        nSpan = m_pRoots[nSpan] = m_pRoots[m_pRoots[nSpan]];
+    while (m_Scratch.m_pRoots[nSpan] != nSpan)
+        nSpan = m_Scratch.m_pRoots[nSpan] = m_Scratch.m_pRoots[m_Scratch.m_pRoots[nSpan]];
     return nSpan;
 }
 
@@ -58,14 +54,14 @@ void ClSpans::JoinLines() {
     for (int i = 0; i < m_nCount; ++i) {
         const StSpan& Span = m_pSpans[i];
         const int nLine = Span.m_nLine - 1;
-        m_pRoots[i] = i;
+        m_Scratch.m_pRoots[i] = i;
         while (m_pSpans[nAbove].m_nLine < nLine ||
                (m_pSpans[nAbove].m_nLine == nLine && m_pSpans[nAbove].m_nLast < Span.m_nFirst))
             ++nAbove;
         for (int k = nAbove; m_pSpans[k].m_nLine == nLine && m_pSpans[k].m_nFirst <= Span.m_nLast;
              ++k) {
             const auto [nFirst, nSecond] = std::minmax({RootOf(k), RootOf(i)});
-            m_pRoots[nSecond] = nFirst;
+            m_Scratch.m_pRoots[nSecond] = nFirst;
         }
     }
 }
@@ -74,7 +70,7 @@ long ClSpans::CountBlobs() {
     JoinLines();
     long nBlobs = 0;
     for (int i = 0; i < m_nCount; ++i)
-        nBlobs += m_pRoots[i] == i ? 1 : 0;
+        nBlobs += m_Scratch.m_pRoots[i] == i ? 1 : 0;
     return nBlobs;
 }
 
@@ -84,7 +80,7 @@ void ClSpans::KeepBlobs(Keeps keeps) {
     long nKept = 0;
     for (int i = 0; i < m_nCount; ++i) {
         const int nRoot = RootOf(i);
-        if (keeps(m_pTally[nRoot]) || nRoot == m_nCount - 1)
+        if (keeps(m_Scratch.m_pTally[nRoot]) || nRoot == m_nCount - 1)
             m_pSpans[nKept++] = m_pSpans[i];
     }
     m_nCount = nKept;
@@ -92,9 +88,9 @@ void ClSpans::KeepBlobs(Keeps keeps) {
 
 void ClSpans::DropSmall(long nLeast) {
     JoinLines();
-    std::fill(m_pTally, m_pTally + m_nCount, 0);
+    std::fill(m_Scratch.m_pTally, m_Scratch.m_pTally + m_nCount, 0);
     for (int i = 0; i < m_nCount; ++i)
-        m_pTally[RootOf(i)] += static_cast<int>(m_pSpans[i].Pixels());
+        m_Scratch.m_pTally[RootOf(i)] += static_cast<int>(m_pSpans[i].Pixels());
     KeepBlobs([nLeast](int nPixels) { return nPixels >= nLeast; });
 }
 
@@ -108,27 +104,28 @@ void ClSpans::Invert(long nWidth, long nHeight) {
         int nOpen = 0; // first column not yet covered
         for (; pNext != end() && pNext->m_nLine == y; ++pNext) {
             if (pNext->m_nFirst > nOpen)
-                m_pOthers[nOthers++] = {y, nOpen, pNext->m_nFirst - 1};
+                m_Scratch.m_pOthers[nOthers++] = {y, nOpen, pNext->m_nFirst - 1};
             nOpen = pNext->m_nLast + 1;
         }
         if (nOpen < nWidth)
-            m_pOthers[nOthers++] = {y, nOpen, static_cast<int>(nWidth) - 1};
+            m_Scratch.m_pOthers[nOthers++] = {y, nOpen, static_cast<int>(nWidth) - 1};
     }
-    std::swap(m_pSpans, m_pOthers);
+    std::swap(m_pSpans, m_Scratch.m_pOthers);
     m_nCount = nOthers;
 }
 
+/// Inverted twice, the spans stand where they stood.
 void ClSpans::FillHoles(long nWidth, long nHeight) {
     if (IsEmpty())
         return;
     Invert(nWidth, nHeight);
     JoinLines();
-    std::fill(m_pTally, m_pTally + m_nCount, 0);
+    std::fill(m_Scratch.m_pTally, m_Scratch.m_pTally + m_nCount, 0);
     for (int i = 0; i < m_nCount; ++i) {
         const StSpan& Span = m_pSpans[i];
         const bool bAtEdge = Span.m_nFirst == 0 || Span.m_nLast == nWidth - 1 ||
                              Span.m_nLine == 0 || Span.m_nLine == nHeight - 1;
-        m_pTally[RootOf(i)] |= bAtEdge ? 1 : 0;
+        m_Scratch.m_pTally[RootOf(i)] |= bAtEdge ? 1 : 0;
     }
     KeepBlobs([](int nAtEdge) { return nAtEdge != 0; });
     Invert(nWidth, nHeight);

@@ -26,14 +26,17 @@ public:
     static constexpr std::size_t Most(long nWidth, long nHeight) {
         return static_cast<std::size_t>(nHeight) * static_cast<std::size_t>(nWidth / 2 + 1);
     }
-    /// Bytes of memory for frames with so many spans.
-    static constexpr std::size_t Bytes(std::size_t nMost) {
-        return nMost * (2 * sizeof(StSpan) + 2 * sizeof(int));
-    }
+    /// What operations need besides the spans themselves, for up to so many; several regions of
+    /// which one is worked on at a time may share it.
+    struct StScratch {
+        StSpan* m_pOthers = nullptr;
+        int* m_pRoots = nullptr; ///< by span
+        int* m_pTally = nullptr; ///< by root
+    };
 
     ClSpans() = default;
-    /// Works in borrowed memory of Bytes(nMost).
-    ClSpans(unsigned char* pMemory, std::size_t nMost);
+    /// All memory is borrowed, and for as many spans.
+    ClSpans(StSpan* pSpans, const StScratch& Scratch) : m_pSpans(pSpans), m_Scratch(Scratch) {}
 
     void Clear() { m_nCount = 0; }
     bool IsEmpty() const { return m_nCount == 0; }
@@ -62,9 +65,7 @@ private:
     void KeepBlobs(Keeps keeps);
 
     StSpan* m_pSpans = nullptr;
-    StSpan* m_pOthers = nullptr; ///< as many, for what is made of them
-    int* m_pRoots = nullptr;     ///< by span
-    int* m_pTally = nullptr;     ///< by root
+    StScratch m_Scratch;
     long m_nCount = 0;
 };
 
