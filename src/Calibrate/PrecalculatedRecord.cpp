@@ -103,15 +103,57 @@ void ReadImageHeader(ClStream& rStream, StWarp& rWarp) {
     ReadNumber<std::uint32_t>(rStream);
 }
 
-void CheckOffsets(const StWarp& Loaded) {
-    const std::uint64_t nBytes = Loaded.TableBytes();
-    for (std::uint64_t nEntry = 0; nEntry < nBytes; nEntry += Loaded.m_nEntrySize) {
-        std::int32_t nOffset = 0;
-        std::memcpy(&nOffset, Loaded.m_pTable.get() + nEntry, sizeof nOffset);
-        if (nOffset != Warp::cnNoSource &&
-            !Warp::IsOffsetInside(nOffset, Loaded.m_nSourceWidth, Loaded.m_nSourceHeight))
-            throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
+/// Tests offsets that stand in the order of a table. One often lies in the line of the one before,
+/// where no division is needed to tell.
+class ClOffsetCheck {
+public:
+    explicit ClOffsetCheck(const StWarp& Loaded)
+        : m_nWidth(Loaded.m_nSourceWidth), m_nHeight(Loaded.m_nSourceHeight) {}
+
+    bool IsRight(std::int32_t nOffset) {
+        const std::int64_t nColumn = nOffset - m_nLine;
+        return nOffset == Warp::cnNoSource || (nColumn >= 0 && nColumn < m_nColumns) ||
+               IsInAnotherLine(nOffset);
     }
+
+private:
+    bool IsInAnotherLine(std::int32_t nOffset) {
+        if (!Warp::IsOffsetInside(nOffset, m_nWidth, m_nHeight))
+            return false;
+        m_nLine = nOffset - nOffset % static_cast<std::int64_t>(Warp::LineStride(m_nWidth));
+        m_nColumns = std::int64_t{m_nWidth} - 3;
+        return true;
+    }
+
+    std::uint32_t m_nWidth;
+    std::uint32_t m_nHeight;
+    std::int64_t m_nLine = 0;    ///< offset of the first column of the line found last
+    std::int64_t m_nColumns = 0; ///< of that line, from which 4 samples begin; 0 before any
+};
+
+bool AreOffsetsRight(const unsigned char* pEntries, std::uint64_t nBytes, unsigned long nEntrySize,
+                     ClOffsetCheck& rCheck) {
+    for (std::uint64_t nEntry = 0; nEntry < nBytes; nEntry += nEntrySize) {
+        std::int32_t nOffset = 0;
+        std::memcpy(&nOffset, pEntries + nEntry, sizeof nOffset);
+        if (!rCheck.IsRight(nOffset))
+            return false;
+    }
+    return true;
+}
+
+/// Copies the table, and answers whether all its offsets are right: each line is looked at while
+/// the copying has it at hand.
+bool CopyTable(ClStream& rStream, StWarp& rWarp) {
+    const std::uint64_t nLineBytes = rWarp.TableBytes() / rWarp.m_nTargetHeight;
+    ClOffsetCheck check(rWarp);
+    bool bRight = true;
+    unsigned char* pLine = rWarp.m_pTable.get();
+    for (std::uint32_t y = 0; y < rWarp.m_nTargetHeight; ++y, pLine += nLineBytes) {
+        rStream.Read(pLine, nLineBytes);
+        bRight = bRight && AreOffsetsRight(pLine, nLineBytes, rWarp.m_nEntrySize, check);
+    }
+    return bRight;
 }
 
 void ReadTable(ClStream& rStream, StWarp& rWarp) {
@@ -121,10 +163,11 @@ void ReadTable(ClStream& rStream, StWarp& rWarp) {
     if (nPos > nSize || nSize - nPos < nBytes + sizeof RawImage::cnMagic)
         ThrowSignature("KPF end Magic is missing", __LINE__);
     rWarp.m_pTable = Vek::NewArrayPtr<unsigned char>(nBytes);
-    rStream.Read(rWarp.m_pTable.get(), nBytes);
+    const bool bRight = CopyTable(rStream, rWarp);
     if (ReadNumber<std::uint32_t>(rStream) != RawImage::cnMagic)
         ThrowSignature("KPF end Magic is missing", __LINE__);
-    CheckOffsets(rWarp);
+    if (!bRight)
+        throw ClExTessarin(QMT_ERROR_CURRUPT_DATA, VEK_HERE);
 }
 
 } // namespace
