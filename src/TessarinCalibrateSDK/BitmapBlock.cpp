@@ -43,15 +43,49 @@ std::uint64_t SizeByRule(const tagBITMAPINFOHEADER& Header) {
            static_cast<std::uint32_t>(nPalette);
 }
 
-long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& rBitmap) {
+namespace {
+
+/// Runs `copy(header)` on the tested header of a block.
+template <class CopyTested>
+long CopyBlock(const unsigned char* pBlock, unsigned long nSize, CopyTested copy) {
     if (nSize < sizeof(tagBITMAPINFOHEADER))
         return QMT_ERROR_TEMPLATE_SIZE;
     const tagBITMAPINFOHEADER Header = ReadHeader(pBlock);
     CheckHeader(Header);
     if (SizeByRule(Header) != nSize)
         return QMT_ERROR_TEMPLATE_SIZE;
-    rBitmap.CopyFrom(Header, pBlock + sizeof Header);
+    copy(Header);
     return QMT_SUCCESS;
+}
+
+bool IsPlainGrey(const tagBITMAPINFOHEADER& Header) {
+    return Header.biCompression == ClBitmap::ePlain && Header.biBitCount == 8 &&
+           Header.biWidth > 0 && Header.biHeight > 0;
+}
+
+/// The pixels behind a header and its palette, for an image that has the same lines.
+void CopyGrey(const tagBITMAPINFOHEADER& Header, const unsigned char* pBehind, ClImage& rImage) {
+    rImage.NewWithType(ClImage::eUInt8, Header.biWidth, Header.biHeight, 1, Header.biXPelsPerMeter,
+                       Header.biYPelsPerMeter);
+    std::memcpy(rImage.Data(), pBehind + ClBitmap::PaletteBytes(Header), rImage.SizeBytes());
+}
+
+} // namespace
+
+long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& rBitmap) {
+    return CopyBlock(pBlock, nSize, [&](const tagBITMAPINFOHEADER& Header) {
+        rBitmap.CopyFrom(Header, pBlock + sizeof Header);
+    });
+}
+
+long CopyToImage(const unsigned char* pBlock, unsigned long nSize, ClImage& rImage) {
+    return CopyBlock(pBlock, nSize, [&](const tagBITMAPINFOHEADER& Header) {
+        if (IsPlainGrey(Header))
+            return CopyGrey(Header, pBlock + sizeof Header, rImage);
+        ClBitmap Bitmap;
+        Bitmap.CopyFrom(Header, pBlock + sizeof Header);
+        Attach(Bitmap, rImage);
+    });
 }
 
 void Attach(const ClBitmap& Bitmap, ClImage& Image) {

@@ -25,6 +25,10 @@ long Copy(const unsigned char* pBlock, unsigned long nSize, ClBitmap& rBitmap);
 /// decision.
 void Attach(const ClBitmap& Bitmap, ClImage& Image);
 
+/// Copy() and Attach() in one, for an image that is kept from block to block: where the block
+/// before had the same size, nothing is allocated.
+long CopyToImage(const unsigned char* pBlock, unsigned long nSize, ClImage& rImage);
+
 /// Throws "Image area must be positive" (-101) for planes without pixels, whatever their number.
 void CheckArea(const ClImage& Image);
 

@@ -46,30 +46,27 @@ long AnswerBlock(const ClImage& Image, unsigned char* outBitmap, unsigned long* 
 /// Corrects the capture in a block.
 long Correct(ClIpCalibrateLumivane2& rProcessor, const unsigned char* pBlock, unsigned long nSize,
              unsigned char* outBitmap, unsigned long* outBitmapSize) {
-    ClBitmap Capture;
-    if (const long nCode = BitmapBlock::Copy(pBlock, nSize, Capture))
+    ClIpCalibrateLumivane2::StKept& rKept = rProcessor.m_Kept;
+    if (const long nCode = BitmapBlock::CopyToImage(pBlock, nSize, rKept.m_Capture))
         return nCode;
-    ClImage In;
-    ClImage Out;
-    BitmapBlock::Attach(Capture, In);
-    rProcessor.m_pInImage = &In;
+    ClImage Out; // empty: what is answered is of this capture
+    rProcessor.m_pInImage = &rKept.m_Capture;
     rProcessor.m_pOutImage = &Out;
     ThrowIfFailed(rProcessor.Apply(), VEK_HERE);
-    return AnswerBlock(Out, outBitmap, outBitmapSize);
+    const long nCode = AnswerBlock(Out, outBitmap, outBitmapSize);
+    rKept.m_Result.Swap(Out);
+    return nCode;
 }
 
 /// Measures the contamination that the capture in a block shows.
-long Measure(const unsigned char* pBlock, unsigned long nSize, double& rLevel) {
-    ClBitmap Capture;
-    if (const long nCode = BitmapBlock::Copy(pBlock, nSize, Capture))
+long Measure(ClIpCalibrateLumivane2::StKept& rKept, const unsigned char* pBlock,
+             unsigned long nSize, double& rLevel) {
+    if (const long nCode = BitmapBlock::CopyToImage(pBlock, nSize, rKept.m_Capture))
         return nCode;
-    ClImage In;
-    ClImage Out;
-    BitmapBlock::Attach(Capture, In);
-    BitmapBlock::CheckArea(In);
+    BitmapBlock::CheckArea(rKept.m_Capture);
     ClIpQK7FunctionalityCheck Check;
-    Check.m_pInImage = &In;
-    Check.m_pOutImage = &Out;
+    Check.m_pInImage = &rKept.m_Capture;
+    Check.m_pOutImage = &rKept.m_Result;
     Check.Apply(); // without pixels, of a compressed block, nothing is found
     rLevel = Check.m_dOutDefectWarningLevel;
     VekLFLog(Vek::eLogTrace, "Result of contamination detection is %6.2f", rLevel);
@@ -122,7 +119,9 @@ long ContaminationDetection(void* handle, unsigned char* bitmap, unsigned long b
         [&](const ClIpCalibrateLumivane2&) {
             return bitmap != nullptr ? QMT_SUCCESS : QMT_ERROR_BITMAP_PTR;
         },
-        [&](const ClIpCalibrateLumivane2&) { return Measure(bitmap, bitmapSize, *result); });
+        [&](ClIpCalibrateLumivane2& rProcessor) {
+            return Measure(rProcessor.m_Kept, bitmap, bitmapSize, *result);
+        });
 }
 
 long CalibrateCheckEfts(void* handle, unsigned char* bitmap, unsigned long bitmapSize,

@@ -4,7 +4,6 @@
 #include "ImageProcessing/IpFilterBase.h"
 #include "ImageProcessing/IpUnsharpMasking.h"
 #include "Tools/Allocate.h"
-#include "Tools/FpImage.h"
 #include "Tools/LoggingFacility.h"
 #include "Tools/ThrowIfFailed.h"
 
@@ -77,8 +76,10 @@ long ClIpCalibrateLumivane2::Process() {
     if (m_pInImage == nullptr || m_pOutImage == nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
     CheckGrey(*m_pInImage);
+    if (m_pOutImage->Data() == nullptr)
+        m_pOutImage->Swap(m_Kept.m_Result);
 
-    ClImage corrected;
+    ClImage& corrected = m_Kept.m_Warped;
     CorrectGeometry(corrected);
     m_DynamicCalibration.m_pInImage = &corrected;
     if (m_bDynamicFingerMask)
@@ -92,7 +93,7 @@ long ClIpCalibrateLumivane2::Process() {
 }
 
 void ClIpCalibrateLumivane2::CorrectGeometry(ClImage& corrected) {
-    ClImage sharpened;
+    ClImage& sharpened = m_Kept.m_Sharpened;
     switch (m_eGeometricMode) {
     case eGeometricOff:
         corrected = *m_pInImage;
@@ -114,8 +115,7 @@ void ClIpCalibrateLumivane2::CorrectGeometry(ClImage& corrected) {
 }
 
 void ClIpCalibrateLumivane2::CorrectBrightness() {
-    ClImage scratch; // takes the calibrated image where the caller asks for the mask
-    m_DynamicCalibration.m_pOutImage = m_bMaskIsOutput ? &scratch : m_pOutImage;
+    m_DynamicCalibration.m_pOutImage = m_bMaskIsOutput ? &m_Kept.m_NotAskedFor : m_pOutImage;
     m_DynamicCalibration.m_pOutMaskImage = m_bMaskIsOutput ? m_pOutImage : nullptr;
     m_DynamicCalibration.m_bSensitiveMode = m_bSensitiveMode;
     ThrowIfFailed(m_DynamicCalibration.Apply(), VEK_HERE);

@@ -9,9 +9,9 @@
 #include "Calibrate/IpCalibrateGeometricBicubic.h"
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
 #include "ImageProcessing/IpRescale.h"
+#include "Tools/FpImage.h"
 #include "Tools/ProcessorBase.h"
 
-class ClImage;
 class ClStream;
 
 class ClIpCalibrateLumivane2 : public ClProcessorBase {
@@ -89,6 +89,17 @@ public:
     ClCalibrateGeometricData m_TargetData;      ///< reference target, or empty
     ClCalibrateGeometricData m_CalibrationData; ///< the calibration of this scanner
     ClIpCalibrateGeometricBicubic m_GeometricBicubic;
+    /// What a call works in, kept for its memory: a capture of the same size as the one before
+    /// finds everything there. What is in it between two calls means nothing.
+    struct StKept {
+        ClImage m_Capture;
+        ClImage m_Sharpened;
+        ClImage m_Warped;
+        ClImage m_NotAskedFor; ///< the corrected image where the mask is the output
+        ClImage m_Result;      ///< taken by the next output that comes without pixels
+    };
+    StKept m_Kept;
+
     ClIpRescale m_Rescale; ///< set to the target's resolution for those who derive; not applied
 
 private:

@@ -1,6 +1,7 @@
 #include "TessarinCalibrateSDK/BitmapBlock.h"
 
 #include "Tools/FpImage.h"
+#include "support/AllocationCount.h"
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
 #include "support/GuardedMemory.h"
@@ -242,4 +243,88 @@ TEST(BitmapBlock, AttachRefusesAnAreaWithoutPixels) {
         EXPECT_THROWS(BitmapBlock::Attach(Bitmap, Image), ClException, -101,
                       "Image area must be positive");
     }
+}
+
+// Both in one
+
+namespace {
+
+/// What becomes of a block: the code or the number thrown, and the image.
+struct StTaken {
+    long m_nCode = 0;
+    ClImage m_Image;
+};
+
+template <class Take>
+void TakeBlock(StTaken& rTaken, Take take) {
+    try {
+        rTaken.m_nCode = take(rTaken.m_Image);
+    } catch (const ClException& e) {
+        rTaken.m_nCode = e.Number();
+    }
+}
+
+void ExpectTakenAsByTwoSteps(const Bytes& aBlock, unsigned long nSize, ClImage& rKept) {
+    StTaken Expected;
+    TakeBlock(Expected, [&](ClImage& rImage) {
+        ClBitmap Bitmap;
+        const long nCode = BitmapBlock::Copy(aBlock.data(), nSize, Bitmap);
+        if (nCode == 0)
+            BitmapBlock::Attach(Bitmap, rImage);
+        return nCode;
+    });
+    StTaken Taken;
+    Taken.m_Image.Swap(rKept);
+    TakeBlock(Taken, [&](ClImage& rImage) {
+        return BitmapBlock::CopyToImage(aBlock.data(), nSize, rImage);
+    });
+    EXPECT_EQ(Taken.m_nCode, Expected.m_nCode);
+    if (Expected.m_nCode == 0) {
+        const ClImage& Image = Taken.m_Image;
+        const ClImage& Other = Expected.m_Image;
+        EXPECT_EQ(Image.Width(), Other.Width());
+        EXPECT_EQ(Image.Height(), Other.Height());
+        EXPECT_EQ(Image.Planes(), Other.Planes());
+        EXPECT_EQ(Image.PelsX(), Other.PelsX());
+        EXPECT_EQ(Image.PelsY(), Other.PelsY());
+        EXPECT_EQ(Image.DataType(), Other.DataType());
+        EXPECT_EQ(Image.Content(), Other.Content());
+        ASSERT_EQ(Image.SizeBytes(), Other.SizeBytes());
+        if (Image.SizeBytes() > 0) {
+            EXPECT_EQ(std::memcmp(Image.Data(), Other.Data(), Image.SizeBytes()), 0);
+        }
+    }
+    rKept.Swap(Taken.m_Image);
+}
+
+} // namespace
+
+TEST(BitmapBlock, CopyToImageDoesWhatCopyAndAttachDo) {
+    constexpr int canSides[][2] = {{13, 5}, {13, 5}, {8, 5}, {0, 5}, {8, 0}, {-8, -1}};
+    ClImage Kept; // from block to block
+    unsigned char nByte = 0;
+    for (const int nBits : {1, 4, 8, 16, 24, 32})
+        for (const std::uint32_t nCompression : {0u, 1u, 3u})
+            for (const auto& [nWidth, nHeight] : canSides) {
+                StHead Shape = Head(nWidth, nHeight, nBits, nBits == 8 ? 17 : 0, nCompression);
+                Shape.m_nPelsX = 19685 + nWidth;
+                Shape.m_nPelsY = 39370 + nHeight;
+                Bytes aBlock = Block(Shape);
+                for (std::size_t i = 40; i < aBlock.size(); ++i)
+                    aBlock[i] = ++nByte;
+                SCOPED_TRACE(testing::Message() << nBits << " bits, compression " << nCompression
+                                                << ", " << nWidth << " x " << nHeight);
+                ExpectTakenAsByTwoSteps(aBlock, aBlock.size(), Kept);
+                ExpectTakenAsByTwoSteps(aBlock, aBlock.size() - 1, Kept);
+                ExpectTakenAsByTwoSteps(aBlock, 39, Kept);
+            }
+}
+
+TEST(BitmapBlock, CopyToImageKeepsTheBufferForTheNextBlockOfTheSize) {
+    const Bytes aBlock = UsualBlock(Head(13, 5, 8));
+    ClImage Image;
+    ASSERT_EQ(BitmapBlock::CopyToImage(aBlock.data(), aBlock.size(), Image), 0);
+    const TestSupport::ClCountAllocations count;
+    ASSERT_EQ(BitmapBlock::CopyToImage(aBlock.data(), aBlock.size(), Image), 0);
+    EXPECT_EQ(count.SoFar().m_nCount, 0);
 }

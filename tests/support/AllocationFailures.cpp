@@ -1,5 +1,8 @@
 #include "support/AllocationFailures.h"
 
+#include "support/AllocationCount.h"
+
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -8,6 +11,7 @@ namespace {
 
 thread_local long g_nCountdown = -1;
 thread_local bool g_bHappened = false;
+thread_local TestSupport::StAllocations* g_pCounted = nullptr;
 thread_local TestSupport::EFailure g_eFailure = TestSupport::EFailure::eThrow;
 
 bool FailsNow() {
@@ -19,7 +23,15 @@ bool FailsNow() {
     return true;
 }
 
+void Count(std::size_t nSize) {
+    if (g_pCounted == nullptr)
+        return;
+    ++g_pCounted->m_nCount;
+    g_pCounted->m_nLargest = std::max(g_pCounted->m_nLargest, nSize);
+}
+
 void* AllocateOrNull(std::size_t nSize) noexcept {
+    Count(nSize);
     return FailsNow() ? nullptr : std::malloc(nSize > 0 ? nSize : 1);
 }
 
@@ -47,6 +59,14 @@ ClFailAllocation::~ClFailAllocation() {
 
 bool ClFailAllocation::Happened() {
     return g_bHappened;
+}
+
+ClCountAllocations::ClCountAllocations() {
+    g_pCounted = &m_Counted;
+}
+
+ClCountAllocations::~ClCountAllocations() {
+    g_pCounted = nullptr;
 }
 
 long PauseFailures() {
