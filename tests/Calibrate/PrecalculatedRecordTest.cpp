@@ -349,6 +349,23 @@ TEST(PrecalculatedRecord, RefusesOffsetsOutsideTheCapture) {
         }
 }
 
+TEST(PrecalculatedRecord, TellsRightOffsetsFromWrongOnesBehindEveryRightOne) {
+    const auto isRight = [](std::int32_t n) {
+        return n == -1 || (n >= 0 && n % 12 + 4 <= 10 && n / 12 + 4 <= 9);
+    };
+    for (std::int32_t nBefore = 0; nBefore <= 66; ++nBefore)
+        for (std::int32_t nOffset = -3; isRight(nBefore) && nOffset <= 72; ++nOffset) {
+            const auto load = [&] {
+                ClOpenWarp Warp;
+                Load(Warp, TableRecord(TableOf({-1, nBefore, -1, nOffset, -1, -1})));
+            };
+            if (isRight(nOffset))
+                EXPECT_NO_THROW(load()) << nOffset << " behind " << nBefore;
+            else
+                EXPECT_THROW(load(), ClExTessarin) << nOffset << " behind " << nBefore;
+        }
+}
+
 TEST(PrecalculatedRecord, RefusesEveryOffsetIntoACaptureOfLessThanFourPixels) {
     for (std::uint32_t StTable::*pSize : {&StTable::m_nSourceWidth, &StTable::m_nSourceHeight})
         for (const std::uint32_t nSize : {0u, 3u}) {
