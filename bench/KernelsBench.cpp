@@ -6,6 +6,7 @@
 #include "ImageProcessing/Kernels/Histogram.h"
 #include "ImageProcessing/Kernels/LinearFilter.h"
 #include "ImageProcessing/Kernels/LocalStretch.h"
+#include "ImageProcessing/Kernels/LocalThreshold.h"
 #include "ImageProcessing/Kernels/LookUp.h"
 #include "ImageProcessing/Kernels/Mean.h"
 #include "ImageProcessing/Kernels/Median.h"
@@ -115,6 +116,16 @@ void Median3x3(benchmark::State& state) {
     });
 }
 BENCHMARK(Median3x3)->Apply(ByLevel);
+
+/// As the dots of a target are found.
+void LocalThreshold(benchmark::State& state) {
+    Kernels::ClScratch Scratch;
+    Run(state, 0, cnRawWidth, cnRawHeight, [&](ClPlane& rIn, ClPlane& rOut) {
+        Kernels::LocalThreshold(rIn.Line(0), cnRawWidth, cnRawWidth, cnRawHeight,
+                                {42, 87, -10, 0, 255}, rOut.Line(0), cnRawWidth, Scratch);
+    });
+}
+BENCHMARK(LocalThreshold)->Apply(ByLevel);
 
 // Linear filters
 

@@ -176,16 +176,17 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestSymmetricSums) {
     }
 }
 
-TYPED_TEST(LinearFilter, EqualsItsDefinitionWhereATapSumsToMoreThanOne) {
+TYPED_TEST(LinearFilter, EqualsItsDefinitionWhereTapsSumToMoreThanOne) {
     using T = TypeParam;
     constexpr long cnWidth = 70;
-    for (const long nTap : {4097L, 4300L}) {
+    for (const long nTap : {2049L, 2150L}) {
+        const long aTaps[] = {nTap, 0, nTap};
         const std::vector<T> aLine(cnWidth, std::numeric_limits<T>::max());
-        const T* apLines[] = {aLine.data()};
-        ClLinearFilter filter(&nTap, 1, cnWidth);
-        const Wide nSum = Wide{nTap} * std::numeric_limits<T>::max();
+        const T* apLines[] = {aLine.data(), aLine.data(), aLine.data()};
+        ClLinearFilter filter(aTaps, 3, cnWidth);
+        const Wide nSum = Wide{2 * nTap} * std::numeric_limits<T>::max();
         const std::vector<T> aOnce(cnWidth, Quotient<T>(nSum, 4096));
-        const std::vector<T> aTwice(cnWidth, Quotient<T>(nSum * nTap, 4096L * 4096L));
+        const std::vector<T> aTwice(cnWidth, Quotient<T>(nSum * 2 * nTap, 4096L * 4096L));
         TestSupport::AtEveryLevel([&] {
             ExpectLine(aOnce, [&](T* pOut) { filter.FilterColumns(apLines, pOut); });
             ExpectLine(aTwice, [&](T* pOut) { filter.FilterBoth(apLines, pOut); });
