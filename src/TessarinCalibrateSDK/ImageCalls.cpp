@@ -1,6 +1,5 @@
 // The exported functions that take a bitmap and work on it.
 
-#include "FingerCoding/IpQK7FunctionalityCheck.h"
 #include "TessarinCalibrateSDK/BitmapBlock.h"
 #include "TessarinCalibrateSDK/CallFrame.h"
 #include "Tools/FpImage.h"
@@ -64,7 +63,10 @@ long Measure(ClIpCalibrateLumivane2::StKept& rKept, const unsigned char* pBlock,
     if (const long nCode = BitmapBlock::CopyToImage(pBlock, nSize, rKept.m_Capture))
         return nCode;
     BitmapBlock::CheckArea(rKept.m_Capture);
-    ClIpQK7FunctionalityCheck Check;
+    ClIpQK7FunctionalityCheck& Check =
+        rKept.m_FunctionalityCheck; // as a new one, but for its memory
+    Check.SetParametersToDefault();
+    Check.Timer(true);
     Check.m_pInImage = &rKept.m_Capture;
     Check.m_pOutImage = &rKept.m_Result;
     Check.Apply(); // without pixels, of a compressed block, nothing is found

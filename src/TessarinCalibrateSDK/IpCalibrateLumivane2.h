@@ -8,6 +8,7 @@
 #include "Calibrate/CalibrateGeometricData.h"
 #include "Calibrate/IpCalibrateGeometricBicubic.h"
 #include "FingerCoding/IpQK7DynamicCalibration30.h"
+#include "FingerCoding/IpQK7FunctionalityCheck.h"
 #include "ImageProcessing/IpRescale.h"
 #include "Tools/FpImage.h"
 #include "Tools/ProcessorBase.h"
@@ -96,7 +97,8 @@ public:
         ClImage m_Sharpened;
         ClImage m_Warped;
         ClImage m_NotAskedFor; ///< the corrected image where the mask is the output
-        ClImage m_Result;      ///< taken by the next output that comes without pixels
+        ClIpQK7FunctionalityCheck m_FunctionalityCheck;
+        ClImage m_Result; ///< taken by the next output that comes without pixels
     };
     StKept m_Kept;
 

@@ -110,3 +110,14 @@ TEST(ContaminationCall, SurvivesMissingMemory) {
     }
     FAIL() << "the call never got by without a failing allocation";
 }
+
+TEST(ContaminationCall, FindsNothingWithoutPixelsWhateverWasFoundBefore) {
+    StOwnHandle<> Own;
+    double dLevel = 0.0;
+    Bytes aSpecks = Capture(200, 250);
+    LinesOf(Own.Handle(), aSpecks, dLevel, 0);
+    EXPECT_EQ(dLevel, 100.0);
+    Bytes aCompressed = Capture(200, 250, 8, 1);
+    LinesOf(Own.Handle(), aCompressed, dLevel, 0);
+    EXPECT_EQ(dLevel, 0.0);
+}
