@@ -44,14 +44,14 @@ bool IsTight(const Naive::Grid& Region, const StBox& Box) {
     return true;
 }
 
-struct StCase {
+struct StBlurCase {
     Naive::Grid m_Region;
     StBox m_Box;
 };
 
 /// A region in a box as near to the edges as it may be.
 template <class Value>
-StCase InFrame(int nWidth, int nHeight, Value value) {
+StBlurCase InFrame(int nWidth, int nHeight, Value value) {
     const int nReach = static_cast<int>(ClDoubleBlur::cnReach);
     const StBox Box{nReach, nReach, nReach + nWidth, nReach + nHeight};
     return {Naive::Made(nWidth + 2 * nReach, nHeight + 2 * nReach,
@@ -64,7 +64,7 @@ StCase InFrame(int nWidth, int nHeight, Value value) {
             Box};
 }
 
-void ExpectBlurred(const StCase& Case, bool bGrow) {
+void ExpectBlurred(const StBlurCase& Case, bool bGrow) {
     const Naive::Grid Expected = Blurred(Case.m_Region, bGrow ? 245.0 : 10.0);
     ClOwnPlane In(Case.m_Region.m_nWidth, Case.m_Region.m_nHeight, 77); // outside of the box
     for (long y = Case.m_Box.m_nTop; y < Case.m_Box.m_nBottom; ++y)
@@ -92,7 +92,7 @@ void ExpectBlurred(const StCase& Case, bool bGrow) {
 TEST(QuickDoubleBlur, GrowsAndShrinksWhatIsSolidByItsDefinition) {
     for (const int nSide : {1, 3, 4, 5, 20, 45, 70}) {
         SCOPED_TRACE(nSide);
-        const StCase Case = InFrame(nSide, 50, [](int, int) { return true; });
+        const StBlurCase Case = InFrame(nSide, 50, [](int, int) { return true; });
         ExpectBlurred(Case, true);
         ExpectBlurred(Case, false);
     }
@@ -104,7 +104,7 @@ TEST(QuickDoubleBlur, GrowsAndShrinksNoiseOfEveryDensity) {
         SCOPED_TRACE(nPercent);
         const int nWidth = 1 + static_cast<int>(Random() % 150);
         const int nHeight = 1 + static_cast<int>(Random() % 90);
-        const StCase Case = InFrame(nWidth, nHeight, [&](int, int) {
+        const StBlurCase Case = InFrame(nWidth, nHeight, [&](int, int) {
             return Random() % 100 < static_cast<unsigned>(nPercent);
         });
         ExpectBlurred(Case, true);
@@ -115,7 +115,7 @@ TEST(QuickDoubleBlur, GrowsAndShrinksNoiseOfEveryDensity) {
 TEST(QuickDoubleBlur, GrowsAndShrinksRoundPiecesWithGaps) {
     for (const int nGap : {2, 8, 14, 20}) {
         SCOPED_TRACE(nGap);
-        const StCase Case = InFrame(140, 100, [nGap](int x, int y) {
+        const StBlurCase Case = InFrame(140, 100, [nGap](int x, int y) {
             const double u = (x - 70) / 70.0;
             const double v = (y - 50) / 50.0;
             return u * u + v * v < 1.0 && (x + y) % 31 >= nGap;
