@@ -1,10 +1,9 @@
 # Compiler settings shared by every target of the project.
 #
 # Results have to be the same bytes on every x86-64 machine, as far as the compiler decides: no
-# contraction into fused multiply-adds, no fast-math, no -march beyond the baseline. What is left are
-# the logarithm and its like in the C library, which chooses their code by the processor: with fused
-# multiply-add and without, results differ in their last bit now and then, and with a logarithm's,
-# rarely, an entry of a warp table.
+# contraction into fused multiply-adds, no fast-math, no -march beyond the baseline. The logarithm of
+# the splines is the library's own for that reason; the C library's functions choose their code by
+# the processor, and their results differ in the last bit now and then.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)

@@ -74,11 +74,10 @@ void FillEntry(const StCaptureSize& Size, double sx, double sy, unsigned char* p
 
 namespace {
 
-/// Whether there are positions inside, all with offsets that fit, and sides are exact floats.
+/// Whether offsets of all positions inside fit, and sides are exact floats.
 bool IsOrdinary(const StCaptureSize& Size) {
     constexpr std::uint32_t cnExactFloats = 1U << 24;
-    return Size.m_nWidth >= 4 && Size.m_nHeight >= 4 && Size.m_nWidth <= cnExactFloats &&
-           Size.m_nHeight <= cnExactFloats &&
+    return std::max(Size.m_nWidth, Size.m_nHeight) <= cnExactFloats &&
            LineStride(Size.m_nWidth) * Size.m_nHeight <= INT32_MAX;
 }
 

@@ -93,6 +93,14 @@ TEST(Logarithm, OfTheHardestNumber) {
     EXPECT_EQ(CorrectLog(x), NearestOf200Bits(x));
 }
 
+// Met by searching: for these the sum of two doubles is just not exact enough.
+TEST(Logarithm, OfNumbersThatOnlyTheSlowWayDecides) {
+    for (const double x : {0x1.018df9d61ed88p+0, 0x1.0057bdf3a92cbp+0, 0x1.00f4d5219a1fbp+0,
+                           0x1.fcd126ed6c87ep-1, 0x1.ff5c88288fab8p-1, 0x1.01c100914a45p+0,
+                           0x1.0044e1e3eb021p+0, 0x1.01c958cfa31a8p+0, 0x1.01f7a039b3feep+0})
+        EXPECT_EQ(CorrectLog(x), NearestOf200Bits(x)) << std::hexfloat << x;
+}
+
 TEST(Logarithm, IsTheNearestDoubleForRandomBits) {
     ExpectNearest(
         1, 500, [](std::mt19937_64& rRandom) { return FromBits(rRandom() % 0x7FF0000000000000); });
