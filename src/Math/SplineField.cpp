@@ -287,10 +287,10 @@ void AddNear(const StSource& rSource, double dX, double dY, StBlock& rBlock) {
 }
 
 struct StEvaluate {
-    static void Run(const StSource* pSources, long nSources, const double (*pAffine)[3], double dX,
-                    double dY, StBlock* pBlock) {
+    static void Run(const StSource* pSources, std::size_t nSources, const double (*pAffine)[3],
+                    double dX, double dY, StBlock* pBlock) {
         StSeries aSeries[2] = {};
-        for (long i = 0; i < nSources; ++i)
+        for (std::size_t i = 0; i < nSources; ++i)
             AddFar(pSources[i], dX + cdMiddle, dY + cdMiddle, aSeries);
         for (int c = 0; c < 2; ++c) {
             StPolynomial polynomial = {};
@@ -299,7 +299,7 @@ struct StEvaluate {
             for (int y = 0; y < cnTile; ++y)
                 EvaluateLine(polynomial, y, c == 0 ? pBlock->m_aadX[y] : pBlock->m_aadY[y]);
         }
-        for (long i = 0; i < nSources; ++i)
+        for (std::size_t i = 0; i < nSources; ++i)
             AddNear(pSources[i], dX, dY, *pBlock);
     }
 };
@@ -317,7 +317,8 @@ double LargestAffine(const double* pAffine, int nWidth, int nHeight) {
            std::fabs(pAffine[2]) * (nHeight + cnTile);
 }
 
-double ErrorOf(double dWeightSum, double dLargestSquare, double dLargestAffine, long nSources) {
+double ErrorOf(double dWeightSum, double dLargestSquare, double dLargestAffine,
+               std::size_t nSources) {
     constexpr double cdUnit = 0x1p-53;
     const double dRadial = dLargestSquare * (QuickLog(dLargestSquare) + 1.0) + 2.0;
     return cdTruncation * dWeightSum + (8.0 * static_cast<double>(nSources) + 1024.0) * cdUnit *
@@ -328,11 +329,11 @@ double ErrorOf(double dWeightSum, double dLargestSquare, double dLargestAffine, 
 
 ClSplineField::ClSplineField(const TpThinPlateSplines<double>& rSpline, int nWidth, int nHeight)
     : m_pSources(Vek::NewArrayPtr<StSource>(rSpline.Parts().m_nOrigins)),
-      m_nSources(static_cast<long>(rSpline.Parts().m_nOrigins)) {
+      m_nSources(rSpline.Parts().m_nOrigins) {
     const TpThinPlateSplines<double>::StParts Parts = rSpline.Parts();
     double dLargestSquare = 0.0;
     double adWeightSum[2] = {0.0, 0.0};
-    for (long i = 0; i < m_nSources; ++i) {
+    for (std::size_t i = 0; i < m_nSources; ++i) {
         const ClVector& rOrigin = Parts.m_pOrigins[i];
         m_pSources[i] = {rOrigin.x, rOrigin.y, {Parts.m_pWeightsX[i], Parts.m_pWeightsY[i]}};
         dLargestSquare = std::fmax(dLargestSquare, LargestSquare(rOrigin.x, nWidth) +
@@ -340,7 +341,7 @@ ClSplineField::ClSplineField(const TpThinPlateSplines<double>& rSpline, int nWid
         adWeightSum[0] += std::fabs(Parts.m_pWeightsX[i]);
         adWeightSum[1] += std::fabs(Parts.m_pWeightsY[i]);
     }
-    for (int i = 0; i < 3; ++i) {
+    for (std::size_t i = 0; i < 3; ++i) {
         m_aadAffine[0][i] = Parts.m_pWeightsX[m_nSources + i];
         m_aadAffine[1][i] = Parts.m_pWeightsY[m_nSources + i];
     }

@@ -5,6 +5,7 @@
 
 #include "Math/ThinPlateSplines.h"
 
+#include <cstddef>
 #include <memory>
 
 class ClSplineField {
@@ -40,7 +41,7 @@ public:
 
 private:
     std::unique_ptr<StSource[]> m_pSources;
-    long m_nSources;
+    std::size_t m_nSources;
     double m_aadAffine[2][3]; ///< constant, factor of x, factor of y, for both outputs
     double m_adError[2];
 };

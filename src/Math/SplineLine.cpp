@@ -50,10 +50,10 @@ StLog<float> LogWithDoubt(float fSquare) {
 StLog<double> LogWithDoubt(double dSquare) {
     const LogarithmPairs::StPair sum = LogarithmPairs::LogOfNormal(dSquare, 0.0);
     const double dLess = LogarithmPairs::RoundedLess(sum);
-    const bool bSure = (dLess == LogarithmPairs::RoundedMore(sum)) &
-                       (dSquare >= std::numeric_limits<double>::min()) &
-                       (dSquare <= std::numeric_limits<double>::max());
-    return {dLess, bSure ? 0 : 1};
+    const int nRoundsAlike = dLess == LogarithmPairs::RoundedMore(sum);
+    const int nNormal = dSquare >= std::numeric_limits<double>::min();
+    const int nFinite = dSquare <= std::numeric_limits<double>::max();
+    return {dLess, 1 - (nRoundsAlike & nNormal & nFinite)};
 }
 
 /// Returns how many logarithms are in doubt.
