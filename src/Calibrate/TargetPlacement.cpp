@@ -32,6 +32,13 @@ StExtent ExtentOf(const PointList& rPoints) {
     return Extent;
 }
 
+/// Some pixels of a border, mapped together.
+struct StBorderPart {
+    static constexpr long cnMost = 256;
+    float m_afX[cnMost];
+    float m_afY[cnMost];
+};
+
 /// What brings the pattern, with half a pitch around it, to the middle of the corrected image.
 ClVector MoveByExtent(const PointList& rTarget, const StDotSettings& rSettings) {
     const double dHalfX =
@@ -80,22 +87,18 @@ ClVector ClIpCalibrateGeometricBuildRefPointsBase::MoveByBorders(Spline& rSpline
 double ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta(Spline& rSpline, int nX, int nY,
                                                                 int nLength, bool bVertical) const {
     const Vek::ClCallTrace Trace("ClIpCalibrateGeometricBuildRefPointsBase::GetBorderDelta()");
-    constexpr int cnChunk = 256;
-    float afX[cnChunk];
-    float afY[cnChunk];
-    float afMappedX[cnChunk];
-    float afMappedY[cnChunk];
     float sum = 0.0F;
-    for (int nFirst = 0; nFirst < nLength; nFirst += cnChunk) {
-        const int nCount = std::min(cnChunk, nLength - nFirst);
-        for (int i = 0; i < nCount; ++i) {
-            const long nAlong = long{nFirst} + i;
-            afX[i] = static_cast<float>(bVertical ? nX : nX + nAlong);
-            afY[i] = static_cast<float>(bVertical ? nY + nAlong : nY);
+    for (long nFirst = 0; nFirst < nLength; nFirst += StBorderPart::cnMost) {
+        StBorderPart part;
+        const long nCount = std::min(StBorderPart::cnMost, nLength - nFirst);
+        for (long i = 0; i < nCount; ++i) {
+            const long nAlong = nFirst + i;
+            part.m_afX[i] = static_cast<float>(bVertical ? nX : nX + nAlong);
+            part.m_afY[i] = static_cast<float>(bVertical ? nY + nAlong : nY);
         }
-        TransformLine(rSpline, afX, afY, nCount, afMappedX, afMappedY);
-        for (int i = 0; i < nCount; ++i)
-            sum += bVertical ? afMappedX[i] : afMappedY[i];
+        TransformLine(rSpline, part.m_afX, part.m_afY, nCount, part.m_afX, part.m_afY);
+        for (long i = 0; i < nCount; ++i)
+            sum += bVertical ? part.m_afX[i] : part.m_afY[i];
     }
     return static_cast<double>(nLength > 0 ? sum / static_cast<float>(nLength) : 0.0F);
 }

@@ -44,9 +44,9 @@ void FillMatrix(ublas::matrix<T>& rA, unsigned long n, const ClVector* pvOrigin)
     for (unsigned long i = 0; i < n; ++i) {
         const T x = static_cast<T>(pvOrigin[i].x);
         const T y = static_cast<T>(pvOrigin[i].y);
-        for (unsigned long j = 0; j < n; ++j)
-            rA(i, j) = Radial(SquaredDistance(x, y, static_cast<T>(pvOrigin[j].x),
-                                              static_cast<T>(pvOrigin[j].y)));
+        for (unsigned long j = 0; j < i; ++j)
+            rA(i, j) = rA(j, i) = Radial(SquaredDistance(x, y, static_cast<T>(pvOrigin[j].x),
+                                                         static_cast<T>(pvOrigin[j].y)));
         rA(i, n) = rA(n, i) = T(1);
         rA(i, n + 1) = rA(n + 1, i) = x;
         rA(i, n + 2) = rA(n + 2, i) = y;
