@@ -11,7 +11,9 @@
 //
 // which the compiler turns into vectors.
 
+#include "ImageProcessing/Kernels/Scratch.h"
 #include "Tools/Allocate.h"
+#include "Tools/InstructionLevel.h"
 
 #include <algorithm>
 #include <type_traits>
@@ -52,46 +54,58 @@ void MedianAlongLine3(const T* pIn, long nWidth, T* __restrict pOut) {
         MedianLine3(pIn, pIn + 1, pIn + 2, nWidth - 2, pOut + 1);
 }
 
+template <class T>
+void SortLines(const T* pA, const T* pB, const T* pC, long nWidth, T* __restrict pLow,
+               T* __restrict pMiddle, T* __restrict pHigh) {
+    for (long x = 0; x < nWidth; ++x) {
+        const T nLow = Lowest(pA[x], pB[x]);
+        const T nHigh = Highest(pA[x], pB[x]);
+        pLow[x] = Lowest(nLow, pC[x]);
+        pMiddle[x] = Highest(nLow, Lowest(nHigh, pC[x]));
+        pHigh[x] = Highest(nHigh, pC[x]);
+    }
+}
+
+template <class T>
+void MediansOfColumns(const T* pLow, const T* pMiddle, const T* pHigh, long nWidth,
+                      T* __restrict pOut) {
+    for (long x = 0; x < nWidth; ++x)
+        pOut[x] = MedianOf3(Highest(Highest(pLow[x], pLow[x + 1]), pLow[x + 2]),
+                            MedianOf3(pMiddle[x], pMiddle[x + 1], pMiddle[x + 2]),
+                            Lowest(Lowest(pHigh[x], pHigh[x + 1]), pHigh[x + 2]));
+}
+
 /// The sorted columns of three lines, each of the three with its ends repeated.
 template <class T>
 class ClSortedColumns {
 public:
-    explicit ClSortedColumns(long nWidth)
-        : m_nWidth(nWidth),
-          m_pLines(Vek::NewArrayPtr<T>(3 * static_cast<std::size_t>(nWidth + 2))) {}
+    static std::size_t Bytes(long nWidth) { return 3 * static_cast<std::size_t>(Stride(nWidth)); }
 
-    void Sort(const T* pA, const T* pB, const T* pC) {
-        T* __restrict pLow = Line(0) + 1;
-        T* __restrict pMiddle = Line(1) + 1;
-        T* __restrict pHigh = Line(2) + 1;
-        for (long x = 0; x < m_nWidth; ++x) {
-            const T nLow = Lowest(pA[x], pB[x]);
-            const T nHigh = Highest(pA[x], pB[x]);
-            pLow[x] = Lowest(nLow, pC[x]);
-            pMiddle[x] = Highest(nLow, Lowest(nHigh, pC[x]));
-            pHigh[x] = Highest(nHigh, pC[x]);
-        }
+    ClSortedColumns(T* pMemory, long nWidth) : m_nWidth(nWidth), m_pLines(pMemory) {}
+
+    void Sort(const T* pA, const T* pB, const T* pC) const {
+        SortLines(pA, pB, pC, m_nWidth, Line(0), Line(1), Line(2));
         for (int i = 0; i < 3; ++i) {
-            Line(i)[0] = Line(i)[1];
-            Line(i)[m_nWidth + 1] = Line(i)[m_nWidth];
+            Line(i)[-1] = Line(i)[0];
+            Line(i)[m_nWidth] = Line(i)[m_nWidth - 1];
         }
     }
 
-    void Write(T* __restrict pOut) const {
-        const T* pLow = Line(0);
-        const T* pMiddle = Line(1);
-        const T* pHigh = Line(2);
-        for (long x = 0; x < m_nWidth; ++x)
-            pOut[x] = MedianOf3(Highest(Highest(pLow[x], pLow[x + 1]), pLow[x + 2]),
-                                MedianOf3(pMiddle[x], pMiddle[x + 1], pMiddle[x + 2]),
-                                Lowest(Lowest(pHigh[x], pHigh[x + 1]), pHigh[x + 2]));
+    void Write(T* pOut) const {
+        MediansOfColumns(Line(0) - 1, Line(1) - 1, Line(2) - 1, m_nWidth, pOut);
     }
 
 private:
-    T* Line(long i) const { return m_pLines.get() + i * (m_nWidth + 2); }
+    static constexpr long cnMargin = 64; ///< the samples of a line begin with a cache line
+
+    static long Stride(long nWidth) {
+        return cnMargin +
+               static_cast<long>(ClScratch::Aligned(static_cast<std::size_t>(nWidth + 1)));
+    }
+    T* Line(long i) const { return m_pLines + i * Stride(m_nWidth) + cnMargin; }
 
     long m_nWidth;
-    std::unique_ptr<T[]> m_pLines;
+    T* m_pLines;
 };
 
 // Any width
@@ -202,12 +216,22 @@ void AlongColumns(const StPlane<T>& Plane, long nHalf) {
 }
 
 template <class T>
-void OverSquares3(const StPlane<T>& Plane) {
-    ClSortedColumns<T> Columns(Plane.m_nWidth);
-    for (long y = 0; y < Plane.m_nHeight; ++y) {
-        Columns.Sort(Plane.In(y - 1), Plane.In(y), Plane.In(y + 1));
-        Columns.Write(Plane.Out(y));
+struct StOverSquares3 {
+    static void Run(T* pMemory, const StPlane<T>* pPlane) {
+        const StPlane<T> Plane = *pPlane;
+        ClSortedColumns<T> Columns(pMemory, Plane.m_nWidth);
+        for (long y = 0; y < Plane.m_nHeight; ++y) {
+            Columns.Sort(Plane.In(y - 1), Plane.In(y), Plane.In(y + 1));
+            Columns.Write(Plane.Out(y));
+        }
     }
+};
+
+template <class T>
+void OverSquares3(const StPlane<T>& Plane) {
+    ClScratch Scratch;
+    unsigned char* pMemory = Scratch.Reserve(ClSortedColumns<T>::Bytes(Plane.m_nWidth));
+    RunAtLevel<StOverSquares3<T>>(reinterpret_cast<T*>(pMemory), &Plane);
 }
 
 template <class T>

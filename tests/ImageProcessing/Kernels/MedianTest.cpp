@@ -3,6 +3,7 @@
 #include "ImageProcessing/Kernels/PlaneCase.h"
 #include "ImageProcessing/NaiveRankFilter.h"
 #include "support/AllocationFailures.h"
+#include "support/InstructionLevels.h"
 
 #include <limits>
 
@@ -38,6 +39,16 @@ TYPED_TEST(MedianKernel, EqualsItsDefinition) {
                     << Size.m_nWidth << " by " << Size.m_nHeight << ", mode " << nMode << ", half "
                     << nHalf;
     }
+}
+
+TYPED_TEST(MedianKernel, EqualsItsDefinitionOn3By3AtEveryLevel) {
+    for (const long nWidth : {1L, 2L, 3L, 31L, 63L, 64L, 65L, 66L, 130L})
+        for (const long nHeight : {1L, 2L, 9L}) {
+            SCOPED_TRACE(testing::Message() << nWidth << " by " << nHeight);
+            ClPlaneCase<TypeParam> plane(nWidth, nHeight, 5);
+            const RealRows aExpected = NaiveMedian(plane.In(), 3, 3);
+            TestSupport::AtEveryLevel([&] { EXPECT_EQ(Median(plane, 3, 1), aExpected); });
+        }
 }
 
 TYPED_TEST(MedianKernel, EqualsItsDefinitionOnTheWidestWindow) {
