@@ -93,11 +93,13 @@ struct StBlur {
         const auto ring = [Ring](long y) { return Ring.Line(y); };
         const auto out = [P](long y) { return P.Out(y); };
 
-        for (long y = -P.m_nHalfY; y < 0; y += cnBatch)
-            Blur.RunLines(y, 0, P.m_nHalfY, P.m_nHeight, in, ring);
-        for (long y = 0; y < P.m_nHeight + P.m_nHalfY; y += cnBatch) {
-            Blur.RunLines(y, P.m_nHeight, P.m_nHalfY, P.m_nHeight, in, ring);
-            Blur2.RunLines(y - P.m_nHalfY, P.m_nHeight, P.m_nHalfY, P.m_nHeight, ring, out);
+        // One place for each, so that they are compiled once.
+        const long nBatchesAbove = (P.m_nHalfY + cnBatch - 1) / cnBatch;
+        for (long y = -nBatchesAbove * cnBatch; y < P.m_nHeight + P.m_nHalfY; y += cnBatch) {
+            if (y < P.m_nHeight)
+                Blur.RunLines(y, P.m_nHeight, P.m_nHalfY, P.m_nHeight, in, ring);
+            if (y >= 0)
+                Blur2.RunLines(y - P.m_nHalfY, P.m_nHeight, P.m_nHalfY, P.m_nHeight, ring, out);
         }
     }
 };

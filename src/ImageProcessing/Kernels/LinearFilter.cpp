@@ -1,7 +1,7 @@
 #include "ImageProcessing/Kernels/LinearFilter.h"
 
-// Bytes and the taps of a Gaussian, symmetric and few, take the loops of SymmetricFilter.h. What
-// follows serves all others.
+// Bytes and the taps of a Gaussian, symmetric and few, take the loops of SymmetricFilter.h on all
+// but short lines. What follows serves the others.
 //
 // Across lines, two lines at a time are interleaved and multiplied by a pair of taps in one
 // multiply-add of the x86-64 baseline: 16 columns a round. Along a line the same loop runs over
@@ -171,9 +171,11 @@ ClLinearFilter::ClLinearFilter(const long* pTaps, long nTaps, long nWidth)
     const auto nPadded = static_cast<std::size_t>(m_nWidth + m_nTaps - 1);
     m_pPadded = Vek::NewArrayPtr<unsigned char>(nPadded);
     m_pSums = Vek::NewArrayPtr<double>(nPadded);
-    m_Symmetric = ClSymmetricTaps(m_pTaps.get(), m_nTaps);
+    if (m_nWidth >= cnSymmetricRound)
+        m_Symmetric = ClSymmetricTaps(m_pTaps.get(), m_nTaps);
     if (m_Symmetric.Half() >= 0)
-        m_pSymmetricSums = Vek::NewArrayPtr<std::uint32_t>(nPadded);
+        m_pSymmetricSums = Vek::NewArrayPtr<std::uint32_t>(
+            static_cast<std::size_t>(m_nWidth + 2 * ClSymmetricTaps::cnLargestHalf));
 }
 
 void ClLinearFilter::CopyTaps(const long* pTaps, long nTaps) {
@@ -206,7 +208,7 @@ void ClLinearFilter::Filter(const LineAt& lineAt, T* pOut) const {
 
 template <class Finish, class Out>
 void ClLinearFilter::FilterSymmetric(const unsigned char* const* ppLines, Out* pOut) const {
-    WithHalf(m_Symmetric.Half(), [&](auto half) {
+    WithRoom(m_Symmetric.Half(), [&](auto half) {
         RunAtLevel<StFilterLines<half(), Finish, Out>>(&m_Symmetric, ppLines, m_nWidth, pOut);
     });
 }
@@ -251,10 +253,10 @@ void ClLinearFilter::FilterBoth(const T* const* ppLines, T* pOut) {
 }
 
 void ClLinearFilter::FilterBothSymmetric(const unsigned char* const* ppLines, unsigned char* pOut) {
-    std::uint32_t* pSums = m_pSymmetricSums.get();
-    FilterSymmetric<StWholeSum>(ppLines, pSums + m_nTaps / 2);
-    RepeatEnds(pSums, m_nWidth, m_nTaps);
-    WithHalf(m_Symmetric.Half(), [&](auto half) {
+    WithRoom(m_Symmetric.Half(), [&](auto half) {
+        std::uint32_t* pSums = m_pSymmetricSums.get();
+        FilterSymmetric<StWholeSum>(ppLines, pSums + half());
+        RepeatEnds(pSums, m_nWidth, 2 * half() + 1);
         RunAtLevel<StFilterSums<half()>>(&m_Symmetric, static_cast<const std::uint32_t*>(pSums),
                                          m_nWidth, pOut);
     });

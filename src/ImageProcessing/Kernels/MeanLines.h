@@ -108,7 +108,7 @@ public:
 
     /// A batch of steps on a plane of `nHeight` lines, `in(y)`, with windows that reach `nHalfY`
     /// lines up and down: the lines `out(y)` from `nFirst` on, before `nEnd`. Lines before 0 make
-    /// the windows of line 0 and are written nowhere; the first one is -nHalfY.
+    /// the windows of line 0 and are written nowhere; the first of these is -nHalfY or before.
     template <class In, class Out>
     void RunLines(long nFirst, long nEnd, long nHalfY, long nHeight, In in, Out out) {
         StStep aSteps[cnBatch];
@@ -116,7 +116,7 @@ public:
         for (long y = nFirst; nSteps < cnBatch && y < nEnd; ++y) {
             const long nEnter = y + nHalfY;
             const long nLeave = y - nHalfY - 1;
-            aSteps[nSteps++] = {nEnter < nHeight ? in(nEnter) : nullptr,
+            aSteps[nSteps++] = {nEnter >= 0 && nEnter < nHeight ? in(nEnter) : nullptr,
                                 nLeave >= 0 ? in(nLeave) : nullptr, y >= 0 ? out(y) : nullptr,
                                 y >= 0 ? in(y) : nullptr};
         }

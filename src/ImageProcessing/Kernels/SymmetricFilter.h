@@ -15,6 +15,7 @@
 // Along the sums of columns, 16 a + b, the sum of all products is at most 4096^2 * 255, which is
 // below 2^32.
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +26,7 @@ namespace Kernels {
 /// The taps from the middle on.
 class ClSymmetricTaps {
 public:
-    static constexpr long cnLargestHalf = 6;
+    static constexpr int cnLargestHalf = 6;
 
     ClSymmetricTaps() = default;
     /// Half() is -1 for taps that are not of this kind.
@@ -86,36 +87,47 @@ struct StWholeSum {
     static std::uint32_t Of(std::uint16_t a, std::uint16_t b, unsigned char) { return 16U * a + b; }
 };
 
-/// Calls `range(from, to)` for whole rounds, and for a last one that ends with the line.
+/// Lines have at least one round of samples.
+constexpr long cnSymmetricRound = 64;
+
+/// Calls `range(from, rounds)` for whole rounds, and for a last one that ends with the line; from
+/// one place, so that it is compiled once.
 template <class Range>
 void InRounds(long nSamples, Range range) {
-    constexpr long cnSamplesOfRound = 64;
-    if (nSamples < cnSamplesOfRound)
-        return range(0L, nSamples);
-    const long nWhole = nSamples / cnSamplesOfRound * cnSamplesOfRound;
-    range(0L, nWhole);
-    if (nWhole < nSamples)
-        range(nSamples - cnSamplesOfRound, nSamples);
+    long nFrom = 0;
+    long nRounds = nSamples / cnSymmetricRound;
+    for (;;) {
+        range(nFrom, nRounds);
+        if (nFrom + nRounds * cnSymmetricRound == nSamples)
+            return;
+        nFrom = nSamples - cnSymmetricRound;
+        nRounds = 1;
+    }
 }
 
-/// `ppLines` are 2 nHalf + 1 lines; `pOut` is none of them.
+/// `ppLines` are the lines of the taps; `pOut` is none of them. There is room for nHalf taps on
+/// either side.
 template <int nHalf, class Finish, class Out>
 struct StFilterLines {
     static void Run(const ClSymmetricTaps* pTaps, const unsigned char* const* ppLines,
                     long nSamples, Out* pOut) {
         const ClSymmetricTaps Taps = *pTaps;
-        InRounds(nSamples, [&](long nFrom, long nTo) { Range(Taps, ppLines, nFrom, nTo, pOut); });
+        const unsigned char* apLines[2 * nHalf + 1];
+        std::fill_n(apLines, 2 * nHalf + 1, ppLines[Taps.Half()]);
+        std::copy_n(ppLines, 2 * Taps.Half() + 1, apLines + nHalf - Taps.Half());
+        InRounds(nSamples, [&](long nFrom, long nRounds) {
+            Range(Taps, apLines, nFrom, nRounds * cnSymmetricRound, pOut);
+        });
     }
 
 private:
     static void Range(const ClSymmetricTaps& Taps, const unsigned char* const* ppLines, long nFrom,
-                      long nTo, Out* __restrict pOut) {
+                      long nSamples, Out* __restrict pOut) {
         const unsigned char* apLines[2 * nHalf + 1];
-        for (int k = 0; k <= 2 * nHalf; ++k)
-            apLines[k] = ppLines[k];
+        std::copy_n(ppLines, 2 * nHalf + 1, apLines);
         const ClSymmetricTaps::Words aWhole = Taps.m_aWhole;
         const ClSymmetricTaps::Words aPart = Taps.m_aPart;
-        for (long x = nFrom; x < nTo; ++x) {
+        for (long x = nFrom; x < nFrom + nSamples; ++x) {
             const std::uint16_t nMiddle = apLines[nHalf][x];
             auto a = static_cast<std::uint16_t>(nMiddle * aWhole[0]);
             auto b = static_cast<std::uint16_t>(nMiddle * aPart[0]);
@@ -131,20 +143,23 @@ private:
     }
 };
 
-/// Along sums of columns, of which there are 2 nHalf more than samples.
+/// Along sums of columns, of which there are nHalf more than samples on either side, from `pSums`
+/// on.
 template <int nHalf>
 struct StFilterSums {
     static void Run(const ClSymmetricTaps* pTaps, const std::uint32_t* pSums, long nSamples,
                     unsigned char* pOut) {
         const ClSymmetricTaps Taps = *pTaps;
-        InRounds(nSamples, [&](long nFrom, long nTo) { Range(Taps, pSums, nFrom, nTo, pOut); });
+        InRounds(nSamples, [&](long nFrom, long nRounds) {
+            Range(Taps, pSums, nFrom, nRounds * cnSymmetricRound, pOut);
+        });
     }
 
 private:
-    static void Range(const ClSymmetricTaps& Taps, const std::uint32_t* pSums, long nFrom, long nTo,
-                      unsigned char* __restrict pOut) {
+    static void Range(const ClSymmetricTaps& Taps, const std::uint32_t* pSums, long nFrom,
+                      long nSamples, unsigned char* __restrict pOut) {
         const auto aTaps = Taps.m_aTaps;
-        for (long x = nFrom; x < nTo; ++x) {
+        for (long x = nFrom; x < nFrom + nSamples; ++x) {
             std::uint32_t nSum = aTaps[0] * pSums[x + nHalf];
             for (int k = 1; k <= nHalf; ++k)
                 nSum += aTaps[static_cast<std::size_t>(k)] *
@@ -154,13 +169,15 @@ private:
     }
 };
 
-/// Calls `work(std::integral_constant<int, half>())`.
-template <int nHalf = 0, class Work>
-void WithHalf(int nWanted, Work work) {
-    if (nWanted == nHalf)
-        return work(std::integral_constant<int, nHalf>());
-    if constexpr (nHalf < ClSymmetricTaps::cnLargestHalf)
-        WithHalf<nHalf + 1>(nWanted, work);
+/// Calls `work(std::integral_constant<int, half>())` for one of two halves: a filter with fewer
+/// taps has taps of 0 beside them.
+template <class Work>
+void WithRoom(int nHalf, Work work) {
+    constexpr int cnSmall = 3; // of the scanner's sharpening
+    if (nHalf <= cnSmall)
+        work(std::integral_constant<int, cnSmall>());
+    else
+        work(std::integral_constant<int, ClSymmetricTaps::cnLargestHalf>());
 }
 
 } // namespace Kernels
