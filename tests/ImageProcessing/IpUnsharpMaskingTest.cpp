@@ -4,6 +4,7 @@
 #include "ImageProcessing/NaiveLinearFilter.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
+#include "support/InstructionLevels.h"
 #include "support/PublishedParameters.h"
 #include "support/Throws.h"
 
@@ -279,6 +280,33 @@ TEST(IpUnsharpMasking, AnswersEveryMissingAllocation) {
         EXPECT_EQ(unsharp.ApplyParam(image, image, 0), 0);
     });
     EXPECT_EQ(Pixels(image), Sharpened(Pixels(copy), LowPass(copy, 2.0, 0, 3), 1.0, 0));
+}
+
+/// In one pass over the columns, and what is next to that.
+TEST(IpUnsharpMasking, SharpensColumnsAsItsDefinition) {
+    const ClTestImage In = RandomImage(ClImage::eUInt8, 75, 21, 1, 11);
+    for (const double dSigma : {0.0, 0.9, 1.5, 3.0})
+        for (const long nWidth : {0L, 3L, 4L, 9L})
+            for (const double dAmplification : {1.0, 1.5})
+                for (const long nThreshold : {0L, 30L}) {
+                    SCOPED_TRACE(testing::Message() << dSigma << ' ' << nWidth << ' '
+                                                    << dAmplification << ' ' << nThreshold);
+                    const Rows aExpected = Sharpened(Pixels(In), LowPass(In, dSigma, nWidth, 2),
+                                                     dAmplification, nThreshold);
+                    TestSupport::AtEveryLevel([&] {
+                        ClIpUnsharpMasking unsharp;
+                        unsharp.m_nMode = 2;
+                        unsharp.m_dGaussSigma = dSigma;
+                        unsharp.m_dAmplificationFactor = dAmplification;
+                        unsharp.m_nThreshold = nThreshold;
+                        ClTestImage in = In;
+                        ClImage out;
+                        EXPECT_EQ(unsharp.ApplyParam(in, out, nWidth), 0);
+                        EXPECT_EQ(Pixels(out), aExpected);
+                        EXPECT_EQ(unsharp.ApplyParam(in, in, nWidth), 0);
+                        EXPECT_EQ(Pixels(in), aExpected) << "in place";
+                    });
+                }
 }
 
 } // namespace
