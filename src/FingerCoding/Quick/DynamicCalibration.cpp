@@ -141,10 +141,9 @@ void ClDynamicCalibration::TakeMemory(long nWidth, long nHeight) {
         StRidgeMemory Ridges{m_Canvas.m_A, m_Canvas.m_B};
         Ridges.m_pColumns = Pieces.Take<int>(static_cast<std::size_t>(nWidth + cnBoth));
         Ridges.m_pScratch = &m_Canvas.m_Scratch;
-        Ridges.m_pDx = Pieces.Take(nLine);
-        Ridges.m_pDy = Pieces.Take(nLine);
+        Ridges.m_pPadded = Pieces.Take(nLine + 2 * cnGradientReach);
         Ridges.m_pSquares = Pieces.Take<std::uint16_t>(nLine);
-        m_Ridges.emplace(m_RidgeSettings, Ridges, nWidth);
+        m_Ridges.emplace(m_RidgeSettings, Ridges);
         const ClSpans::StScratch Scratch{Pieces.Take<StSpan>(nMostSpans),
                                          Pieces.Take<int>(nMostSpans),
                                          Pieces.Take<int>(nMostSpans)};

@@ -18,30 +18,46 @@ namespace {
 
 constexpr int cnProbThreshold = 128;
 constexpr int cnLargestSquare = 1023;
+constexpr int cnTapBits = 12; ///< taps count in 1/4096
 
-/// The taps of the derivative of a Gaussian, for lines of a width.
-Kernels::ClLinearFilter GradientKernel(long nWidth) {
-    ClImage Line;
-    Line.Attach(nullptr, ClImage::eUInt8, static_cast<int>(nWidth), 1, 1, 1, 1);
+/// The taps of the derivative of a Gaussian to the right of the middle, which is 0. Those to the
+/// left are their negatives.
+std::array<int, cnGradientReach> GradientTaps() {
+    ClImage Layout;
+    Layout.Attach(nullptr, ClImage::eUInt8, 2 * cnGradientReach + 2, 1, 1, 1, 1);
     ClImage Out;
     ClIpFilterDGauss Filter;
-    Filter.m_pInImage = &Line;
+    Filter.m_pInImage = &Layout;
     Filter.m_pOutImage = &Out;
     Filter.Initialize();
-    return {Filter.Filter().Data(), static_cast<long>(Filter.Filter().Entries()), nWidth};
+    std::array<int, cnGradientReach> aTaps{};
+    for (unsigned long i = 0; i < cnGradientReach; ++i)
+        aTaps[i] = static_cast<int>(Filter.Filter()[cnGradientReach + 1 + i]);
+    return aTaps;
 }
 
-constexpr long cnTaps = 9;
-
-/// min(1023, dx^2 + dy^2) of bytes that stand for signed numbers.
+/// min(1023, dx^2 + dy^2) with both gradients cut to whole numbers, toward zero: their signs do not
+/// matter. `pPadded` is the line in the middle with its ends repeated, `ppLines` are those around
+/// it from the lowest on.
 struct StSquares {
-    static void Run(const unsigned char* __restrict pDx, const unsigned char* __restrict pDy,
-                    long nSamples, std::uint16_t* __restrict pOut) {
+    static void Run(const unsigned char* pPadded, const unsigned char* const* ppLines,
+                    const int* pTaps, long nSamples, std::uint16_t* __restrict pOut) {
+        const int a = pTaps[0];
+        const int b = pTaps[1];
+        const int c = pTaps[2];
+        const int d = pTaps[3];
+        const unsigned char* pMiddle = pPadded + cnGradientReach;
+        const unsigned char* const apUp[] = {ppLines[3], ppLines[2], ppLines[1], ppLines[0]};
+        const unsigned char* const apDown[] = {ppLines[5], ppLines[6], ppLines[7], ppLines[8]};
         for (long i = 0; i < nSamples; ++i) {
-            const auto x = static_cast<std::int16_t>(static_cast<signed char>(pDx[i]));
-            const auto y = static_cast<std::int16_t>(static_cast<signed char>(pDy[i]));
-            const auto nSquare = static_cast<std::uint16_t>(x * x + y * y); // at most 2^15
-            pOut[i] = std::min(nSquare, static_cast<std::uint16_t>(cnLargestSquare));
+            const int x =
+                a * (pMiddle[i + 1] - pMiddle[i - 1]) + b * (pMiddle[i + 2] - pMiddle[i - 2]) +
+                c * (pMiddle[i + 3] - pMiddle[i - 3]) + d * (pMiddle[i + 4] - pMiddle[i - 4]);
+            const int y = a * (apDown[0][i] - apUp[0][i]) + b * (apDown[1][i] - apUp[1][i]) +
+                          c * (apDown[2][i] - apUp[2][i]) + d * (apDown[3][i] - apUp[3][i]);
+            const int nX = (x < 0 ? -x : x) >> cnTapBits;
+            const int nY = (y < 0 ? -y : y) >> cnTapBits;
+            pOut[i] = static_cast<std::uint16_t>(std::min(nX * nX + nY * nY, cnLargestSquare));
         }
     }
 };
@@ -90,9 +106,8 @@ std::optional<StRidgeWork> StRidgeWork::Of(const ClImage& Window,
     return Work;
 }
 
-ClRidgeArea::ClRidgeArea(const ClIpContrastMask2& Settings, const StRidgeMemory& Memory,
-                         long nWidth)
-    : m_rSettings(Settings), m_Memory(Memory), m_Gradient(GradientKernel(nWidth)) {
+ClRidgeArea::ClRidgeArea(const ClIpContrastMask2& Settings, const StRidgeMemory& Memory)
+    : m_rSettings(Settings), m_Memory(Memory), m_aTaps(GradientTaps()) {
     for (int n = 0; n <= cnLargestSquare; ++n) {
         const auto nLength = static_cast<unsigned char>(std::sqrt(static_cast<double>(n)) * 1.414);
         m_aAmplified[n] =
@@ -101,13 +116,17 @@ ClRidgeArea::ClRidgeArea(const ClIpContrastMask2& Settings, const StRidgeMemory&
 }
 
 void ClRidgeArea::FindGradients(const StPlane& In, long nLine) {
-    std::array<const unsigned char*, cnTaps> apLines;
-    for (long i = 0; i < cnTaps; ++i)
+    std::array<const unsigned char*, 2 * cnGradientReach + 1> apLines;
+    for (long i = 0; i < 2 * cnGradientReach + 1; ++i)
         apLines[static_cast<std::size_t>(i)] =
-            In.Line(std::clamp(nLine + i - cnTaps / 2, 0L, In.m_nHeight - 1));
-    m_Gradient.FilterLine(In.Line(nLine), m_Memory.m_pDx);
-    m_Gradient.FilterColumns(apLines.data(), m_Memory.m_pDy);
-    RunAtLevel<StSquares>(m_Memory.m_pDx, m_Memory.m_pDy, In.m_nWidth, m_Memory.m_pSquares);
+            In.Line(std::clamp(nLine + i - cnGradientReach, 0L, In.m_nHeight - 1));
+    unsigned char* pPadded = m_Memory.m_pPadded;
+    std::fill_n(pPadded, cnGradientReach, In.Line(nLine)[0]);
+    std::copy_n(In.Line(nLine), In.m_nWidth, pPadded + cnGradientReach);
+    std::fill_n(pPadded + cnGradientReach + In.m_nWidth, cnGradientReach,
+                In.Line(nLine)[In.m_nWidth - 1]);
+    RunAtLevel<StSquares>(static_cast<const unsigned char*>(pPadded), apLines.data(),
+                          m_aTaps.data(), In.m_nWidth, m_Memory.m_pSquares);
 }
 
 /// The frame that is black at the resolution of the work hides the edges that the cut to the region

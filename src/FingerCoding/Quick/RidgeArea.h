@@ -7,9 +7,10 @@
 #include "FingerCoding/Quick/NearestAxis.h"
 #include "FingerCoding/Quick/Plane.h"
 #include "FingerCoding/Quick/Spans.h"
-#include "ImageProcessing/Kernels/LinearFilter.h"
+
 #include "ImageProcessing/Kernels/Scratch.h"
 
+#include <array>
 #include <cstdint>
 #include <optional>
 
@@ -27,22 +28,24 @@ struct StRidgeWork {
     static std::optional<StRidgeWork> Of(const ClImage& Window, const ClIpContrastMask2& Settings);
 };
 
+/// Pixels on either side that a gradient is formed of.
+constexpr long cnGradientReach = 4;
+
 /// What the work on captures of one size keeps. The planes have at least the size of the window at
 /// the resolution of the work.
 struct StRidgeMemory {
     StPlane m_A;
     StPlane m_B;
-    int* m_pColumns = nullptr;      ///< one per column of the work, and of the window
-    unsigned char* m_pDx = nullptr; ///< one line of the capture each
-    unsigned char* m_pDy = nullptr;
-    std::uint16_t* m_pSquares = nullptr;
+    int* m_pColumns = nullptr;           ///< one per column of the work, and of the window
+    unsigned char* m_pPadded = nullptr;  ///< a line of the capture with its ends repeated
+    std::uint16_t* m_pSquares = nullptr; ///< one line of the capture
     Kernels::ClScratch* m_pScratch = nullptr;
 };
 
 class ClRidgeArea {
 public:
-    /// For captures of a width. Throws `ClExBadAlloc` (-102).
-    ClRidgeArea(const ClIpContrastMask2& Settings, const StRidgeMemory& Memory, long nWidth);
+    /// Throws `ClExBadAlloc` (-102).
+    ClRidgeArea(const ClIpContrastMask2& Settings, const StRidgeMemory& Memory);
 
     /// Looks for ridges in a window of a capture, in a region of it, whose spans stand `nX` columns
     /// and `nY` lines further than in the window; without spans, everywhere. `rStrong` becomes the
@@ -61,7 +64,7 @@ private:
 
     const ClIpContrastMask2& m_rSettings;
     const StRidgeMemory m_Memory;
-    Kernels::ClLinearFilter m_Gradient;
+    const std::array<int, cnGradientReach> m_aTaps;
     StPlane m_Lifted; ///< in A or B, the amplified and smoothed gradients above the threshold
     /// Amplified length of a gradient by its square, up to a square that is white in any case.
     unsigned char m_aAmplified[1024];

@@ -67,3 +67,26 @@ TEST(QuickDefects, AreThoseOfTheOperatorsAtTheEndsOfTheScale) {
         ExpectTheSame(Capture, 0);
     }
 }
+
+TEST(QuickDefects, AreThoseOfTheOperatorsForNoiseAroundAFullDefect) {
+    ClTestImage Capture = FlatImage(ClImage::eUInt8, 60, 140, 1, 200);
+    for (int n = 0; n < 60; ++n)
+        Capture.LineData(60 + n % 20)[n] = static_cast<unsigned char>(4 * n);
+    for (const int nNoise : {62, 63, 64, 65, 255})
+        ExpectTheSame(Capture, static_cast<unsigned char>(nNoise));
+}
+
+TEST(QuickDefects, DependOnNoCaptureOfAnotherSizeBefore) {
+    ClIpQK7FunctionalityCheck Kept;
+    for (const auto& [nWidth, nHeight] :
+         {std::pair(97, 83), std::pair(97, 160), std::pair(120, 160), std::pair(97, 83)}) {
+        ClTestImage Capture = FlatImage(ClImage::eUInt8, nWidth, nHeight, 1, 230);
+        for (int n = 0; n < nHeight; ++n)
+            Capture.LineData(n)[n % nWidth] = 40;
+        ClImage Out;
+        ClImage Expected;
+        ClIpQK7FunctionalityCheck Fresh;
+        EXPECT_EQ(Check(Kept, Capture, Out), Check(Fresh, Capture, Expected));
+        EXPECT_TRUE(IsTwin(Out, Expected));
+    }
+}

@@ -127,6 +127,37 @@ TEST(QuickDynamicCalibration, IsThePlainSequenceOnGradientsAndBlocks) {
     EXPECT_GT(Pair.m_nMasks, 20);
 }
 
+TEST(QuickDynamicCalibration, IsThePlainSequenceOnDotsInASaturatedCapture) {
+    ClPair Pair; // so few that all of the range counts as noise, and as many as make a region
+    for (const int nStep : {5, 6, 7}) {
+        SCOPED_TRACE(nStep);
+        ClTestImage Capture = Painted(400, 400, [nStep](int x, int y) {
+            const bool bInside = std::abs(x - 200) < 45 && std::abs(y - 200) < 60;
+            return bInside && x % nStep == 0 && y % nStep == 0 ? 60 + x % 40 : 255;
+        });
+        Pair.CompareBothModes(Capture);
+    }
+    EXPECT_EQ(Pair.m_nLeft, 0);
+    EXPECT_GT(Pair.m_nMasks, 0);
+}
+
+TEST(QuickDynamicCalibration, IsThePlainSequenceWhereAFingerIsSmearedBesideItsRidges) {
+    ClPair Pair;
+    for (const int nSmear : {0, 10, 25, 40}) {
+        SCOPED_TRACE(nSmear);
+        for (const int nEnd : {150, 170, 200}) {
+            ClTestImage Capture = Painted(280, 300, [=](int x, int y) {
+                if (y < 60 || y > 230 || x < 60 || x >= nEnd)
+                    return 232 + (x + y) % 5;
+                return x >= 140 ? nSmear : y % 9 < 4 ? 30 : 190;
+            });
+            Pair.CompareBothModes(Capture);
+        }
+    }
+    EXPECT_EQ(Pair.m_nLeft, 0);
+    EXPECT_GT(Pair.m_nFingers, 0);
+}
+
 TEST(QuickDynamicCalibration, LeavesSmallCapturesAndStrangeOnesToThePlainSequence) {
     const auto takes = [](int nWidth, int nHeight, int nPelsX, int nPelsY) {
         ClImage Image(nWidth, nHeight, 1, nPelsX, nPelsY);
@@ -146,4 +177,24 @@ TEST(QuickDynamicCalibration, LeavesSmallCapturesAndStrangeOnesToThePlainSequenc
     EXPECT_FALSE(Quick::ClDynamicCalibration::Takes(Dim));
     Dim.Attach(nullptr, ClImage::eUInt8, 320, 480, 1, 19685, 19685);
     EXPECT_FALSE(Quick::ClDynamicCalibration::Takes(Dim));
+}
+
+TEST(QuickDynamicCalibration, LeavesOtherWeightsOfDirtToThePlainSequence) {
+    ClTestImage Capture = WarpedCapture("dry");
+    const auto dirtOf = [&Capture](unsigned char nWeight) {
+        ClImage Out;
+        ClIpQK7DynamicCalibration30 Calibration;
+        Calibration.m_pInImage = &Capture;
+        Calibration.m_pOutImage = &Out;
+        std::replace(std::begin(Calibration.m_aDirtWeights), std::end(Calibration.m_aDirtWeights),
+                     static_cast<unsigned char>(0), nWeight);
+        EXPECT_EQ(Calibration.Apply(), 0);
+        return Calibration.m_dDirtWarningLevel;
+    };
+    const double dUsual = dirtOf(0);
+    const double dOther = dirtOf(1);
+    EXPECT_GT(dOther, dUsual);
+    const ClObservedRuns Observed;
+    EXPECT_EQ(dirtOf(0), dUsual);
+    EXPECT_EQ(dirtOf(1), dOther);
 }
