@@ -6,21 +6,18 @@
 
 namespace Quick {
 
-void Mean(const StPlane& In, long nHalf, const StPlane& Out, Kernels::ClScratch&) {
+void Mean(const StPlane& In, long nHalf, const StPlane& Out, Kernels::ClScratch& rScratch) {
     Kernels::MeanOfWindow<unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth, In.m_nHeight, nHalf,
-                                         nHalf, Out.m_pData, Out.m_nStride);
+                                         nHalf, Out.m_pData, Out.m_nStride, rScratch);
 }
 
 namespace {
 
 template <Kernels::EExtreme eKind>
 void ExtremeOf(const StPlane& In, long nHalf, const StPlane& Out, Kernels::ClScratch& rScratch) {
-    unsigned char* pBetween = rScratch.Reserve(static_cast<std::size_t>(In.m_nWidth) *
-                                               static_cast<std::size_t>(In.m_nHeight));
-    Kernels::ExtremeAlongLines<eKind, unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth,
-                                                     In.m_nHeight, nHalf, pBetween, In.m_nWidth);
-    Kernels::ExtremeAlongColumns<eKind, unsigned char>(
-        pBetween, In.m_nWidth, In.m_nWidth, In.m_nHeight, nHalf, Out.m_pData, Out.m_nStride);
+    Kernels::ExtremeOverSquares<eKind, unsigned char>(In.m_pData, In.m_nStride, In.m_nWidth,
+                                                      In.m_nHeight, nHalf, Out.m_pData,
+                                                      Out.m_nStride, rScratch);
 }
 
 } // namespace
