@@ -117,6 +117,7 @@ void ClIpCalibrateLumivane2::CorrectGeometry(ClImage& corrected) {
 void ClIpCalibrateLumivane2::CorrectBrightness() {
     m_DynamicCalibration.m_pOutImage = m_bMaskIsOutput ? &m_Kept.m_NotAskedFor : m_pOutImage;
     m_DynamicCalibration.m_pOutMaskImage = m_bMaskIsOutput ? m_pOutImage : nullptr;
+    m_DynamicCalibration.m_bMaskOnly = m_bMaskIsOutput;
     m_DynamicCalibration.m_bSensitiveMode = m_bSensitiveMode;
     ThrowIfFailed(m_DynamicCalibration.Apply(), VEK_HERE);
 }
