@@ -10,9 +10,9 @@ namespace peer {
 
 namespace {
 
-constexpr double cdBlock = 20000.0;  ///< microseconds that a block of runs takes
-constexpr double cdShortest = 10.0;  ///< of a sample, which holds as many runs as that takes
-constexpr std::size_t cnSamples = 3; ///< at least, in a block
+constexpr double cdBlock = 50000.0; ///< microseconds that a block of runs takes
+constexpr double cdShortest = 10.0; ///< of a sample, which holds as many runs as that takes
+constexpr int cnSamples = 3;        ///< at least, in a block
 
 double Now() {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
@@ -26,21 +26,15 @@ double TimeOf(const ClRace::Work& work, int nRuns) {
     return (Now() - dStart) / nRuns;
 }
 
-double Median(std::vector<double> aTimes) {
-    const auto middle = aTimes.begin() + static_cast<std::ptrdiff_t>(aTimes.size() / 2);
-    std::nth_element(aTimes.begin(), middle, aTimes.end());
-    return *middle;
-}
-
-/// Microseconds of one run, the median of a block.
+/// Microseconds of the shortest run of a block.
 double BlockOf(const ClRace::Work& work) {
     const double dOne = std::max(0.05, TimeOf(work, 1)); // fills the caches, too
     const int nRuns = std::max(1, static_cast<int>(cdShortest / dOne));
-    std::vector<double> aTimes;
+    double dShortest = dOne;
     const double dEnd = Now() + cdBlock;
-    while (aTimes.size() < cnSamples || Now() < dEnd)
-        aTimes.push_back(TimeOf(work, nRuns));
-    return Median(std::move(aTimes));
+    for (int i = 0; i < cnSamples || Now() < dEnd; ++i)
+        dShortest = std::min(dShortest, TimeOf(work, nRuns));
+    return dShortest;
 }
 
 } // namespace

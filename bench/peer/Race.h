@@ -18,7 +18,7 @@ public:
     void Add(std::string sName, double dGoal, Work peerWork, Work ownWork);
 
     /// Measures every pair whose name holds `sFilter`: `nRounds` rounds of one block of runs each,
-    /// and keeps the lowest of the blocks' medians, since other work on the machine only ever adds.
+    /// of which the shortest run counts: what else the machine does only ever adds.
     void Run(int nRounds, const std::string& sFilter);
 
     /// Microseconds of both, their ratio and the goal. Returns how many goals were missed.
