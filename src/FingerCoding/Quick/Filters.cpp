@@ -31,8 +31,8 @@ void Extreme(Kernels::EExtreme eKind, const StPlane& In, long nHalf, const StPla
 }
 
 void LookUp(const StPlane& In, const unsigned char* pTable, const StPlane& Out) {
-    for (long y = 0; y < In.m_nHeight; ++y)
-        Kernels::LookUpLine(In.Line(y), In.m_nWidth, pTable, Out.Line(y));
+    Kernels::ClLookUp(pTable).Run(In.m_pData, In.m_nStride, In.m_nWidth, In.m_nHeight, Out.m_pData,
+                                  Out.m_nStride);
 }
 
 ClHistogram HistogramOf(const StPlane& Plane) {

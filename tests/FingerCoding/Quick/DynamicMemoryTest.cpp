@@ -27,7 +27,7 @@ public:
 } // namespace
 
 TEST(DynamicCalibrationMemory, IsKeptForCapturesOfOneSize) {
-    constexpr long cnMostAllocations = 64;
+    constexpr long cnMostAllocations = 8;
     ClTestImage Capture = WarpedCapture("loop");
     ClKeptCalibration Kept;
     Kept.Run(Capture);
