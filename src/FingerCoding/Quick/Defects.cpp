@@ -27,21 +27,45 @@ struct StScaleInverse {
     }
 };
 
+/// With x = |fine - coarse| - noise the value x * step / 4096 is white from 64 - noise on, so that
+/// larger ones need not be told apart, and x * step is below 2^20. With step = 256 h + l
+///
+///     floor(x (256 h + l) / 4096) = floor((x h + floor(x l / 256)) / 16),
+///
+/// where all is below 2^16.
 struct StStress {
     static void Run(const unsigned char* __restrict pFine, const unsigned char* __restrict pCoarse,
                     const unsigned char* __restrict pFade, int nNoise, long nPixels,
-                    unsigned char* __restrict pOut, StDefectSums* pSums) {
-        const int nStep = static_cast<int>(255.9 * 4096.0 / (cnFullDefect - nNoise));
+                    unsigned char* __restrict pOut) {
+        const auto nMost = static_cast<std::int16_t>(cnFullDefect - nNoise);
+        const int nStep = static_cast<int>(255.9 * 4096.0 / nMost);
+        const auto nHigh = static_cast<std::uint16_t>(nStep >> 8);
+        const auto nLow = static_cast<std::uint16_t>(nStep & 255);
+        const auto nFloor = static_cast<std::int16_t>(nNoise);
+        for (long i = 0; i < nPixels; ++i) {
+            const auto nDifference = static_cast<std::int16_t>(pFine[i] - pCoarse[i]);
+            const auto nOpposite = static_cast<std::int16_t>(-nDifference);
+            const auto nExcess =
+                static_cast<std::int16_t>(std::max(nDifference, nOpposite) - nFloor);
+            const auto x =
+                static_cast<std::uint16_t>(std::min(std::max(nExcess, std::int16_t{0}), nMost));
+            const auto nPart =
+                static_cast<std::uint16_t>(static_cast<std::uint16_t>(x * nLow) >> 8);
+            const auto nStretched = static_cast<std::int16_t>(
+                static_cast<std::uint16_t>(static_cast<std::uint16_t>(x * nHigh) + nPart) >> 4);
+            const auto nFaded = static_cast<std::int16_t>(nStretched + pFade[i] - 255);
+            pOut[i] = static_cast<unsigned char>(std::max(nFaded, std::int16_t{0}));
+        }
+    }
+};
+
+struct StSumDefects {
+    static void Run(const unsigned char* __restrict pPixels, long nPixels, StDefectSums* pSums) {
         std::int32_t nWhite = 0;
         std::uint32_t nSum = 0; // of 2^24 pixels and more
         for (long i = 0; i < nPixels; ++i) {
-            const int nDifference = std::min(pFine[i] - pCoarse[i], 127);
-            const int nAbsolute = std::min(nDifference < 0 ? -nDifference : nDifference, 128);
-            const int nStretched = std::min(std::max(nAbsolute - nNoise, 0) * nStep >> 12, 255);
-            const int nFaded = std::max(nStretched - (255 - pFade[i]), 0);
-            pOut[i] = static_cast<unsigned char>(nFaded);
-            nWhite += nFaded == 255 ? 1 : 0;
-            nSum += static_cast<std::uint32_t>(nFaded);
+            nWhite += pPixels[i] == 255 ? 1 : 0;
+            nSum += pPixels[i];
         }
         pSums->m_nWhite += nWhite;
         pSums->m_nSum += nSum;
@@ -84,8 +108,8 @@ StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
             apLines[static_cast<std::size_t>(i)] =
                 Scaled.Line(std::clamp(y + i - cnTaps / 2, 0L, In.m_nHeight - 1));
         Fine.FilterBoth(apLines.data(), pFine);
-        RunAtLevel<StStress>(pFine, Coarse.Line(y), Fade.Line(y), nNoise, In.m_nWidth, Out.Line(y),
-                             &Sums);
+        RunAtLevel<StStress>(pFine, Coarse.Line(y), Fade.Line(y), nNoise, In.m_nWidth, Out.Line(y));
+        RunAtLevel<StSumDefects>(Out.Line(y), In.m_nWidth, &Sums);
     }
     return Sums;
 }
