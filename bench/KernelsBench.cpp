@@ -2,7 +2,6 @@
 // is 1, 3 or 4. Planes are of random samples.
 
 #include "ImageProcessing/Kernels/Arithmetic.h"
-#include "ImageProcessing/Kernels/BlurTwice.h"
 #include "ImageProcessing/Kernels/Histogram.h"
 #include "ImageProcessing/Kernels/LinearFilter.h"
 #include "ImageProcessing/Kernels/LocalStretch.h"
@@ -88,16 +87,6 @@ void Mean(benchmark::State& state) {
     });
 }
 BENCHMARK(Mean)->Apply(ByWidthAndLevel);
-
-void BlurTwice(benchmark::State& state) {
-    Kernels::ClScratch Scratch;
-    const long nHalf = state.range(0) / 2;
-    Run(state, 1, cnWidth, cnHeight, [&](ClPlane& rIn, ClPlane& rOut) {
-        Kernels::BlurTwice(rIn.Line(0), cnWidth, cnWidth, cnHeight, nHalf, rOut.Line(0), cnWidth,
-                           Scratch);
-    });
-}
-BENCHMARK(BlurTwice)->Apply(ByWidthAndLevel);
 
 void Maximum(benchmark::State& state) {
     Kernels::ClScratch Scratch;

@@ -46,8 +46,7 @@ void FixIllumination(const StPlane& In, const ClIpBrightnessMask& Settings,
         RunAtLevel<StInvert>(Planes.m_B.Line(y), In.m_nWidth, Planes.m_A.Line(y));
     Mean(Planes.m_A, Settings.FilterWidth(Settings.m_dIlFixLowPassWidthFactor) / 2, Planes.m_B,
          rScratch);
-    for (long y = 0; y < In.m_nHeight; ++y)
-        Kernels::AddCutLine(In.Line(y), Planes.m_B.Line(y), In.m_nWidth, Planes.m_B.Line(y));
+    Kernels::AddCut(PairOf(In, Planes.m_B, Planes.m_B));
 }
 
 /// B stretched without noise, its ridges grown into the valleys, and smoothed.

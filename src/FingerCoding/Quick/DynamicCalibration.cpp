@@ -420,8 +420,9 @@ void ClDynamicCalibration::WriteStretched(ClImage& Out) {
         unsigned char* pOut = Out.LineData(y) + x;
         Stretch.StretchLine(m_Stretched.Line(y) + x, m_A.Line(y) + x, m_B.Line(y) + x,
                             m_MaskBox.Width(), pOut);
-        Kernels::AddCutLine(pOut, m_Mask.Line(y) + x, m_MaskBox.Width(), pOut);
     }
+    const StPlane Box = PlaneOf(Out).Part(m_MaskBox);
+    Kernels::AddCut(PairOf(Box, m_Mask.Part(m_MaskBox), Box));
 }
 
 /// The ends of lines are 0, or white with all else.

@@ -35,6 +35,11 @@ void LookUp(const StPlane& In, const unsigned char* pTable, const StPlane& Out) 
                                   Out.m_nStride);
 }
 
+Kernels::StPairOfPlanes PairOf(const StPlane& A, const StPlane& B, const StPlane& Out) {
+    return {A.m_pData,  A.m_nStride, B.m_pData,   B.m_nStride,
+            A.m_nWidth, A.m_nHeight, Out.m_pData, Out.m_nStride};
+}
+
 ClHistogram HistogramOf(const StPlane& Plane) {
     ClHistogram Histogram;
     Kernels::CountValues(Plane.m_pData, Plane.m_nStride, Plane.m_nWidth, Plane.m_nHeight,

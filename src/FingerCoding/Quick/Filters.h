@@ -6,6 +6,7 @@
 
 #include "FingerCoding/Quick/Plane.h"
 #include "ImageProcessing/Histogram.h"
+#include "ImageProcessing/Kernels/Arithmetic.h"
 #include "ImageProcessing/Kernels/MinMax.h"
 #include "ImageProcessing/Kernels/Scratch.h"
 
@@ -19,6 +20,9 @@ void Extreme(Kernels::EExtreme eKind, const StPlane& In, long nHalf, const StPla
 
 /// Each pixel through a table of 256 entries. `Out` may be `In`.
 void LookUp(const StPlane& In, const unsigned char* pTable, const StPlane& Out);
+
+/// Two planes for a kernel of pairs. `Out` may be `A` or `B`.
+Kernels::StPairOfPlanes PairOf(const StPlane& A, const StPlane& B, const StPlane& Out);
 
 ClHistogram HistogramOf(const StPlane& Plane);
 

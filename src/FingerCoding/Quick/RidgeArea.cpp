@@ -167,8 +167,7 @@ void ClRidgeArea::Shrink(const StPlane& In, const StBox& Window, const ClSpans& 
 void ClRidgeArea::Amplify(const StPlane& InOut, const StPlane& Median) const {
     Kernels::MedianOfWindow<unsigned char>(InOut.m_pData, InOut.m_nStride, InOut.m_nWidth,
                                            InOut.m_nHeight, 1, 1, Median.m_pData, Median.m_nStride);
-    for (long y = 0; y < InOut.m_nHeight; ++y)
-        Kernels::MaxLine(InOut.Line(y), Median.Line(y), InOut.m_nWidth, InOut.Line(y));
+    Kernels::Max(PairOf(InOut, Median, InOut));
 }
 
 void ClRidgeArea::Find(const StPlane& In, const StBox& Window, const ClSpans& Region, long nX,

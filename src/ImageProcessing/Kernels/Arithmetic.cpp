@@ -67,20 +67,20 @@ struct StPlanes {
 
 } // namespace
 
-#define DEFINE(name)                                                                               \
-    void name(const StPairOfPlanes& Planes) {                                                      \
-        RunAtLevel<StPlanes<St##name>>(&Planes);                                                   \
-    }                                                                                              \
-    void name##Line(const unsigned char* pA, const unsigned char* pB, long nSamples,               \
-                    unsigned char* pOut) {                                                         \
-        Line<St##name>(pA, pB, nSamples, pOut);                                                    \
-    }
+void AddCut(const StPairOfPlanes& Planes) {
+    RunAtLevel<StPlanes<StAddCut>>(&Planes);
+}
 
-DEFINE(AddCut)
-DEFINE(AddHalf)
-DEFINE(Subtract)
-DEFINE(Max)
+void AddHalf(const StPairOfPlanes& Planes) {
+    RunAtLevel<StPlanes<StAddHalf>>(&Planes);
+}
 
-#undef DEFINE
+void Subtract(const StPairOfPlanes& Planes) {
+    RunAtLevel<StPlanes<StSubtract>>(&Planes);
+}
+
+void Max(const StPairOfPlanes& Planes) {
+    RunAtLevel<StPlanes<StMax>>(&Planes);
+}
 
 } // namespace Kernels

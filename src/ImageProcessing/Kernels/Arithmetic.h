@@ -1,7 +1,6 @@
 #pragma once
 
-/// Two planes of 8-bit samples, a and b, become one, or two lines. The result is a plane of its
-/// own, or a, or b.
+/// Two planes of 8-bit samples, a and b, become one: a plane of its own, or a, or b.
 
 #include <cstddef>
 
@@ -19,24 +18,16 @@ struct StPairOfPlanes {
     std::ptrdiff_t m_nStrideOut;
 };
 
+/// out = min(255, a + b)
 void AddCut(const StPairOfPlanes& Planes);
+
+/// out = (a + b) / 2, truncated
 void AddHalf(const StPairOfPlanes& Planes);
+
+/// out = max(0, a - b)
 void Subtract(const StPairOfPlanes& Planes);
+
+/// out = max(a, b)
 void Max(const StPairOfPlanes& Planes);
-
-/// out[i] = min(255, a[i] + b[i])
-void AddCutLine(const unsigned char* pA, const unsigned char* pB, long nSamples,
-                unsigned char* pOut);
-
-/// out[i] = (a[i] + b[i]) / 2, truncated
-void AddHalfLine(const unsigned char* pA, const unsigned char* pB, long nSamples,
-                 unsigned char* pOut);
-
-/// out[i] = max(0, a[i] - b[i])
-void SubtractLine(const unsigned char* pA, const unsigned char* pB, long nSamples,
-                  unsigned char* pOut);
-
-/// out[i] = max(a[i], b[i])
-void MaxLine(const unsigned char* pA, const unsigned char* pB, long nSamples, unsigned char* pOut);
 
 } // namespace Kernels

@@ -12,20 +12,25 @@
 namespace {
 
 using Line = std::vector<unsigned char>;
-using KernelFunction = void (*)(const unsigned char*, const unsigned char*, long, unsigned char*);
+using PlaneKernel = void (*)(const Kernels::StPairOfPlanes&);
 using Definition = int (*)(int, int);
 
 struct StPairKernel {
     const char* m_szName;
-    KernelFunction m_pKernel;
+    PlaneKernel m_pKernel;
     Definition m_pDefinition;
+
+    void Run(const unsigned char* pA, const unsigned char* pB, long nSamples,
+             unsigned char* pOut) const {
+        m_pKernel({pA, nSamples, pB, nSamples, nSamples, 1, pOut, nSamples});
+    }
 };
 
 constexpr StPairKernel caPairKernels[] = {
-    {"AddCutLine", Kernels::AddCutLine, [](int a, int b) { return std::min(255, a + b); }},
-    {"AddHalfLine", Kernels::AddHalfLine, [](int a, int b) { return (a + b) / 2; }},
-    {"SubtractLine", Kernels::SubtractLine, [](int a, int b) { return std::max(0, a - b); }},
-    {"MaxLine", Kernels::MaxLine, [](int a, int b) { return std::max(a, b); }}};
+    {"AddCut", Kernels::AddCut, [](int a, int b) { return std::min(255, a + b); }},
+    {"AddHalf", Kernels::AddHalf, [](int a, int b) { return (a + b) / 2; }},
+    {"Subtract", Kernels::Subtract, [](int a, int b) { return std::max(0, a - b); }},
+    {"Max", Kernels::Max, [](int a, int b) { return std::max(a, b); }}};
 
 Line Defined(const StPairKernel& Kernel, const Line& a, const Line& b) {
     Line out(a.size());
@@ -33,10 +38,6 @@ Line Defined(const StPairKernel& Kernel, const Line& a, const Line& b) {
         out[i] = static_cast<unsigned char>(Kernel.m_pDefinition(a[i], b[i]));
     return out;
 }
-
-using PlaneKernel = void (*)(const Kernels::StPairOfPlanes&);
-constexpr PlaneKernel caPlaneKernels[] = {Kernels::AddCut, Kernels::AddHalf, Kernels::Subtract,
-                                          Kernels::Max};
 
 Line RandomLine(long nSamples, unsigned nSeed) {
     std::mt19937 random(nSeed);
@@ -54,7 +55,7 @@ TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamples) {
     }
     for (const StPairKernel& Kernel : caPairKernels) {
         Line out(a.size());
-        Kernel.m_pKernel(a.data(), b.data(), 65536, out.data());
+        Kernel.Run(a.data(), b.data(), 65536, out.data());
         EXPECT_EQ(out, Defined(Kernel, a, b)) << Kernel.m_szName;
     }
 }
@@ -65,7 +66,7 @@ TEST(Arithmetic, EqualsItsDefinitionOnLinesOfEveryLength) {
             const Line a = RandomLine(nSamples, 1);
             const Line b = RandomLine(nSamples, 2);
             Line out(a.size() + 1, 77);
-            Kernel.m_pKernel(a.data(), b.data(), nSamples, out.data());
+            Kernel.Run(a.data(), b.data(), nSamples, out.data());
             EXPECT_EQ(out.back(), 77) << Kernel.m_szName;
             out.pop_back();
             EXPECT_EQ(out, Defined(Kernel, a, b)) << Kernel.m_szName << " of " << nSamples;
@@ -82,7 +83,7 @@ TEST(Arithmetic, ReadsAndWritesAtEveryAlignment) {
         for (long nA = 0; nA < 4; ++nA)
             for (long nB = 0; nB < 4; ++nB) {
                 Line out(50, 77);
-                Kernel.m_pKernel(a.data() + nA, b.data() + nB, 40, out.data() + 1);
+                Kernel.Run(a.data() + nA, b.data() + nB, 40, out.data() + 1);
                 EXPECT_EQ(part(out, 1), Defined(Kernel, part(a, nA), part(b, nB)))
                     << Kernel.m_szName;
                 EXPECT_EQ(out[0], 77);
@@ -95,10 +96,10 @@ TEST(Arithmetic, WritesOverEitherOfItsLines) {
         const Line a = RandomLine(50, 1);
         const Line b = RandomLine(50, 2);
         Line first = a;
-        Kernel.m_pKernel(first.data(), b.data(), 50, first.data());
+        Kernel.Run(first.data(), b.data(), 50, first.data());
         EXPECT_EQ(first, Defined(Kernel, a, b)) << Kernel.m_szName;
         Line second = b;
-        Kernel.m_pKernel(a.data(), second.data(), 50, second.data());
+        Kernel.Run(a.data(), second.data(), 50, second.data());
         EXPECT_EQ(second, Defined(Kernel, a, b)) << Kernel.m_szName;
     }
 }
@@ -120,8 +121,8 @@ void ExpectPlane(std::size_t nKernel, long nSamples) {
                 static_cast<unsigned char>(caPairKernels[nKernel].m_pDefinition(
                     a[static_cast<std::size_t>(y * (nSamples + 3) + x)],
                     b[static_cast<std::size_t>(y * (nSamples + 1) + x)]));
-    caPlaneKernels[nKernel]({a.data(), nSamples + 3, b.data(), nSamples + 1, nSamples, cnLines,
-                             out.data(), nSamples + 2});
+    caPairKernels[nKernel].m_pKernel({a.data(), nSamples + 3, b.data(), nSamples + 1, nSamples,
+                                      cnLines, out.data(), nSamples + 2});
     EXPECT_EQ(out, expected) << caPairKernels[nKernel].m_szName << " of " << nSamples;
 }
 
@@ -144,10 +145,11 @@ TEST(Arithmetic, EqualsItsDefinitionForEveryPairOfSamplesInPlace) {
             }
             const Line expected = Defined(caPairKernels[nKernel], a, b);
             Line first = a;
-            caPlaneKernels[nKernel](
+            caPairKernels[nKernel].m_pKernel(
                 {first.data(), 256, b.data(), 256, 256, 256, first.data(), 256});
             EXPECT_EQ(first, expected) << caPairKernels[nKernel].m_szName;
-            caPlaneKernels[nKernel]({a.data(), 256, b.data(), 256, 256, 256, b.data(), 256});
+            caPairKernels[nKernel].m_pKernel(
+                {a.data(), 256, b.data(), 256, 256, 256, b.data(), 256});
             EXPECT_EQ(b, expected) << caPairKernels[nKernel].m_szName;
         }
     });
