@@ -1,7 +1,6 @@
 #pragma once
 
-// Means over a sliding window, line by line: for kernels that feed lines from a plane, or from the
-// lines of another such kernel.
+// Means over a sliding window, line by line.
 //
 // The sums of all windows of a line are kept. From one line of results to the next they change by
 // sums along the line (WindowSums.h), of the differences between the line that enters and the line
@@ -36,25 +35,6 @@ struct StMean {
     }
 };
 
-/// The mean compared with a threshold t above 0: s / n, toward zero, is t or more exactly where s
-/// is t n or more.
-struct StMeanAtLeast {
-    using Sample = unsigned char;
-    using Factor = std::int32_t;
-
-    Factor FactorOf(std::int32_t nLines, std::int32_t nColumns) const {
-        return m_nThreshold * nLines * nColumns;
-    }
-    unsigned char Result(Sample, std::int32_t nSum, Factor nBound) const {
-        return static_cast<unsigned char>(m_nBelow ^
-                                          (m_nChange & -static_cast<int>(nSum >= nBound)));
-    }
-
-    std::int32_t m_nThreshold;
-    unsigned char m_nBelow;
-    unsigned char m_nChange; ///< the bits that differ above
-};
-
 /// Whether ClMeanLines takes these windows of a plane: with halves below its sides.
 inline bool IsNarrowWindow(long nWidth, long nHeight, long nHalfX, long nHalfY) {
     const long nArea = std::min(2 * nHalfX + 1, nWidth) * std::min(2 * nHalfY + 1, nHeight);
@@ -67,8 +47,7 @@ class ClMeanLines {
     using Factor = typename Finish::Factor;
 
 public:
-    /// What it keeps between two batches, and what it needs during one: objects for one width and
-    /// half may share that.
+    /// What it keeps between two batches, and what it needs during one.
     static std::size_t KeptBytes(long nWidth) { return 4 * LineBytes(nWidth); }
     static std::size_t BatchBytes(long nWidth, long nHalf) {
         return ClWindowSums::Bytes(nWidth + 2 * nHalf);
