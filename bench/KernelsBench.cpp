@@ -118,42 +118,50 @@ BENCHMARK(LocalThreshold)->Apply(ByLevel);
 
 // Linear filters
 
-const std::vector<long> caNarrowTaps = {18, 153, 666, 2421, 666, 153, 18};
-const std::vector<long> caWideTaps = {1, 6, 30, 121, 330, 697, 1150, 697, 330, 121, 30, 6, 1};
+/// Those of Gaussians of sigma 0.9 and 1.5, and of the derivative of one of sigma 1.
+const std::vector<long> caNarrowTaps = {7, 153, 979, 1815, 979, 153, 7};
+const std::vector<long> caWideTaps = {0, 4, 31, 147, 447, 872, 1089, 872, 447, 147, 31, 4, 0};
+const std::vector<long> caOddTaps = {3, 74, 607, 1361, 0, -1361, -607, -74, -3};
 
-/// `filter(kernel, lines, out)` for each line of a raw capture.
+/// `filter(kernel, planes)` on a raw capture.
 template <class Filter>
-void RunLines(benchmark::State& state, const std::vector<long>& aTaps, Filter filter) {
-    const long nTaps = static_cast<long>(aTaps.size());
-    Kernels::ClLinearFilter Kernel(aTaps.data(), nTaps, cnRawWidth);
-    std::vector<const unsigned char*> aLines(aTaps.size());
+void RunTaps(benchmark::State& state, const std::vector<long>& aTaps, Filter filter) {
+    Kernels::ClLinearFilter Kernel(aTaps.data(), static_cast<long>(aTaps.size()), cnRawWidth);
     Run(state, 0, cnRawWidth, cnRawHeight, [&](ClPlane& rIn, ClPlane& rOut) {
-        for (long y = 0; y < cnRawHeight; ++y) {
-            for (long i = 0; i < nTaps; ++i)
-                aLines[static_cast<std::size_t>(i)] =
-                    rIn.Line(std::clamp(y + i - nTaps / 2, 0L, cnRawHeight - 1L));
-            filter(Kernel, aLines.data(), rOut.Line(y));
-        }
+        filter(Kernel, Kernels::StInAndOut<unsigned char>{rIn.Line(0), cnRawWidth, cnRawHeight,
+                                                          rOut.Line(0), cnRawWidth});
     });
 }
 
 void GaussAlongColumns(benchmark::State& state) {
-    RunLines(state, caNarrowTaps,
-             [](auto& rKernel, auto ppLines, auto pOut) { rKernel.FilterColumns(ppLines, pOut); });
+    RunTaps(state, caNarrowTaps,
+            [](auto& rKernel, const auto& Planes) { rKernel.FilterAcross(Planes); });
 }
 BENCHMARK(GaussAlongColumns)->Apply(ByLevel);
 
 void SharpenColumns(benchmark::State& state) {
-    RunLines(state, caNarrowTaps,
-             [](auto& rKernel, auto ppLines, auto pOut) { rKernel.SharpenColumns(ppLines, pOut); });
+    RunTaps(state, caNarrowTaps,
+            [](auto& rKernel, const auto& Planes) { rKernel.SharpenAcross(Planes); });
 }
 BENCHMARK(SharpenColumns)->Apply(ByLevel);
 
 void GaussAlongBoth(benchmark::State& state) {
-    RunLines(state, caWideTaps,
-             [](auto& rKernel, auto ppLines, auto pOut) { rKernel.FilterBoth(ppLines, pOut); });
+    RunTaps(state, caWideTaps,
+            [](auto& rKernel, const auto& Planes) { rKernel.FilterBoth(Planes); });
 }
 BENCHMARK(GaussAlongBoth)->Apply(ByLevel);
+
+void DerivativeAlongLines(benchmark::State& state) {
+    RunTaps(state, caOddTaps,
+            [](auto& rKernel, const auto& Planes) { rKernel.FilterAlong(Planes); });
+}
+BENCHMARK(DerivativeAlongLines)->Apply(ByLevel);
+
+void DerivativeAlongColumns(benchmark::State& state) {
+    RunTaps(state, caOddTaps,
+            [](auto& rKernel, const auto& Planes) { rKernel.FilterAcross(Planes); });
+}
+BENCHMARK(DerivativeAlongColumns)->Apply(ByLevel);
 
 // Samples
 

@@ -144,14 +144,18 @@ Kernels::ClLinearFilter ClIpLinFilterBase::LineKernel() const {
                                    m_pInImage->Width());
 }
 
+template <class T>
+Kernels::StInAndOut<T> PlanesOf(const ClImage& In, ClImage& Out) {
+    return {In.Line<const T>(0), In.LineStrideBytes(), In.Height(), Out.Line<T>(0),
+            Out.LineStrideBytes()};
+}
+
 // Along lines
 
 template <class T>
 long ClIpLinFilterBase::FilterX() const {
     return Run([this](const ClImage& In, ClImage& Out) {
-        Kernels::ClLinearFilter Kernel = LineKernel();
-        for (int y = 0; y < In.Height(); ++y)
-            Kernel.FilterLine(In.Line<const T>(y), Out.Line<T>(y));
+        LineKernel().FilterAlong(PlanesOf<T>(In, Out));
     });
 }
 
@@ -165,28 +169,10 @@ long ClIpLinFilterBase::ProcessSignedX() {
 
 // Along columns
 
-/// Calls `filter(lines, out)` for each line of the output with the lines that its taps meet.
-template <class T, class FilterLines>
-void ClIpLinFilterBase::ForEachLine(const ClImage& In, ClImage& Out, FilterLines filter) const {
-    const long nHeight = In.Height();
-    // Without taps the kernel has one, of 0.
-    const long nTaps = std::max(1L, static_cast<long>(m_aFilter.Entries()));
-    auto pLines = Vek::NewArrayPtr<const T*>(static_cast<std::size_t>(nTaps));
-    for (long y = 0; y < nHeight; ++y) {
-        for (long i = 0; i < nTaps; ++i)
-            pLines[static_cast<std::size_t>(i)] =
-                In.Line<const T>(static_cast<int>(std::clamp(y + i - nTaps / 2, 0L, nHeight - 1)));
-        filter(pLines.get(), Out.Line<T>(static_cast<int>(y)));
-    }
-}
-
 template <class T>
 long ClIpLinFilterBase::FilterY() const {
     return Run([this](const ClImage& In, ClImage& Out) {
-        const Kernels::ClLinearFilter Kernel = LineKernel();
-        ForEachLine<T>(In, Out, [&](const T* const* ppLines, T* pOut) {
-            Kernel.FilterColumns(ppLines, pOut);
-        });
+        LineKernel().FilterAcross(PlanesOf<T>(In, Out));
     });
 }
 
@@ -199,22 +185,15 @@ long ClIpLinFilterBase::ProcessSignedY() {
 }
 
 void ClIpLinFilterBase::SharpenY(const ClImage& In, ClImage& Out) const {
-    const Kernels::ClLinearFilter Kernel = LineKernel();
-    ForEachLine<unsigned char>(In, Out,
-                               [&](const unsigned char* const* ppLines, unsigned char* pOut) {
-                                   Kernel.SharpenColumns(ppLines, pOut);
-                               });
+    LineKernel().SharpenAcross(PlanesOf<unsigned char>(In, Out));
 }
 
-// Along both: one line of column sums, not a whole image in between
+// Along both: some lines of sums, not a whole image in between
 
 template <class T>
 long ClIpLinFilterBase::FilterXY() const {
-    return Run([this](const ClImage& In, ClImage& Out) {
-        Kernels::ClLinearFilter Kernel = LineKernel();
-        ForEachLine<T>(In, Out,
-                       [&](const T* const* ppLines, T* pOut) { Kernel.FilterBoth(ppLines, pOut); });
-    });
+    return Run(
+        [this](const ClImage& In, ClImage& Out) { LineKernel().FilterBoth(PlanesOf<T>(In, Out)); });
 }
 
 long ClIpLinFilterBase::ProcessXY() {

@@ -66,8 +66,6 @@ private:
     long CheckImages() const;
     template <class Work>
     long Run(Work work) const;
-    template <class T, class FilterLines>
-    void ForEachLine(const ClImage& In, ClImage& Out, FilterLines filter) const;
     template <class T>
     long FilterX() const;
     template <class T>

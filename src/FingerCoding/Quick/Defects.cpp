@@ -2,18 +2,18 @@
 
 #include "FingerCoding/Quick/Filters.h"
 #include "ImageProcessing/IpFilterGauss.h"
-#include "ImageProcessing/Kernels/LinearFilter.h"
+#include "ImageProcessing/Kernels/PairedFilter.h"
 #include "Tools/FpImage.h"
 #include "Tools/InstructionLevel.h"
 
-#include <array>
+#include <algorithm>
+#include <cstdint>
 
 namespace Quick {
 
 namespace {
 
 constexpr double cdFineSigma = 1.5;
-constexpr long cnTaps = 13;
 constexpr long cnCoarseHalf = 25;
 constexpr int cnFullDefect = 64; ///< the difference that becomes white
 
@@ -27,52 +27,132 @@ struct StScaleInverse {
     }
 };
 
+struct StPlanesOfDefects {
+    StPlane m_Scaled;
+    StPlane m_Coarse;
+    StPlane m_Fade;
+    StPlane m_Out;
+};
+
+/// Sums of columns in 16 bits, as far as they go.
+class ClColumnSums {
+public:
+    static constexpr long cnMostLines = 257; ///< of pixels of 255
+
+    static std::size_t Bytes(long nWidth) {
+        return 2 * static_cast<std::size_t>(nWidth) * sizeof(std::uint16_t);
+    }
+
+    ClColumnSums(unsigned char* pMemory, long nWidth)
+        : m_pGrey(reinterpret_cast<std::uint16_t*>(pMemory)), m_pWhite(m_pGrey + nWidth),
+          m_nWidth(nWidth) {
+        Clear();
+    }
+
+    std::uint16_t* Grey() const { return m_pGrey; }
+    std::uint16_t* White() const { return m_pWhite; }
+
+    void MoveTo(StDefectSums* pSums) {
+        std::uint64_t nSum = 0;
+        std::int32_t nWhite = 0;
+        for (long x = 0; x < m_nWidth; ++x) {
+            nSum += m_pGrey[x];
+            nWhite += m_pWhite[x];
+        }
+        pSums->m_nSum += nSum;
+        pSums->m_nWhite += nWhite;
+        Clear();
+    }
+
+private:
+    void Clear() { std::fill_n(m_pGrey, 2 * m_nWidth, std::uint16_t{0}); }
+
+    std::uint16_t* m_pGrey;
+    std::uint16_t* m_pWhite;
+    long m_nWidth;
+};
+
 /// With x = |fine - coarse| - noise the value x * step / 4096 is white from 64 - noise on, so that
 /// larger ones need not be told apart, and x * step is below 2^20. With step = 256 h + l
 ///
 ///     floor(x (256 h + l) / 4096) = floor((x h + floor(x l / 256)) / 16),
 ///
 /// where all is below 2^16.
-struct StStress {
-    static void Run(const unsigned char* __restrict pFine, const unsigned char* __restrict pCoarse,
-                    const unsigned char* __restrict pFade, int nNoise, long nPixels,
-                    unsigned char* __restrict pOut) {
-        const auto nMost = static_cast<std::int16_t>(cnFullDefect - nNoise);
-        const int nStep = static_cast<int>(255.9 * 4096.0 / nMost);
-        const auto nHigh = static_cast<std::uint16_t>(nStep >> 8);
-        const auto nLow = static_cast<std::uint16_t>(nStep & 255);
-        const auto nFloor = static_cast<std::int16_t>(nNoise);
-        for (long i = 0; i < nPixels; ++i) {
-            const auto nDifference = static_cast<std::int16_t>(pFine[i] - pCoarse[i]);
-            const auto nOpposite = static_cast<std::int16_t>(-nDifference);
-            const auto nExcess =
-                static_cast<std::int16_t>(std::max(nDifference, nOpposite) - nFloor);
-            const auto x =
-                static_cast<std::uint16_t>(std::min(std::max(nExcess, std::int16_t{0}), nMost));
-            const auto nPart =
-                static_cast<std::uint16_t>(static_cast<std::uint16_t>(x * nLow) >> 8);
-            const auto nStretched = static_cast<std::int16_t>(
-                static_cast<std::uint16_t>(static_cast<std::uint16_t>(x * nHigh) + nPart) >> 4);
-            const auto nFaded = static_cast<std::int16_t>(nStretched + pFade[i] - 255);
-            pOut[i] = static_cast<unsigned char>(std::max(nFaded, std::int16_t{0}));
+class ClStress {
+public:
+    explicit ClStress(int nNoise)
+        : m_nNoise(static_cast<std::int16_t>(nNoise)),
+          m_nMost(static_cast<std::int16_t>(cnFullDefect - nNoise)) {
+        const int nStep = static_cast<int>(255.9 * 4096.0 / m_nMost);
+        m_nHigh = static_cast<std::uint16_t>(nStep >> 8);
+        m_nLow = static_cast<std::uint16_t>(nStep & 255);
+    }
+
+    void WriteLine(const std::uint16_t* pFine, const unsigned char* __restrict pCoarse,
+                   const unsigned char* __restrict pFade, long nPixels,
+                   unsigned char* __restrict pOut, const ClColumnSums& Sums) const {
+        const ClStress Stress = *this;
+        std::uint16_t* __restrict pGrey = Sums.Grey();
+        std::uint16_t* __restrict pWhite = Sums.White();
+        for (long x = 0; x < nPixels; ++x) {
+            const auto nFaded =
+                static_cast<std::int16_t>(Stress.Of(pFine[x], pCoarse[x]) + pFade[x] - 255);
+            const auto nDefect = static_cast<std::uint16_t>(std::max(nFaded, std::int16_t{0}));
+            pOut[x] = static_cast<unsigned char>(nDefect);
+            pGrey[x] = static_cast<std::uint16_t>(pGrey[x] + nDefect);
+            pWhite[x] = static_cast<std::uint16_t>(pWhite[x] + ((nDefect + 1) >> 8));
         }
+    }
+
+private:
+    std::int16_t Of(std::uint16_t nFine, std::uint16_t nCoarse) const {
+        const auto nDifference = static_cast<std::int16_t>(nFine - nCoarse);
+        const auto nOpposite = static_cast<std::int16_t>(-nDifference);
+        const auto nExcess = static_cast<std::int16_t>(std::max(nDifference, nOpposite) - m_nNoise);
+        const auto x =
+            static_cast<std::uint16_t>(std::min(std::max(nExcess, std::int16_t{0}), m_nMost));
+        const auto nPart = static_cast<std::uint16_t>(static_cast<std::uint16_t>(x * m_nLow) >> 8);
+        return static_cast<std::int16_t>(
+            static_cast<std::uint16_t>(static_cast<std::uint16_t>(x * m_nHigh) + nPart) >> 4);
+    }
+
+    std::int16_t m_nNoise;
+    std::int16_t m_nMost;
+    std::uint16_t m_nHigh;
+    std::uint16_t m_nLow;
+};
+
+template <class Room>
+struct StWriteDefects {
+    using Fine = Kernels::StFilterBoth<Room>;
+
+    static std::size_t Bytes(long nWidth) {
+        return Fine::Bytes(nWidth) + ClColumnSums::Bytes(nWidth);
+    }
+
+    static void Run(const Kernels::ClPairedTaps* pTaps, unsigned char* pMemory,
+                    const StPlanesOfDefects* pPlanes, int nNoise, StDefectSums* pSums) {
+        const StPlanesOfDefects Planes = *pPlanes;
+        const long nWidth = Planes.m_Out.m_nWidth;
+        const ClStress Stress(nNoise);
+        ClColumnSums Sums(pMemory + Fine::Bytes(nWidth), nWidth);
+        Fine::RunLines(
+            *pTaps, pMemory, nWidth, Planes.m_Out.m_nHeight,
+            [&](long y, std::uint16_t* pLine) {
+                Kernels::Widen(Planes.m_Scaled.Line(y), nWidth, pLine);
+            },
+            [&](long y, const std::uint16_t* pFine) {
+                Stress.WriteLine(pFine, Planes.m_Coarse.Line(y), Planes.m_Fade.Line(y), nWidth,
+                                 Planes.m_Out.Line(y), Sums);
+                if ((y + 1) % ClColumnSums::cnMostLines == 0)
+                    Sums.MoveTo(pSums);
+            });
+        Sums.MoveTo(pSums);
     }
 };
 
-struct StSumDefects {
-    static void Run(const unsigned char* __restrict pPixels, long nPixels, StDefectSums* pSums) {
-        std::int32_t nWhite = 0;
-        std::uint32_t nSum = 0; // of 2^24 pixels and more
-        for (long i = 0; i < nPixels; ++i) {
-            nWhite += pPixels[i] == 255 ? 1 : 0;
-            nSum += pPixels[i];
-        }
-        pSums->m_nWhite += nWhite;
-        pSums->m_nSum += nSum;
-    }
-};
-
-Kernels::ClLinearFilter FineKernel(const StPlane& In) {
+/// The taps that the operator has on images of this size.
+Kernels::ClPairedTaps FineTaps(const StPlane& In) {
     ClImage Layout;
     Layout.Attach(nullptr, ClImage::eUInt8, static_cast<int>(In.m_nWidth),
                   static_cast<int>(In.m_nHeight), 1, 1, 1);
@@ -82,7 +162,7 @@ Kernels::ClLinearFilter FineKernel(const StPlane& In) {
     Filter.m_pOutImage = &Out;
     Filter.m_dSigma = cdFineSigma;
     Filter.Initialize();
-    return {Filter.Filter().Data(), static_cast<long>(Filter.Filter().Entries()), In.m_nWidth};
+    return {Filter.Filter().Data(), static_cast<long>(Filter.Filter().Entries())};
 }
 
 } // namespace
@@ -90,27 +170,20 @@ Kernels::ClLinearFilter FineKernel(const StPlane& In) {
 StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
                           Kernels::ClScratch& rMemory, Kernels::ClScratch& rScratch,
                           const StPlane& Out) {
+    using Kernel = StWriteDefects<Kernels::StEvenRoom<5, 4>>; // holds the taps of a sigma of 1.5
+    const Kernels::ClPairedTaps Taps = FineTaps(In);
     const auto nStride = Kernels::ClScratch::Aligned(static_cast<std::size_t>(In.m_nWidth));
     const std::size_t nPlane = nStride * static_cast<std::size_t>(In.m_nHeight);
-    unsigned char* pMemory = rMemory.Reserve(2 * nPlane + nStride);
+    unsigned char* pMemory = rMemory.Reserve(2 * nPlane + Kernel::Bytes(In.m_nWidth));
     const auto nBytes = static_cast<std::ptrdiff_t>(nStride);
     const StPlane Scaled{pMemory, nBytes, In.m_nWidth, In.m_nHeight};
     const StPlane Coarse{pMemory + nPlane, nBytes, In.m_nWidth, In.m_nHeight};
-    unsigned char* pFine = pMemory + 2 * nPlane;
     for (long y = 0; y < In.m_nHeight; ++y)
         RunAtLevel<StScaleInverse>(In.Line(y), In.m_nWidth, Scaled.Line(y));
     Mean(Scaled, cnCoarseHalf, Coarse, rScratch);
-    Kernels::ClLinearFilter Fine = FineKernel(In);
+    const StPlanesOfDefects Planes{Scaled, Coarse, Fade, Out};
     StDefectSums Sums;
-    std::array<const unsigned char*, cnTaps> apLines;
-    for (long y = 0; y < In.m_nHeight; ++y) {
-        for (long i = 0; i < cnTaps; ++i)
-            apLines[static_cast<std::size_t>(i)] =
-                Scaled.Line(std::clamp(y + i - cnTaps / 2, 0L, In.m_nHeight - 1));
-        Fine.FilterBoth(apLines.data(), pFine);
-        RunAtLevel<StStress>(pFine, Coarse.Line(y), Fade.Line(y), nNoise, In.m_nWidth, Out.Line(y));
-        RunAtLevel<StSumDefects>(Out.Line(y), In.m_nWidth, &Sums);
-    }
+    RunAtLevel<Kernel>(&Taps, pMemory + 2 * nPlane, &Planes, nNoise, &Sums);
     return Sums;
 }
 

@@ -1,7 +1,7 @@
 #include "ImageProcessing/Kernels/LinearFilter.h"
 
-// Bytes and the taps of a Gaussian, symmetric and few, take the loops of SymmetricFilter.h on all
-// but short lines. What follows serves the others.
+// Bytes and the taps of a Gaussian or its derivative, which pair up and are few, take the loops of
+// PairedFilter.h. What follows serves the others.
 //
 // Across lines, two lines at a time are interleaved and multiplied by a pair of taps in one
 // multiply-add of the x86-64 baseline: 16 columns a round. Along a line the same loop runs over
@@ -168,14 +168,10 @@ ClLinearFilter::ClLinearFilter(const long* pTaps, long nTaps, long nWidth)
     : m_nTaps(std::max(nTaps, 1L)), m_nWidth(std::max(nWidth, 0L)) {
     CopyTaps(pTaps, nTaps);
     m_bNarrow = IsNarrow(m_pTaps.get(), m_nTaps);
+    m_Paired = ClPairedTaps(m_pTaps.get(), m_nTaps);
     const auto nPadded = static_cast<std::size_t>(m_nWidth + m_nTaps - 1);
     m_pPadded = Vek::NewArrayPtr<unsigned char>(nPadded);
     m_pSums = Vek::NewArrayPtr<double>(nPadded);
-    if (m_nWidth >= cnSymmetricRound)
-        m_Symmetric = ClSymmetricTaps(m_pTaps.get(), m_nTaps);
-    if (m_Symmetric.Half() >= 0)
-        m_pSymmetricSums = Vek::NewArrayPtr<std::uint32_t>(
-            static_cast<std::size_t>(m_nWidth + 2 * ClSymmetricTaps::cnLargestHalf));
 }
 
 void ClLinearFilter::CopyTaps(const long* pTaps, long nTaps) {
@@ -192,6 +188,83 @@ void ClLinearFilter::CopyTaps(const long* pTaps, long nTaps) {
                                            (static_cast<std::uint32_t>(m_pTaps[i]) & 0xFFFFU));
 }
 
+// Planes
+
+template <class Pass>
+void ClLinearFilter::RunPass(const StInAndOut<unsigned char>& Planes) {
+    if (m_nWidth > 0 && Planes.m_nHeight > 0)
+        RunAtLevel<Pass>(&m_Paired, m_Scratch.Reserve(Pass::Bytes(m_nWidth)), m_nWidth, &Planes);
+}
+
+void ClLinearFilter::AlongPaired(const StInAndOut<unsigned char>& Planes) {
+    if (m_Paired.Kind() == ClPairedTaps::EKind::eOdd)
+        return InOddRoom(m_Paired, [&](auto room) {
+            RunPass<StFilterAlong<decltype(room), StSignedQuotient>>(Planes);
+        });
+    InEvenRoom(m_Paired,
+               [&](auto room) { RunPass<StFilterAlong<decltype(room), StQuotientOfSum>>(Planes); });
+}
+
+void ClLinearFilter::AcrossPaired(const StInAndOut<unsigned char>& Planes) {
+    if (m_Paired.Kind() == ClPairedTaps::EKind::eOdd)
+        return InOddRoom(m_Paired, [&](auto room) {
+            RunPass<StFilterAcross<decltype(room), StSignedQuotient>>(Planes);
+        });
+    InEvenRoom(m_Paired, [&](auto room) {
+        RunPass<StFilterAcross<decltype(room), StQuotientOfSum>>(Planes);
+    });
+}
+
+/// Calls `filter(lines, out)` for each line of the output with the lines that its taps meet.
+template <class T, class FilterLines>
+void ClLinearFilter::ForEachLine(const StInAndOut<T>& Planes, FilterLines filter) const {
+    const auto pLines = Vek::NewArrayPtr<const T*>(static_cast<std::size_t>(m_nTaps));
+    for (long y = 0; y < Planes.m_nHeight; ++y) {
+        for (long i = 0; i < m_nTaps; ++i)
+            pLines[static_cast<std::size_t>(i)] =
+                Planes.In(std::clamp(y + i - m_nTaps / 2, 0L, Planes.m_nHeight - 1));
+        filter(pLines.get(), Planes.Out(y));
+    }
+}
+
+template <class T>
+void ClLinearFilter::FilterAlong(const StInAndOut<T>& Planes) {
+    if constexpr (std::is_same_v<T, unsigned char>)
+        if (m_Paired.Kind() != ClPairedTaps::EKind::eNone)
+            return AlongPaired(Planes);
+    for (long y = 0; y < Planes.m_nHeight; ++y)
+        FilterLine(Planes.In(y), Planes.Out(y));
+}
+
+template <class T>
+void ClLinearFilter::FilterAcross(const StInAndOut<T>& Planes) {
+    if constexpr (std::is_same_v<T, unsigned char>)
+        if (m_Paired.Kind() != ClPairedTaps::EKind::eNone)
+            return AcrossPaired(Planes);
+    ForEachLine(Planes, [&](const T* const* ppLines, T* pOut) { FilterColumns(ppLines, pOut); });
+}
+
+template <class T>
+void ClLinearFilter::FilterBoth(const StInAndOut<T>& Planes) {
+    if constexpr (std::is_same_v<T, unsigned char>)
+        if (m_Paired.Kind() == ClPairedTaps::EKind::eEven)
+            return InEvenRoom(m_Paired,
+                              [&](auto room) { RunPass<StFilterBoth<decltype(room)>>(Planes); });
+    ForEachLine(Planes, [&](const T* const* ppLines, T* pOut) { FilterLineOfBoth(ppLines, pOut); });
+}
+
+void ClLinearFilter::SharpenAcross(const StInAndOut<unsigned char>& Planes) {
+    if (m_Paired.Kind() == ClPairedTaps::EKind::eEven)
+        return InEvenRoom(m_Paired, [&](auto room) {
+            RunPass<StFilterAcross<decltype(room), StSharpened>>(Planes);
+        });
+    FilterAcross(Planes);
+    for (long y = 0; y < Planes.m_nHeight; ++y)
+        SharpenLine(Planes.In(y), Planes.Out(y), m_nWidth, 1.0, 0, Planes.Out(y));
+}
+
+// Lines, of any taps
+
 template <class T, class LineAt>
 void ClLinearFilter::Filter(const LineAt& lineAt, T* pOut) const {
     if (m_bNarrow && m_nWidth >= cnRound) {
@@ -206,18 +279,8 @@ void ClLinearFilter::Filter(const LineAt& lineAt, T* pOut) const {
         pOut[x] = static_cast<T>(SumOfOne(lineAt, m_pTaps.get(), m_nTaps, x) / cnDivisor);
 }
 
-template <class Finish, class Out>
-void ClLinearFilter::FilterSymmetric(const unsigned char* const* ppLines, Out* pOut) const {
-    WithRoom(m_Symmetric.Half(), [&](auto half) {
-        RunAtLevel<StFilterLines<half(), Finish, Out>>(&m_Symmetric, ppLines, m_nWidth, pOut);
-    });
-}
-
 template <class T>
 void ClLinearFilter::FilterColumns(const T* const* ppLines, T* pOut) const {
-    if constexpr (std::is_same_v<T, unsigned char>)
-        if (m_Symmetric.Half() >= 0)
-            return FilterSymmetric<StQuotientOfSum>(ppLines, pOut);
     Filter<T>([ppLines](long i) { return ppLines[i]; }, pOut);
 }
 
@@ -228,46 +291,18 @@ void ClLinearFilter::FilterLine(const T* pIn, T* pOut) {
     T* pPadded = reinterpret_cast<T*>(m_pPadded.get());
     std::memcpy(pPadded + m_nTaps / 2, pIn, static_cast<std::size_t>(m_nWidth));
     RepeatEnds(pPadded, m_nWidth, m_nTaps);
-    if constexpr (std::is_same_v<T, unsigned char>)
-        if (m_Symmetric.Half() >= 0) {
-            const unsigned char* apMoved[2 * ClSymmetricTaps::cnLargestHalf + 1];
-            for (long i = 0; i < m_nTaps; ++i)
-                apMoved[i] = pPadded + i;
-            return FilterSymmetric<StQuotientOfSum>(apMoved, pOut);
-        }
     Filter<T>([pPadded](long i) { return pPadded + i; }, pOut);
 }
 
 template <class T>
-void ClLinearFilter::FilterBoth(const T* const* ppLines, T* pOut) {
+void ClLinearFilter::FilterLineOfBoth(const T* const* ppLines, T* pOut) {
     if (m_nWidth < 1)
         return;
-    if constexpr (std::is_same_v<T, unsigned char>)
-        if (m_Symmetric.Half() >= 0)
-            return FilterBothSymmetric(ppLines, pOut);
     if (!m_bNarrow)
         return FilterBothWide(ppLines, pOut);
     SumColumns(ppLines, m_pSums.get() + m_nTaps / 2);
     RepeatEnds(m_pSums.get(), m_nWidth, m_nTaps);
     ProcessLine(m_pSums.get(), pOut, m_nWidth);
-}
-
-void ClLinearFilter::FilterBothSymmetric(const unsigned char* const* ppLines, unsigned char* pOut) {
-    WithRoom(m_Symmetric.Half(), [&](auto half) {
-        std::uint32_t* pSums = m_pSymmetricSums.get();
-        FilterSymmetric<StWholeSum>(ppLines, pSums + half());
-        RepeatEnds(pSums, m_nWidth, 2 * half() + 1);
-        RunAtLevel<StFilterSums<half()>>(&m_Symmetric, static_cast<const std::uint32_t*>(pSums),
-                                         m_nWidth, pOut);
-    });
-}
-
-void ClLinearFilter::SharpenColumns(const unsigned char* const* ppLines,
-                                    unsigned char* pOut) const {
-    if (m_Symmetric.Half() >= 0)
-        return FilterSymmetric<StSharpened>(ppLines, pOut);
-    FilterColumns(ppLines, pOut);
-    SharpenLine(ppLines[m_nTaps / 2], pOut, m_nWidth, 1.0, 0, pOut);
 }
 
 template <class T>
@@ -316,11 +351,11 @@ void ClLinearFilter::FilterBothWide(const T* const* ppLines, T* pOut) const {
         pOut[x] = static_cast<T>(SumOfOne(sumsAt, m_pTaps.get(), m_nTaps, x) / cnDivisorBoth);
 }
 
-template void ClLinearFilter::FilterLine(const unsigned char*, unsigned char*);
-template void ClLinearFilter::FilterLine(const signed char*, signed char*);
-template void ClLinearFilter::FilterColumns(const unsigned char* const*, unsigned char*) const;
-template void ClLinearFilter::FilterColumns(const signed char* const*, signed char*) const;
-template void ClLinearFilter::FilterBoth(const unsigned char* const*, unsigned char*);
-template void ClLinearFilter::FilterBoth(const signed char* const*, signed char*);
+template void ClLinearFilter::FilterAlong(const StInAndOut<unsigned char>&);
+template void ClLinearFilter::FilterAlong(const StInAndOut<signed char>&);
+template void ClLinearFilter::FilterAcross(const StInAndOut<unsigned char>&);
+template void ClLinearFilter::FilterAcross(const StInAndOut<signed char>&);
+template void ClLinearFilter::FilterBoth(const StInAndOut<unsigned char>&);
+template void ClLinearFilter::FilterBoth(const StInAndOut<signed char>&);
 
 } // namespace Kernels

@@ -1,43 +1,58 @@
 #pragma once
 
-/// Lines of a linear filter in fixed point, on 8-bit samples, along the line, across lines, or
-/// both. Taps count in 1/4096. Results are rounded toward zero, and of them the low 8 bits are
-/// kept.
+/// A linear filter in fixed point on planes of 8-bit samples, along lines, across them, or both.
+/// Taps count in 1/4096. Results are rounded toward zero, and of them the low 8 bits are kept.
+/// Samples beyond an edge are those at the edge.
 
-#include "ImageProcessing/Kernels/SymmetricFilter.h"
+#include "ImageProcessing/Kernels/PairedFilter.h"
+#include "ImageProcessing/Kernels/Scratch.h"
 
-#include <cstdint>
 #include <memory>
 
 namespace Kernels {
 
-/// The taps of a filter and the scratch memory for lines of one width. The templates exist for
-/// `unsigned char` and `signed char`.
+/// The taps of a filter and the scratch memory for planes of one width. The templates exist for
+/// `unsigned char` and `signed char`; the planes may be one.
 class ClLinearFilter {
 public:
-    /// Copies the `nTaps` taps; without any, all results are 0. Throws `ClExBadAlloc` (-102).
+    /// Copies the `nTaps` taps; without any, all results are 0. Throws `ClExBadAlloc` (-102), as do
+    /// the others.
     ClLinearFilter(const long* pTaps, long nTaps, long nWidth);
 
-    /// out[x] = (sum over i of taps[i] * in[clamp(x + i - nTaps / 2, 0, nWidth - 1)]) / 4096.
-    /// `pIn` and `pOut` may be one line.
+    /// out[y][x] = (sum over i of taps[i] * in[y][clamp(x + i - nTaps / 2, 0, width - 1)]) / 4096.
     template <class T>
-    void FilterLine(const T* pIn, T* pOut);
+    void FilterAlong(const StInAndOut<T>& Planes);
 
-    /// out[x] = (sum over i of taps[i] * lines[i][x]) / 4096. `pOut` is none of the `nTaps` lines.
+    /// out[y][x] = (sum over i of taps[i] * in[clamp(y + i - nTaps / 2, 0, height - 1)][x]) / 4096.
+    /// The planes are two.
     template <class T>
-    void FilterColumns(const T* const* ppLines, T* pOut) const;
-
-    /// out[x] = min(255, max(0, 2 p - l)), with p the sample of the line in the middle and l that
-    /// of FilterColumns(): unsharp masking along columns. For an odd number of taps.
-    void SharpenColumns(const unsigned char* const* ppLines, unsigned char* pOut) const;
+    void FilterAcross(const StInAndOut<T>& Planes);
 
     /// Across lines and then along, with one division, by 2^24: the sums of all columns are
-    /// filtered as FilterLine() filters samples.
+    /// filtered as FilterAlong() filters samples. The planes are two.
     template <class T>
-    void FilterBoth(const T* const* ppLines, T* pOut);
+    void FilterBoth(const StInAndOut<T>& Planes);
+
+    /// out = min(255, max(0, 2 in - l)), with l the result of FilterAcross(): unsharp masking along
+    /// columns. The planes are two.
+    void SharpenAcross(const StInAndOut<unsigned char>& Planes);
 
 private:
     void CopyTaps(const long* pTaps, long nTaps);
+
+    template <class Pass>
+    void RunPass(const StInAndOut<unsigned char>& Planes);
+    void AlongPaired(const StInAndOut<unsigned char>& Planes);
+    void AcrossPaired(const StInAndOut<unsigned char>& Planes);
+
+    template <class T, class FilterLines>
+    void ForEachLine(const StInAndOut<T>& Planes, FilterLines filter) const;
+    template <class T>
+    void FilterLine(const T* pIn, T* pOut);
+    template <class T>
+    void FilterColumns(const T* const* ppLines, T* pOut) const;
+    template <class T>
+    void FilterLineOfBoth(const T* const* ppLines, T* pOut);
     template <class T, class LineAt>
     void Filter(const LineAt& lineAt, T* pOut) const;
     template <class T>
@@ -47,21 +62,17 @@ private:
     template <class T>
     void FilterBothWide(const T* const* ppLines, T* pOut) const;
 
-    template <class Finish, class Out>
-    void FilterSymmetric(const unsigned char* const* ppLines, Out* pOut) const;
-    void FilterBothSymmetric(const unsigned char* const* ppLines, unsigned char* pOut);
-
     long m_nTaps;
     long m_nWidth;
     /// Whether the absolute taps sum to at most 32767, so that vectors hold every sum.
     bool m_bNarrow = false;
-    ClSymmetricTaps m_Symmetric;
+    ClPairedTaps m_Paired;
+    ClScratch m_Scratch; ///< of paired taps
     std::unique_ptr<long[]> m_pTaps;
     std::unique_ptr<int[]> m_pPairs;    ///< taps 2 i and 2 i + 1 in 16 bits each
     std::unique_ptr<double[]> m_pReals; ///< the taps as real numbers
     std::unique_ptr<unsigned char[]> m_pPadded;
     std::unique_ptr<double[]> m_pSums;
-    std::unique_ptr<std::uint32_t[]> m_pSymmetricSums;
 };
 
 } // namespace Kernels

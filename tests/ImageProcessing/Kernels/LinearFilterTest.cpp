@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <random>
 #include <type_traits>
 #include <vector>
@@ -14,21 +15,35 @@
 namespace {
 
 using Kernels::ClLinearFilter;
+using Kernels::StInAndOut;
+using Taps = std::vector<long>;
 __extension__ typedef __int128 Wide;
 
+template <class T>
+using Lines = std::vector<std::vector<T>>; ///< of equal length
+
+/// Behind each line, and of whole lines before and behind a plane.
 constexpr long cnGuard = 16;
 constexpr unsigned char cnGuardByte = 0xA5;
 
 template <class T>
-std::vector<T> RandomLine(std::mt19937& rRandom, long nWidth) {
-    std::vector<T> aLine(static_cast<std::size_t>(nWidth));
-    std::generate(aLine.begin(), aLine.end(), [&] { return static_cast<T>(rRandom()); });
-    return aLine;
+Lines<T> RandomLines(std::mt19937& rRandom, long nWidth, long nHeight) {
+    Lines<T> aLines(static_cast<std::size_t>(nHeight),
+                    std::vector<T>(static_cast<std::size_t>(nWidth)));
+    for (auto& aLine : aLines)
+        std::generate(aLine.begin(), aLine.end(), [&] { return static_cast<T>(rRandom()); });
+    return aLines;
+}
+
+template <class T>
+Lines<T> FlatLines(long nWidth, long nHeight, int nValue) {
+    return Lines<T>(static_cast<std::size_t>(nHeight),
+                    std::vector<T>(static_cast<std::size_t>(nWidth), static_cast<T>(nValue)));
 }
 
 /// Taps whose absolute values sum to at most `nTotal`, of either sign.
-std::vector<long> RandomTaps(std::mt19937& rRandom, long nTaps, long nTotal) {
-    std::vector<long> aTaps(static_cast<std::size_t>(nTaps));
+Taps RandomTaps(std::mt19937& rRandom, long nTaps, long nTotal) {
+    Taps aTaps(static_cast<std::size_t>(nTaps));
     const long nEach = nTotal / std::max(nTaps, 1L);
     for (long& nTap : aTaps)
         nTap = static_cast<long>(rRandom() % static_cast<unsigned long>(2 * nEach + 1)) - nEach;
@@ -41,83 +56,150 @@ T Quotient(Wide nSum, long nDivisor) {
     return static_cast<T>(static_cast<std::int64_t>(static_cast<std::int64_t>(nSum) / nDivisor));
 }
 
-long PlaceOf(long x, long i, const std::vector<long>& aTaps, long nWidth) {
-    return std::clamp(x + i - static_cast<long>(aTaps.size()) / 2, 0L, nWidth - 1);
-}
-
-template <class Values>
-Wide SumAlong(const Values& aValues, const std::vector<long>& aTaps, long x) {
+/// The sum of products around place `n` of `nCount`, of which `at(i)` is one.
+template <class At>
+std::int64_t SumAround(const Taps& aTaps, long n, long nCount, At at) {
+    const auto nTaps = static_cast<long>(aTaps.size());
     Wide nSum = 0;
-    for (std::size_t i = 0; i < aTaps.size(); ++i)
-        nSum += Wide{aTaps[i]} *
-                Wide{aValues[static_cast<std::size_t>(
-                    PlaceOf(x, static_cast<long>(i), aTaps, static_cast<long>(aValues.size())))]};
-    return nSum;
-}
-
-template <class T>
-std::vector<std::int64_t> ColumnSums(const std::vector<std::vector<T>>& aLines,
-                                     const std::vector<long>& aTaps, long nWidth) {
-    std::vector<std::int64_t> aSums(static_cast<std::size_t>(nWidth));
-    for (std::size_t x = 0; x < aSums.size(); ++x) {
-        Wide nSum = 0;
-        for (std::size_t i = 0; i < aTaps.size(); ++i)
-            nSum += Wide{aTaps[i]} * Wide{aLines[i][x]};
-        aSums[x] = static_cast<std::int64_t>(nSum);
+    for (long i = 0; i < nTaps; ++i) {
+        const long nPlace = std::clamp(n + i - nTaps / 2, 0L, nCount - 1);
+        nSum +=
+            Wide{aTaps[static_cast<std::size_t>(i)]} * Wide{at(static_cast<std::size_t>(nPlace))};
     }
-    return aSums;
+    return static_cast<std::int64_t>(nSum);
 }
 
-/// Runs a loop into a guarded line and compares.
-template <class T, class Run>
-void ExpectLine(const std::vector<T>& aExpected, Run run) {
-    const std::size_t nWidth = aExpected.size();
-    std::vector<T> aOut(nWidth + 2 * cnGuard, static_cast<T>(cnGuardByte));
-    run(aOut.data() + cnGuard);
-    EXPECT_EQ(std::vector<T>(aOut.begin() + cnGuard, aOut.end() - cnGuard), aExpected);
-    for (std::size_t i = 0; i < cnGuard; ++i) {
-        EXPECT_EQ(static_cast<unsigned char>(aOut[i]), cnGuardByte);
-        EXPECT_EQ(static_cast<unsigned char>(aOut[nWidth + cnGuard + i]), cnGuardByte);
-    }
-}
-
-std::vector<unsigned char> Sharpened(const std::vector<unsigned char>& aIn,
-                                     const std::vector<unsigned char>& aLowPass) {
-    std::vector<unsigned char> aOut;
-    for (std::size_t x = 0; x < aIn.size(); ++x)
-        aOut.push_back(static_cast<unsigned char>(std::clamp(2 * aIn[x] - aLowPass[x], 0, 255)));
+/// `value(x, y)` for each place.
+template <class Value, class T, class ValueAt>
+Lines<Value> Each(const Lines<T>& aIn, ValueAt valueAt) {
+    Lines<Value> aOut(aIn.size(), std::vector<Value>(aIn.front().size()));
+    for (std::size_t y = 0; y < aIn.size(); ++y)
+        for (std::size_t x = 0; x < aIn[y].size(); ++x)
+            aOut[y][x] = valueAt(x, y);
     return aOut;
 }
 
-/// All loops on random lines.
 template <class T>
-void ExpectDefinition(std::mt19937& rRandom, long nWidth, const std::vector<long>& aTaps) {
-    SCOPED_TRACE(testing::Message() << "width " << nWidth << ", taps " << aTaps.size());
-    const auto nTaps = static_cast<long>(aTaps.size());
-    ClLinearFilter filter(aTaps.data(), nTaps, nWidth);
-    const std::vector<T> aLine = RandomLine<T>(rRandom, nWidth);
-    std::vector<std::vector<T>> aLines;
-    std::vector<const T*> aPointers;
-    for (long i = 0; i < nTaps; ++i)
-        aLines.push_back(RandomLine<T>(rRandom, nWidth));
-    for (const auto& aOne : aLines)
-        aPointers.push_back(aOne.data());
-    const std::vector<std::int64_t> aSums = ColumnSums(aLines, aTaps, nWidth);
-
-    std::vector<T> aAlong, aAcross, aBoth;
-    for (long x = 0; x < nWidth; ++x) {
-        aAlong.push_back(Quotient<T>(SumAlong(aLine, aTaps, x), 4096));
-        aAcross.push_back(Quotient<T>(aSums[static_cast<std::size_t>(x)], 4096));
-        aBoth.push_back(Quotient<T>(SumAlong(aSums, aTaps, x), 4096L * 4096L));
-    }
-    TestSupport::AtEveryLevel([&] {
-        ExpectLine(aAlong, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
-        ExpectLine(aAcross, [&](T* pOut) { filter.FilterColumns(aPointers.data(), pOut); });
-        ExpectLine(aBoth, [&](T* pOut) { filter.FilterBoth(aPointers.data(), pOut); });
-        if constexpr (std::is_same_v<T, unsigned char>)
-            ExpectLine(Sharpened(aLines[aLines.size() / 2], aAcross),
-                       [&](T* pOut) { filter.SharpenColumns(aPointers.data(), pOut); });
+Lines<std::int64_t> SumsAlong(const Lines<T>& aIn, const Taps& aTaps) {
+    return Each<std::int64_t>(aIn, [&](std::size_t x, std::size_t y) {
+        return SumAround(aTaps, static_cast<long>(x), static_cast<long>(aIn[y].size()),
+                         [&](std::size_t i) { return aIn[y][i]; });
     });
+}
+
+template <class T>
+Lines<std::int64_t> SumsAcross(const Lines<T>& aIn, const Taps& aTaps) {
+    return Each<std::int64_t>(aIn, [&](std::size_t x, std::size_t y) {
+        return SumAround(aTaps, static_cast<long>(y), static_cast<long>(aIn.size()),
+                         [&](std::size_t i) { return aIn[i][x]; });
+    });
+}
+
+template <class T>
+Lines<T> Quotients(const Lines<std::int64_t>& aSums, long nDivisor) {
+    return Each<T>(
+        aSums, [&](std::size_t x, std::size_t y) { return Quotient<T>(aSums[y][x], nDivisor); });
+}
+
+Lines<unsigned char> Sharpened(const Lines<unsigned char>& aIn,
+                               const Lines<unsigned char>& aLowPass) {
+    return Each<unsigned char>(aIn, [&](std::size_t x, std::size_t y) {
+        return static_cast<unsigned char>(std::clamp(2 * aIn[y][x] - aLowPass[y][x], 0, 255));
+    });
+}
+
+/// Lines one behind the other, each with its guard, and guards before and behind.
+template <class T>
+class ClGuarded {
+public:
+    explicit ClGuarded(const Lines<T>& aLines)
+        : m_nWidth(aLines.front().size()), m_nHeight(aLines.size()),
+          m_aSamples((m_nHeight + 2) * Stride(), static_cast<T>(cnGuardByte)) {
+        for (std::size_t y = 0; y < m_nHeight; ++y)
+            std::copy(aLines[y].begin(), aLines[y].end(), Line(y));
+    }
+
+    std::size_t Stride() const { return m_nWidth + cnGuard; }
+    T* Line(std::size_t y) { return m_aSamples.data() + (y + 1) * Stride(); }
+
+    Lines<T> TakeLines() {
+        Lines<T> aLines;
+        for (std::size_t y = 0; y < m_nHeight; ++y) {
+            aLines.emplace_back(Line(y), Line(y) + m_nWidth);
+            std::fill_n(Line(y), m_nWidth, static_cast<T>(cnGuardByte));
+        }
+        return aLines;
+    }
+
+    /// Behind TakeLines().
+    bool AreGuardsUntouched() const {
+        return std::count(m_aSamples.begin(), m_aSamples.end(), static_cast<T>(cnGuardByte)) ==
+               static_cast<long>(m_aSamples.size());
+    }
+
+private:
+    std::size_t m_nWidth;
+    std::size_t m_nHeight;
+    std::vector<T> m_aSamples;
+};
+
+/// Runs a filter into guarded lines and compares.
+template <class T, class Run>
+void ExpectLines(const Lines<T>& aIn, const Lines<T>& aExpected, Run run) {
+    ClGuarded<T> In(aIn);
+    ClGuarded<T> Out(aIn);
+    const auto nStride = static_cast<std::ptrdiff_t>(In.Stride());
+    run(StInAndOut<T>{In.Line(0), nStride, static_cast<long>(aIn.size()), Out.Line(0), nStride});
+    EXPECT_EQ(Out.TakeLines(), aExpected);
+    EXPECT_TRUE(Out.AreGuardsUntouched());
+}
+
+/// The filter in all directions, at every level.
+template <class T>
+void ExpectDefinition(const Lines<T>& aIn, const Taps& aTaps) {
+    const auto nWidth = static_cast<long>(aIn.front().size());
+    SCOPED_TRACE(testing::Message() << nWidth << " by " << aIn.size() << ", taps " << aTaps.size());
+    const auto aAlong = Quotients<T>(SumsAlong(aIn, aTaps), 4096);
+    const auto aAcross = Quotients<T>(SumsAcross(aIn, aTaps), 4096);
+    const auto aBoth = Quotients<T>(SumsAlong(SumsAcross(aIn, aTaps), aTaps), 4096L * 4096L);
+    TestSupport::AtEveryLevel([&] {
+        ClLinearFilter filter(aTaps.data(), static_cast<long>(aTaps.size()), nWidth);
+        ExpectLines(aIn, aAlong, [&](const auto& Planes) { filter.FilterAlong(Planes); });
+        ExpectLines(aIn, aAcross, [&](const auto& Planes) { filter.FilterAcross(Planes); });
+        ExpectLines(aIn, aBoth, [&](const auto& Planes) { filter.FilterBoth(Planes); });
+        if constexpr (std::is_same_v<T, unsigned char>)
+            ExpectLines(aIn, Sharpened(aIn, aAcross),
+                        [&](const auto& Planes) { filter.SharpenAcross(Planes); });
+    });
+}
+
+/// On random lines, of which there are fewer than taps, or more.
+template <class T>
+void ExpectDefinition(std::mt19937& rRandom, long nWidth, const Taps& aTaps) {
+    const long nHeight = 1 + static_cast<long>(rRandom() % (aTaps.size() + 4));
+    ExpectDefinition(RandomLines<T>(rRandom, nWidth, nHeight), aTaps);
+}
+
+/// Taps t(k) and nSign * t(k), of 1/16 and more, beside one in the middle that makes a sum of
+/// `nTotal` or is 0.
+Taps PairedTaps(std::mt19937& rRandom, long nHalf, long nTotal, long nSign) {
+    Taps aTaps(static_cast<std::size_t>(2 * nHalf + 1), 0);
+    long nRest = nTotal;
+    for (std::size_t k = 0; k < static_cast<std::size_t>(nHalf); ++k) {
+        const long nMost = std::max(nRest / 2, 1L);
+        const long nTap = static_cast<long>(rRandom() % static_cast<unsigned long>(nMost)) | 15;
+        if (2 * nTap > nRest)
+            break;
+        aTaps[k] = nTap;
+        aTaps[aTaps.size() - 1 - k] = nSign * nTap;
+        nRest -= 2 * nTap;
+    }
+    std::shuffle(aTaps.begin(), aTaps.begin() + nHalf, rRandom);
+    for (std::size_t k = 0; k < static_cast<std::size_t>(nHalf); ++k)
+        aTaps[aTaps.size() - 1 - k] = nSign * aTaps[k];
+    if (nSign > 0)
+        aTaps[static_cast<std::size_t>(nHalf)] = nRest;
+    return aTaps;
 }
 
 template <class T>
@@ -136,62 +218,78 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionAtEveryWidth) {
                                         RandomTaps(this->m_Random, nTaps, 4095));
 }
 
-/// Symmetric taps from the sum of a Gaussian's on both sides of 4096, which is the last that 16
-/// bits hold, and of as many taps as they hold and more.
-TYPED_TEST(LinearFilter, EqualsItsDefinitionOnSymmetricTaps) {
-    for (long nHalf = 0; nHalf <= 8; ++nHalf)
-        for (long nWidth : {1L, 5L, 63L, 64L, 65L, 130L})
-            for (long nTotal : {4095L, 4096L, 4097L}) {
-                std::vector<long> aTaps(static_cast<std::size_t>(2 * nHalf + 1), 0);
-                long nRest = nTotal;
-                for (std::size_t k = 0; k < static_cast<std::size_t>(nHalf); ++k) {
-                    aTaps[k] = static_cast<long>(this->m_Random() % 300) | 15;
-                    aTaps[aTaps.size() - 1 - k] = aTaps[k];
-                    nRest -= 2 * aTaps[k];
-                }
-                aTaps[static_cast<std::size_t>(nHalf)] = std::max(nRest, 0L);
-                ExpectDefinition<TypeParam>(this->m_Random, nWidth, aTaps);
-            }
+/// The sum of a Gaussian's taps on both sides of 4096, which is the last that 16 bits hold, and
+/// as many taps as they hold and more.
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnEvenTaps) {
+    for (long nHalf = 0; nHalf <= 10; ++nHalf)
+        for (long nWidth : {1L, 5L, 31L, 32L, 33L, 130L})
+            for (long nTotal : {4095L, 4096L, 4097L})
+                ExpectDefinition<TypeParam>(this->m_Random, nWidth,
+                                            PairedTaps(this->m_Random, nHalf, nTotal, 1));
 }
 
-TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTapsThatAreNearlySymmetric) {
-    for (const auto& aTaps : std::vector<std::vector<long>>{
-             {100, 3000, 101}, {-5, 3000, -5}, {5000, 0, 5000}, {1000, 1000}, {2000, 4000, 2000}})
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnOddTaps) {
+    for (long nHalf = 1; nHalf <= 10; ++nHalf)
+        for (long nWidth : {1L, 5L, 31L, 32L, 33L, 130L})
+            for (long nTotal : {4095L, 4096L, 4100L})
+                ExpectDefinition<TypeParam>(this->m_Random, nWidth,
+                                            PairedTaps(this->m_Random, nHalf, nTotal, -1));
+}
+
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheTapsOfTheScanner) {
+    for (const Taps& aTaps : {Taps{7, 153, 979, 1815, 979, 153, 7},
+                              Taps{0, 4, 31, 147, 447, 872, 1089, 872, 447, 147, 31, 4, 0},
+                              Taps{3, 74, 607, 1361, 0, -1361, -607, -74, -3}})
+        for (long nWidth : {3L, 64L, 77L})
+            ExpectDefinition(RandomLines<TypeParam>(this->m_Random, nWidth, 29), aTaps);
+}
+
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTapsThatNearlyPairUp) {
+    for (const Taps& aTaps :
+         {Taps{100, 3000, 101}, Taps{-5, 3000, -5}, Taps{5000, 0, 5000}, Taps{1000, 1000},
+          Taps{2000, 4000, 2000}, Taps{500, 1, -500}, Taps{500, 0, -501}, Taps{500, 0, 0, 0, 0},
+          Taps{-700, 0, 700}, Taps{0, 9, 0, 0}, Taps{0, -9, 0}})
         ExpectDefinition<TypeParam>(this->m_Random, 70, aTaps);
 }
 
-TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestSymmetricSums) {
+/// Parts of 1/16 that add up to the most that they may, and to one tap more.
+TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestParts) {
+    for (const Taps& aTaps :
+         {Taps{120, 0, 120}, Taps{112, 16, 16, 16, 112}, Taps{128, 0, 128}, Taps{129, 0, 129},
+          Taps{127, 1, 127}, Taps{127, 2, 127}, Taps{127, 3, 127}, Taps{256}, Taps{257},
+          Taps{128, 0, -128}, Taps{129, 0, -129}, Taps{64, 64, 0, -64, -64},
+          Taps{15, 15, 15, 15, 15, 15, 15, 15, 3856, 15, 15, 15, 15, 15, 15, 15, 15},
+          Taps{15, 15, 15, 15, 15, 15, 15, 1933, 0, -1933, -15, -15, -15, -15, -15, -15, -15}})
+        for (const bool bSteps : {false, true}) {
+            constexpr int cnLow = std::numeric_limits<TypeParam>::min();
+            constexpr int cnHigh = std::numeric_limits<TypeParam>::max();
+            Lines<TypeParam> aIn = FlatLines<TypeParam>(70, 40, cnHigh);
+            for (std::size_t y = 0; bSteps && y < 40; ++y)
+                for (std::size_t x = 0; x < 70; ++x)
+                    if ((x / 13 + y / 11) % 2 == 0)
+                        aIn[y][x] = static_cast<TypeParam>(cnLow);
+            ExpectDefinition(aIn, aTaps);
+        }
+}
+
+TYPED_TEST(LinearFilter, LeavesFlatLinesWhereTapsSumToOne) {
     using T = TypeParam;
-    constexpr long cnWidth = 70;
-    for (const auto& aTaps : std::vector<std::vector<long>>{
-             {4096}, {2048, 0, 2048}, {15, 15, 15, 15, 15, 15, 3916, 15, 15, 15, 15, 15, 15}}) {
-        const std::vector<T> aLine(cnWidth, std::numeric_limits<T>::max());
-        const std::vector<const T*> aLines(aTaps.size(), aLine.data());
-        ClLinearFilter filter(aTaps.data(), static_cast<long>(aTaps.size()), cnWidth);
-        TestSupport::AtEveryLevel([&] { // the taps sum to one
-            ExpectLine(aLine, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
-            ExpectLine(aLine, [&](T* pOut) { filter.FilterColumns(aLines.data(), pOut); });
-            ExpectLine(aLine, [&](T* pOut) { filter.FilterBoth(aLines.data(), pOut); });
+    for (const Taps& aTaps : {Taps{4096}, Taps{2048, 0, 2048},
+                              Taps{15, 15, 15, 15, 15, 15, 3916, 15, 15, 15, 15, 15, 15}}) {
+        const auto aFlat = FlatLines<T>(70, 3, std::numeric_limits<T>::max());
+        ClLinearFilter filter(aTaps.data(), static_cast<long>(aTaps.size()), 70);
+        TestSupport::AtEveryLevel([&] {
+            ExpectLines(aFlat, aFlat, [&](const auto& Planes) { filter.FilterAlong(Planes); });
+            ExpectLines(aFlat, aFlat, [&](const auto& Planes) { filter.FilterAcross(Planes); });
+            ExpectLines(aFlat, aFlat, [&](const auto& Planes) { filter.FilterBoth(Planes); });
         });
     }
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionWhereTapsSumToMoreThanOne) {
-    using T = TypeParam;
-    constexpr long cnWidth = 70;
-    for (const long nTap : {2049L, 2150L}) {
-        const long aTaps[] = {nTap, 0, nTap};
-        const std::vector<T> aLine(cnWidth, std::numeric_limits<T>::max());
-        const T* apLines[] = {aLine.data(), aLine.data(), aLine.data()};
-        ClLinearFilter filter(aTaps, 3, cnWidth);
-        const Wide nSum = Wide{2 * nTap} * std::numeric_limits<T>::max();
-        const std::vector<T> aOnce(cnWidth, Quotient<T>(nSum, 4096));
-        const std::vector<T> aTwice(cnWidth, Quotient<T>(nSum * 2 * nTap, 4096L * 4096L));
-        TestSupport::AtEveryLevel([&] {
-            ExpectLine(aOnce, [&](T* pOut) { filter.FilterColumns(apLines, pOut); });
-            ExpectLine(aTwice, [&](T* pOut) { filter.FilterBoth(apLines, pOut); });
-        });
-    }
+    for (const long nTap : {2049L, 2150L})
+        ExpectDefinition(FlatLines<TypeParam>(70, 2, std::numeric_limits<TypeParam>::max()),
+                         {nTap, 0, nTap});
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionWithMoreTapsThanSamples) {
@@ -200,33 +298,31 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionWithMoreTapsThanSamples) {
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionUpToTheLargestTapsOfVectors) {
-    for (const auto& aTaps : std::vector<std::vector<long>>{
-             {32767}, {-32767}, {16383, -16384}, {10000, 12767, 10000}, {-1, 32766}})
+    for (const Taps& aTaps : {Taps{32767}, Taps{-32767}, Taps{16383, -16384},
+                              Taps{10000, 12767, 10000}, Taps{-1, 32766}})
         for (long nWidth : {15L, 16L, 17L, 40L})
             ExpectDefinition<TypeParam>(this->m_Random, nWidth, aTaps);
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionBeyondTheLargestTapsOfVectors) {
-    for (const auto& aTaps : std::vector<std::vector<long>>{
-             {32768}, {-32768, 1}, {20000, -20000, 20000}, {70000, 1, -99999}, {1L << 25, 3, 7}})
+    for (const Taps& aTaps : {Taps{32768}, Taps{-32768, 1}, Taps{20000, -20000, 20000},
+                              Taps{70000, 1, -99999}, Taps{1L << 25, 3, 7}})
         for (long nWidth : {5L, 16L, 33L})
             ExpectDefinition<TypeParam>(this->m_Random, nWidth, aTaps);
 }
 
-TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestSamples) {
+TYPED_TEST(LinearFilter, RoundsTwiceAsFarAsOnceForBoth) {
     using T = TypeParam;
-    const std::vector<long> aTaps(3, 1365);
-    ClLinearFilter filter(aTaps.data(), 3, 20);
+    const Taps aTaps(3, 1365);
     for (int nValue : {int{std::numeric_limits<T>::min()}, int{std::numeric_limits<T>::max()}}) {
-        const std::vector<T> aLine(20, static_cast<T>(nValue));
-        const T* aLines[] = {aLine.data(), aLine.data(), aLine.data()};
-        const auto nOnce = static_cast<T>(nValue * 4095 / 4096);
-        const auto nTwice = static_cast<T>(static_cast<long>(nValue) * 4095 * 4095 / (1L << 24));
-        const std::vector<T> aOnce(20, nOnce);
-        const std::vector<T> aTwice(20, nTwice);
-        ExpectLine(aOnce, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
-        ExpectLine(aOnce, [&](T* pOut) { filter.FilterColumns(aLines, pOut); });
-        ExpectLine(aTwice, [&](T* pOut) { filter.FilterBoth(aLines, pOut); });
+        const auto aIn = FlatLines<T>(20, 4, nValue);
+        const auto aOnce = FlatLines<T>(20, 4, nValue * 4095 / 4096);
+        const auto aTwice = FlatLines<T>(
+            20, 4, static_cast<int>(static_cast<long>(nValue) * 4095 * 4095 / (1L << 24)));
+        ClLinearFilter filter(aTaps.data(), 3, 20);
+        ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAlong(Planes); });
+        ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAcross(Planes); });
+        ExpectLines(aIn, aTwice, [&](const auto& Planes) { filter.FilterBoth(Planes); });
     }
 }
 
@@ -234,57 +330,56 @@ TYPED_TEST(LinearFilter, WrapsSumsThatNoNumberHolds) {
     using T = TypeParam;
     const long nTap = std::numeric_limits<long>::max();
     ClLinearFilter filter(&nTap, 1, 3);
-    const T aLine[] = {1, 2, 3};
-    const T* aLines[] = {aLine};
+    const Lines<T> aIn = {{1, 2, 3}};
     // (2^63 - 1) n modulo 2^64 as a signed number: 2^63 - 1, -2, 2^63 - 3.
     const auto cut = [](long n) { return static_cast<T>(n / 4096); };
-    ExpectLine(std::vector<T>{cut(nTap), 0, cut(nTap - 2)},
-               [&](T* pOut) { filter.FilterLine(aLine, pOut); });
-    ExpectLine(std::vector<T>{cut(nTap), 0, cut(nTap - 2)},
-               [&](T* pOut) { filter.FilterColumns(aLines, pOut); });
+    const Lines<T> aOnce = {{cut(nTap), 0, cut(nTap - 2)}};
+    ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAlong(Planes); });
+    ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAcross(Planes); });
     // Times 2^63 - 1 again: 1, 2 and 3 modulo 2^64.
-    ExpectLine(std::vector<T>{0, 0, 0}, [&](T* pOut) { filter.FilterBoth(aLines, pOut); });
+    ExpectLines(aIn, {{0, 0, 0}}, [&](const auto& Planes) { filter.FilterBoth(Planes); });
 }
 
 TYPED_TEST(LinearFilter, RoundsTowardZero) {
     using T = TypeParam;
     const long aTaps[] = {-1};
     ClLinearFilter filter(aTaps, 1, 18);
-    const std::vector<T> aLine(18, static_cast<T>(100));
-    ExpectLine(std::vector<T>(18, 0), [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
+    ExpectLines(FlatLines<T>(18, 1, 100), FlatLines<T>(18, 1, 0),
+                [&](const auto& Planes) { filter.FilterAlong(Planes); });
 }
 
-TYPED_TEST(LinearFilter, FiltersALineInPlace) {
+TYPED_TEST(LinearFilter, FiltersLinesInPlace) {
     using T = TypeParam;
-    const long aTaps[] = {4096, 0, 0}; // moves by one sample
-    ClLinearFilter filter(aTaps, 3, 20);
-    std::vector<T> aLine = RandomLine<T>(this->m_Random, 20);
-    std::vector<T> aMoved = aLine;
-    std::copy(aLine.begin(), aLine.end() - 1, aMoved.begin() + 1);
-    filter.FilterLine(aLine.data(), aLine.data());
-    EXPECT_EQ(aLine, aMoved);
+    for (const Taps& aTaps : {Taps{4096, 0, 0}, Taps{1024, 2048, 1024}}) { // moves, blurs
+        const Lines<T> aLines = RandomLines<T>(this->m_Random, 40, 3);
+        ClGuarded<T> Lines(aLines);
+        const auto nStride = static_cast<std::ptrdiff_t>(Lines.Stride());
+        ClLinearFilter(aTaps.data(), 3, 40)
+            .FilterAlong(StInAndOut<T>{Lines.Line(0), nStride, 3, Lines.Line(0), nStride});
+        EXPECT_EQ(Lines.TakeLines(), Quotients<T>(SumsAlong(aLines, aTaps), 4096));
+    }
 }
 
 TYPED_TEST(LinearFilter, GivesZerosWithoutTaps) {
     using T = TypeParam;
     ClLinearFilter filter(nullptr, 0, 20);
-    const std::vector<T> aLine = RandomLine<T>(this->m_Random, 20);
-    const T* aLines[] = {aLine.data()};
-    const std::vector<T> aZeros(20, 0);
-    ExpectLine(aZeros, [&](T* pOut) { filter.FilterLine(aLine.data(), pOut); });
-    ExpectLine(aZeros, [&](T* pOut) { filter.FilterColumns(aLines, pOut); });
-    ExpectLine(aZeros, [&](T* pOut) { filter.FilterBoth(aLines, pOut); });
+    const auto aIn = RandomLines<T>(this->m_Random, 20, 2);
+    const auto aZeros = FlatLines<T>(20, 2, 0);
+    ExpectLines(aIn, aZeros, [&](const auto& Planes) { filter.FilterAlong(Planes); });
+    ExpectLines(aIn, aZeros, [&](const auto& Planes) { filter.FilterAcross(Planes); });
+    ExpectLines(aIn, aZeros, [&](const auto& Planes) { filter.FilterBoth(Planes); });
 }
 
 TYPED_TEST(LinearFilter, DoesNothingWithoutSamples) {
     using T = TypeParam;
-    const long aTaps[] = {1, 2, 1};
-    ClLinearFilter filter(aTaps, 3, 0);
-    const T* aLines[] = {nullptr, nullptr, nullptr};
-    const std::vector<T> aNone;
-    ExpectLine(aNone, [&](T* pOut) { filter.FilterLine(static_cast<const T*>(nullptr), pOut); });
-    ExpectLine(aNone, [&](T* pOut) { filter.FilterColumns(aLines, pOut); });
-    ExpectLine(aNone, [&](T* pOut) { filter.FilterBoth(aLines, pOut); });
+    for (const Taps& aTaps : {Taps{1, 2, 1}, Taps{1, 2, 3}})
+        for (const long nWidth : {0L, 4L}) {
+            ClLinearFilter filter(aTaps.data(), 3, nWidth);
+            const StInAndOut<T> None{nullptr, 4, nWidth == 0 ? 2L : 0L, nullptr, 4};
+            filter.FilterAlong(None);
+            filter.FilterAcross(None);
+            filter.FilterBoth(None);
+        }
 }
 
 TEST(LinearFilterTaps, AnswerEveryMissingAllocation) {
@@ -292,13 +387,17 @@ TEST(LinearFilterTaps, AnswerEveryMissingAllocation) {
     TestSupport::FailEachAllocation([&] { ClLinearFilter filter(aTaps, 3, 100); });
 }
 
-TEST(LinearFilterTaps, AnswerAMissingAllocationOfLargeTaps) {
-    const long aTaps[] = {1L << 40, 2, 1};
-    const unsigned char aLine[20] = {};
-    const unsigned char* aLines[] = {aLine, aLine, aLine};
-    unsigned char aOut[20];
-    ClLinearFilter filter(aTaps, 3, 20);
-    TestSupport::FailEachAllocation([&] { filter.FilterBoth(aLines, aOut); });
+TEST(LinearFilterTaps, AnswerEveryMissingAllocationOfARun) {
+    const unsigned char aIn[60] = {};
+    unsigned char aOut[60];
+    const StInAndOut<unsigned char> Planes{aIn, 20, 3, aOut, 20};
+    for (const Taps& aTaps : {Taps{1, 2, 1}, Taps{1L << 40, 2, 1}})
+        TestSupport::FailEachAllocation([&] {
+            ClLinearFilter filter(aTaps.data(), 3, 20);
+            filter.FilterBoth(Planes);
+            filter.FilterAcross(Planes);
+            filter.FilterAlong(Planes);
+        });
 }
 
 } // namespace
