@@ -103,7 +103,8 @@ void ClIpArithmetic2to1Base::ProcessToOutImage() {
     long nHeight = 0;
     CreateOutImage(nWidth, nHeight);
     SetOutImageSign();
-    FillOuterParts();
+    if (!IsAllArea())
+        FillOuterParts();
     const long nPlanes = m_pInImage1->Planes();
     if (nWidth < 1 || nHeight < 1 || nPlanes < 1 || nPlanes != m_pInImage2->Planes())
         return;
@@ -115,6 +116,16 @@ void ClIpArithmetic2to1Base::ProcessToOutImage() {
                 m_pInImage1->LineStrideBytes(), m_pInImage2->Data() + nOffset2,
                 m_pInImage2->LineStrideBytes(), m_pOutImage->Data() + nOffsetOut,
                 m_pOutImage->LineStrideBytes());
+}
+
+bool ClIpArithmetic2to1Base::WritesAllOfArea() const {
+    return false;
+}
+
+/// Whether ProcessArea() writes the whole output.
+bool ClIpArithmetic2to1Base::IsAllArea() const {
+    return WritesAllOfArea() && m_pInImage1->Planes() == m_pInImage2->Planes() &&
+           StOverlay(*m_pInImage1, *m_pInImage2, m_nOffsetX, m_nOffsetY).IsPlain();
 }
 
 void ClIpArithmetic2to1Base::CreateOutImage(long& nWidth, long& nHeight) {

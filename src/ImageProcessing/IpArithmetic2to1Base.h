@@ -64,6 +64,9 @@ public:
     int m_nOffsetY = 0;
 
 protected:
+    /// Whether ProcessArea() writes all of the overlap, so that nothing need be painted under it.
+    /// Here not.
+    virtual bool WritesAllOfArea() const;
     /// Allocates the output and gives the size of the overlap.
     void CreateOutImage(long& nWidth, long& nHeight);
     /// Paints the output without the operator's own part.
@@ -74,5 +77,6 @@ protected:
 private:
     long CheckInputs();
     void ProcessToOutImage();
+    bool IsAllArea() const;
     void CopyToOutput(const ClImage& In, long nX, long nY);
 };

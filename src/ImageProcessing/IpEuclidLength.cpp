@@ -1,5 +1,6 @@
 #include "ImageProcessing/IpEuclidLength.h"
 
+#include "ImageProcessing/Kernels/Length.h"
 #include "Tools/Allocate.h"
 
 #include <cmath>
@@ -54,15 +55,16 @@ void ClIpEuclidLength::ProcessArea(long nWidth, long nHeight, long nPlanes,
                                    const unsigned char* pIn1, long nIn1Stride,
                                    const unsigned char* pIn2, long nIn2Stride, unsigned char* pOut,
                                    long nOutStride) {
-    const auto& Table = ClImage::IsSigned(m_pInImage1->DataType()) ? m_tabSigned : m_tabUnsigned;
-    const long nSamples = nWidth * nPlanes;
-    for (long y = 0; y < nHeight; ++y) {
-        for (long i = 0; i < nSamples; ++i)
-            pOut[i] = Table[pIn1[i]][pIn2[i]];
-        pIn1 += nIn1Stride;
-        pIn2 += nIn2Stride;
-        pOut += nOutStride;
-    }
+    const Kernels::StPairOfPlanes Planes{
+        pIn1, nIn1Stride, pIn2, nIn2Stride, nWidth * nPlanes, nHeight, pOut, nOutStride};
+    if (ClImage::IsSigned(m_pInImage1->DataType()))
+        Kernels::SignedLength(Planes);
+    else
+        Kernels::UnsignedLength(Planes);
+}
+
+bool ClIpEuclidLength::WritesAllOfArea() const {
+    return true;
 }
 
 void ClIpEuclidLength::SetOutImageSign() {

@@ -5,10 +5,10 @@
 ///     unsigned   out = trunc(sqrt(dx^2 + dy^2) * 0.707), dx and dy from 0 to 255
 ///     signed     out = trunc(sqrt(dx^2 + dy^2) * 1.414), dx and dy from -128 to 127
 ///
-/// so that the longest vectors, 254 and 255, use the full byte. The type of input 1 decides. A
-/// root per pixel would cost more than all the rest: two tables hold every answer, 64 KiB each.
-/// They are built when the first object of the process is, once, whichever threads are first. A
-/// source file that MakeCppFilesFromTabs() writes can take the place of building them.
+/// so that the longest vectors, 254 and 255, use the full byte. The type of input 1 decides. Planes
+/// are measured by Kernels/Length.h. Two tables hold every answer for programs without vectors, 64
+/// KiB each: they are built when the first object of the process is, once, whichever threads are
+/// first. A source file that MakeCppFilesFromTabs() writes can take the place of building them.
 
 #include "ImageProcessing/IpArithmetic2to1Base.h"
 #include "Tools/DumpTabsToFile.h"
@@ -31,6 +31,9 @@ public:
     /// Writes "IpEuclidLengthTabs.cpp" into the directory `pPath`: both tables, and the flag that
     /// says so, as definitions of the class data. Throws as DumpHeader() and DumpClose().
     static void MakeCppFilesFromTabs(const char* pPath);
+
+protected:
+    bool WritesAllOfArea() const override;
 
 private:
     static void InitializeTabsOnce();

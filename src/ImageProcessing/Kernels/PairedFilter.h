@@ -83,6 +83,7 @@ struct StTapRoom {
 template <int nHalf, int nWholes>
 struct StEvenRoom : StTapRoom<nHalf, nWholes> {
     using Number = std::uint16_t;
+    static constexpr bool cbMiddle = true; ///< has a tap
     static Number Pair(Number before, Number behind) {
         return static_cast<Number>(before + behind);
     }
@@ -91,6 +92,7 @@ struct StEvenRoom : StTapRoom<nHalf, nWholes> {
 template <int nHalf, int nWholes>
 struct StOddRoom : StTapRoom<nHalf, nWholes> {
     using Number = std::int16_t;
+    static constexpr bool cbMiddle = false;
     static Number Pair(std::uint16_t before, std::uint16_t behind) {
         return static_cast<Number>(before - behind);
     }
@@ -137,8 +139,8 @@ void FilterWords(const ClPairedTaps& Taps, const std::uint16_t* const* ppLines,
     std::copy_n(ppLines, Room::cnTaps, apLines);
     for (std::size_t x = 0; x < nRounded; ++x) {
         const std::uint16_t nMiddle = apLines[h][x];
-        auto a = static_cast<Number>(nMiddle * aWhole[0]);
-        auto b = static_cast<Number>(nMiddle * aPart[0]);
+        auto a = static_cast<Number>(Room::cbMiddle ? nMiddle * aWhole[0] : 0);
+        auto b = static_cast<Number>(Room::cbMiddle ? nMiddle * aPart[0] : 0);
         for (int k = 1; k <= h; ++k) {
             const auto i = static_cast<std::size_t>(k);
             const Number nPair = Room::Pair(apLines[h - k][x], apLines[h + k][x]);
@@ -249,19 +251,24 @@ private:
 template <class Room, class Finish>
 struct StFilterAlong {
     static std::size_t Bytes(long nWidth) {
-        return ClPaddedLine<Room>::Bytes(nWidth) + PairedLine(nWidth) * sizeof(std::uint16_t);
+        return 2 * ClPaddedLine<Room>::Bytes(nWidth) + PairedLine(nWidth) * sizeof(std::uint16_t);
     }
 
     static void Run(const ClPairedTaps* pTaps, unsigned char* pMemory, long nWidth,
                     const StInAndOut<unsigned char>* pPlanes) {
         const ClPairedTaps Taps = *pTaps;
-        ClPaddedLine<Room> Padded(pMemory, nWidth);
+        const StInAndOut<unsigned char> Planes = *pPlanes;
+        ClPaddedLine<Room> aPadded[] = {{pMemory, nWidth},
+                                        {pMemory + ClPaddedLine<Room>::Bytes(nWidth), nWidth}};
         auto* pResults =
-            reinterpret_cast<std::uint16_t*>(pMemory + ClPaddedLine<Room>::Bytes(nWidth));
-        for (long y = 0; y < pPlanes->m_nHeight; ++y) {
-            Widen(pPlanes->In(y), nWidth, Padded.Samples());
-            FilterWords<Room, Finish>(Taps, Padded.Moved(), PairedLine(nWidth), pResults);
-            Narrow(pResults, nWidth, pPlanes->Out(y));
+            reinterpret_cast<std::uint16_t*>(pMemory + 2 * ClPaddedLine<Room>::Bytes(nWidth));
+        for (long y = -1; y < Planes.m_nHeight; ++y) {
+            if (y + 1 < Planes.m_nHeight)
+                Widen(Planes.In(y + 1), nWidth, aPadded[(y + 1) % 2].Samples());
+            if (y < 0)
+                continue;
+            FilterWords<Room, Finish>(Taps, aPadded[y % 2].Moved(), PairedLine(nWidth), pResults);
+            Narrow(pResults, nWidth, Planes.Out(y));
         }
     }
 };

@@ -16,34 +16,34 @@ namespace {
 
 using Kernels::ClLinearFilter;
 using Kernels::StInAndOut;
-using Taps = std::vector<long>;
+using FilterTaps = std::vector<long>;
 __extension__ typedef __int128 Wide;
 
 template <class T>
-using Lines = std::vector<std::vector<T>>; ///< of equal length
+using SampleLines = std::vector<std::vector<T>>; ///< of equal length
 
 /// Behind each line, and of whole lines before and behind a plane.
 constexpr long cnGuard = 16;
 constexpr unsigned char cnGuardByte = 0xA5;
 
 template <class T>
-Lines<T> RandomLines(std::mt19937& rRandom, long nWidth, long nHeight) {
-    Lines<T> aLines(static_cast<std::size_t>(nHeight),
-                    std::vector<T>(static_cast<std::size_t>(nWidth)));
+SampleLines<T> RandomSamples(std::mt19937& rRandom, long nWidth, long nHeight) {
+    SampleLines<T> aLines(static_cast<std::size_t>(nHeight),
+                          std::vector<T>(static_cast<std::size_t>(nWidth)));
     for (auto& aLine : aLines)
         std::generate(aLine.begin(), aLine.end(), [&] { return static_cast<T>(rRandom()); });
     return aLines;
 }
 
 template <class T>
-Lines<T> FlatLines(long nWidth, long nHeight, int nValue) {
-    return Lines<T>(static_cast<std::size_t>(nHeight),
-                    std::vector<T>(static_cast<std::size_t>(nWidth), static_cast<T>(nValue)));
+SampleLines<T> FlatSamples(long nWidth, long nHeight, int nValue) {
+    return SampleLines<T>(static_cast<std::size_t>(nHeight),
+                          std::vector<T>(static_cast<std::size_t>(nWidth), static_cast<T>(nValue)));
 }
 
-/// Taps whose absolute values sum to at most `nTotal`, of either sign.
-Taps RandomTaps(std::mt19937& rRandom, long nTaps, long nTotal) {
-    Taps aTaps(static_cast<std::size_t>(nTaps));
+/// FilterTaps whose absolute values sum to at most `nTotal`, of either sign.
+FilterTaps RandomTaps(std::mt19937& rRandom, long nTaps, long nTotal) {
+    FilterTaps aTaps(static_cast<std::size_t>(nTaps));
     const long nEach = nTotal / std::max(nTaps, 1L);
     for (long& nTap : aTaps)
         nTap = static_cast<long>(rRandom() % static_cast<unsigned long>(2 * nEach + 1)) - nEach;
@@ -58,7 +58,7 @@ T Quotient(Wide nSum, long nDivisor) {
 
 /// The sum of products around place `n` of `nCount`, of which `at(i)` is one.
 template <class At>
-std::int64_t SumAround(const Taps& aTaps, long n, long nCount, At at) {
+std::int64_t SumAround(const FilterTaps& aTaps, long n, long nCount, At at) {
     const auto nTaps = static_cast<long>(aTaps.size());
     Wide nSum = 0;
     for (long i = 0; i < nTaps; ++i) {
@@ -71,8 +71,8 @@ std::int64_t SumAround(const Taps& aTaps, long n, long nCount, At at) {
 
 /// `value(x, y)` for each place.
 template <class Value, class T, class ValueAt>
-Lines<Value> Each(const Lines<T>& aIn, ValueAt valueAt) {
-    Lines<Value> aOut(aIn.size(), std::vector<Value>(aIn.front().size()));
+SampleLines<Value> Each(const SampleLines<T>& aIn, ValueAt valueAt) {
+    SampleLines<Value> aOut(aIn.size(), std::vector<Value>(aIn.front().size()));
     for (std::size_t y = 0; y < aIn.size(); ++y)
         for (std::size_t x = 0; x < aIn[y].size(); ++x)
             aOut[y][x] = valueAt(x, y);
@@ -80,7 +80,7 @@ Lines<Value> Each(const Lines<T>& aIn, ValueAt valueAt) {
 }
 
 template <class T>
-Lines<std::int64_t> SumsAlong(const Lines<T>& aIn, const Taps& aTaps) {
+SampleLines<std::int64_t> SumsAlong(const SampleLines<T>& aIn, const FilterTaps& aTaps) {
     return Each<std::int64_t>(aIn, [&](std::size_t x, std::size_t y) {
         return SumAround(aTaps, static_cast<long>(x), static_cast<long>(aIn[y].size()),
                          [&](std::size_t i) { return aIn[y][i]; });
@@ -88,7 +88,7 @@ Lines<std::int64_t> SumsAlong(const Lines<T>& aIn, const Taps& aTaps) {
 }
 
 template <class T>
-Lines<std::int64_t> SumsAcross(const Lines<T>& aIn, const Taps& aTaps) {
+SampleLines<std::int64_t> SumsAcross(const SampleLines<T>& aIn, const FilterTaps& aTaps) {
     return Each<std::int64_t>(aIn, [&](std::size_t x, std::size_t y) {
         return SumAround(aTaps, static_cast<long>(y), static_cast<long>(aIn.size()),
                          [&](std::size_t i) { return aIn[i][x]; });
@@ -96,13 +96,13 @@ Lines<std::int64_t> SumsAcross(const Lines<T>& aIn, const Taps& aTaps) {
 }
 
 template <class T>
-Lines<T> Quotients(const Lines<std::int64_t>& aSums, long nDivisor) {
+SampleLines<T> Quotients(const SampleLines<std::int64_t>& aSums, long nDivisor) {
     return Each<T>(
         aSums, [&](std::size_t x, std::size_t y) { return Quotient<T>(aSums[y][x], nDivisor); });
 }
 
-Lines<unsigned char> Sharpened(const Lines<unsigned char>& aIn,
-                               const Lines<unsigned char>& aLowPass) {
+SampleLines<unsigned char> Sharpened(const SampleLines<unsigned char>& aIn,
+                                     const SampleLines<unsigned char>& aLowPass) {
     return Each<unsigned char>(aIn, [&](std::size_t x, std::size_t y) {
         return static_cast<unsigned char>(std::clamp(2 * aIn[y][x] - aLowPass[y][x], 0, 255));
     });
@@ -112,7 +112,7 @@ Lines<unsigned char> Sharpened(const Lines<unsigned char>& aIn,
 template <class T>
 class ClGuarded {
 public:
-    explicit ClGuarded(const Lines<T>& aLines)
+    explicit ClGuarded(const SampleLines<T>& aLines)
         : m_nWidth(aLines.front().size()), m_nHeight(aLines.size()),
           m_aSamples((m_nHeight + 2) * Stride(), static_cast<T>(cnGuardByte)) {
         for (std::size_t y = 0; y < m_nHeight; ++y)
@@ -122,8 +122,8 @@ public:
     std::size_t Stride() const { return m_nWidth + cnGuard; }
     T* Line(std::size_t y) { return m_aSamples.data() + (y + 1) * Stride(); }
 
-    Lines<T> TakeLines() {
-        Lines<T> aLines;
+    SampleLines<T> TakeLines() {
+        SampleLines<T> aLines;
         for (std::size_t y = 0; y < m_nHeight; ++y) {
             aLines.emplace_back(Line(y), Line(y) + m_nWidth);
             std::fill_n(Line(y), m_nWidth, static_cast<T>(cnGuardByte));
@@ -145,7 +145,7 @@ private:
 
 /// Runs a filter into guarded lines and compares.
 template <class T, class Run>
-void ExpectLines(const Lines<T>& aIn, const Lines<T>& aExpected, Run run) {
+void ExpectLines(const SampleLines<T>& aIn, const SampleLines<T>& aExpected, Run run) {
     ClGuarded<T> In(aIn);
     ClGuarded<T> Out(aIn);
     const auto nStride = static_cast<std::ptrdiff_t>(In.Stride());
@@ -156,7 +156,7 @@ void ExpectLines(const Lines<T>& aIn, const Lines<T>& aExpected, Run run) {
 
 /// The filter in all directions, at every level.
 template <class T>
-void ExpectDefinition(const Lines<T>& aIn, const Taps& aTaps) {
+void ExpectDefinition(const SampleLines<T>& aIn, const FilterTaps& aTaps) {
     const auto nWidth = static_cast<long>(aIn.front().size());
     SCOPED_TRACE(testing::Message() << nWidth << " by " << aIn.size() << ", taps " << aTaps.size());
     const auto aAlong = Quotients<T>(SumsAlong(aIn, aTaps), 4096);
@@ -175,15 +175,15 @@ void ExpectDefinition(const Lines<T>& aIn, const Taps& aTaps) {
 
 /// On random lines, of which there are fewer than taps, or more.
 template <class T>
-void ExpectDefinition(std::mt19937& rRandom, long nWidth, const Taps& aTaps) {
+void ExpectDefinition(std::mt19937& rRandom, long nWidth, const FilterTaps& aTaps) {
     const long nHeight = 1 + static_cast<long>(rRandom() % (aTaps.size() + 4));
-    ExpectDefinition(RandomLines<T>(rRandom, nWidth, nHeight), aTaps);
+    ExpectDefinition(RandomSamples<T>(rRandom, nWidth, nHeight), aTaps);
 }
 
-/// Taps t(k) and nSign * t(k), of 1/16 and more, beside one in the middle that makes a sum of
+/// FilterTaps t(k) and nSign * t(k), of 1/16 and more, beside one in the middle that makes a sum of
 /// `nTotal` or is 0.
-Taps PairedTaps(std::mt19937& rRandom, long nHalf, long nTotal, long nSign) {
-    Taps aTaps(static_cast<std::size_t>(2 * nHalf + 1), 0);
+FilterTaps PairedTaps(std::mt19937& rRandom, long nHalf, long nTotal, long nSign) {
+    FilterTaps aTaps(static_cast<std::size_t>(2 * nHalf + 1), 0);
     long nRest = nTotal;
     for (std::size_t k = 0; k < static_cast<std::size_t>(nHalf); ++k) {
         const long nMost = std::max(nRest / 2, 1L);
@@ -237,33 +237,37 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionOnOddTaps) {
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheTapsOfTheScanner) {
-    for (const Taps& aTaps : {Taps{7, 153, 979, 1815, 979, 153, 7},
-                              Taps{0, 4, 31, 147, 447, 872, 1089, 872, 447, 147, 31, 4, 0},
-                              Taps{3, 74, 607, 1361, 0, -1361, -607, -74, -3}})
+    for (const FilterTaps& aTaps :
+         {FilterTaps{7, 153, 979, 1815, 979, 153, 7},
+          FilterTaps{0, 4, 31, 147, 447, 872, 1089, 872, 447, 147, 31, 4, 0},
+          FilterTaps{3, 74, 607, 1361, 0, -1361, -607, -74, -3}})
         for (long nWidth : {3L, 64L, 77L})
-            ExpectDefinition(RandomLines<TypeParam>(this->m_Random, nWidth, 29), aTaps);
+            ExpectDefinition(RandomSamples<TypeParam>(this->m_Random, nWidth, 29), aTaps);
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTapsThatNearlyPairUp) {
-    for (const Taps& aTaps :
-         {Taps{100, 3000, 101}, Taps{-5, 3000, -5}, Taps{5000, 0, 5000}, Taps{1000, 1000},
-          Taps{2000, 4000, 2000}, Taps{500, 1, -500}, Taps{500, 0, -501}, Taps{500, 0, 0, 0, 0},
-          Taps{-700, 0, 700}, Taps{0, 9, 0, 0}, Taps{0, -9, 0}})
+    for (const FilterTaps& aTaps :
+         {FilterTaps{100, 3000, 101}, FilterTaps{-5, 3000, -5}, FilterTaps{5000, 0, 5000},
+          FilterTaps{1000, 1000}, FilterTaps{2000, 4000, 2000}, FilterTaps{500, 1, -500},
+          FilterTaps{500, 0, -501}, FilterTaps{500, 0, 0, 0, 0}, FilterTaps{-700, 0, 700},
+          FilterTaps{0, 9, 0, 0}, FilterTaps{0, -9, 0}})
         ExpectDefinition<TypeParam>(this->m_Random, 70, aTaps);
 }
 
 /// Parts of 1/16 that add up to the most that they may, and to one tap more.
 TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestParts) {
-    for (const Taps& aTaps :
-         {Taps{120, 0, 120}, Taps{112, 16, 16, 16, 112}, Taps{128, 0, 128}, Taps{129, 0, 129},
-          Taps{127, 1, 127}, Taps{127, 2, 127}, Taps{127, 3, 127}, Taps{256}, Taps{257},
-          Taps{128, 0, -128}, Taps{129, 0, -129}, Taps{64, 64, 0, -64, -64},
-          Taps{15, 15, 15, 15, 15, 15, 15, 15, 3856, 15, 15, 15, 15, 15, 15, 15, 15},
-          Taps{15, 15, 15, 15, 15, 15, 15, 1933, 0, -1933, -15, -15, -15, -15, -15, -15, -15}})
+    for (const FilterTaps& aTaps :
+         {FilterTaps{120, 0, 120}, FilterTaps{112, 16, 16, 16, 112}, FilterTaps{128, 0, 128},
+          FilterTaps{129, 0, 129}, FilterTaps{127, 1, 127}, FilterTaps{127, 2, 127},
+          FilterTaps{127, 3, 127}, FilterTaps{256}, FilterTaps{257}, FilterTaps{128, 0, -128},
+          FilterTaps{129, 0, -129}, FilterTaps{64, 64, 0, -64, -64},
+          FilterTaps{15, 15, 15, 15, 15, 15, 15, 15, 3856, 15, 15, 15, 15, 15, 15, 15, 15},
+          FilterTaps{15, 15, 15, 15, 15, 15, 15, 1933, 0, -1933, -15, -15, -15, -15, -15, -15,
+                     -15}})
         for (const bool bSteps : {false, true}) {
             constexpr int cnLow = std::numeric_limits<TypeParam>::min();
             constexpr int cnHigh = std::numeric_limits<TypeParam>::max();
-            Lines<TypeParam> aIn = FlatLines<TypeParam>(70, 40, cnHigh);
+            SampleLines<TypeParam> aIn = FlatSamples<TypeParam>(70, 40, cnHigh);
             for (std::size_t y = 0; bSteps && y < 40; ++y)
                 for (std::size_t x = 0; x < 70; ++x)
                     if ((x / 13 + y / 11) % 2 == 0)
@@ -272,11 +276,12 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestParts) {
         }
 }
 
-TYPED_TEST(LinearFilter, LeavesFlatLinesWhereTapsSumToOne) {
+TYPED_TEST(LinearFilter, LeavesFlatSamplesWhereTapsSumToOne) {
     using T = TypeParam;
-    for (const Taps& aTaps : {Taps{4096}, Taps{2048, 0, 2048},
-                              Taps{15, 15, 15, 15, 15, 15, 3916, 15, 15, 15, 15, 15, 15}}) {
-        const auto aFlat = FlatLines<T>(70, 3, std::numeric_limits<T>::max());
+    for (const FilterTaps& aTaps :
+         {FilterTaps{4096}, FilterTaps{2048, 0, 2048},
+          FilterTaps{15, 15, 15, 15, 15, 15, 3916, 15, 15, 15, 15, 15, 15}}) {
+        const auto aFlat = FlatSamples<T>(70, 3, std::numeric_limits<T>::max());
         ClLinearFilter filter(aTaps.data(), static_cast<long>(aTaps.size()), 70);
         TestSupport::AtEveryLevel([&] {
             ExpectLines(aFlat, aFlat, [&](const auto& Planes) { filter.FilterAlong(Planes); });
@@ -288,7 +293,7 @@ TYPED_TEST(LinearFilter, LeavesFlatLinesWhereTapsSumToOne) {
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionWhereTapsSumToMoreThanOne) {
     for (const long nTap : {2049L, 2150L})
-        ExpectDefinition(FlatLines<TypeParam>(70, 2, std::numeric_limits<TypeParam>::max()),
+        ExpectDefinition(FlatSamples<TypeParam>(70, 2, std::numeric_limits<TypeParam>::max()),
                          {nTap, 0, nTap});
 }
 
@@ -298,26 +303,28 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionWithMoreTapsThanSamples) {
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionUpToTheLargestTapsOfVectors) {
-    for (const Taps& aTaps : {Taps{32767}, Taps{-32767}, Taps{16383, -16384},
-                              Taps{10000, 12767, 10000}, Taps{-1, 32766}})
+    for (const FilterTaps& aTaps :
+         {FilterTaps{32767}, FilterTaps{-32767}, FilterTaps{16383, -16384},
+          FilterTaps{10000, 12767, 10000}, FilterTaps{-1, 32766}})
         for (long nWidth : {15L, 16L, 17L, 40L})
             ExpectDefinition<TypeParam>(this->m_Random, nWidth, aTaps);
 }
 
 TYPED_TEST(LinearFilter, EqualsItsDefinitionBeyondTheLargestTapsOfVectors) {
-    for (const Taps& aTaps : {Taps{32768}, Taps{-32768, 1}, Taps{20000, -20000, 20000},
-                              Taps{70000, 1, -99999}, Taps{1L << 25, 3, 7}})
+    for (const FilterTaps& aTaps :
+         {FilterTaps{32768}, FilterTaps{-32768, 1}, FilterTaps{20000, -20000, 20000},
+          FilterTaps{70000, 1, -99999}, FilterTaps{1L << 25, 3, 7}})
         for (long nWidth : {5L, 16L, 33L})
             ExpectDefinition<TypeParam>(this->m_Random, nWidth, aTaps);
 }
 
 TYPED_TEST(LinearFilter, RoundsTwiceAsFarAsOnceForBoth) {
     using T = TypeParam;
-    const Taps aTaps(3, 1365);
+    const FilterTaps aTaps(3, 1365);
     for (int nValue : {int{std::numeric_limits<T>::min()}, int{std::numeric_limits<T>::max()}}) {
-        const auto aIn = FlatLines<T>(20, 4, nValue);
-        const auto aOnce = FlatLines<T>(20, 4, nValue * 4095 / 4096);
-        const auto aTwice = FlatLines<T>(
+        const auto aIn = FlatSamples<T>(20, 4, nValue);
+        const auto aOnce = FlatSamples<T>(20, 4, nValue * 4095 / 4096);
+        const auto aTwice = FlatSamples<T>(
             20, 4, static_cast<int>(static_cast<long>(nValue) * 4095 * 4095 / (1L << 24)));
         ClLinearFilter filter(aTaps.data(), 3, 20);
         ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAlong(Planes); });
@@ -330,10 +337,10 @@ TYPED_TEST(LinearFilter, WrapsSumsThatNoNumberHolds) {
     using T = TypeParam;
     const long nTap = std::numeric_limits<long>::max();
     ClLinearFilter filter(&nTap, 1, 3);
-    const Lines<T> aIn = {{1, 2, 3}};
+    const SampleLines<T> aIn = {{1, 2, 3}};
     // (2^63 - 1) n modulo 2^64 as a signed number: 2^63 - 1, -2, 2^63 - 3.
     const auto cut = [](long n) { return static_cast<T>(n / 4096); };
-    const Lines<T> aOnce = {{cut(nTap), 0, cut(nTap - 2)}};
+    const SampleLines<T> aOnce = {{cut(nTap), 0, cut(nTap - 2)}};
     ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAlong(Planes); });
     ExpectLines(aIn, aOnce, [&](const auto& Planes) { filter.FilterAcross(Planes); });
     // Times 2^63 - 1 again: 1, 2 and 3 modulo 2^64.
@@ -344,27 +351,28 @@ TYPED_TEST(LinearFilter, RoundsTowardZero) {
     using T = TypeParam;
     const long aTaps[] = {-1};
     ClLinearFilter filter(aTaps, 1, 18);
-    ExpectLines(FlatLines<T>(18, 1, 100), FlatLines<T>(18, 1, 0),
+    ExpectLines(FlatSamples<T>(18, 1, 100), FlatSamples<T>(18, 1, 0),
                 [&](const auto& Planes) { filter.FilterAlong(Planes); });
 }
 
 TYPED_TEST(LinearFilter, FiltersLinesInPlace) {
     using T = TypeParam;
-    for (const Taps& aTaps : {Taps{4096, 0, 0}, Taps{1024, 2048, 1024}}) { // moves, blurs
-        const Lines<T> aLines = RandomLines<T>(this->m_Random, 40, 3);
-        ClGuarded<T> Lines(aLines);
-        const auto nStride = static_cast<std::ptrdiff_t>(Lines.Stride());
+    for (const FilterTaps& aTaps :
+         {FilterTaps{4096, 0, 0}, FilterTaps{1024, 2048, 1024}}) { // moves, blurs
+        const SampleLines<T> aLines = RandomSamples<T>(this->m_Random, 40, 3);
+        ClGuarded<T> Kept(aLines);
+        const auto nStride = static_cast<std::ptrdiff_t>(Kept.Stride());
         ClLinearFilter(aTaps.data(), 3, 40)
-            .FilterAlong(StInAndOut<T>{Lines.Line(0), nStride, 3, Lines.Line(0), nStride});
-        EXPECT_EQ(Lines.TakeLines(), Quotients<T>(SumsAlong(aLines, aTaps), 4096));
+            .FilterAlong(StInAndOut<T>{Kept.Line(0), nStride, 3, Kept.Line(0), nStride});
+        EXPECT_EQ(Kept.TakeLines(), Quotients<T>(SumsAlong(aLines, aTaps), 4096));
     }
 }
 
 TYPED_TEST(LinearFilter, GivesZerosWithoutTaps) {
     using T = TypeParam;
     ClLinearFilter filter(nullptr, 0, 20);
-    const auto aIn = RandomLines<T>(this->m_Random, 20, 2);
-    const auto aZeros = FlatLines<T>(20, 2, 0);
+    const auto aIn = RandomSamples<T>(this->m_Random, 20, 2);
+    const auto aZeros = FlatSamples<T>(20, 2, 0);
     ExpectLines(aIn, aZeros, [&](const auto& Planes) { filter.FilterAlong(Planes); });
     ExpectLines(aIn, aZeros, [&](const auto& Planes) { filter.FilterAcross(Planes); });
     ExpectLines(aIn, aZeros, [&](const auto& Planes) { filter.FilterBoth(Planes); });
@@ -372,7 +380,7 @@ TYPED_TEST(LinearFilter, GivesZerosWithoutTaps) {
 
 TYPED_TEST(LinearFilter, DoesNothingWithoutSamples) {
     using T = TypeParam;
-    for (const Taps& aTaps : {Taps{1, 2, 1}, Taps{1, 2, 3}})
+    for (const FilterTaps& aTaps : {FilterTaps{1, 2, 1}, FilterTaps{1, 2, 3}})
         for (const long nWidth : {0L, 4L}) {
             ClLinearFilter filter(aTaps.data(), 3, nWidth);
             const StInAndOut<T> None{nullptr, 4, nWidth == 0 ? 2L : 0L, nullptr, 4};
@@ -391,7 +399,7 @@ TEST(LinearFilterTaps, AnswerEveryMissingAllocationOfARun) {
     const unsigned char aIn[60] = {};
     unsigned char aOut[60];
     const StInAndOut<unsigned char> Planes{aIn, 20, 3, aOut, 20};
-    for (const Taps& aTaps : {Taps{1, 2, 1}, Taps{1L << 40, 2, 1}})
+    for (const FilterTaps& aTaps : {FilterTaps{1, 2, 1}, FilterTaps{1L << 40, 2, 1}})
         TestSupport::FailEachAllocation([&] {
             ClLinearFilter filter(aTaps.data(), 3, 20);
             filter.FilterBoth(Planes);
