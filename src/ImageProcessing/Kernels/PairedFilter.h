@@ -179,33 +179,49 @@ inline void Narrow(const std::uint16_t* pIn, long nSamples, unsigned char* __res
         pOut[x] = static_cast<unsigned char>(pIn[x]);
 }
 
-/// A line in 16 bits with its ends repeated, which stands for as many moved ones as there are taps.
+/// Lines in 16 bits with their ends repeated, each of which stands for as many moved ones as there
+/// are taps. A line is filled while the one before it is filtered: a moved line reads parts of two
+/// stores at once, and would wait for them.
 template <class Room>
-class ClPaddedLine {
+class ClPaddedLines {
 public:
-    static std::size_t Bytes(long nWidth) {
-        return ClScratch::Aligned((PairedLine(nWidth) + Room::cnTaps) * sizeof(std::uint16_t));
+    static std::size_t Bytes(long nWidth) { return 2 * LineBytes(nWidth); }
+
+    ClPaddedLines(unsigned char* pMemory, long nWidth, long nHeight)
+        : m_nWidth(nWidth), m_nHeight(nHeight) {
+        for (std::size_t n = 0; n < 2; ++n)
+            for (int i = 0; i < Room::cnTaps; ++i)
+                m_apMoved[n][i] =
+                    reinterpret_cast<std::uint16_t*>(pMemory + n * LineBytes(nWidth)) + i;
     }
 
-    ClPaddedLine(unsigned char* pMemory, long nWidth)
-        : m_pLine(reinterpret_cast<std::uint16_t*>(pMemory)), m_nWidth(nWidth) {
-        for (int i = 0; i < Room::cnTaps; ++i)
-            m_apMoved[i] = m_pLine + i;
-    }
-
-    /// The samples, to be filled before Moved() is read.
-    std::uint16_t* Samples() const { return m_pLine + Room::cnHalf; }
-
-    const std::uint16_t* const* Moved() {
-        std::fill_n(m_pLine, Room::cnHalf, Samples()[0]);
-        std::fill_n(Samples() + m_nWidth, Room::cnHalf, Samples()[m_nWidth - 1]);
-        return m_apMoved;
+    /// Line y, moved. Called for each in turn; `enter(y, samples)` fills one.
+    template <class Enter>
+    const std::uint16_t* const* Moved(long y, Enter enter) const {
+        if (y == 0)
+            Fill(0, enter);
+        if (y + 1 < m_nHeight)
+            Fill(y + 1, enter);
+        return m_apMoved[y % 2];
     }
 
 private:
-    std::uint16_t* m_pLine;
+    static std::size_t LineBytes(long nWidth) {
+        return ClScratch::Aligned((PairedLine(nWidth) + Room::cnTaps) * sizeof(std::uint16_t));
+    }
+
+    template <class Enter>
+    void Fill(long y, Enter enter) const {
+        std::uint16_t* pLine = m_apMoved[y % 2][0];
+        std::uint16_t* pSamples = pLine + Room::cnHalf;
+        enter(y, pSamples);
+        std::fill_n(pLine, Room::cnHalf, pSamples[0]);
+        std::fill_n(pSamples + m_nWidth, Room::cnHalf, pSamples[m_nWidth - 1]);
+    }
+
     long m_nWidth;
-    const std::uint16_t* m_apMoved[Room::cnTaps];
+    long m_nHeight;
+    std::uint16_t* m_apMoved[2][Room::cnTaps];
 };
 
 /// The last lines, as many as there are taps.
@@ -250,24 +266,23 @@ private:
 
 template <class Room, class Finish>
 struct StFilterAlong {
+    using Padded = ClPaddedLines<Room>;
+
     static std::size_t Bytes(long nWidth) {
-        return 2 * ClPaddedLine<Room>::Bytes(nWidth) + PairedLine(nWidth) * sizeof(std::uint16_t);
+        return Padded::Bytes(nWidth) + PairedLine(nWidth) * sizeof(std::uint16_t);
     }
 
     static void Run(const ClPairedTaps* pTaps, unsigned char* pMemory, long nWidth,
                     const StInAndOut<unsigned char>* pPlanes) {
         const ClPairedTaps Taps = *pTaps;
         const StInAndOut<unsigned char> Planes = *pPlanes;
-        ClPaddedLine<Room> aPadded[] = {{pMemory, nWidth},
-                                        {pMemory + ClPaddedLine<Room>::Bytes(nWidth), nWidth}};
-        auto* pResults =
-            reinterpret_cast<std::uint16_t*>(pMemory + 2 * ClPaddedLine<Room>::Bytes(nWidth));
-        for (long y = -1; y < Planes.m_nHeight; ++y) {
-            if (y + 1 < Planes.m_nHeight)
-                Widen(Planes.In(y + 1), nWidth, aPadded[(y + 1) % 2].Samples());
-            if (y < 0)
-                continue;
-            FilterWords<Room, Finish>(Taps, aPadded[y % 2].Moved(), PairedLine(nWidth), pResults);
+        const Padded Lines(pMemory, nWidth, Planes.m_nHeight);
+        auto* pResults = reinterpret_cast<std::uint16_t*>(pMemory + Padded::Bytes(nWidth));
+        const auto enter = [&](long y, std::uint16_t* pLine) {
+            Widen(Planes.In(y), nWidth, pLine);
+        };
+        for (long y = 0; y < Planes.m_nHeight; ++y) {
+            FilterWords<Room, Finish>(Taps, Lines.Moved(y, enter), PairedLine(nWidth), pResults);
             Narrow(pResults, nWidth, Planes.Out(y));
         }
     }
@@ -299,9 +314,10 @@ struct StFilterAcross {
 template <class Room>
 struct StFilterBoth {
     using Ring = ClLineRing<Room, std::uint32_t>;
+    using Padded = ClPaddedLines<Room>;
 
     static std::size_t Bytes(long nWidth) {
-        return Ring::Bytes(nWidth) + ClPaddedLine<Room>::Bytes(nWidth) +
+        return Ring::Bytes(nWidth) + Padded::Bytes(nWidth) +
                PairedLine(nWidth) * sizeof(std::uint16_t);
     }
 
@@ -310,14 +326,13 @@ struct StFilterBoth {
     static void RunLines(const ClPairedTaps& Taps, unsigned char* pMemory, long nWidth,
                          long nHeight, Enter enter, Take take) {
         unsigned char* pPadded = pMemory + Ring::Bytes(nWidth);
-        ClPaddedLine<Room> Padded(pPadded, nWidth);
-        auto* pResults =
-            reinterpret_cast<std::uint16_t*>(pPadded + ClPaddedLine<Room>::Bytes(nWidth));
+        const Padded Lines(pPadded, nWidth, nHeight);
+        auto* pResults = reinterpret_cast<std::uint16_t*>(pPadded + Padded::Bytes(nWidth));
         Ring(pMemory, nWidth, nHeight)
             .Run(
                 [&](long y, std::uint32_t* pSums) {
-                    enter(y, Padded.Samples());
-                    FilterWords<Room, StWholeSum>(Taps, Padded.Moved(), PairedLine(nWidth), pSums);
+                    FilterWords<Room, StWholeSum>(Taps, Lines.Moved(y, enter), PairedLine(nWidth),
+                                                  pSums);
                 },
                 [&](long y, const std::uint32_t* const* ppLines) {
                     FilterSums<Room>(Taps, ppLines, PairedLine(nWidth), pResults);
