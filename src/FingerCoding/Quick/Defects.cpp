@@ -18,8 +18,17 @@ constexpr long cnCoarseHalf = 25;
 constexpr int cnFullDefect = 64; ///< the difference that becomes white
 
 struct StScaleInverse {
-    static void Run(const unsigned char* __restrict pIn, long nPixels,
-                    unsigned char* __restrict pOut) {
+    static void Run(const StPlane* pIn, const StPlane* pOut) {
+        const StPlane In = *pIn;
+        const StPlane Out = *pOut;
+        for (long y = 0; y < In.m_nHeight; ++y)
+            Kernels::InPairedRounds(In.m_nWidth, [&](long nFrom, long nPixels) {
+                ScaleLine(In.Line(y) + nFrom, nPixels, Out.Line(y) + nFrom);
+            });
+    }
+
+private:
+    static void ScaleLine(const unsigned char* pIn, long nPixels, unsigned char* __restrict pOut) {
         constexpr unsigned char cnThird = 85;
         for (long i = 0; i < nPixels; ++i)
             pOut[i] = static_cast<unsigned char>(
@@ -29,9 +38,8 @@ struct StScaleInverse {
 
 struct StPlanesOfDefects {
     StPlane m_Scaled;
-    StPlane m_Coarse;
     StPlane m_Fade;
-    StPlane m_Out;
+    StPlane m_Out; ///< the coarse image at first
 };
 
 /// Sums of columns in 16 bits, as far as they go.
@@ -40,22 +48,23 @@ public:
     static constexpr long cnMostLines = 257; ///< of pixels of 255
 
     static std::size_t Bytes(long nWidth) {
-        return 2 * static_cast<std::size_t>(nWidth) * sizeof(std::uint16_t);
+        return 2 * Kernels::PairedLine(nWidth) * sizeof(std::uint16_t);
     }
 
     ClColumnSums(unsigned char* pMemory, long nWidth)
-        : m_pGrey(reinterpret_cast<std::uint16_t*>(pMemory)), m_pWhite(m_pGrey + nWidth),
-          m_nWidth(nWidth) {
+        : m_nColumns(Kernels::PairedLine(nWidth)),
+          m_pGrey(reinterpret_cast<std::uint16_t*>(pMemory)), m_pWhite(m_pGrey + m_nColumns) {
         Clear();
     }
 
+    /// Of whole rounds of columns.
     std::uint16_t* Grey() const { return m_pGrey; }
     std::uint16_t* White() const { return m_pWhite; }
 
     void MoveTo(StDefectSums* pSums) {
         std::uint64_t nSum = 0;
         std::int32_t nWhite = 0;
-        for (long x = 0; x < m_nWidth; ++x) {
+        for (std::size_t x = 0; x < m_nColumns; ++x) {
             nSum += m_pGrey[x];
             nWhite += m_pWhite[x];
         }
@@ -65,11 +74,11 @@ public:
     }
 
 private:
-    void Clear() { std::fill_n(m_pGrey, 2 * m_nWidth, std::uint16_t{0}); }
+    void Clear() { std::fill_n(m_pGrey, 2 * m_nColumns, std::uint16_t{0}); }
 
+    std::size_t m_nColumns;
     std::uint16_t* m_pGrey;
     std::uint16_t* m_pWhite;
-    long m_nWidth;
 };
 
 /// With x = |fine - coarse| - noise the value x * step / 4096 is white from 64 - noise on, so that
@@ -88,23 +97,39 @@ public:
         m_nLow = static_cast<std::uint16_t>(nStep & 255);
     }
 
-    void WriteLine(const std::uint16_t* pFine, const unsigned char* __restrict pCoarse,
-                   const unsigned char* __restrict pFade, long nPixels,
-                   unsigned char* __restrict pOut, const ClColumnSums& Sums) const {
+    /// The coarse line becomes one of defects. The rest behind its rounds goes by way of a round of
+    /// its own, in which what is no pixel is faded.
+    void ChangeLine(const std::uint16_t* pFine, const unsigned char* pFade, long nPixels,
+                    unsigned char* pLine, const ClColumnSums& Sums) const {
+        const long nWhole = nPixels / Kernels::cnPairedRound * Kernels::cnPairedRound;
+        const long nRest = nPixels - nWhole;
+        ChangeRounds(pFine, pFade, nWhole, pLine, Sums.Grey(), Sums.White());
+        if (nRest == 0)
+            return;
+        unsigned char aFade[Kernels::cnPairedRound] = {};
+        unsigned char aLine[Kernels::cnPairedRound] = {};
+        std::copy_n(pFade + nWhole, nRest, aFade);
+        std::copy_n(pLine + nWhole, nRest, aLine);
+        ChangeRounds(pFine + nWhole, aFade, Kernels::cnPairedRound, aLine, Sums.Grey() + nWhole,
+                     Sums.White() + nWhole);
+        std::copy_n(aLine, nRest, pLine + nWhole);
+    }
+
+private:
+    void ChangeRounds(const std::uint16_t* pFine, const unsigned char* pFade, long nPixels,
+                      unsigned char* __restrict pLine, std::uint16_t* __restrict pGrey,
+                      std::uint16_t* __restrict pWhite) const {
         const ClStress Stress = *this;
-        std::uint16_t* __restrict pGrey = Sums.Grey();
-        std::uint16_t* __restrict pWhite = Sums.White();
         for (long x = 0; x < nPixels; ++x) {
             const auto nFaded =
-                static_cast<std::int16_t>(Stress.Of(pFine[x], pCoarse[x]) + pFade[x] - 255);
+                static_cast<std::int16_t>(Stress.Of(pFine[x], pLine[x]) + pFade[x] - 255);
             const auto nDefect = static_cast<std::uint16_t>(std::max(nFaded, std::int16_t{0}));
-            pOut[x] = static_cast<unsigned char>(nDefect);
+            pLine[x] = static_cast<unsigned char>(nDefect);
             pGrey[x] = static_cast<std::uint16_t>(pGrey[x] + nDefect);
             pWhite[x] = static_cast<std::uint16_t>(pWhite[x] + ((nDefect + 1) >> 8));
         }
     }
 
-private:
     std::int16_t Of(std::uint16_t nFine, std::uint16_t nCoarse) const {
         const auto nDifference = static_cast<std::int16_t>(nFine - nCoarse);
         const auto nOpposite = static_cast<std::int16_t>(-nDifference);
@@ -142,8 +167,7 @@ struct StWriteDefects {
                 Kernels::Widen(Planes.m_Scaled.Line(y), nWidth, pLine);
             },
             [&](long y, const std::uint16_t* pFine) {
-                Stress.WriteLine(pFine, Planes.m_Coarse.Line(y), Planes.m_Fade.Line(y), nWidth,
-                                 Planes.m_Out.Line(y), Sums);
+                Stress.ChangeLine(pFine, Planes.m_Fade.Line(y), nWidth, Planes.m_Out.Line(y), Sums);
                 if ((y + 1) % ClColumnSums::cnMostLines == 0)
                     Sums.MoveTo(pSums);
             });
@@ -174,16 +198,13 @@ StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
     const Kernels::ClPairedTaps Taps = FineTaps(In);
     const auto nStride = Kernels::ClScratch::Aligned(static_cast<std::size_t>(In.m_nWidth));
     const std::size_t nPlane = nStride * static_cast<std::size_t>(In.m_nHeight);
-    unsigned char* pMemory = rMemory.Reserve(2 * nPlane + Kernel::Bytes(In.m_nWidth));
-    const auto nBytes = static_cast<std::ptrdiff_t>(nStride);
-    const StPlane Scaled{pMemory, nBytes, In.m_nWidth, In.m_nHeight};
-    const StPlane Coarse{pMemory + nPlane, nBytes, In.m_nWidth, In.m_nHeight};
-    for (long y = 0; y < In.m_nHeight; ++y)
-        RunAtLevel<StScaleInverse>(In.Line(y), In.m_nWidth, Scaled.Line(y));
-    Mean(Scaled, cnCoarseHalf, Coarse, rScratch);
-    const StPlanesOfDefects Planes{Scaled, Coarse, Fade, Out};
+    unsigned char* pMemory = rMemory.Reserve(nPlane + Kernel::Bytes(In.m_nWidth));
+    const StPlane Scaled{pMemory, static_cast<std::ptrdiff_t>(nStride), In.m_nWidth, In.m_nHeight};
+    RunAtLevel<StScaleInverse>(&In, &Scaled);
+    Mean(Scaled, cnCoarseHalf, Out, rScratch);
+    const StPlanesOfDefects Planes{Scaled, Fade, Out};
     StDefectSums Sums;
-    RunAtLevel<Kernel>(&Taps, pMemory + 2 * nPlane, &Planes, nNoise, &Sums);
+    RunAtLevel<Kernel>(&Taps, pMemory + nPlane, &Planes, nNoise, &Sums);
     return Sums;
 }
 

@@ -169,14 +169,34 @@ void FilterSums(const ClPairedTaps& Taps, const std::uint32_t* const* ppLines, s
     }
 }
 
-inline void Widen(const unsigned char* pIn, long nSamples, std::uint16_t* __restrict pOut) {
-    for (long x = 0; x < nSamples; ++x)
-        pOut[x] = pIn[x];
+/// Calls `loop(from, samples)` for whole rounds, and for a last one that ends with the line and
+/// does some samples again; for a line that is shorter than a round, for that.
+template <class Loop>
+void InPairedRounds(long nSamples, Loop loop) {
+    const long nWhole = nSamples / cnPairedRound * cnPairedRound;
+    if (nWhole == 0)
+        return loop(0L, nSamples);
+    loop(0L, nWhole);
+    if (nWhole < nSamples)
+        loop(nSamples - cnPairedRound, cnPairedRound);
 }
 
-inline void Narrow(const std::uint16_t* pIn, long nSamples, unsigned char* __restrict pOut) {
-    for (long x = 0; x < nSamples; ++x)
-        pOut[x] = static_cast<unsigned char>(pIn[x]);
+template <class From, class To>
+void ConvertSamples(const From* pIn, long nSamples, To* pOut) {
+    InPairedRounds(nSamples, [=](long nFrom, long nCount) {
+        const From* pFrom = pIn + nFrom;
+        To* __restrict pTo = pOut + nFrom;
+        for (long x = 0; x < nCount; ++x)
+            pTo[x] = static_cast<To>(pFrom[x]);
+    });
+}
+
+inline void Widen(const unsigned char* pIn, long nSamples, std::uint16_t* pOut) {
+    ConvertSamples(pIn, nSamples, pOut);
+}
+
+inline void Narrow(const std::uint16_t* pIn, long nSamples, unsigned char* pOut) {
+    ConvertSamples(pIn, nSamples, pOut);
 }
 
 /// Lines in 16 bits with their ends repeated, each of which stands for as many moved ones as there
