@@ -169,6 +169,14 @@ TEST(IpEuclidLength, MeasuresWhereTwoImagesOverlap) {
     EXPECT_EQ(Pixels(out), Rows({{3, n, n, 40}, {3, n, n, 40}}));
 }
 
+TEST(IpEuclidLength, MeasuresNothingWherePlanesDiffer) {
+    ClTestImage grey = RandomImage(ClImage::eUInt8, 3, 2, 1, 1);
+    ClTestImage color = RandomImage(ClImage::eUInt8, 3, 2, 3, 2);
+    ClImage out;
+    EXPECT_EQ(ClIpEuclidLength().ApplyParam(grey, color, out), 0);
+    EXPECT_EQ(Pixels(out), Pixels(grey));
+}
+
 TEST(IpEuclidLength, MayReplaceEitherInput) {
     const ClTestImage dx = RandomImage(ClImage::eInt8, 7, 5, 1, 1);
     const ClTestImage dy = RandomImage(ClImage::eInt8, 7, 5, 1, 2);

@@ -68,6 +68,19 @@ TEST(QuickDefects, AreThoseOfTheOperatorsAtTheEndsOfTheScale) {
     }
 }
 
+/// Stripes all of whose pixels are white defects, in lines enough for sums of 16 bits to overflow.
+TEST(QuickDefects, AreThoseOfTheOperatorsOnLinesOfWhiteDefects) {
+    for (const int nHeight : {256, 257, 258, 600}) {
+        SCOPED_TRACE(nHeight);
+        ClTestImage Capture = FlatImage(ClImage::eUInt8, 130, nHeight, 1, 255);
+        for (int y = 0; y < nHeight; ++y)
+            for (int x = 0; x < 130; ++x)
+                if (x / 20 % 2 == 0)
+                    Capture.LineData(y)[x] = 0;
+        ExpectTheSame(Capture, 5);
+    }
+}
+
 TEST(QuickDefects, AreThoseOfTheOperatorsForNoiseAroundAFullDefect) {
     ClTestImage Capture = FlatImage(ClImage::eUInt8, 60, 140, 1, 200);
     for (int n = 0; n < 60; ++n)

@@ -260,7 +260,8 @@ TYPED_TEST(LinearFilter, EqualsItsDefinitionOnTheLargestParts) {
          {FilterTaps{120, 0, 120}, FilterTaps{112, 16, 16, 16, 112}, FilterTaps{128, 0, 128},
           FilterTaps{129, 0, 129}, FilterTaps{127, 1, 127}, FilterTaps{127, 2, 127},
           FilterTaps{127, 3, 127}, FilterTaps{256}, FilterTaps{257}, FilterTaps{128, 0, -128},
-          FilterTaps{129, 0, -129}, FilterTaps{64, 64, 0, -64, -64},
+          FilterTaps{129, 0, -129}, FilterTaps{2048, 0, -2048}, FilterTaps{2150, 0, -2150},
+          FilterTaps{64, 64, 0, -64, -64},
           FilterTaps{15, 15, 15, 15, 15, 15, 15, 15, 3856, 15, 15, 15, 15, 15, 15, 15, 15},
           FilterTaps{15, 15, 15, 15, 15, 15, 15, 1933, 0, -1933, -15, -15, -15, -15, -15, -15,
                      -15}})
