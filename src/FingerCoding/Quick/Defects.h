@@ -19,8 +19,8 @@ struct StDefectSums {
 ///
 ///     max(0, (the stretch of d from `nNoise`..64 to 0..255) - (255 - fade))
 ///
-/// `nNoise` is below 64, and planes have at least 51 lines and columns. Throws `ClExBadAlloc`
-/// (-102).
+/// `nNoise` is below 64, and planes have at least 51 lines and columns; `Out` is none of the
+/// others. Throws `ClExBadAlloc` (-102).
 StDefectSums WriteDefects(const StPlane& In, int nNoise, const StPlane& Fade,
                           Kernels::ClScratch& rMemory, Kernels::ClScratch& rScratch,
                           const StPlane& Out);

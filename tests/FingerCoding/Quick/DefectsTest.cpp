@@ -1,5 +1,6 @@
 // The quick form of the functionality check gives what its operators give.
 
+#include "FingerCoding/Quick/Defects.h"
 #include "FingerCoding/IpQK7FunctionalityCheck.h"
 #include "FingerCoding/OpenDynamicCalibration.h"
 #include "FingerCoding/Quick/QuickRun.h"
@@ -68,8 +69,8 @@ TEST(QuickDefects, AreThoseOfTheOperatorsAtTheEndsOfTheScale) {
     }
 }
 
-/// Stripes all of whose pixels are white defects, in lines enough for sums of 16 bits to overflow.
-TEST(QuickDefects, AreThoseOfTheOperatorsOnLinesOfWhiteDefects) {
+/// Stripes whose middles are white defects, in lines enough for columns to sum to 2^16 and more.
+TEST(QuickDefects, AreAddedUpOverAnyNumberOfLines) {
     for (const int nHeight : {256, 257, 258, 600}) {
         SCOPED_TRACE(nHeight);
         ClTestImage Capture = FlatImage(ClImage::eUInt8, 130, nHeight, 1, 255);
@@ -77,7 +78,26 @@ TEST(QuickDefects, AreThoseOfTheOperatorsOnLinesOfWhiteDefects) {
             for (int x = 0; x < 130; ++x)
                 if (x / 20 % 2 == 0)
                     Capture.LineData(y)[x] = 0;
-        ExpectTheSame(Capture, 5);
+        ClTestImage Fade = FlatImage(ClImage::eUInt8, 130, nHeight, 1, 255);
+        ClTestImage Out = FlatImage(ClImage::eUInt8, 130, nHeight, 1, 0);
+        const auto planeOf = [](const ClImage& Image) {
+            return Quick::StPlane{Image.Data(), Image.LineStrideBytes(), Image.Width(),
+                                  Image.Height()};
+        };
+        Kernels::ClScratch Memory;
+        Kernels::ClScratch Scratch;
+        const Quick::StDefectSums Sums =
+            Quick::WriteDefects(planeOf(Capture), 5, planeOf(Fade), Memory, Scratch, planeOf(Out));
+        long nWhite = 0;
+        unsigned long nSum = 0;
+        for (int y = 0; y < nHeight; ++y)
+            for (int x = 0; x < 130; ++x) {
+                nWhite += Out.LineData(y)[x] == 255 ? 1 : 0;
+                nSum += Out.LineData(y)[x];
+            }
+        EXPECT_EQ(Out.LineData(nHeight / 2)[50], 255);
+        EXPECT_EQ(Sums.m_nWhite, nWhite);
+        EXPECT_EQ(Sums.m_nSum, nSum);
     }
 }
 
