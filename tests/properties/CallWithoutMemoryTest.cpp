@@ -1,150 +1,158 @@
-// Every call that works, with its first, second, third ... allocation failing: it answers that
-// memory is missing and leaves its outputs, or gives what it always gives, where work can do
-// without what it asked for. The next call gives what it always gave.
+// Every call under every set of options, with its first, second, third ... allocation failing: it
+// answers that memory is missing and leaves its outputs and what it has to leave, or gives what it
+// always gives, where work can do without what it asked for. The same handle then gives what a new
+// one gives, and nothing is left behind when it is gone.
 
-#include "api/Api.h"
+#include "properties/CallsInMemory.h"
+#include "support/AllocationCount.h"
 #include "support/AllocationFailures.h"
-#include "support/DotTargets.h"
-#include "support/Records.h"
 
-#include <functional>
+#include <algorithm>
 
-using TestSupport::Bytes;
-using TestSupport::Capture;
-using TestSupport::ClApiHandle;
+using namespace Properties;
 using TestSupport::ClFailAllocation;
-using TestSupport::PlausibleRecord;
-using TestSupport::RecordBlock;
+using TestSupport::EFailure;
+using TestSupport::LiveAllocations;
 
 namespace {
 
-constexpr unsigned char cnFill = 0xEE;
-
-/// What a call answers and leaves.
-struct StOutcome {
-    long m_nStatus = 0;
-    unsigned long m_nSize = 0;
-    Bytes m_aOut;
+/// What a handle answers to one call, and what it is before and after.
+struct StExpected {
+    StState m_Before;
+    StOutcome m_Outcome;
+    StState m_After;
 };
 
-/// A call that writes into a buffer of this size.
-using Call = std::function<long(unsigned char*, unsigned long*)>;
-
-StOutcome Run(const Call& call, std::size_t nSize) {
-    StOutcome Outcome{0, nSize, Bytes(nSize, cnFill)};
-    Outcome.m_nStatus = call(Outcome.m_aOut.data(), &Outcome.m_nSize);
-    return Outcome;
+StExpected Unharmed(const StCall& Call, const StOptionSet& Options) {
+    StExpected Expected;
+    ClHandle Handle(Options);
+    Call.m_pPrepare(Handle);
+    Expected.m_Before = StateOf(Handle);
+    Expected.m_Outcome = Call.Run(Handle);
+    Expected.m_After = StateOf(Handle);
+    return Expected;
 }
 
-void ExpectFailed(const StOutcome& Outcome, std::size_t nSize) {
+void ExpectDone(void* pHandle, const StOutcome& Outcome, const StExpected& Expected) {
+    EXPECT_EQ(Outcome.m_nStatus, Expected.m_Outcome.m_nStatus);
+    EXPECT_TRUE(Outcome == Expected.m_Outcome);
+    EXPECT_TRUE(StateOf(pHandle) == Expected.m_After);
+}
+
+/// Whether a part of the state is as it was, or as the finished call leaves it.
+bool IsEither(const Bytes& aPart, const Bytes& aBefore, const Bytes& aAfter) {
+    return aPart == aBefore || aPart == aAfter;
+}
+
+void ExpectRefused(const StCall& Call, void* pHandle, const StOutcome& Outcome,
+                   const StExpected& Expected) {
     EXPECT_EQ(Outcome.m_nStatus, QMT_ERROR_OUT_OF_MEMORY);
-    EXPECT_EQ(Outcome.m_nSize, nSize);
-    EXPECT_EQ(Outcome.m_aOut, Bytes(nSize, cnFill));
-}
-
-void ExpectSame(const StOutcome& Outcome, const StOutcome& Expected) {
-    EXPECT_EQ(Outcome.m_nStatus, Expected.m_nStatus);
-    EXPECT_EQ(Outcome.m_nSize, Expected.m_nSize);
-    EXPECT_EQ(Outcome.m_aOut, Expected.m_aOut);
-}
-
-/// Fails every `nStep`-th allocation of a call in turn.
-void FailEachAllocationOf(const Call& call, std::size_t nSize, long nStep = 1) {
-    const StOutcome Expected = Run(call, nSize);
-    ASSERT_EQ(Expected.m_nStatus, 0);
-    long nFailed = 0;
-    bool bHappened = true;
-    for (long nAfter = 0; bHappened && !testing::Test::HasFailure(); nAfter += nStep) {
-        SCOPED_TRACE("allocation " + std::to_string(nAfter));
-        StOutcome Outcome{0, nSize, Bytes(nSize, cnFill)};
-        {
-            const ClFailAllocation Fail(nAfter);
-            Outcome.m_nStatus = call(Outcome.m_aOut.data(), &Outcome.m_nSize);
-            bHappened = ClFailAllocation::Happened();
-        }
-        if (bHappened && Outcome.m_nStatus != 0) {
-            ++nFailed;
-            ExpectFailed(Outcome, nSize);
-        } else {
-            ExpectSame(Outcome, Expected);
-        }
-        ExpectSame(Run(call, nSize), Expected);
+    StOutcome Left = Call.m_Left;
+    Left.m_nStatus = QMT_ERROR_OUT_OF_MEMORY;
+    EXPECT_TRUE(Outcome == Left) << "an output was written";
+    const StState State = StateOf(pHandle);
+    EXPECT_EQ(State.m_aOptions, Expected.m_Before.m_aOptions);
+    EXPECT_TRUE(IsEither(State.m_aLevels, Expected.m_Before.m_aLevels, Expected.m_After.m_aLevels));
+    if (Call.m_bDropsData) {
+        EXPECT_EQ(State.m_aData, NoBlock());
+        EXPECT_EQ(State.m_aTable, NoBlock());
+    } else {
+        EXPECT_EQ(State.m_aData, Expected.m_Before.m_aData);
+        EXPECT_TRUE(
+            IsEither(State.m_aTable, Expected.m_Before.m_aTable, Expected.m_After.m_aTable));
     }
-    EXPECT_GT(nFailed, 0);
 }
 
-struct StReady : ClApiHandle {
-    StReady() { EXPECT_EQ(SetData(RecordBlock(PlausibleRecord())), 0); }
-};
-
-Call CalibrateOf(const StReady& Handle, Bytes& rIn) {
-    return [&](unsigned char* pOut, unsigned long* pSize) {
-        return Calibrate(Handle, rIn.data(), rIn.size(), pOut, pSize);
-    };
+/// One call whose allocation `nAfter` fails, and the same call once more. Returns whether one did.
+bool FailOne(const StCall& Call, const StOptionSet& Options, const StExpected& Expected,
+             long nAfter, long& rnRefused) {
+    ClHandle Handle(Options);
+    Call.m_pPrepare(Handle);
+    StOutcome Outcome = Call.m_Left;
+    bool bHappened = false;
+    {
+        const ClFailAllocation Fail(nAfter);
+        Outcome.m_nStatus = Call.m_pRun(Handle, Outcome);
+        bHappened = ClFailAllocation::Happened();
+    }
+    if (bHappened && Outcome.m_nStatus != Expected.m_Outcome.m_nStatus) {
+        ++rnRefused;
+        ExpectRefused(Call, Handle, Outcome, Expected);
+        if (Call.m_bDropsData)
+            Call.m_pPrepare(Handle);
+        Outcome = Call.Run(Handle);
+    }
+    ExpectDone(Handle, Outcome, Expected);
+    return bHappened;
 }
+
+/// Fails every `nStride`-th allocation of a call in turn, from `nFirst` on. Returns how many runs
+/// answered that memory is missing.
+long FailEach(const StCall& Call, const StOptionSet& Options, long nFirst, long nStride) {
+    const StExpected Expected = Unharmed(Call, Options);
+    long nRefused = 0;
+    bool bHappened = true;
+    for (long nAfter = nFirst; bHappened && !testing::Test::HasFailure(); nAfter += nStride) {
+        SCOPED_TRACE("allocation " + std::to_string(nAfter));
+        const long nLive = LiveAllocations();
+        bHappened = FailOne(Call, Options, Expected, nAfter, nRefused);
+        EXPECT_EQ(LiveAllocations(), nLive) << "something is left behind";
+    }
+    return nRefused;
+}
+
+long NumberOf(const StOptionSet& Options) {
+    const std::vector<StOptionSet>& aSets = AllOptions();
+    const auto Found = std::find_if(aSets.begin(), aSets.end(), [&](const StOptionSet& Set) {
+        return Set.Name() == Options.Name();
+    });
+    return Found - aSets.begin();
+}
+
+class CallWithoutMemory : public testing::TestWithParam<StOptionSet> {};
 
 } // namespace
 
-TEST(CallWithoutMemory, CalibratesInEveryMode) {
-    Bytes aIn = Capture(48, 132);
-    for (const char* szMode : {"off", "oddLines", "ThinPlateSpline"}) {
-        SCOPED_TRACE(szMode);
-        StReady Handle;
-        Handle.Set((std::string("GeometricCalibrate=") + szMode).c_str());
-        FailEachAllocationOf(CalibrateOf(Handle, aIn), 10000);
+// Each set of options takes its share of the allocations of a call, and what looks at no option is
+// tried with some sets; at night each takes all.
+TEST_P(CallWithoutMemory, SaysSoAndLeavesWhatItHasToLeave) {
+    for (const StCall& Call : CallsThatAllocate()) {
+        if (!IsNight() && NumberOf(GetParam()) % Call.m_nShare != 0)
+            continue;
+        SCOPED_TRACE(Call.m_szName);
+        const long nStride = IsNight() ? 1 : Call.m_nStride;
+        const long nFirst = NumberOf(GetParam()) % nStride;
+        const long nRefused = FailEach(Call, GetParam(), nFirst, nStride);
+        EXPECT_TRUE(nRefused > 0 || nFirst > 0 || !Call.m_pAsks(GetParam()))
+            << "nothing was tested";
     }
 }
 
-TEST(CallWithoutMemory, CalibratesWithTheDynamicStep) {
-    Bytes aIn = Capture(48, 132);
-    for (const char* szMask : {"MaskIsOutput=false", "MaskIsOutput=true"}) {
-        SCOPED_TRACE(szMask);
-        StReady Handle;
-        Handle.Set("DynamicFingerMask=true");
-        Handle.Set(szMask);
-        FailEachAllocationOf(CalibrateOf(Handle, aIn), 10000);
+TEST_P(CallWithoutMemory, IsMadeWhereNoneIsAskedFor) {
+    for (const StCall& Call : CallsThatDoNot()) {
+        SCOPED_TRACE(Call.m_szName);
+        ClHandle Handle(GetParam());
+        Call.m_pPrepare(Handle);
+        StOutcome Outcome = Call.m_Left;
+        const ClFailAllocation Fail(0);
+        Outcome.m_nStatus = Call.m_pRun(Handle, Outcome);
+        EXPECT_EQ(Outcome.m_nStatus, QMT_SUCCESS);
+        EXPECT_FALSE(ClFailAllocation::Happened());
     }
 }
 
-TEST(CallWithoutMemory, GivesItsBlocks) {
-    StReady Handle;
-    FailEachAllocationOf(
-        [&](unsigned char* pOut, unsigned long* pSize) {
-            return CalibrateGetData(Handle, pOut, pSize);
-        },
-        3000);
-    FailEachAllocationOf(
-        [&](unsigned char* pOut, unsigned long* pSize) {
-            return CalibrateGetPrecalculatedData(Handle, pOut, pSize);
-        },
-        100000);
+TEST_P(CallWithoutMemory, LetsTheHandleGo) {
+    const long nLive = LiveAllocations();
+    ClHandle Handle(GetParam());
+    CallsThatAllocate().front().m_pPrepare(Handle);
+    void* pHandle = Handle.Release();
+    {
+        const ClFailAllocation Fail(0);
+        EXPECT_EQ(CalibrateDelete(&pHandle), QMT_SUCCESS);
+        EXPECT_FALSE(ClFailAllocation::Happened());
+    }
+    EXPECT_EQ(LiveAllocations(), nLive);
 }
 
-TEST(CallWithoutMemory, MeasuresContamination) {
-    StReady Handle;
-    Bytes aIn = Capture(64, 64);
-    FailEachAllocationOf(
-        [&](unsigned char* pOut, unsigned long*) {
-            double dLevel = 0.0;
-            const long nStatus = ContaminationDetection(Handle, aIn.data(), aIn.size(), &dLevel);
-            if (nStatus == 0) {
-                std::memcpy(pOut, &dLevel, sizeof dLevel);
-            } else {
-                EXPECT_EQ(dLevel, 101.0);
-            }
-            return nStatus;
-        },
-        sizeof(double));
-}
-
-// A target has hundreds of dots and pieces of lists: each 29th allocation stands for all.
-TEST(CallWithoutMemory, MeasuresAccuracy) {
-    StReady Handle;
-    Bytes aIn = TargetBlock(TestSupport::CorrectedTarget());
-    FailEachAllocationOf(
-        [&](unsigned char* pOut, unsigned long*) {
-            return CalibrateCheckEfts(Handle, aIn.data(), aIn.size(),
-                                      reinterpret_cast<double*>(pOut));
-        },
-        sizeof(double), 29);
-}
+INSTANTIATE_TEST_SUITE_P(With, CallWithoutMemory, testing::ValuesIn(AllOptions()),
+                         [](const auto& Info) { return Info.param.Name(); });

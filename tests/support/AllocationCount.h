@@ -26,4 +26,7 @@ private:
     StAllocations m_Counted;
 };
 
+/// Allocations of this thread that were not released yet, less those of others that it released.
+long LiveAllocations();
+
 } // namespace TestSupport

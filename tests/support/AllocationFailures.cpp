@@ -13,6 +13,7 @@ thread_local long g_nCountdown = -1;
 thread_local bool g_bHappened = false;
 thread_local TestSupport::StAllocations* g_pCounted = nullptr;
 thread_local TestSupport::EFailure g_eFailure = TestSupport::EFailure::eThrow;
+thread_local long g_nLive = 0;
 
 bool FailsNow() {
     if (g_nCountdown < 0)
@@ -32,7 +33,14 @@ void Count(std::size_t nSize) {
 
 void* AllocateOrNull(std::size_t nSize) noexcept {
     Count(nSize);
-    return FailsNow() ? nullptr : std::malloc(nSize > 0 ? nSize : 1);
+    void* p = FailsNow() ? nullptr : std::malloc(nSize > 0 ? nSize : 1);
+    g_nLive += p != nullptr ? 1 : 0;
+    return p;
+}
+
+void Release(void* p) noexcept {
+    g_nLive -= p != nullptr ? 1 : 0;
+    std::free(p);
 }
 
 void* AllocateOrThrow(std::size_t nSize) {
@@ -69,6 +77,10 @@ ClCountAllocations::~ClCountAllocations() {
     g_pCounted = nullptr;
 }
 
+long LiveAllocations() {
+    return g_nLive;
+}
+
 long PauseFailures() {
     return std::exchange(g_nCountdown, -1);
 }
@@ -94,20 +106,20 @@ void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
     return AllocateOrNull(nSize);
 }
 void operator delete(void* p) noexcept {
-    std::free(p);
+    Release(p);
 }
 void operator delete[](void* p) noexcept {
-    std::free(p);
+    Release(p);
 }
 void operator delete(void* p, std::size_t) noexcept {
-    std::free(p);
+    Release(p);
 }
 void operator delete[](void* p, std::size_t) noexcept {
-    std::free(p);
+    Release(p);
 }
 void operator delete(void* p, const std::nothrow_t&) noexcept {
-    std::free(p);
+    Release(p);
 }
 void operator delete[](void* p, const std::nothrow_t&) noexcept {
-    std::free(p);
+    Release(p);
 }
