@@ -3,7 +3,7 @@
 // always gives, where work can do without what it asked for. The same handle then gives what a new
 // one gives, and nothing is left behind when it is gone.
 
-#include "properties/CallsInMemory.h"
+#include "properties/CallChecks.h"
 #include "support/AllocationCount.h"
 #include "support/AllocationFailures.h"
 
@@ -11,57 +11,9 @@
 
 using namespace Properties;
 using TestSupport::ClFailAllocation;
-using TestSupport::EFailure;
 using TestSupport::LiveAllocations;
 
 namespace {
-
-/// What a handle answers to one call, and what it is before and after.
-struct StExpected {
-    StState m_Before;
-    StOutcome m_Outcome;
-    StState m_After;
-};
-
-StExpected Unharmed(const StCall& Call, const StOptionSet& Options) {
-    StExpected Expected;
-    ClHandle Handle(Options);
-    Call.m_pPrepare(Handle);
-    Expected.m_Before = StateOf(Handle);
-    Expected.m_Outcome = Call.Run(Handle);
-    Expected.m_After = StateOf(Handle);
-    return Expected;
-}
-
-void ExpectDone(void* pHandle, const StOutcome& Outcome, const StExpected& Expected) {
-    EXPECT_EQ(Outcome.m_nStatus, Expected.m_Outcome.m_nStatus);
-    EXPECT_TRUE(Outcome == Expected.m_Outcome);
-    EXPECT_TRUE(StateOf(pHandle) == Expected.m_After);
-}
-
-/// Whether a part of the state is as it was, or as the finished call leaves it.
-bool IsEither(const Bytes& aPart, const Bytes& aBefore, const Bytes& aAfter) {
-    return aPart == aBefore || aPart == aAfter;
-}
-
-void ExpectRefused(const StCall& Call, void* pHandle, const StOutcome& Outcome,
-                   const StExpected& Expected) {
-    EXPECT_EQ(Outcome.m_nStatus, QMT_ERROR_OUT_OF_MEMORY);
-    StOutcome Left = Call.m_Left;
-    Left.m_nStatus = QMT_ERROR_OUT_OF_MEMORY;
-    EXPECT_TRUE(Outcome == Left) << "an output was written";
-    const StState State = StateOf(pHandle);
-    EXPECT_EQ(State.m_aOptions, Expected.m_Before.m_aOptions);
-    EXPECT_TRUE(IsEither(State.m_aLevels, Expected.m_Before.m_aLevels, Expected.m_After.m_aLevels));
-    if (Call.m_bDropsData) {
-        EXPECT_EQ(State.m_aData, NoBlock());
-        EXPECT_EQ(State.m_aTable, NoBlock());
-    } else {
-        EXPECT_EQ(State.m_aData, Expected.m_Before.m_aData);
-        EXPECT_TRUE(
-            IsEither(State.m_aTable, Expected.m_Before.m_aTable, Expected.m_After.m_aTable));
-    }
-}
 
 /// One call whose allocation `nAfter` fails, and the same call once more. Returns whether one did.
 bool FailOne(const StCall& Call, const StOptionSet& Options, const StExpected& Expected,
@@ -78,11 +30,10 @@ bool FailOne(const StCall& Call, const StOptionSet& Options, const StExpected& E
     if (bHappened && Outcome.m_nStatus != Expected.m_Outcome.m_nStatus) {
         ++rnRefused;
         ExpectRefused(Call, Handle, Outcome, Expected);
-        if (Call.m_bDropsData)
-            Call.m_pPrepare(Handle);
-        Outcome = Call.Run(Handle);
+        ExpectRecovery(Call, Handle, Expected);
+    } else {
+        ExpectDone(Handle, Outcome, Expected);
     }
-    ExpectDone(Handle, Outcome, Expected);
     return bHappened;
 }
 
