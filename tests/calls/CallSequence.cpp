@@ -23,10 +23,13 @@ ClCallSequence::~ClCallSequence() {
 }
 
 void ClCallSequence::Run(long nSteps) {
-    for (m_nStep = 0; m_nStep < nSteps && !m_rChoices.IsEmpty(); ++m_nStep) {
-        m_rObserver.OnStep(m_nStep);
-        MakeStep();
-    }
+    for (long nStep = 0; nStep < nSteps && !m_rChoices.IsEmpty(); ++nStep)
+        MakeStep(nStep);
+}
+
+void ClCallSequence::Run(const std::vector<long>& anSteps) {
+    for (const long nStep : anSteps)
+        MakeStep(nStep);
 }
 
 /// Which steps are made how often; what is dear is rare.
@@ -37,7 +40,7 @@ ClCallSequence::Step ClCallSequence::ChooseStep() {
     };
     static const StShare caShares[] = {
         {60, &ClCallSequence::RunCalibrate},
-        {36, &ClCallSequence::SetPrecalculatedData},
+        {31, &ClCallSequence::SetPrecalculatedData},
         {30, &ClCallSequence::SetData},
         {30, &ClCallSequence::GetData},
         {20, &ClCallSequence::GetPrecalculatedData},
@@ -50,7 +53,9 @@ ClCallSequence::Step ClCallSequence::ChooseStep() {
         {5, &ClCallSequence::Contaminate},
         {4, &ClCallSequence::SetReferenceData},
         {2, &ClCallSequence::Generate},
-        {1, &ClCallSequence::Describe},
+        {3, &ClCallSequence::ConvertText},
+        {1, &ClCallSequence::CallFacility},
+        {2, &ClCallSequence::Describe},
         {1, &ClCallSequence::Delete},
     };
     constexpr std::uint32_t cnAll = 256;
@@ -63,8 +68,12 @@ ClCallSequence::Step ClCallSequence::ChooseStep() {
     return &ClCallSequence::RunCalibrate;
 }
 
-void ClCallSequence::MakeStep() {
-    StSlot& rSlot = m_aSlots[m_rChoices.Below(3)];
+void ClCallSequence::MakeStep(long nStep) {
+    m_rObserver.OnStep(nStep);
+    m_rChoices.BeginStep(nStep);
+    const std::uint32_t nSlot = m_rChoices.Below(3);
+    StSlot& rSlot = m_aSlots[nSlot];
+    m_nHandle = long{nSlot} + 1;
     if (rSlot.m_pHandle == nullptr)
         Create(rSlot);
     else if (!rSlot.m_Model.IsReady() && !m_rChoices.OneIn(3))
@@ -80,14 +89,13 @@ long ClCallSequence::ChooseFault() {
     return static_cast<long>(m_rChoices.Below(1u << m_rChoices.Below(9)));
 }
 
-void ClCallSequence::Note(const char* szCall, std::size_t nSize) {
+void ClCallSequence::Note(const char* szCall, std::size_t nSize, const char* szText) {
     m_szCall = szCall;
-    m_nCallSize = nSize;
+    m_rObserver.OnCall(m_nHandle, szCall, nSize, szText);
 }
 
 void ClCallSequence::Break(const std::string& Promise) {
-    m_rObserver.OnBroken("step " + std::to_string(m_nStep) + ": " + m_szCall + " with " +
-                         std::to_string(m_nCallSize) + " bytes: " + Promise);
+    m_rObserver.OnBroken(std::string(m_szCall) + ": " + Promise);
 }
 
 void ClCallSequence::Expect(bool bHolds, const char* szPromise) {
@@ -96,6 +104,7 @@ void ClCallSequence::Expect(bool bHolds, const char* szPromise) {
 }
 
 void ClCallSequence::ExpectStatus(const StAnswer& Answer, const Statuses& anExpected) {
+    m_rObserver.OnAnswer(Answer.m_nStatus, Answer.m_bFault);
     const bool bExpected =
         std::find(anExpected.begin(), anExpected.end(), Answer.m_nStatus) != anExpected.end();
     if (bExpected || (Answer.m_bFault && Answer.m_nStatus == QMT_ERROR_OUT_OF_MEMORY))

@@ -30,6 +30,11 @@ class ClObserver {
 public:
     virtual ~ClObserver() = default;
     virtual void OnStep(long /*nStep*/) {}
+    /// What the step does: on which handle, 1 to 3, which call with how many bytes or which text.
+    virtual void OnCall(long /*nHandle*/, const char* /*szCall*/, std::size_t /*nSize*/,
+                        const char* /*szText*/) {}
+    /// An answer to it, and whether an allocation was made to fail on the way.
+    virtual void OnAnswer(long /*nStatus*/, bool /*bFault*/) {}
     /// A promise does not hold.
     virtual void OnBroken(const std::string& Promise) = 0;
 };
@@ -52,6 +57,8 @@ public:
 
     /// Makes `nSteps` steps, or fewer where nothing is left to decide with.
     void Run(long nSteps);
+    /// Makes the steps of these numbers and leaves out all others.
+    void Run(const std::vector<long>& anSteps);
 
 private:
     struct StSlot {
@@ -65,7 +72,7 @@ private:
     using Step = void (ClCallSequence::*)(StSlot&);
     using GetBlock = long (*)(void*, unsigned char*, unsigned long*);
 
-    void MakeStep();
+    void MakeStep(long nStep);
     Step ChooseStep();
 
     // Handles
@@ -79,6 +86,14 @@ private:
     void GetOption(StSlot& rSlot);
     void GetLevels(StSlot& rSlot);
     void Describe(StSlot& rSlot);
+
+    // Text and log
+    void ConvertText(StSlot& rSlot);
+    void ConvertToNarrow(const std::vector<wchar_t>& aWide, const std::string& Narrow);
+    void ConvertToWide(const std::string& Narrow, const std::vector<wchar_t>& aWide);
+    void CheckConverted(const Bytes& aExpected, std::size_t nCount, bool bBroken,
+                        unsigned long nRoom, bool bThrown, long nResult);
+    void CallFacility(StSlot& rSlot);
 
     // Data
     void SetData(StSlot& rSlot);
@@ -98,12 +113,15 @@ private:
     void CheckResult(StSlot& rSlot, const StForecast& Forecast, const Bytes& aIn,
                      const Bytes& aOut);
     bool IsTwinWanted(const StSlot& Slot);
-    void CompareWithTwin(StSlot& rSlot, const Bytes& aIn, const Bytes& aOut, long nStatus);
+    void CompareWithTwin(StSlot& rSlot, const Bytes& aIn, const Bytes& aOut, long nStatus,
+                         bool bFault);
     void Contaminate(StSlot& rSlot);
     void CheckEfts(StSlot& rSlot);
+    void CompareEfts(StSlot& rSlot, Bytes aIn, double dResult);
     Statuses ForCheckEfts(const StSlot& Slot, const Bytes& aIn, bool bNull) const;
     void Generate(StSlot& rSlot);
     Statuses ForGenerate(const StSlot& Slot, const Bytes& aIn, bool bTarget) const;
+    void CompareGenerated(StSlot& rSlot, Bytes aIn, long nStatus);
     void CheckGenerated(StSlot& rSlot, const StSize& Size);
     Bytes ChooseCapture(StSlot& rSlot);
     bool IsDynamicStepCheap(const StSlot& Slot) const;
@@ -115,8 +133,14 @@ private:
         const std::uint32_t nDepth = m_rChoices.Below(8);
         StAnswer Answer{0, false};
         m_rFaults.Arm(nAfter);
-        Answer.m_nStatus = AtDepth(nDepth, call);
+        bool bThrown = false;
+        try {
+            Answer.m_nStatus = AtDepth(nDepth, call);
+        } catch (...) {
+            bThrown = true;
+        }
         Answer.m_bFault = m_rFaults.Disarm();
+        Expect(!bThrown, "throws nothing");
         return Answer;
     }
     long ChooseFault();
@@ -124,7 +148,7 @@ private:
     void ExpectStatus(const StAnswer& Answer, const Statuses& anExpected);
     void ExpectInput(const Bytes& aBlock);
     void Break(const std::string& Promise);
-    void Note(const char* szCall, std::size_t nSize = 0);
+    void Note(const char* szCall, std::size_t nSize = 0, const char* szText = "");
 
     ClChoices& m_rChoices;
     ClFaults& m_rFaults;
@@ -133,9 +157,8 @@ private:
     ClGuardedRoom m_Out;
     std::array<StSlot, 3> m_aSlots;
     std::vector<Bytes> m_aGivenTables;
-    long m_nStep = 0;
+    long m_nHandle = 0;
     const char* m_szCall = "";
-    std::size_t m_nCallSize = 0;
 };
 
 } // namespace Calls

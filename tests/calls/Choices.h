@@ -15,6 +15,8 @@ public:
     virtual std::uint32_t Below(std::uint32_t nEnd) = 0;
     /// Whether nothing is left to decide with.
     virtual bool IsEmpty() const = 0;
+    /// A step begins: whatever was chosen before may decide it, or its number alone.
+    virtual void BeginStep(long /*nStep*/) {}
 
     bool OneIn(std::uint32_t nEnd) { return Below(nEnd) == nEnd - 1; }
 
@@ -28,10 +30,15 @@ public:
     }
 };
 
-/// xorshift64*, which is enough to choose with.
+/// xorshift64*, which is enough to choose with. Each step has choices of its own, so that a step
+/// chooses the same when others are left out.
 class ClSeededChoices : public ClChoices {
 public:
-    explicit ClSeededChoices(std::uint64_t nSeed) : m_nState(nSeed * 0x9E3779B97F4A7C15ULL | 1) {}
+    explicit ClSeededChoices(std::uint64_t nSeed) : m_nSeed(Mixed(nSeed)) { BeginStep(0); }
+
+    void BeginStep(long nStep) override {
+        m_nState = Mixed(m_nSeed + static_cast<std::uint64_t>(nStep)) | 1;
+    }
 
     std::uint32_t Below(std::uint32_t nEnd) override {
         m_nState ^= m_nState >> 12;
@@ -42,7 +49,14 @@ public:
     bool IsEmpty() const override { return false; }
 
 private:
-    std::uint64_t m_nState;
+    static std::uint64_t Mixed(std::uint64_t n) {
+        n = (n + 0x9E3779B97F4A7C15ULL) * 0xBF58476D1CE4E5B9ULL;
+        n = (n ^ (n >> 27)) * 0x94D049BB133111EBULL;
+        return n ^ (n >> 31);
+    }
+
+    std::uint64_t m_nSeed;
+    std::uint64_t m_nState = 1;
 };
 
 /// Bytes decide, one for each choice among up to 256; behind the last one every choice is 0.

@@ -135,6 +135,9 @@ void ClCallSequence::GetData(StSlot& rSlot) {
 
 void ClCallSequence::GetPrecalculatedData(StSlot& rSlot) {
     Note("CalibrateGetPrecalculatedData");
+    ExpectStatus(
+        Try([&] { return CalibrateGetPrecalculatedData(rSlot.m_pHandle, nullptr, nullptr); }),
+        {QMT_ERROR_TEMPLATE_SIZE_PTR});
     if (!rSlot.m_Model.IsReady()) {
         unsigned long nSize = 5;
         ExpectStatus(

@@ -196,8 +196,6 @@ StForecast ClHandleModel::ForCalibrate(const Bytes& aCapture) const {
 }
 
 void ClHandleModel::AfterCalibrate(const StForecast& Forecast, long nStatus) {
-    if (m_Options.m_bDynamicFingerMask && Forecast.MaySucceed())
-        m_Levels.reset();
     if (!Forecast.m_bReachesWarp || !IsPreparing())
         return;
     if (nStatus == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE)

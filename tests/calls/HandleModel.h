@@ -48,6 +48,9 @@ enum class EWarp {
 /// The statuses that a call may answer.
 using Statuses = std::vector<long>;
 
+/// The dirt and the dry finger level.
+using StLevels = std::pair<double, double>;
+
 /// What a call of Calibrate() answers.
 struct StForecast {
     Statuses m_anStatuses;
@@ -68,8 +71,8 @@ struct StForecast {
 class ClHandleModel {
 public:
     StOptions m_Options;
-    /// The dirt and the dry finger level; empty where they are not known.
-    std::optional<std::pair<double, double>> m_Levels = std::make_pair(0.0, 0.0);
+    /// The levels that may stand there; empty where they are not known.
+    std::vector<StLevels> m_aLevels = {{0.0, 0.0}};
     /// The reference of later generations; empty where it is not known.
     std::optional<StRecord> m_Reference = StRecord();
 

@@ -183,8 +183,7 @@ void ClCallSequence::CalibrateOne(StSlot& rSlot, const Bytes& aIn) {
     rModel.AfterCalibrate(Forecast, nStatus);
     if (bGiven)
         CheckResult(rSlot, Forecast, aIn, aOut);
-    if (!Answer.m_bFault)
-        CompareWithTwin(rSlot, aIn, aOut, bDone ? QMT_SUCCESS : nStatus);
+    CompareWithTwin(rSlot, aIn, aOut, bDone ? QMT_SUCCESS : nStatus, Answer.m_bFault);
 }
 
 void ClCallSequence::CheckResult(StSlot& rSlot, const StForecast& Forecast, const Bytes& aIn,
@@ -192,9 +191,9 @@ void ClCallSequence::CheckResult(StSlot& rSlot, const StForecast& Forecast, cons
     const ClHandleModel& Model = rSlot.m_Model;
     Expect(IsHeaderRight(Forecast, aOut), "gives an 8-bit block of the right size");
     Expect(IsPaletteGrey(aOut), "gives a grey palette");
+    Expect(IsResolutionRight(Forecast, aOut), "gives the resolution of the mode");
     if (Model.m_Options.m_bDynamicFingerMask)
         return;
-    Expect(IsResolutionRight(Forecast, aOut), "gives the resolution of the mode");
     if (Model.m_Options.m_eGeometry == EGeometry::eOff)
         Expect(ArePixelsSame(aIn, aOut), "gives the capture unchanged");
     if (Model.m_Options.m_eGeometry == EGeometry::eSpline && Model.Warp() == EWarp::eLoaded)
@@ -211,30 +210,66 @@ bool ClCallSequence::IsTwinWanted(const StSlot& Slot) {
     return Model.m_Options.m_bDynamicFingerMask || m_rChoices.OneIn(bPrepares ? 64 : 8);
 }
 
-/// What a handle does depends on its state alone, not on how it came there.
+/// What a handle does depends on its state alone, not on how it came there. Where memory was
+/// missing the levels are the twin's or those before, and both from one capture.
 void ClCallSequence::CompareWithTwin(StSlot& rSlot, const Bytes& aIn, const Bytes& aOut,
-                                     long nStatus) {
+                                     long nStatus, bool bFault) {
     ClHandleModel& rModel = rSlot.m_Model;
-    if (!rModel.IsReady())
+    if (!rModel.IsReady() || (bFault && !rModel.m_Options.m_bDynamicFingerMask))
         return;
-    if (!IsTwinWanted(rSlot))
+    if (!IsTwinWanted(rSlot)) {
+        if (rModel.m_Options.m_bDynamicFingerMask)
+            rModel.m_aLevels.clear();
         return;
+    }
     const ClTwin Twin(rModel);
     Expect(Twin.IsMade(), "takes again what it took");
     Bytes aExpected;
     const long nExpected = Twin.Run(aIn, aExpected);
     if (nExpected == QMT_ERROR_INVALID_OPTIONS_SETTING)
         return;
-    Expect(nStatus == nExpected, "answers as a new handle in the same state");
+    const bool bMissing = bFault && nStatus == QMT_ERROR_OUT_OF_MEMORY;
+    Expect(bMissing || nStatus == nExpected, "answers as a new handle in the same state");
     Expect(aOut.empty() || aOut == aExpected, "gives the same as a new handle in the same state");
-    double dDirt = 0.0;
-    double dDryFinger = 0.0;
-    GetCalibrationWarningLevels(Twin.Handle(), &dDirt, &dDryFinger);
-    if (nStatus == QMT_SUCCESS && rModel.m_Options.m_bDynamicFingerMask)
-        rModel.m_Levels = {dDirt, dDryFinger};
+    if (nExpected != QMT_SUCCESS || !rModel.m_Options.m_bDynamicFingerMask)
+        return; // no dynamic calibration: the levels stay
+    StLevels Levels;
+    GetCalibrationWarningLevels(Twin.Handle(), &Levels.first, &Levels.second);
+    if (!bMissing)
+        rModel.m_aLevels = {Levels};
+    else if (!rModel.m_aLevels.empty())
+        rModel.m_aLevels.push_back(Levels);
 }
 
 // Measurements
+
+namespace {
+
+double ContaminationOn(void* pHandle, Bytes aIn) {
+    double dLevel = -1.0;
+    ContaminationDetection(pHandle, aIn.data(), aIn.size(), &dLevel);
+    return dLevel;
+}
+
+/// A handle that has seen nothing.
+class ClNewHandle {
+public:
+    ClNewHandle() : m_pHandle(CalibrateCreate()) {}
+    ClNewHandle(const ClNewHandle&) = delete;
+    ClNewHandle& operator=(const ClNewHandle&) = delete;
+    ~ClNewHandle() { CalibrateDelete(&m_pHandle); }
+
+    operator void*() const { return m_pHandle; }
+
+private:
+    void* m_pHandle;
+};
+
+bool IsSame(double a, double b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
+
+} // namespace
 
 void ClCallSequence::Contaminate(StSlot& rSlot) {
     const Bytes aIn = AnyCapture(m_rChoices, {0, 0});
@@ -251,6 +286,10 @@ void ClCallSequence::Contaminate(StSlot& rSlot) {
     Expect(Answer.m_nStatus == QMT_SUCCESS ? dResult >= 0.0 && dResult <= 100.0
                                            : dResult > 100.5 && dResult < 101.5,
            "gives a level, or tells that nothing was measured");
+    if (Answer.m_nStatus != QMT_SUCCESS)
+        return;
+    Expect(Field(aIn, 16, 4) == 0 || IsSame(dResult, 0.0), "finds nothing in a compressed block");
+    Expect(IsSame(dResult, ContaminationOn(ClNewHandle(), aIn)), "gives what a new handle gives");
 }
 
 void ClCallSequence::CheckEfts(StSlot& rSlot) {
@@ -261,13 +300,29 @@ void ClCallSequence::CheckEfts(StSlot& rSlot) {
     const StAnswer Answer =
         Try([&] { return CalibrateCheckEfts(rSlot.m_pHandle, pIn, aIn.size(), &dResult); });
     ExpectStatus(Answer, ForCheckEfts(rSlot, pIn != nullptr ? aIn : Bytes(), pIn == nullptr));
+    ExpectStatus(
+        Try([&] { return CalibrateCheckEfts(rSlot.m_pHandle, nullptr, aIn.size(), nullptr); }),
+        {QMT_ERROR_BITMAP_PTR});
     const bool bMeasured = Answer.m_nStatus == QMT_SUCCESS;
+    if (bMeasured)
+        CompareEfts(rSlot, aIn, dResult);
     Expect(bMeasured ? dResult >= 0.0 && dResult <= 100.0 : dResult > 6.5 && dResult < 7.5,
            "gives a percentage, or leaves the result");
     if (pIn != nullptr)
         ExpectStatus(
             Try([&] { return CalibrateCheckEfts(rSlot.m_pHandle, pIn, aIn.size(), nullptr); }),
             {QMT_ERROR_TEMPLATE_PTR_NULL});
+}
+
+/// What is right is the target of the data; options, table and history play no part.
+void ClCallSequence::CompareEfts(StSlot& rSlot, Bytes aIn, double dResult) {
+    ClHandleModel Other = rSlot.m_Model;
+    Other.m_Options = StOptions();
+    Other.AfterGenerateData(std::make_unique<StData>(rSlot.m_Model.Data()->m_Record), true);
+    const ClTwin Twin(Other);
+    double dExpected = -1.0;
+    CalibrateCheckEfts(Twin.Handle(), aIn.data(), aIn.size(), &dExpected);
+    Expect(IsSame(dResult, dExpected), "measures as a new handle with the same data");
 }
 
 Statuses ClCallSequence::ForCheckEfts(const StSlot& Slot, const Bytes& aIn, bool bNull) const {
@@ -313,7 +368,7 @@ void ClCallSequence::Generate(StSlot& rSlot) {
                      {QMT_ERROR_BITMAP_PTR});
         return;
     }
-    const bool bTarget = m_rChoices.OneIn(256);
+    const bool bTarget = m_rChoices.OneIn(128);
     const Bytes aIn = bTarget ? TargetCapture() : AnyCapture(m_rChoices, {0, 0});
     const Statuses anExpected = ForGenerate(rSlot, aIn, bTarget);
     unsigned char* const pIn = m_In.Hold(aIn);
@@ -325,6 +380,23 @@ void ClCallSequence::Generate(StSlot& rSlot) {
     rSlot.m_Model.AfterGenerateData(nullptr, bTarget);
     if (Answer.m_nStatus == QMT_SUCCESS)
         CheckGenerated(rSlot, {280, 880});
+    if (bTarget && !Answer.m_bFault && rSlot.m_Model.m_Reference)
+        CompareGenerated(rSlot, aIn, Answer.m_nStatus);
+}
+
+/// The capture and the reference decide alone.
+void ClCallSequence::CompareGenerated(StSlot& rSlot, Bytes aIn, long nStatus) {
+    const ClNewHandle Other;
+    if (!rSlot.m_Model.m_Reference->m_aTarget.empty()) {
+        Bytes aReference = RecordBlock(*rSlot.m_Model.m_Reference);
+        Expect(CalibrateSetReferenceData(Other, aReference.data(), aReference.size()) ==
+                   QMT_SUCCESS,
+               "takes again the reference that it took");
+    }
+    Expect(CalibrateGenerateData(Other, aIn.data(), aIn.size()) == nStatus,
+           "generates as a new handle with the same reference");
+    Expect(BlockOf(Other, CalibrateGetData) == BlockOf(rSlot.m_pHandle, CalibrateGetData),
+           "gives the data that a new handle with the same reference gives");
 }
 
 /// What is generated is data like any other: it loads, and its table belongs to it.
