@@ -1,74 +1,46 @@
-// Random sequences of calls, the same on every machine. A seed that fails is run alone, and longer,
-// by --gtest_random_seed=SEED (1 to 99999).
+// Random sequences of calls, the same on every machine. One that fails is made short and told call
+// by call. A seed is run alone, and longer, by --gtest_random_seed=SEED (1 to 99999); with
+// TESSARIN_NIGHTLY in the environment all are longer.
 
-#include "calls/InjectedFaults.h"
+#include "properties/CallsInMemory.h"
+#include "properties/SequenceRuns.h"
 
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <cstdio>
+#include <numeric>
 
-using Calls::ClCallSequence;
-using Calls::ClInjectedFaults;
-using Calls::ClSeededChoices;
+using namespace Properties;
 
 namespace {
 
-constexpr long cnSteps = 25000;
-constexpr int cnSeeds = 8; // 200,000 steps in all
+constexpr int cnSeeds = 8;
+constexpr long cnSteps = 25000; // 200,000 in all
+constexpr long cnStepsAtNight = 125000;
 
-/// Tells the first broken promises of a sequence; what follows them follows from them.
-class ClTeller : public Calls::ClObserver {
-public:
-    void OnStep(long nStep) override { g_nStep = nStep; }
-    void OnBroken(const std::string& Promise) override {
-        if (++m_nBroken <= cnTold)
-            ADD_FAILURE() << Promise;
-    }
+std::string ListOf(const std::vector<long>& anSteps) {
+    std::string Text;
+    for (const long nStep : anSteps)
+        Text += " " + std::to_string(nStep);
+    return Text;
+}
 
-    static volatile std::sig_atomic_t g_nSeed;
-    static volatile long g_nStep;
-
-private:
-    static constexpr int cnTold = 5;
-    int m_nBroken = 0;
-};
-
-volatile std::sig_atomic_t ClTeller::g_nSeed = 0;
-volatile long ClTeller::g_nStep = 0;
+void TellShort(int nSeed, const StRunEnd& End) {
+    const std::vector<long> anSteps = ShrunkSteps(nSeed, End);
+    std::fprintf(stderr, "seed %d, %zu steps are enough:\n", nSeed, anSteps.size());
+    const StRunEnd Again = RunSteps(nSeed, anSteps, ETold::eCalls);
+    ADD_FAILURE() << "seed " << nSeed << ", step " << End.m_nStep << ": " << End.m_What
+                  << "\nthe steps" << ListOf(anSteps) << " are enough for: " << Again.m_What;
+}
 
 void RunSeed(int nSeed, long nSteps) {
-    SCOPED_TRACE("seed " + std::to_string(nSeed));
-    ClTeller::g_nSeed = nSeed;
-    ClSeededChoices Choices(static_cast<std::uint64_t>(nSeed));
-    ClInjectedFaults Faults;
-    ClTeller Teller;
-    ClCallSequence(Choices, Faults, Teller).Run(nSteps);
+    std::vector<long> anSteps(static_cast<std::size_t>(nSteps));
+    std::iota(anSteps.begin(), anSteps.end(), 0L);
+    const StRunEnd End = RunSteps(nSeed, anSteps, ETold::eFailures);
+    if (End.m_bFailed)
+        TellShort(nSeed, End);
 }
 
-/// A step that ends the process tells its place before.
-void TellCrash(int nSignal) {
-    char szText[100];
-    const int nLength =
-        std::snprintf(szText, sizeof szText, "\nsignal %d in seed %d, step %ld\n", nSignal,
-                      static_cast<int>(ClTeller::g_nSeed), ClTeller::g_nStep);
-    if (nLength > 0 && write(STDERR_FILENO, szText, static_cast<std::size_t>(nLength)) < 0)
-        std::_Exit(2);
-    std::signal(nSignal, SIG_DFL);
-    std::raise(nSignal);
-}
-
-class CallSequence : public testing::TestWithParam<int> {
-protected:
-    static void SetUpTestSuite() {
-        for (const int nSignal : {SIGSEGV, SIGBUS, SIGABRT})
-            std::signal(nSignal, TellCrash);
-    }
-    static void TearDownTestSuite() {
-        for (const int nSignal : {SIGSEGV, SIGBUS, SIGABRT})
-            std::signal(nSignal, SIG_DFL);
-    }
-};
+class CallSequence : public testing::TestWithParam<int> {};
 
 } // namespace
 
@@ -76,7 +48,8 @@ TEST_P(CallSequence, KeepsEveryPromise) {
     const int nTold = GTEST_FLAG_GET(random_seed);
     if (nTold != 0 && GetParam() != 1)
         GTEST_SKIP() << "one seed was asked for";
-    RunSeed(nTold != 0 ? nTold : GetParam(), nTold != 0 ? 10 * cnSteps : cnSteps);
+    const long nSteps = IsNight() ? cnStepsAtNight : cnSteps;
+    RunSeed(nTold != 0 ? nTold : GetParam(), nTold != 0 ? 10 * nSteps : nSteps);
 }
 
 INSTANTIATE_TEST_SUITE_P(OfSeed, CallSequence, testing::Range(1, 1 + cnSeeds),
