@@ -6,8 +6,9 @@
 #include "calls/CallMaterial.h"
 #include "support/TestData.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <functional>
+#include <mutex>
 #include <thread>
 
 using TestSupport::Bytes;
@@ -150,15 +151,32 @@ std::vector<Work> AllWork(const std::vector<StScanner>& aScanners) {
     return aWork;
 }
 
+/// Lets threads go on when all have come. By a lock, which every tool that watches threads knows.
+class ClStart {
+public:
+    explicit ClStart(unsigned nMissing) : m_nMissing(nMissing) {}
+
+    void Wait() {
+        std::unique_lock<std::mutex> Lock(m_Mutex);
+        if (--m_nMissing == 0)
+            m_AllHere.notify_all();
+        m_AllHere.wait(Lock, [this] { return m_nMissing == 0; });
+    }
+
+private:
+    std::mutex m_Mutex;
+    std::condition_variable m_AllHere;
+    unsigned m_nMissing;
+};
+
 /// Does all work by so many threads, which begin together and take the pieces in turn.
 std::vector<ClProtocol> DoneBy(unsigned nThreads, const std::vector<Work>& aWork) {
     std::vector<ClProtocol> aProtocols(aWork.size());
-    std::atomic<unsigned> nWaiting{nThreads};
+    ClStart Start(nThreads);
     std::vector<std::thread> aThreads;
     for (unsigned nThread = 0; nThread < nThreads; ++nThread)
         aThreads.emplace_back([&, nThread] {
-            for (--nWaiting; nWaiting > 0;)
-                std::this_thread::yield();
+            Start.Wait();
             for (std::size_t i = nThread; i < aWork.size(); i += nThreads)
                 aWork[i](aProtocols[i]);
         });
