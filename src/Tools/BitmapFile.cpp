@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstring>
+#include <cstdlib>
 
 namespace {
 
@@ -200,25 +200,13 @@ void ReadPlainLines(ClStream& Stream, const ClFileLines& lines, std::int64_t nSt
 /// code. A run that fills its line goes on in the next one; a run of literal bytes goes there at
 /// once, and is never padded to an even length.
 ///
-/// Pixels that are not told are 0. A line is cleared when the walk puts its first byte into it or
-/// beyond: a short file that claims a large block does not make the system provide it.
+/// Pixels that are not told stay as they are in the block, 0.
 class ClRleDecoder {
 public:
-    ClRleDecoder(ClStream& Stream, const ClFileLines& lines, const tagBITMAPINFOHEADER& header)
-        : m_Stream(Stream), m_Lines(lines), m_nWidth(header.biWidth),
-          m_nStride(static_cast<std::size_t>(ClBitmap::StrideBytes(header))) {}
+    ClRleDecoder(ClStream& Stream, const ClFileLines& lines, long nWidth)
+        : m_Stream(Stream), m_Lines(lines), m_nWidth(nWidth) {}
 
     void Decode() {
-        Walk();
-        ClearBelow(m_Lines.Height());
-    }
-
-private:
-    static constexpr unsigned char cnEndOfLine = 0;
-    static constexpr unsigned char cnEndOfBitmap = 1;
-    static constexpr unsigned char cnDelta = 2;
-
-    void Walk() {
         while (IsInside()) {
             const unsigned char nCount = ReadByte();
             const unsigned char nValue = ReadByte();
@@ -235,18 +223,17 @@ private:
         }
     }
 
+private:
+    static constexpr unsigned char cnEndOfLine = 0;
+    static constexpr unsigned char cnEndOfBitmap = 1;
+    static constexpr unsigned char cnDelta = 2;
+
     bool IsInside() const { return m_y < m_Lines.Height(); }
     unsigned char ReadByte() { return ReadNumber<unsigned char>(m_Stream); }
 
     [[noreturn]] static void ThrowCorrupt() {
         throw ClException("ClBitmap::Load. RLE Encoding corrupt", QMT_ERROR_CURRUPT_BYTECODE, true,
                           VEK_HERE);
-    }
-
-    /// Clears the lines before line `nEnd` that have not been cleared yet.
-    void ClearBelow(long nEnd) {
-        for (; m_nCleared < nEnd; ++m_nCleared)
-            std::memset(m_Lines[m_nCleared], 0, m_nStride);
     }
 
     void NextLine() {
@@ -259,7 +246,6 @@ private:
             NextLine();
         if (!IsInside())
             ThrowCorrupt();
-        ClearBelow(m_y + 1);
         m_Lines[m_y][m_x++] = nValue;
     }
 
@@ -288,11 +274,22 @@ private:
     ClStream& m_Stream;
     const ClFileLines& m_Lines;
     long m_nWidth;
-    std::size_t m_nStride;
     long m_x = 0;
     long m_y = 0;
-    long m_nCleared = 0;
 };
+
+/// Zeros that the system provides where they are touched: a short file that claims a large block
+/// costs no more than its codes write.
+boost::shared_ptr<tagBITMAPINFOHEADER> NewZeroBlock(std::uint64_t nBytes) {
+    void* pZeros = std::calloc(nBytes, 1);
+    if (pZeros == nullptr)
+        Vek::ThrowBadAlloc();
+    try {
+        return {static_cast<tagBITMAPINFOHEADER*>(pZeros), std::free};
+    } catch (const std::bad_alloc&) { // the zeros have been freed
+        Vek::ThrowBadAlloc();
+    }
+}
 
 /// What a file needs and a block does without.
 void AdjustForFile(tagBITMAPINFOHEADER& header) {
@@ -357,7 +354,8 @@ void ClBitmap::Load(ClStream& Stream) {
     const StFileHead head = ReadHead(Stream);
     CheckClaim(Stream, head);
 
-    const auto pBlock = NewBlock(BlockBytes(head.m_Header));
+    const std::uint64_t nBlock = BlockBytes(head.m_Header);
+    const auto pBlock = head.m_bRle ? NewZeroBlock(nBlock) : NewBlock(nBlock);
     *pBlock = head.m_Header;
     ClBitmap loaded;
     loaded.TakeBlock(pBlock);
@@ -365,7 +363,7 @@ void ClBitmap::Load(ClStream& Stream) {
     ReadPalette(Stream, head, pBlock.get() + 1);
     const ClFileLines lines(loaded, head.m_bTopDown);
     if (head.m_bRle)
-        ClRleDecoder(Stream, lines, head.m_Header).Decode();
+        ClRleDecoder(Stream, lines, head.m_Header.biWidth).Decode();
     else
         ReadPlainLines(Stream, lines, StrideBytes(head.m_Header));
     Swap(loaded);

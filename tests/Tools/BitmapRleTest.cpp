@@ -1,6 +1,7 @@
 #include "Tools/Bitmap.h"
 
 #include "Tools/MemStream.h"
+#include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
 #include "support/BitmapStreams.h"
 #include "support/Throws.h"
@@ -284,6 +285,34 @@ TEST(BitmapRle, TakesNoMemoryForLinesThatNoCodeHasReached) {
         EXPECT_THROWS(bitmap.Load(pipe), ClExStreamUnexpectedEnd, -201, "Unexpected end of stream");
         EXPECT_GT(pipe.m_nMost, 0u);
         EXPECT_LT(pipe.m_nMost, nBefore + cnMost);
+    }
+}
+
+TEST(BitmapRle, AnEarlyEndTakesNoMemoryForTheRestOfItsClaim) {
+    constexpr std::size_t cnMost = std::size_t{1} << 30; // a sanitizer has its own share of 2 GiB
+    const std::size_t nBefore = ResidentBytes();
+    ClBitmap bitmap;
+    Load(bitmap, File(46336, 46336, {5, 7, 0, 1}));
+    EXPECT_LT(ResidentBytes(), nBefore + cnMost);
+    EXPECT_EQ(bitmap.GetPixel(4, 0), 0x070707u);
+    EXPECT_EQ(bitmap.GetPixel(5, 0), 0u);
+    EXPECT_EQ(bitmap.GetPixel(46335, 46335), 0u);
+}
+
+TEST(BitmapRle, MissingMemoryLeavesTheBitmapEmpty) {
+    const Bytes aFile = File(2, 2, {2, 7, 0, 1});
+    bool bLoaded = false;
+    for (long nAfter = 0; !bLoaded; ++nAfter) {
+        ClMemStream stream(aFile.data(), aFile.size());
+        ClBitmap bitmap;
+        const TestSupport::ClFailAllocation Fail(nAfter);
+        try {
+            bitmap.Load(stream);
+            bLoaded = true;
+        } catch (const ClException& e) {
+            EXPECT_EQ(e.Number(), -102);
+            EXPECT_EQ(bitmap.Header(), nullptr);
+        }
     }
 }
 

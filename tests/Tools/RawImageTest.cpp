@@ -253,6 +253,9 @@ TEST(RawImage, ABlockOfOneSampleStaysAsItIsStored) {
     ClImage Loaded;
     Load(Loaded, RecordOf(Image));
     EXPECT_EQ(*Loaded.Line<std::uint32_t>(0), 0x04030201u);
+    ClImage Again;
+    Load(Again, RecordOf(Loaded));
+    EXPECT_EQ(*Again.Line<std::uint32_t>(0), 0x01020304u);
 }
 
 // Damage
