@@ -1,5 +1,6 @@
-// ClBitmap::Load() and ClBitmap::Attach() with any bytes; what loads is stored and loads again.
+// ClBitmap::Load() with any bytes; what loads is stored and loads again.
 
+#include "Formats.h"
 #include "Harness.h"
 
 #include "Tools/Bitmap.h"
@@ -8,6 +9,15 @@
 #include "Tools/MemStream.h"
 
 namespace {
+
+const Fuzz::ClFormat s_Format(Fuzz::RepairBitmap);
+Fuzz::ClMilestone s_Loaded("a bitmap is loaded");
+
+/// A few bytes of a compressed bitmap may claim two gigabytes, and are loaded at no cost. What is
+/// done with all pixels afterwards costs what was claimed.
+bool IsWorthWalking(const ClBitmap& Bitmap) {
+    return ClBitmap::BlockBytes(*Bitmap.Header()) < (1U << 22);
+}
 
 void Convert(const ClBitmap& Bitmap) {
     try {
@@ -27,22 +37,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
         ClMemStream In(static_cast<const unsigned char*>(block.Data()), block.Size());
         ClBitmap Bitmap;
         Bitmap.Load(In);
+        s_Loaded.Reach();
+        if (!IsWorthWalking(Bitmap))
+            return 0;
         Convert(Bitmap);
         ClMemStream Out;
         Bitmap.Store(Out);
         Out.Seek(0, 0);
         ClBitmap Again;
         Again.Load(Out);
-        Fuzz::Require(Again.IsEqualSize(Bitmap), "what was stored loads again");
-    } catch (const ClException& e) {
-        Fuzz::RequireStatus(e.Number());
-    }
-    if (nSize == 0) // a size of 0 means that the caller vouches for the block
-        return 0;
-    try {
-        ClBitmap Bitmap;
-        Bitmap.Attach(block.Data(), block.Size());
-        Convert(Bitmap);
+        Fuzz::Require(Again == Bitmap, "what was stored loads again");
     } catch (const ClException& e) {
         Fuzz::RequireStatus(e.Number());
     }
