@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstring>
+#include <new>
 #include <utility>
 
 namespace {
@@ -37,6 +38,16 @@ const StPixelType* FindType(unsigned char nType) {
             return &type;
     return nullptr;
 }
+
+/// Where a buffer begins: with a cache line, so that no vector of a loop over its samples has parts
+/// in two of them.
+constexpr std::align_val_t ceAlignment{64};
+
+struct StDeleteAligned {
+    void operator()(unsigned char* pBuffer) const noexcept {
+        ::operator delete[](pBuffer, ceAlignment);
+    }
+};
 
 [[noreturn]] void ThrowAreaNotPositive() {
     throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
@@ -180,13 +191,13 @@ void ClImage::NewWithType(unsigned char nType, int nWidth, int nHeight, int nPla
 
 void ClImage::Allocate(std::size_t nSize) {
     const std::size_t nRounded = (nSize + 7) & ~std::size_t{7};
-    unsigned char* pBuffer = new (std::nothrow) unsigned char[nRounded]();
+    unsigned char* pBuffer = new (ceAlignment, std::nothrow) unsigned char[nRounded]();
     if (pBuffer == nullptr) {
         Initialize();
         Vek::ThrowBadAlloc();
     }
     try {
-        m_pData.reset(pBuffer, boost::checked_array_deleter<unsigned char>());
+        m_pData.reset(pBuffer, StDeleteAligned());
     } catch (const std::bad_alloc&) { // the pointer has deleted the buffer
         Initialize();
         Vek::ThrowBadAlloc();

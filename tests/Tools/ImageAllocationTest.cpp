@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cstdint>
 #include <tuple>
 
 using namespace TestSupport;
@@ -65,6 +66,13 @@ TEST(ImageAllocation, RoundsItsBufferUpToEightBytes) {
     for (int i = 4; i < 8; ++i) {
         EXPECT_EQ(image.Data()[i], 0); // the sanitizer watches
         image.Data()[i] = 1;
+    }
+}
+
+TEST(ImageAllocation, BeginsItsBufferWithACacheLine) {
+    for (int nWidth = 1; nWidth < 400; nWidth += 7) {
+        const ClImage image(nWidth, nWidth, 1, 0, 0);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.Data()) % 64, 0U) << nWidth;
     }
 }
 
