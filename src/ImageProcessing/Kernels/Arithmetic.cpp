@@ -55,10 +55,20 @@ void Line(const unsigned char* pA, const unsigned char* pB, long nSamples, unsig
         pOut[i] = Definition::Of(pA[i], pB[i]);
 }
 
+/// Lines that follow each other without a gap, in all planes, are one line.
+StPairOfPlanes Joined(StPairOfPlanes P) {
+    if (P.m_nStrideA == P.m_nSamples && P.m_nStrideB == P.m_nSamples &&
+        P.m_nStrideOut == P.m_nSamples) {
+        P.m_nSamples *= P.m_nLines;
+        P.m_nLines = 1;
+    }
+    return P;
+}
+
 template <class Definition>
 struct StPlanes {
     static void Run(const StPairOfPlanes* pPlanes) {
-        const StPairOfPlanes P = *pPlanes;
+        const StPairOfPlanes P = Joined(*pPlanes);
         for (long y = 0; y < P.m_nLines; ++y)
             Line<Definition>(P.m_pA + y * P.m_nStrideA, P.m_pB + y * P.m_nStrideB, P.m_nSamples,
                              P.m_pOut + y * P.m_nStrideOut);

@@ -12,16 +12,14 @@
 // each entry t below top leaves f an interval, t <= f x < t + 1, and top one without an end; f is
 // the beginning of what is left of all intervals, in units of 2^-23. With f 2^7 = a + b / 2^16, a
 // and b integers, floor(f x 2^7) is a x + floor(b x / 2^16): a lower and an upper half of products
-// of 16 bits. That sum holds in 16 bits, since f x is below 512: for the last x but one it is below
-// 256, and the last is at most twice that.
+// of 16 bits. For all x but the last, f x is below 256, so that the sum holds in 16 bits; the last
+// is top.
 
 #include "ImageProcessing/Kernels/SampleBySample.h"
 #include "Tools/InstructionLevel.h"
 
 #include <algorithm>
 #include <cstring>
-
-#include <emmintrin.h>
 
 namespace Kernels {
 
@@ -82,47 +80,21 @@ struct StShiftLines {
 };
 
 struct StRayLines {
-    static constexpr long cnRound = 16;
-
-    explicit StRayLines(const ClLookUp& T)
-        : m_Origin(_mm_set1_epi8(static_cast<char>(T.m_nFirst))),
-          m_Largest(_mm_set1_epi8(static_cast<char>(T.m_nLargestX))),
-          m_Top(_mm_set1_epi8(static_cast<char>(T.m_nTop))),
-          m_Whole(_mm_set1_epi16(static_cast<short>(T.m_nFactor >> 16))),
-          m_Part(_mm_set1_epi16(static_cast<short>(T.m_nFactor & 0xFFFF))) {}
-
-    /// 8 values of 16 bits.
-    __m128i Scaled(__m128i x) const {
-        const __m128i sum = _mm_add_epi16(_mm_mullo_epi16(x, m_Whole), _mm_mulhi_epu16(x, m_Part));
-        return _mm_srli_epi16(sum, cnFactorBits - 16);
-    }
-
-    void Round(const unsigned char* pIn, unsigned char* pOut) const {
-        const __m128i zero = _mm_setzero_si128();
-        const __m128i in = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pIn));
-        const __m128i x = _mm_min_epu8(_mm_subs_epu8(in, m_Origin), m_Largest);
-        const __m128i values = _mm_packus_epi16(Scaled(_mm_unpacklo_epi8(x, zero)),
-                                                Scaled(_mm_unpackhi_epi8(x, zero)));
-        _mm_storeu_si128(reinterpret_cast<__m128i*>(pOut), _mm_min_epu8(values, m_Top));
-    }
-
     static void Line(const ClLookUp& T, const unsigned char* pIn, long nSamples,
                      unsigned char* pOut) {
-        const StRayLines Ray(T);
-        const long nWhole = nSamples / cnRound * cnRound;
-        for (long i = 0; i < nWhole; i += cnRound)
-            Ray.Round(pIn + i, pOut + i);
-        unsigned char aLast[cnRound] = {};
-        std::copy_n(pIn + nWhole, nSamples - nWhole, aLast);
-        Ray.Round(aLast, aLast);
-        std::copy_n(aLast, nSamples - nWhole, pOut + nWhole);
+        const unsigned char nOrigin = T.m_nFirst;
+        const unsigned char nLargest = T.m_nLargestX;
+        const unsigned char nTop = T.m_nTop;
+        const std::uint16_t nWhole = T.m_nWhole;
+        const std::uint16_t nPart = T.m_nPart;
+        ForEachSample(pIn, nSamples, pOut, [=](unsigned char n) {
+            const std::uint16_t x = Smaller(Difference(n, nOrigin), nLargest);
+            const auto nUpperHalf = static_cast<std::uint16_t>(std::uint32_t{x} * nPart >> 16);
+            const auto nProduct = static_cast<std::uint16_t>(x * nWhole + nUpperHalf);
+            const auto nValue = static_cast<unsigned char>(nProduct >> (cnFactorBits - 16));
+            return x < nLargest ? nValue : nTop;
+        });
     }
-
-    __m128i m_Origin;
-    __m128i m_Largest;
-    __m128i m_Top;
-    __m128i m_Whole; ///< the factor in 1/2^7
-    __m128i m_Part;  ///< what that lacks, in 1/2^23
 };
 
 struct StTableLines {
@@ -138,6 +110,10 @@ template <class Lines>
 struct StPlaneOf {
     static void Run(const ClLookUp* pTable, const unsigned char* pIn, std::ptrdiff_t nInStride,
                     long nSamples, long nLines, unsigned char* pOut, std::ptrdiff_t nOutStride) {
+        if (nInStride == nSamples && nOutStride == nSamples) { // the lines are one
+            nSamples *= nLines;
+            nLines = 1;
+        }
         for (long y = 0; y < nLines; ++y)
             Lines::Line(*pTable, pIn + y * nInStride, nSamples, pOut + y * nOutStride);
     }
@@ -205,7 +181,8 @@ bool ClLookUp::IsRay(const unsigned char* pTable, int nOrigin) {
     m_nFirst = static_cast<unsigned char>(nOrigin);
     m_nLargestX = static_cast<unsigned char>(nFirstTop - nOrigin);
     m_nTop = nTop;
-    m_nFactor = nLeast;
+    m_nWhole = static_cast<std::uint16_t>(nLeast >> 16);
+    m_nPart = static_cast<std::uint16_t>(nLeast);
     return nLeast < nEnd;
 }
 

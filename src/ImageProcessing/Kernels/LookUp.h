@@ -47,7 +47,8 @@ private:
     unsigned char m_nDown = 0;     ///< shift: subtracted
     unsigned char m_nLargestX = 0; ///< ray: distances from the origin beyond are all the same
     unsigned char m_nTop = 0;      ///< ray: the largest value
-    std::uint32_t m_nFactor = 0;   ///< ray: in 1/2^23
+    std::uint16_t m_nWhole = 0;    ///< ray: the factor in 1/2^7
+    std::uint16_t m_nPart = 0;     ///< ray: what that lacks, in 1/2^23
 };
 
 /// out[i] = table[in[i]] without a look at the table. `pIn` and `pOut` may be one line.

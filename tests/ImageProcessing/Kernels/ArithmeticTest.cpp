@@ -108,21 +108,30 @@ TEST(Arithmetic, WritesOverEitherOfItsLines) {
 
 constexpr long cnLines = 3;
 
-/// The kernel on lines of `nSamples`, by the definition of that kernel; a is 3 samples wider, b 1,
-/// the output 2.
-void ExpectPlane(std::size_t nKernel, long nSamples) {
-    const Line a = RandomLine((nSamples + 3) * cnLines, 1);
-    const Line b = RandomLine((nSamples + 1) * cnLines, 2);
-    Line out(static_cast<std::size_t>((nSamples + 2) * cnLines), 77);
+/// Samples behind each line.
+struct StGaps {
+    long m_nA;
+    long m_nB;
+    long m_nOut;
+};
+
+/// The kernel on lines of `nSamples`, by the definition of that kernel.
+void ExpectPlane(std::size_t nKernel, long nSamples, StGaps Gaps) {
+    const long nStrideA = nSamples + Gaps.m_nA;
+    const long nStrideB = nSamples + Gaps.m_nB;
+    const long nStrideOut = nSamples + Gaps.m_nOut;
+    const Line a = RandomLine(nStrideA * cnLines, 1);
+    const Line b = RandomLine(nStrideB * cnLines, 2);
+    Line out(static_cast<std::size_t>(nStrideOut * cnLines), 77);
     Line expected = out;
     for (long y = 0; y < cnLines; ++y)
         for (long x = 0; x < nSamples; ++x)
-            expected[static_cast<std::size_t>(y * (nSamples + 2) + x)] =
+            expected[static_cast<std::size_t>(y * nStrideOut + x)] =
                 static_cast<unsigned char>(caPairKernels[nKernel].m_pDefinition(
-                    a[static_cast<std::size_t>(y * (nSamples + 3) + x)],
-                    b[static_cast<std::size_t>(y * (nSamples + 1) + x)]));
-    caPairKernels[nKernel].m_pKernel({a.data(), nSamples + 3, b.data(), nSamples + 1, nSamples,
-                                      cnLines, out.data(), nSamples + 2});
+                    a[static_cast<std::size_t>(y * nStrideA + x)],
+                    b[static_cast<std::size_t>(y * nStrideB + x)]));
+    caPairKernels[nKernel].m_pKernel(
+        {a.data(), nStrideA, b.data(), nStrideB, nSamples, cnLines, out.data(), nStrideOut});
     EXPECT_EQ(out, expected) << caPairKernels[nKernel].m_szName << " of " << nSamples;
 }
 
@@ -130,7 +139,16 @@ TEST(Arithmetic, EqualsItsDefinitionOnPlanesOfEveryWidth) {
     TestSupport::AtEveryLevel([] {
         for (std::size_t nKernel = 0; nKernel < std::size(caPairKernels); ++nKernel)
             for (long nSamples = 0; nSamples < 140; ++nSamples)
-                ExpectPlane(nKernel, nSamples);
+                ExpectPlane(nKernel, nSamples, {3, 1, 2});
+    });
+}
+
+TEST(Arithmetic, EqualsItsDefinitionOnPlanesWithGapsBehindSomeOfTheirLines) {
+    constexpr StGaps caGaps[] = {{0, 0, 0}, {3, 0, 0}, {0, 3, 0}, {0, 0, 3}, {3, 3, 0}};
+    TestSupport::AtEveryLevel([&] {
+        for (const StGaps& Gaps : caGaps)
+            for (long nSamples : {1L, 20L, 64L, 90L})
+                ExpectPlane(0, nSamples, Gaps);
     });
 }
 

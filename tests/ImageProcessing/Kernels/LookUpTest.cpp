@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -129,26 +130,33 @@ TEST(LookUp, LooksUpWhatIsNoForm) {
     ExpectForm(TableOf([](int i) { return 2 * i; }), EForm::eTable);
 }
 
+/// Two lines of `nWidth`, with so many bytes behind each.
+void ExpectLines(const Bytes& aTable, std::size_t nWidth, std::size_t nInGap, std::size_t nOutGap) {
+    const std::size_t nInStride = nWidth + nInGap;
+    const std::size_t nOutStride = nWidth + nOutGap;
+    const Bytes aIn = RandomBytes(nInStride + nWidth, 7);
+    Bytes aExpected(nOutStride + nWidth, 77);
+    for (std::size_t x = 0; x < nWidth; ++x) {
+        aExpected[x] = aTable[aIn[x]];
+        aExpected[nOutStride + x] = aTable[aIn[nInStride + x]];
+    }
+    TestSupport::AtEveryLevel([&] {
+        Bytes aOut(aExpected.size(), 77);
+        ClLookUp(aTable.data())
+            .Run(aIn.data(), static_cast<long>(nInStride), static_cast<long>(nWidth), 2,
+                 aOut.data(), static_cast<long>(nOutStride));
+        EXPECT_EQ(aOut, aExpected) << nWidth << " and " << nInGap << ", " << nOutGap;
+    });
+}
+
 TEST(LookUp, TakesLinesOfEveryWidthAndStride) {
     const Bytes aTables[] = {
         TableOf([](int i) { return i >= 100 ? 255 : 0; }), TableOf([](int i) { return 255 - i; }),
         TableOf([](int i) { return std::min(i * 22 / 10, 255); }), RandomBytes(256, 6)};
     for (const Bytes& aTable : aTables)
-        for (std::size_t nSamples = 0; nSamples < 140; ++nSamples) {
-            const Bytes aIn = RandomBytes(2 * nSamples + 3, 7);
-            Bytes aExpected(2 * nSamples + 2, 77);
-            for (std::size_t x = 0; x < nSamples; ++x) {
-                aExpected[x] = aTable[aIn[x]];
-                aExpected[nSamples + 2 + x] = aTable[aIn[nSamples + 3 + x]];
-            }
-            TestSupport::AtEveryLevel([&] {
-                Bytes aOut(2 * nSamples + 2, 77);
-                const long nWidth = static_cast<long>(nSamples);
-                ClLookUp(aTable.data())
-                    .Run(aIn.data(), nWidth + 3, nWidth, 2, aOut.data(), nWidth + 2);
-                EXPECT_EQ(aOut, aExpected) << nSamples;
-            });
-        }
+        for (std::size_t nWidth = 0; nWidth < 140; ++nWidth)
+            for (const auto& [nInGap, nOutGap] : {std::pair{3U, 2U}, {0U, 2U}, {3U, 0U}, {0U, 0U}})
+                ExpectLines(aTable, nWidth, nInGap, nOutGap);
 }
 
 } // namespace
