@@ -13,8 +13,8 @@
 // kept, one line each, those of the beginnings run along. Three comparisons per sample at any
 // width.
 //
-// Over the square the blocks are of lines that have been through the first step. Two blocks of them
-// are kept, no plane.
+// Over the square the columns come first: they need no margins at the ends of lines, and what they
+// give is written where the windows along lines begin. No more than a batch of it is kept.
 //
 // Beyond the edges stand samples that never win.
 
@@ -72,7 +72,7 @@ void PickLine(const T* pA, const T* pB, long nSamples, T* __restrict pOut) {
         [=](long i) { pOut[i] = Pick<eKind>(pA[i], pB[i]); });
 }
 
-// Memory: lines side by side
+// Memory: lines side by side, and planes
 
 template <class T>
 class ClLines {
@@ -85,122 +85,6 @@ private:
     T* m_pFirst;
     long m_nStride;
 };
-
-// Along lines
-
-/// A batch of lines with their margins.
-template <EExtreme eKind, class T>
-class ClPaddedLines {
-public:
-    static constexpr int cnBatch = 8;
-
-    static long Samples(long nWidth, long nHalf) { return 3 * BlockSize(nWidth, nHalf); }
-
-    ClPaddedLines(T* pMemory, long nWidth, long nHalf)
-        : m_nWidth(nWidth), m_nHalf(nHalf), m_nStride(Rounded(nWidth + 2 * nHalf)),
-          m_nBlock(BlockSize(nWidth, nHalf)), m_pLines(pMemory) {
-        std::fill_n(pMemory, Samples(nWidth, nHalf), cNeverWins<eKind, T>);
-    }
-
-    /// `in(i)` and `out(i)` are lines for i from 0 to nLines, at most cnBatch.
-    template <class In, class Out>
-    void Run(int nLines, In in, Out out) {
-        for (int i = 0; i < nLines; ++i)
-            std::copy_n(in(i), m_nWidth, m_pLines + i * m_nStride + m_nHalf);
-        const T* pRuns = m_pLines; // sample i is the extreme of nRun samples from i on
-        T* pLonger = m_pLines + m_nBlock;
-        T* pSpare = pLonger + m_nBlock;
-        long nRun = 1;
-        for (; 2 * nRun <= Window(); nRun *= 2) {
-            PickLine<eKind>(pRuns, pRuns + nRun, nLines * m_nStride, pLonger);
-            pRuns = pLonger;
-            std::swap(pLonger, pSpare);
-        }
-        for (int i = 0; i < nLines; ++i) {
-            const T* pLine = pRuns + i * m_nStride;
-            PickLine<eKind>(pLine, pLine + (Window() - nRun), m_nWidth, out(i));
-        }
-    }
-
-private:
-    /// What the runs of the last line read beyond it follows the lines.
-    static long BlockSize(long nWidth, long nHalf) {
-        return cnBatch * Rounded(nWidth + 2 * nHalf) + Rounded(nHalf + 1);
-    }
-    long Window() const { return 2 * m_nHalf + 1; }
-
-    long m_nWidth;
-    long m_nHalf;
-    long m_nStride;
-    long m_nBlock;
-    T* m_pLines;
-};
-
-// Along columns
-
-/// The lines of a plane, or lines of extremes, with their extremes over blocks of as many lines as
-/// the window has. Line 0 is the first one of the margin above the plane.
-template <EExtreme eKind, class T>
-class ClBlocks {
-public:
-    static long Samples(long nWidth, long nHalf) { return Rounded(nWidth) * (2 * nHalf + 3); }
-
-    ClBlocks(T* pMemory, long nWidth, long nHeight, long nHalf)
-        : m_nWidth(nWidth), m_nHeight(nHeight), m_nHalf(nHalf),
-          m_Ends(pMemory + 2 * Rounded(nWidth), Rounded(nWidth)), m_pMargin(pMemory),
-          m_pBeginning(pMemory + Rounded(nWidth)) {
-        std::fill_n(m_pMargin, nWidth, cNeverWins<eKind, T>);
-    }
-
-    long Window() const { return 2 * m_nHalf + 1; }
-
-    /// The extremes from each line of the block that begins at `nBlock` to its end; `lineAt(y)` is
-    /// line y of the plane.
-    template <class LineAt>
-    void TakeEnds(long nBlock, LineAt lineAt) {
-        const long nLast = Window() - 1;
-        std::copy_n(Line(nBlock + nLast, lineAt), m_nWidth, m_Ends[nLast]);
-        for (long i = nLast - 1; i >= 0; --i)
-            PickLine<eKind>(Line(nBlock + i, lineAt), m_Ends[i + 1], m_nWidth, m_Ends[i]);
-        std::fill_n(m_pBeginning, m_nWidth, cNeverWins<eKind, T>);
-    }
-
-    /// The extremes of the window that begins `i` lines into the block, called for 0, 1, 2, ...
-    template <class LineAt>
-    void TakeWindow(long nBlock, long i, LineAt lineAt, T* __restrict pOut) {
-        const T* pEntering = Line(nBlock + i + Window() - 1, lineAt);
-        const T* pEnd = m_Ends[i];
-        T* __restrict pBeginning = m_pBeginning;
-        const auto take = [=](long x) {
-            const T nBeginning = Pick<eKind>(pBeginning[x], pEntering[x]);
-            pBeginning[x] = nBeginning;
-            pOut[x] = Pick<eKind>(pEnd[x], nBeginning);
-        };
-        ForEachRound(
-            m_nWidth,
-            [=](long nFrom) {
-                for (long x = nFrom; x < nFrom + cnRound; ++x)
-                    take(x);
-            },
-            take);
-    }
-
-private:
-    template <class LineAt>
-    const T* Line(long i, LineAt lineAt) const {
-        const long y = i - m_nHalf;
-        return y >= 0 && y < m_nHeight ? lineAt(y) : m_pMargin;
-    }
-
-    long m_nWidth;
-    long m_nHeight;
-    long m_nHalf;
-    ClLines<T> m_Ends;
-    T* m_pMargin;
-    T* m_pBeginning;
-};
-
-// Planes
 
 template <class T>
 struct StPlanes {
@@ -215,6 +99,128 @@ struct StPlanes {
     std::ptrdiff_t m_nOutStride;
 };
 
+// Along lines
+
+/// A batch of lines with their margins.
+template <EExtreme eKind, class T>
+class ClPaddedLines {
+public:
+    static constexpr int cnBatch = 8;
+
+    static long Samples(long nWidth, long nHalf) { return 3 * BlockSize(nWidth, nHalf); }
+
+    ClPaddedLines(T* pMemory, long nWidth, long nHalf)
+        : m_nWidth(nWidth), m_nHalf(nHalf), m_nStride(Rounded(nWidth + nHalf)),
+          m_nBlock(BlockSize(nWidth, nHalf)), m_pLines(pMemory) {
+        std::fill_n(pMemory, Samples(nWidth, nHalf), cNeverWins<eKind, T>);
+    }
+
+    /// The samples of a line, which the caller fills.
+    T* Line(long i) const { return m_pLines + i * m_nStride + Rounded(m_nHalf); }
+
+    /// `out(i)` is a line for i from 0 to nLines, at most cnBatch.
+    template <class Out>
+    void Run(int nLines, Out out) {
+        const T* pRuns = m_pLines; // sample i is the extreme of nRun samples from i on
+        T* pLonger = m_pLines + m_nBlock;
+        T* pSpare = pLonger + m_nBlock;
+        long nRun = 1;
+        for (; 2 * nRun <= Window(); nRun *= 2) {
+            PickLine<eKind>(pRuns, pRuns + nRun, Rounded(m_nHalf) + nLines * m_nStride, pLonger);
+            pRuns = pLonger;
+            std::swap(pLonger, pSpare);
+        }
+        for (int i = 0; i < nLines; ++i) {
+            const T* pLine = pRuns + i * m_nStride + Rounded(m_nHalf) - m_nHalf;
+            PickLine<eKind>(pLine, pLine + (Window() - nRun), m_nWidth, out(i));
+        }
+    }
+
+private:
+    /// Samples begin with a round.
+    static long Stride(long nWidth, long nHalf) { return Rounded(nHalf) + Rounded(nWidth + nHalf); }
+    /// What the runs of the last line read beyond it follows the lines.
+    static long BlockSize(long nWidth, long nHalf) {
+        return cnBatch * Stride(nWidth, nHalf) + Rounded(nHalf + 1);
+    }
+    long Window() const { return 2 * m_nHalf + 1; }
+
+    long m_nWidth;
+    long m_nHalf;
+    long m_nStride;
+    long m_nBlock;
+    T* m_pLines;
+};
+
+// Along columns
+
+/// The lines of a plane with their extremes over blocks of as many lines as the window has. Line 0
+/// is the first one of the margin above the plane.
+template <EExtreme eKind, class T>
+class ClBlocks {
+public:
+    static long Samples(long nWidth, long nHalf) { return Rounded(nWidth) * (2 * nHalf + 3); }
+
+    ClBlocks(T* pMemory, const StPlanes<T>& Planes, long nHalf)
+        : m_Planes(Planes), m_nHalf(nHalf),
+          m_Ends(pMemory + 2 * Rounded(Planes.m_nWidth), Rounded(Planes.m_nWidth)),
+          m_pMargin(pMemory), m_pBeginning(pMemory + Rounded(Planes.m_nWidth)) {
+        std::fill_n(m_pMargin, Planes.m_nWidth, cNeverWins<eKind, T>);
+    }
+
+    /// The extremes of the windows in the middle of which line y is, called for 0, 1, 2, ...
+    void TakeLine(long y, T* pOut) {
+        if (m_nOfBlock == 0)
+            TakeEnds(y);
+        TakeWindow(y + Window() - 1, m_Ends[m_nOfBlock], pOut);
+        m_nOfBlock = m_nOfBlock + 1 < Window() ? m_nOfBlock + 1 : 0;
+    }
+
+private:
+    long Window() const { return 2 * m_nHalf + 1; }
+
+    const T* Line(long i) const {
+        const long y = i - m_nHalf;
+        return y >= 0 && y < m_Planes.m_nHeight ? m_Planes.In(y) : m_pMargin;
+    }
+
+    /// The extremes from each line of the block that begins at `nBlock` to its end.
+    void TakeEnds(long nBlock) {
+        const long nLast = Window() - 1;
+        std::copy_n(Line(nBlock + nLast), m_Planes.m_nWidth, m_Ends[nLast]);
+        for (long i = nLast - 1; i >= 0; --i)
+            PickLine<eKind>(Line(nBlock + i), m_Ends[i + 1], m_Planes.m_nWidth, m_Ends[i]);
+        std::fill_n(m_pBeginning, m_Planes.m_nWidth, cNeverWins<eKind, T>);
+    }
+
+    /// A window is the end of one block and the beginning of the next, with one more line.
+    void TakeWindow(long nEntering, const T* pEnd, T* __restrict pOut) {
+        const T* pEntering = Line(nEntering);
+        T* __restrict pBeginning = m_pBeginning;
+        const auto take = [=](long x) {
+            const T nBeginning = Pick<eKind>(pBeginning[x], pEntering[x]);
+            pBeginning[x] = nBeginning;
+            pOut[x] = Pick<eKind>(pEnd[x], nBeginning);
+        };
+        ForEachRound(
+            m_Planes.m_nWidth,
+            [=](long nFrom) {
+                for (long x = nFrom; x < nFrom + cnRound; ++x)
+                    take(x);
+            },
+            take);
+    }
+
+    StPlanes<T> m_Planes;
+    long m_nHalf;
+    long m_nOfBlock = 0; ///< the next window's place in its block
+    ClLines<T> m_Ends;
+    T* m_pMargin;
+    T* m_pBeginning;
+};
+
+// Planes
+
 template <EExtreme eKind, class T>
 struct StAlongLines {
     using Lines = ClPaddedLines<eKind, T>;
@@ -222,10 +228,12 @@ struct StAlongLines {
     static void Run(T* pMemory, const StPlanes<T>* pPlane, long nHalf) {
         const StPlanes<T> P = *pPlane;
         Lines Padded(pMemory, P.m_nWidth, nHalf);
-        for (long y = 0; y < P.m_nHeight; y += Lines::cnBatch)
-            Padded.Run(
-                static_cast<int>(std::min<long>(Lines::cnBatch, P.m_nHeight - y)),
-                [=](int i) { return P.In(y + i); }, [=](int i) { return P.Out(y + i); });
+        for (long y = 0; y < P.m_nHeight; y += Lines::cnBatch) {
+            const int nLines = static_cast<int>(std::min<long>(Lines::cnBatch, P.m_nHeight - y));
+            for (int i = 0; i < nLines; ++i)
+                std::copy_n(P.In(y + i), P.m_nWidth, Padded.Line(i));
+            Padded.Run(nLines, [=](int i) { return P.Out(y + i); });
+        }
     }
 };
 
@@ -233,61 +241,30 @@ template <EExtreme eKind, class T>
 struct StAlongColumns {
     static void Run(T* pMemory, const StPlanes<T>* pPlane, long nHalf) {
         const StPlanes<T> P = *pPlane;
-        const auto lineAt = [P](long y) { return P.In(y); };
-        ClBlocks<eKind, T> Blocks(pMemory, P.m_nWidth, P.m_nHeight, nHalf);
-        for (long nBlock = 0; nBlock < P.m_nHeight; nBlock += Blocks.Window()) {
-            Blocks.TakeEnds(nBlock, lineAt);
-            const long nLines = std::min(Blocks.Window(), P.m_nHeight - nBlock);
-            for (long i = 0; i < nLines; ++i)
-                Blocks.TakeWindow(nBlock, i, lineAt, P.Out(nBlock + i));
-        }
+        ClBlocks<eKind, T> Blocks(pMemory, P, nHalf);
+        for (long y = 0; y < P.m_nHeight; ++y)
+            Blocks.TakeLine(y, P.Out(y));
     }
 };
 
-/// Lines of extremes come into a ring of two blocks, a batch at a time, before a block needs them.
 template <EExtreme eKind, class T>
 struct StOverSquares {
     using Lines = ClPaddedLines<eKind, T>;
     using Blocks = ClBlocks<eKind, T>;
 
-    /// A power of two, so that a line is found without a division.
-    static long RingLines(long nHalfY) {
-        long nLines = Lines::cnBatch;
-        while (nLines < 2 * (2 * nHalfY + 1) + Lines::cnBatch)
-            nLines *= 2;
-        return nLines;
-    }
-
     static long Samples(long nWidth, long nHalfX, long nHalfY) {
-        return Rounded(Lines::Samples(nWidth, nHalfX)) + Blocks::Samples(nWidth, nHalfY) +
-               RingLines(nHalfY) * Rounded(nWidth);
+        return Rounded(Lines::Samples(nWidth, nHalfX)) + Blocks::Samples(nWidth, nHalfY);
     }
 
     static void Run(T* pMemory, const StPlanes<T>* pPlane, long nHalfX, long nHalfY) {
         const StPlanes<T> P = *pPlane;
-        T* pBlocks = pMemory + Rounded(Lines::Samples(P.m_nWidth, nHalfX));
         Lines Padded(pMemory, P.m_nWidth, nHalfX);
-        Blocks Columns(pBlocks, P.m_nWidth, P.m_nHeight, nHalfY);
-        const ClLines<T> Kept(pBlocks + Blocks::Samples(P.m_nWidth, nHalfY), Rounded(P.m_nWidth));
-        const auto lineAt = [=, nMask = RingLines(nHalfY) - 1](long y) { return Kept[y & nMask]; };
-
-        long nMade = 0;
-        const auto makeLines = [&](long nEnd) {
-            while (nMade < std::min(nEnd, P.m_nHeight)) {
-                const long nLines = std::min<long>(Lines::cnBatch, P.m_nHeight - nMade);
-                Padded.Run(
-                    static_cast<int>(nLines), [=](int i) { return P.In(nMade + i); },
-                    [=](int i) { return lineAt(nMade + i); });
-                nMade += nLines;
-            }
-        };
-        for (long nBlock = 0; nBlock < P.m_nHeight; nBlock += Columns.Window()) {
-            makeLines(nBlock + Columns.Window() - nHalfY);
-            Columns.TakeEnds(nBlock, lineAt);
-            makeLines(nBlock + 2 * Columns.Window() - 1 - nHalfY);
-            const long nLines = std::min(Columns.Window(), P.m_nHeight - nBlock);
-            for (long i = 0; i < nLines; ++i)
-                Columns.TakeWindow(nBlock, i, lineAt, P.Out(nBlock + i));
+        Blocks Columns(pMemory + Rounded(Lines::Samples(P.m_nWidth, nHalfX)), P, nHalfY);
+        for (long y = 0; y < P.m_nHeight; y += Lines::cnBatch) {
+            const int nLines = static_cast<int>(std::min<long>(Lines::cnBatch, P.m_nHeight - y));
+            for (int i = 0; i < nLines; ++i)
+                Columns.TakeLine(y + i, Padded.Line(i));
+            Padded.Run(nLines, [=](int i) { return P.Out(y + i); });
         }
     }
 };
