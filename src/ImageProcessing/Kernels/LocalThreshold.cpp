@@ -50,10 +50,11 @@ struct StThresholdOfPlane {
                     long nWidth, long nHeight, long nHalfX, long nHalfY, StAboveSum Compare,
                     unsigned char* pOut, std::ptrdiff_t nOutStride) {
         Lines Sums(pMemory, pMemory + Lines::KeptBytes(nWidth), nWidth, nHalfX, Compare);
-        for (long y = -nHalfY; y < nHeight; y += Lines::cnBatch)
-            Sums.RunLines(
-                y, nHeight, nHalfY, nHeight, [=](long nLine) { return pIn + nLine * nInStride; },
-                [=](long nLine) { return pOut + nLine * nOutStride; });
+        const auto in = [=](long y) { return pIn + y * nInStride; };
+        const auto out = [=](long y) { return pOut + y * nOutStride; };
+        Sums.Enter(std::min(nHalfY, nHeight), in);
+        for (long y = 0; y < nHeight; y += Lines::cnBatch)
+            Sums.RunLines(y, nHeight, nHalfY, nHeight, in, out);
     }
 };
 

@@ -34,10 +34,11 @@ struct StMeanOfPlane {
     static void Run(unsigned char* pMemory, const T* pIn, std::ptrdiff_t nInStride, long nWidth,
                     long nHeight, long nHalfX, long nHalfY, T* pOut, std::ptrdiff_t nOutStride) {
         Lines Mean(pMemory, pMemory + Lines::KeptBytes(nWidth), nWidth, nHalfX, {});
-        for (long y = -nHalfY; y < nHeight; y += Lines::cnBatch)
-            Mean.RunLines(
-                y, nHeight, nHalfY, nHeight, [=](long nLine) { return pIn + nLine * nInStride; },
-                [=](long nLine) { return pOut + nLine * nOutStride; });
+        const auto in = [=](long y) { return pIn + y * nInStride; };
+        const auto out = [=](long y) { return pOut + y * nOutStride; };
+        Mean.Enter(std::min(nHalfY, nHeight), in);
+        for (long y = 0; y < nHeight; y += Lines::cnBatch)
+            Mean.RunLines(y, nHeight, nHalfY, nHeight, in, out);
     }
 };
 

@@ -50,7 +50,7 @@ public:
     /// What it keeps between two batches, and what it needs during one.
     static std::size_t KeptBytes(long nWidth) { return 4 * LineBytes(nWidth); }
     static std::size_t BatchBytes(long nWidth, long nHalf) {
-        return ClWindowSums::Bytes(nWidth + 2 * nHalf);
+        return ClWindowSums::Bytes(nWidth, nHalf);
     }
 
     /// Both memories are aligned and outlive the object.
@@ -60,46 +60,50 @@ public:
           m_pColumns(reinterpret_cast<std::int32_t*>(pKept + LineBytes(nWidth))),
           m_pFactors(reinterpret_cast<Factor*>(pKept + 2 * LineBytes(nWidth))),
           m_pZeros(reinterpret_cast<const T*>(pKept + 3 * LineBytes(nWidth))),
-          m_Windows(Cleared(pBatch, BatchBytes(nWidth, nHalf)), nWidth + 2 * nHalf, 2 * nHalf + 1) {
+          m_Windows(pBatch, nWidth, nHalf) {
         Cleared(pKept, KeptBytes(nWidth));
         CountColumns();
     }
 
     static constexpr int cnBatch = ClWindowSums::cnBatch;
+    static constexpr long cnLargestSample = 255; ///< or difference of two, but for the sign
 
-    /// One line enters the windows, one leaves them, null for none; and a line of results is
-    /// written, unless `m_pOut` is null.
-    struct StStep {
-        const T* m_pEnter;
-        const T* m_pLeave;
-        T* m_pOut;
-        const T* m_pMiddle; ///< the line of the results, where one is written
-    };
-
-    /// At most cnBatch steps. None reads what one of them writes.
-    void Run(const StStep* pSteps, int nSteps) {
-        for (int i = 0; i < nSteps; ++i)
-            Change(pSteps[i], m_Windows.Line(i) + m_nHalf);
-        m_Windows.Run();
-        for (int i = 0; i < nSteps; ++i)
-            Take(pSteps[i], i);
+    /// Lets the first `nLines` lines, `in(y)`, enter the windows. Sums of 16 bits take several
+    /// lines at once, where no result is wanted in between.
+    template <class In>
+    void Enter(long nLines, In in) {
+        const long nTogether = ClWindowSums::cnLargest / (cnLargestSample * (2 * m_nHalf + 1));
+        for (long y = 0; y < nLines;) {
+            int nSums = 0;
+            for (; nSums < cnBatch && y < nLines; ++nSums) {
+                const long nEnd = std::min(y + nTogether, nLines);
+                Change(in(y), m_pZeros, m_Windows.Line(nSums));
+                while (++y < nEnd)
+                    AddLine(in(y), m_Windows.Line(nSums));
+            }
+            m_Windows.Run();
+            for (int i = 0; i < nSums; ++i)
+                AddUp(i);
+        }
+        m_nLines += static_cast<int>(nLines);
     }
 
-    /// A batch of steps on a plane of `nHeight` lines, `in(y)`, with windows that reach `nHalfY`
-    /// lines up and down: the lines `out(y)` from `nFirst` on, before `nEnd`. Lines before 0 make
-    /// the windows of line 0 and are written nowhere; the first of these is -nHalfY or before.
+    /// A batch of the lines from `nFirst` on, before `nEnd`, of a plane of `nHeight` lines,
+    /// `in(y)`, with windows that reach `nHalfY` lines up and down: writes the lines `out(y)`.
+    /// Batches are called for in order, line 0 behind nHalfY lines that have entered.
     template <class In, class Out>
     void RunLines(long nFirst, long nEnd, long nHalfY, long nHeight, In in, Out out) {
-        StStep aSteps[cnBatch];
-        int nSteps = 0;
-        for (long y = nFirst; nSteps < cnBatch && y < nEnd; ++y) {
-            const long nEnter = y + nHalfY;
-            const long nLeave = y - nHalfY - 1;
-            aSteps[nSteps++] = {nEnter >= 0 && nEnter < nHeight ? in(nEnter) : nullptr,
-                                nLeave >= 0 ? in(nLeave) : nullptr, y >= 0 ? out(y) : nullptr,
-                                y >= 0 ? in(y) : nullptr};
+        const int nLines = static_cast<int>(std::min<long>(cnBatch, nEnd - nFirst));
+        const auto lineOrZeros = [&](long y) { return y >= 0 && y < nHeight ? in(y) : m_pZeros; };
+        for (int i = 0; i < nLines; ++i)
+            Change(lineOrZeros(nFirst + i + nHalfY), lineOrZeros(nFirst + i - nHalfY - 1),
+                   m_Windows.Line(i));
+        m_Windows.Run();
+        for (int i = 0; i < nLines; ++i) {
+            const long y = nFirst + i;
+            m_nLines += (y + nHalfY < nHeight ? 1 : 0) - (y > nHalfY ? 1 : 0);
+            Write(i, in(y), out(y));
         }
-        Run(aSteps, nSteps);
     }
 
 private:
@@ -125,11 +129,9 @@ private:
         T m_aSamples[cnRound] = {};
     };
 
-    void Change(const StStep& Step, short* pOut) const {
+    void Change(const T* pEnter, const T* pLeave, short* pOut) const {
         const long nWhole = WholeRounds();
         const long nRest = m_nWidth - nWhole;
-        const T* pEnter = Step.m_pEnter != nullptr ? Step.m_pEnter : m_pZeros;
-        const T* pLeave = Step.m_pLeave != nullptr ? Step.m_pLeave : m_pZeros;
         Difference(pEnter, pLeave, nWhole, pOut);
         if (nRest == 0)
             return;
@@ -144,12 +146,9 @@ private:
             pOut[x] = static_cast<short>(pEnter[x] - pLeave[x]);
     }
 
-    void Take(const StStep& Step, int nLine) {
-        m_nLines += (Step.m_pEnter != nullptr ? 1 : 0) - (Step.m_pLeave != nullptr ? 1 : 0);
-        if (Step.m_pOut != nullptr)
-            Write(nLine, Step.m_pMiddle, Step.m_pOut);
-        else
-            AddUp(nLine);
+    void AddLine(const T* pLine, short* __restrict pOut) const {
+        for (long x = 0; x < m_nWidth; ++x)
+            pOut[x] = static_cast<short>(pOut[x] + pLine[x]);
     }
 
     void AddUp(int nLine) {
@@ -198,13 +197,24 @@ private:
                                                       std::max(x - m_nHalf, 0L) + 1);
     }
 
+    /// Windows that no end of the line cuts have one factor.
     void FindFactors() {
+        const long nWhole = std::min(m_nHalf, m_nWidth);
+        const long nWholeEnd = std::max(nWhole, m_nWidth - m_nHalf);
+        FindFactors(0, nWhole);
+        if (nWhole < nWholeEnd)
+            std::fill(m_pFactors + nWhole, m_pFactors + nWholeEnd,
+                      m_Finish.FactorOf(m_nLines, m_pColumns[nWhole]));
+        FindFactors(nWholeEnd, m_nWidth);
+        m_nLinesOfFactors = m_nLines;
+    }
+
+    void FindFactors(long nFrom, long nEnd) {
         const std::int32_t* pColumns = m_pColumns;
         Factor* __restrict pFactors = m_pFactors;
         const Finish finish = m_Finish;
-        for (long x = 0; x < m_nWidth; ++x)
+        for (long x = nFrom; x < nEnd; ++x)
             pFactors[x] = finish.FactorOf(m_nLines, pColumns[x]);
-        m_nLinesOfFactors = m_nLines;
     }
 
     long m_nWidth;
