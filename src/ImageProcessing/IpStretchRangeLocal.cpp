@@ -24,6 +24,16 @@ constexpr int cnPlanes = 3; ///< of an image that is stretched plane by plane
 /// The share of samples at either end that the global range does not cover.
 constexpr double cdNoisePart = 0.001;
 
+/// Whether a pixel takes the global range.
+bool IsAnyFlat(const ClImage& Min, const ClImage& Max, long nMinContrast) {
+    if (nMinContrast < 0)
+        return true;
+    for (int y = 0; y < Min.Height(); ++y)
+        if (Kernels::IsAnyFlat(Min.LineData(y), Max.LineData(y), Min.Width(), nMinContrast))
+            return true;
+    return false;
+}
+
 constexpr const char* cszNewRangeFrom = "In: NewRangeFrom";
 constexpr const char* cszNewRangeTo = "In: NewRangeTo";
 constexpr const char* cszFilterWidth = "In: FilterWidth";
@@ -170,8 +180,9 @@ void ClIpStretchRangeLocal::Smoothen(ClImage& Image) const {
 void ClIpStretchRangeLocal::Stretch(const ClImage& Src, const ClImage& Min, const ClImage& Max,
                                     ClImage& Out) const {
     unsigned char nLow = 0;
-    unsigned char nHigh = 0;
-    ClHistogram::GetRange(Src, cdNoisePart, cdNoisePart, nLow, nHigh);
+    unsigned char nHigh = 255;
+    if (IsAnyFlat(Min, Max, m_nMinContrast))
+        ClHistogram::GetRange(Src, cdNoisePart, cdNoisePart, nLow, nHigh);
     const Kernels::ClLocalStretch Kernel(m_nMinContrast, nLow, nHigh);
     Out.New(Src);
     for (int y = 0; y < Src.Height(); ++y)

@@ -48,7 +48,24 @@ struct StStretchInFloats {
     }
 };
 
+struct StIsAnyFlat {
+    static bool Run(const unsigned char* pMin, const unsigned char* pMax, long nSamples,
+                    unsigned char nMinContrast) {
+        unsigned char nFlat = 0;
+        for (long i = 0; i < nSamples; ++i)
+            nFlat = static_cast<unsigned char>(
+                nFlat | (Distance(pMax[i], pMin[i]) <= nMinContrast ? 1 : 0));
+        return nFlat != 0;
+    }
+};
+
 } // namespace
+
+bool IsAnyFlat(const unsigned char* pMin, const unsigned char* pMax, long nSamples,
+               long nMinContrast) {
+    return RunAtLevel<StIsAnyFlat>(pMin, pMax, nSamples,
+                                   static_cast<unsigned char>(std::min(nMinContrast, 255L)));
+}
 
 ClLocalStretch::ClLocalStretch(long nMinContrast, unsigned char nLow, unsigned char nHigh)
     : m_bPlain(nMinContrast >= 0 && nLow <= nHigh),

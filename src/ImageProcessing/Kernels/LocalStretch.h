@@ -6,6 +6,11 @@
 
 namespace Kernels {
 
+/// Whether there is a sample for which ClLocalStretch takes the range of all: where it is false,
+/// that range decides nothing. `nMinContrast` is not negative.
+bool IsAnyFlat(const unsigned char* pMin, const unsigned char* pMax, long nSamples,
+               long nMinContrast);
+
 class ClLocalStretch {
 public:
     /// Differences of up to `nMinContrast` take the range `nLow` to `nHigh` in place of their own.

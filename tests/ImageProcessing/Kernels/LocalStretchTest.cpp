@@ -113,4 +113,36 @@ TEST(LocalStretchKernel, CanBeComputedByHand) {
     EXPECT_EQ(aOut, Bytes({121, 0, 254, 0, 255}));
 }
 
+/// One flat sample at every place of lines of every length, next to samples that are not.
+TEST(LocalStretchKernel, FindsAFlatSampleWhereverItIs) {
+    for (const long nContrast : {0L, 5L, 254L}) {
+        const auto nFlat = static_cast<unsigned char>(nContrast);
+        for (std::size_t nSamples = 0; nSamples < 140; ++nSamples) {
+            const Bytes aMin(nSamples, 0);
+            Bytes aMax(nSamples, static_cast<unsigned char>(nContrast + 1));
+            const auto isAnyFlat = [&] {
+                return Kernels::IsAnyFlat(aMin.data(), aMax.data(), static_cast<long>(nSamples),
+                                          nContrast);
+            };
+            TestSupport::AtEveryLevel([&] {
+                EXPECT_FALSE(isAnyFlat()) << nSamples;
+                for (unsigned char& rMax : aMax) {
+                    const unsigned char nBefore = rMax;
+                    rMax = nFlat;
+                    EXPECT_TRUE(isAnyFlat()) << nSamples;
+                    rMax = nBefore;
+                }
+            });
+        }
+    }
+}
+
+TEST(LocalStretchKernel, FindsFlatWhatHasItsMinimumAboveItsMaximum) {
+    const Bytes aMin = {0, 9};
+    const Bytes aMax = {200, 8};
+    EXPECT_TRUE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 2, 0));
+    EXPECT_FALSE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 1, 199));
+    EXPECT_TRUE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 1, 1000));
+}
+
 } // namespace
