@@ -26,8 +26,6 @@ constexpr double cdNoisePart = 0.001;
 
 /// Whether a pixel takes the global range.
 bool IsAnyFlat(const ClImage& Min, const ClImage& Max, long nMinContrast) {
-    if (nMinContrast < 0)
-        return true;
     for (int y = 0; y < Min.Height(); ++y)
         if (Kernels::IsAnyFlat(Min.LineData(y), Max.LineData(y), Min.Width(), nMinContrast))
             return true;

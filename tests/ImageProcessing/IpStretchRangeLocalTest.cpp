@@ -114,6 +114,16 @@ TEST(IpStretchRangeLocal, StretchesAFlatRegionByTheGlobalRange) {
     EXPECT_EQ(aOut[10][5], 253); // 250 between 50 and 250: 83142 * 200 / 65536 = 253.7
 }
 
+TEST(IpStretchRangeLocal, FindsTheGlobalRangeForOneFlatPlaceAtTheEnd) {
+    Rows aRows(20, std::vector<int>(40));
+    for (std::size_t y = 0; y < 20; ++y)
+        for (std::size_t x = 0; x < 40; ++x)
+            aRows[y][x] = x + y >= 48 ? 150 : (x + y) % 2 == 0 ? 50 : 250;
+    const Rows aOut = Stretched(Img(aRows), StLocalStretch());
+    EXPECT_EQ(aOut[19][39], 126); // 150 between 50 and 250, as above
+    EXPECT_EQ(aOut, Defined(Img(aRows), StLocalStretch()));
+}
+
 TEST(IpStretchRangeLocal, SaturatesAboveAGlobalRangeOfOneValue) {
     ClTestImage image = FlatImage(ClImage::eUInt8, 40, 30, 1, 100);
     TestSupport::SetSample(image, 10, 10, 0, 101); // one of 1200 is noise

@@ -64,7 +64,7 @@ struct StIsAnyFlat {
 bool IsAnyFlat(const unsigned char* pMin, const unsigned char* pMax, long nSamples,
                long nMinContrast) {
     return RunAtLevel<StIsAnyFlat>(pMin, pMax, nSamples,
-                                   static_cast<unsigned char>(std::min(nMinContrast, 255L)));
+                                   static_cast<unsigned char>(std::clamp(nMinContrast, 0L, 255L)));
 }
 
 ClLocalStretch::ClLocalStretch(long nMinContrast, unsigned char nLow, unsigned char nHigh)

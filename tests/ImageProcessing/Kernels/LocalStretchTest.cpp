@@ -142,7 +142,9 @@ TEST(LocalStretchKernel, FindsFlatWhatHasItsMinimumAboveItsMaximum) {
     const Bytes aMax = {200, 8};
     EXPECT_TRUE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 2, 0));
     EXPECT_FALSE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 1, 199));
-    EXPECT_TRUE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 1, 1000));
+    EXPECT_TRUE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 1, 256));
+    EXPECT_TRUE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 2, -1));
+    EXPECT_FALSE(Kernels::IsAnyFlat(aMin.data(), aMax.data(), 1, -1));
 }
 
 } // namespace

@@ -89,12 +89,12 @@ TYPED_TEST(MeanKernel, EqualsItsDefinitionWhereTheFirstLinesHaveTheLargestSample
     using T = TypeParam;
     for (const int nValue :
          {int{std::numeric_limits<T>::min()}, int{std::numeric_limits<T>::max()}})
-        for (const long nHalfX : {0L, 1L, 2L, 7L, 15L, 30L})
-            for (const long nHalfY : {3L, 31L, 50L}) {
+        for (const long nHalfX : {0L, 2L, 7L, 15L})
+            for (const long nHalfY : {3L, 31L}) {
                 SCOPED_TRACE(testing::Message() << "halves " << nHalfX << ", " << nHalfY);
-                ClPlaneCase<T> plane(35, 60, 5);
-                for (long y = 0; y < 52; ++y)
-                    for (long x = 0; x < 35; ++x)
+                ClPlaneCase<T> plane(20, 40, 5);
+                for (long y = 0; y < 35; ++y)
+                    for (long x = 0; x < 20; ++x)
                         plane.Set(x, y, nValue);
                 const RealRows aExpected = TruncatedMeans(plane.In(), nHalfX, nHalfY);
                 AtEveryLevel([&] { EXPECT_EQ(Mean(plane, nHalfX, nHalfY), aExpected); });
