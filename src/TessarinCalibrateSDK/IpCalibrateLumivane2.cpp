@@ -79,7 +79,7 @@ long ClIpCalibrateLumivane2::Process() {
     if (m_pOutImage->Data() == nullptr)
         m_pOutImage->Swap(m_Kept.m_Result);
 
-    ClImage& corrected = m_Kept.m_Warped;
+    ClImage& corrected = m_eGeometricMode == eGeometricOff ? m_Kept.m_Copy : m_Kept.m_Warped;
     CorrectGeometry(corrected);
     m_DynamicCalibration.m_pInImage = &corrected;
     if (m_bDynamicFingerMask)

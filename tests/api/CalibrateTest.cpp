@@ -255,6 +255,18 @@ TEST(Calibrate, WithSplinesGivesTheFrameOfTheRecord) {
     EXPECT_EQ(TestSupport::HeaderField(aOut, 28), 2461);
 }
 
+// The capture of the mode without geometry, line ends included, has the size of the frame.
+TEST(Calibrate, WithSplinesGivesNothingOfAnEarlierCapture) {
+    ClApiHandle Handle;
+    EXPECT_EQ(Handle.SetData(RecordBlock(PlausibleRecord(48, 132, 41, 60))), 0);
+    const Bytes aExpected = Handle.Corrected(Capture(48, 132));
+    Handle.Set("GeometricCalibrate=off");
+    Handle.Corrected(Capture(41, 60));
+    Handle.Set("GeometricCalibrate=ThinPlateSpline");
+    EXPECT_EQ(Handle.Corrected(Capture(48, 132)), aExpected);
+    EXPECT_EQ(Bytes(aExpected.end() - 3, aExpected.end()), Bytes(3, 0)); // the line end
+}
+
 TEST(Calibrate, WithSplinesTakesNothingButTheScannersSize) {
     StReady Handle;
     for (const auto& [nWidth, nHeight] : {std::pair(47, 132), {49, 132}, {48, 131}, {48, 133}}) {
