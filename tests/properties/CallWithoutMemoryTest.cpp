@@ -74,6 +74,7 @@ TEST_P(CallWithoutMemory, SaysSoAndLeavesWhatItHasToLeave) {
         const long nStride = IsNight() ? 1 : Call.m_nStride;
         const long nFirst = NumberOf(GetParam()) % nStride;
         const long nRefused = FailEach(Call, GetParam(), nFirst, nStride);
+        RecordProperty(Call.m_szName, std::to_string(nRefused));
         EXPECT_TRUE(nRefused > 0 || nFirst > 0 || !Call.m_pAsks(GetParam()))
             << "nothing was tested";
     }

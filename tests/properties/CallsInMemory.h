@@ -7,6 +7,7 @@
 
 #include <TessarinCalibrateSDK.h>
 
+#include <ostream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -30,6 +31,10 @@ struct StOptionSet {
     bool IsRefused() const { return m_bDynamicFingerMask && m_nGeometry == 0; }
     std::string Name() const;
 };
+
+inline std::ostream& operator<<(std::ostream& rTo, const StOptionSet& Options) {
+    return rTo << Options.Name();
+}
 
 /// All 48.
 const std::vector<StOptionSet>& AllOptions();
