@@ -499,8 +499,9 @@ TESSARIN_CALIBRATE_API extern void* g_VekLFLog;
  * @param sourceBytes its size in bytes (4 per character), without a terminating zero
  * @param target      receives the bytes, without a terminating zero; null to measure
  * @param targetBytes bytes at target; 0 to measure
- * @return bytes written or needed; -1 where the text does not convert or target is too small.
- *         Measuring a text that does not convert throws a C++ exception.
+ * @return bytes written or needed; -1 where the text does not convert or target is too small: then
+ *         target may be written to in part. Measuring a text that does not convert throws a C++
+ *         exception.
  */
 TESSARIN_CALIBRATE_API long ConvertWideCharToSBCS(const wchar_t* source, unsigned long sourceBytes,
                                                   char* target, unsigned long targetBytes);
