@@ -369,8 +369,10 @@ void ClBitmap::Attach(const ClBitmap& Bitmap) {
 void ClBitmap::TakeCopy(const ClBitmap& Source, bool bCopyPixels) {
     const tagBITMAPINFOHEADER header = *Source.m_pBI;
     const bool bPixels = bCopyPixels && Source.m_pPixel;
+    // A palette that a header claims and its block lacks takes no room.
+    const std::int64_t nPalette = Source.m_pPalette || bPixels ? PaletteBytes(header) : 0;
     const std::int64_t nRoom =
-        std::max(PaletteBytes(header), PaletteRoom(header.biBitCount, header.biCompression));
+        std::max(nPalette, PaletteRoom(header.biBitCount, header.biCompression));
     const std::uint64_t nPixels = bPixels ? AtLeastNone(PixelBytes(header)) : 0;
 
     m_pBI = NewBlock(AtLeastNone(cnHeaderBytes + nRoom) + nPixels);

@@ -1,6 +1,7 @@
 #include "Tools/Bitmap.h"
 
 #include "Tools/FpImage.h"
+#include "support/AllocationCount.h"
 #include "support/AllocationFailures.h"
 #include "support/BitmapBlocks.h"
 #include "support/BitmapStreams.h"
@@ -261,4 +262,19 @@ TEST(BitmapCopy, KeepsWhatItHadWhereMemoryIsMissing) {
     failEach([&] { bitmap.CopyFrom(image, false); });
     failEach([&] { bitmap.Create(9, 9, 24, 0); });
     failEach([&] { bitmap.Create(source); });
+}
+
+TEST(BitmapCopy, TakesNoRoomForAPaletteThatIsOnlyClaimed) {
+    StHead head = Head(7, 3, 24);
+    head.m_nClrUsed = 0xFFFFFFE6;
+    Bytes aBlock = HeaderBytes(head);
+    ClBitmap bitmap;
+    bitmap.Attach(aBlock.data(), aBlock.size());
+    const ClCountAllocations Count;
+    ClBitmap copy;
+    copy = bitmap;
+    EXPECT_LE(Count.SoFar().m_nLargest, 1024u);
+    EXPECT_EQ(std::uint32_t{copy.Header()->biClrUsed}, 0xFFFFFFE6u);
+    EXPECT_EQ(copy.Palette(), nullptr);
+    EXPECT_EQ(copy.Pixels(), nullptr);
 }
