@@ -1,6 +1,7 @@
 // CalibrateSetData() and CalibrateSetReferenceData() with any bytes. The checksum of most is made
 // right by the mutation: a harness that stops at the checksum tests nothing behind it.
 
+#include "ByteOrder.h"
 #include "Formats.h"
 #include "Harness.h"
 
@@ -9,6 +10,12 @@ namespace {
 const Fuzz::ClFormat s_Format(Fuzz::RepairRecord);
 Fuzz::ClMilestone s_Loaded("a record is loaded");
 Fuzz::ClMilestone s_Reference("a reference is loaded");
+
+/// A record for captures without a pixel loads, and counts as none.
+bool HasCaptureSize(const Fuzz::ClBlock& block) {
+    const std::string Bytes(reinterpret_cast<const char*>(block.Data()), block.Size());
+    return Fuzz::Big<std::uint32_t>(Bytes, 12) != 0 && Fuzz::Big<std::uint32_t>(Bytes, 16) != 0;
+}
 
 } // namespace
 
@@ -21,11 +28,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
     const long nStatus = CalibrateSetData(handle, block.Data(), block.Size());
     Fuzz::RequireStatus(nStatus);
     const std::string Kept = Fuzz::BlockFrom(handle, CalibrateGetData);
-    Fuzz::Require((nStatus == 0) == !Kept.empty(),
+    Fuzz::Require((nStatus == 0 && HasCaptureSize(block)) == !Kept.empty(),
                   "there is calibration data where it was loaded, and none after a refusal");
     if (nReference == 0)
         s_Reference.Reach();
-    if (nStatus != 0)
+    if (Kept.empty())
         return 0;
     s_Loaded.Reach();
     const Fuzz::ClBlock kept(Kept);
