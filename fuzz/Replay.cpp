@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr int cnUsualMutations = 400;
+constexpr int cnUsualMutations = 100;
 
 /// The milestones that no input has reached are told.
 bool AreMilestonesReached() {

@@ -8,12 +8,17 @@ using namespace BitmapPixels;
 
 namespace {
 
+/// Lines without a pixel are not walked: a header alone may claim two thousand million of them.
+long WalkedLines(const tagBITMAPINFOHEADER& header) {
+    return header.biWidth > 0 ? header.biHeight : 0;
+}
+
 /// Marks the entries that pixels name.
 std::array<bool, 256> OccurringEntries(const ClBitmap& Bitmap) {
     const tagBITMAPINFOHEADER& header = *Bitmap.Header();
     const unsigned int nEntries = ReachableEntries(header);
     std::array<bool, 256> aOccurs{};
-    for (long y = 0; y < header.biHeight; ++y)
+    for (long y = 0; y < WalkedLines(header); ++y)
         for (long x = 0; x < header.biWidth; ++x)
             aOccurs[EntryOf(StIndexPlace(x, header.biBitCount).Read(Bitmap.Line(y)), nEntries)] =
                 true;
@@ -41,7 +46,7 @@ template <class IsGrayPixel>
 bool AllPixels(const ClBitmap& Bitmap, IsGrayPixel isGray) {
     const tagBITMAPINFOHEADER& header = *Bitmap.Header();
     const int nBytes = header.biBitCount / 8;
-    for (long y = 0; y < header.biHeight; ++y)
+    for (long y = 0; y < WalkedLines(header); ++y)
         for (long x = 0; x < header.biWidth; ++x)
             if (!isGray(Bitmap.Line(y) + x * nBytes))
                 return false;

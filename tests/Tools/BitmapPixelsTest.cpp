@@ -251,6 +251,16 @@ TEST(BitmapPixels, CallsAnImageWithoutLinesGrey) {
     }
 }
 
+TEST(BitmapPixels, CallsLinesWithoutPixelsGreyWithoutWalkingThem) {
+    for (const int nBits : {8, 16, 24, 32}) { // long, where the library is not optimised
+        StHead head = Head(0, 0x7FFFFFFF, nBits);
+        Bytes aBlock = Block(head, nBits == 8 ? GreyPalette() : std::vector<std::uint32_t>(), {});
+        ClBitmap bitmap;
+        bitmap.Attach(aBlock.data(), aBlock.size());
+        EXPECT_TRUE(bitmap.IsGray(true));
+    }
+}
+
 TEST(BitmapPixels, NeedsEveryPaletteEntryToBeGrey) {
     EXPECT_TRUE(IsGray(1, 8, {0x050505, 0x010101}, {0, 0, 0, 0}));
     EXPECT_FALSE(IsGray(1, 8, {0x050505, 0x010102}, {0, 0, 0, 0}));
