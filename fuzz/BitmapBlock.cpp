@@ -1,10 +1,9 @@
 // ClBitmap::Attach() with any block, and all that a bitmap does with its pixels and channels.
 
 #include "Formats.h"
-#include "Harness.h"
+#include "Refusals.h"
 
 #include "Tools/Bitmap.h"
-#include "Tools/Exception.h"
 #include "Tools/FpImage.h"
 #include "Tools/MemStream.h"
 
@@ -14,23 +13,12 @@ const Fuzz::ClFormat s_Format(Fuzz::RepairBitmap);
 Fuzz::ClMilestone s_Attached("a block is attached");
 Fuzz::ClMilestone s_Channels("channels are split and set");
 
-template <class Work>
-bool Try(Work work) {
-    try {
-        work();
-        return true;
-    } catch (const ClException& e) {
-        Fuzz::RequireStatus(e.Number());
-        return false;
-    }
-}
-
 /// Channels that were taken out and are put back change nothing that can be seen.
 void Channels(ClBitmap& rBitmap) {
     for (const int nChannel : {-1, 0, 1, 2, 3, 4}) {
         ClImage Channel;
-        if (!Try([&] { rBitmap.GetChannel(nChannel, Channel); }) ||
-            !Try([&] { rBitmap.SetChannel(nChannel, Channel); }))
+        if (!Fuzz::Try([&] { rBitmap.GetChannel(nChannel, Channel); }) ||
+            !Fuzz::Try([&] { rBitmap.SetChannel(nChannel, Channel); }))
             continue;
         ClImage Again;
         rBitmap.GetChannel(nChannel, Again);
@@ -43,20 +31,20 @@ void Pixels(ClBitmap& rBitmap) {
     const long nHeight = rBitmap.Header()->biHeight;
     for (const long x : {-1L, 0L, nWidth / 2, nWidth - 1, nWidth})
         for (const long y : {-1L, 0L, nHeight / 2, nHeight - 1, nHeight})
-            Try([&] { rBitmap.SetPixel(x, y, rBitmap.GetPixel(x, y)); });
+            Fuzz::Try([&] { rBitmap.SetPixel(x, y, rBitmap.GetPixel(x, y)); });
 }
 
 void Copies(ClBitmap& rBitmap) {
     ClImage Image;
-    Try([&] { rBitmap.GetImage(Image); });
-    Try([&] { ClBitmap(Image, true); });
-    Try([&] { rBitmap.IsGray(true); });
-    Try([&] {
+    Fuzz::Try([&] { rBitmap.GetImage(Image); });
+    Fuzz::Try([&] { ClBitmap(Image, true); });
+    Fuzz::Try([&] { rBitmap.IsGray(true); });
+    Fuzz::Try([&] {
         ClBitmap Copy;
         Copy = rBitmap;
         Fuzz::Require(Copy == rBitmap, "a copy is equal");
     });
-    Try([&] {
+    Fuzz::Try([&] {
         ClMemStream Out;
         rBitmap.Store(Out);
     });
@@ -69,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* pData, std::size_t nSi
         return 0;
     const Fuzz::ClBlock block(pData, nSize);
     ClBitmap Bitmap;
-    if (!Try([&] { Bitmap.Attach(block.Data(), block.Size()); }))
+    if (!Fuzz::Try([&] { Bitmap.Attach(block.Data(), block.Size()); }))
         return 0;
     s_Attached.Reach();
     Pixels(Bitmap);

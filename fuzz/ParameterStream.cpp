@@ -1,9 +1,8 @@
 // The flat list of parameters read from any stream, and asked for its texts; enumerations with any
 // list of names.
 
-#include "Harness.h"
+#include "Refusals.h"
 
-#include "Tools/Exception.h"
 #include "Tools/MemStream.h"
 #include "Tools/ParameterInterface.h"
 
@@ -39,17 +38,6 @@ struct StVariables {
     char m_acText[16] = "words";
 };
 
-template <class Work>
-bool Try(Work work) {
-    try {
-        work();
-        return true;
-    } catch (const ClException& e) {
-        Fuzz::RequireStatus(e.Number());
-        return false;
-    }
-}
-
 std::string Written(List& rList) {
     ClMemStream Out;
     rList.WriteToStream(Out);
@@ -60,14 +48,14 @@ bool Load(List& rList, const std::string& Bytes, bool bStrict) {
     const Fuzz::ClBlock block(Bytes);
     ClMemStream In(static_cast<const unsigned char*>(block.Data()), block.Size());
     In.SetThrowOnShort(bStrict);
-    return Try([&] { rList.ReadFromStream(In); });
+    return Fuzz::Try([&] { rList.ReadFromStream(In); });
 }
 
 /// All that a list tells of its entries.
 void Texts(const List& Entries) {
     for (long i = 0; i < Entries.Count(); ++i) {
         const List::ClParameter* pEntry = Entries.GetParameter(i);
-        Try([&] {
+        Fuzz::Try([&] {
             Fuzz::Require(std::strlen(pEntry->szValue()) < 4096, "a value has a text");
             Fuzz::Require(pEntry->szType() != nullptr && pEntry->szDir() != nullptr,
                           "a type and a direction have words");
@@ -90,11 +78,11 @@ void Names(Fuzz::ClBytes& rBytes, List& rList) {
     const Fuzz::ClBlock room(std::string(static_cast<std::size_t>(1 + rBytes.Below(20)), '?'));
     char* const pRoom = reinterpret_cast<char*>(room.Data());
     const long nRoom = static_cast<long>(room.Size());
-    Try([&] { pEnum->SetEnumList(pList, nullptr); });
-    Try([&] { pEnum->SetEnum(Name.c_str()); });
-    Try([&] { pEnum->SetEnum(nValue); });
-    Try([&] { pEnum->EnumToStr(nValue, pList, pRoom, nRoom); });
-    Try([&] { pEnum->FmtInt(pRoom, nRoom, pList, nValue); });
+    Fuzz::Try([&] { pEnum->SetEnumList(pList, nullptr); });
+    Fuzz::Try([&] { pEnum->SetEnum(Name.c_str()); });
+    Fuzz::Try([&] { pEnum->SetEnum(nValue); });
+    Fuzz::Try([&] { pEnum->EnumToStr(nValue, pList, pRoom, nRoom); });
+    Fuzz::Try([&] { pEnum->FmtInt(pRoom, nRoom, pList, nValue); });
     Texts(rList);
 }
 

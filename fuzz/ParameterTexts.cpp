@@ -1,8 +1,7 @@
 // The tree of parameters: paths, texts, formats and rooms of any kind.
 
-#include "Harness.h"
+#include "Refusals.h"
 
-#include "Tools/Exception.h"
 #include "Tools/ParameterContainer.h"
 
 namespace {
@@ -35,17 +34,6 @@ struct StTree {
     ClParameterContainer m_Root;
 };
 
-template <class Work>
-bool Try(Work work) {
-    try {
-        work();
-        return true;
-    } catch (const ClException& e) {
-        Fuzz::RequireStatus(e.Number());
-        return false;
-    }
-}
-
 /// Asks for a text with a room of no bytes, and of as many as are told. Nothing where there is
 /// none.
 template <class Ask>
@@ -64,13 +52,13 @@ std::string Answer(Ask ask) {
 }
 
 void Read(ClParameter& rParameter) {
-    Try([&] {
+    Fuzz::Try([&] {
         const std::string Text =
             Answer([&](char* p, unsigned long& n) { return rParameter.GetValue(p, n); });
         if (!Text.empty())
             s_Printed.Reach();
     });
-    Try([&] {
+    Fuzz::Try([&] {
         Answer([&](char* p, unsigned long& n) { return rParameter.GetDefaultValue(p, n); });
     });
     const std::string Path =
@@ -90,10 +78,10 @@ void Step(Fuzz::ClBytes& rBytes, StTree& rTree) {
     if (pFound == nullptr)
         return;
     s_Found.Reach();
-    if ((nWhat & 3) == 1 && Try([&] { pFound->SetValue(Text.c_str()); }))
+    if ((nWhat & 3) == 1 && Fuzz::Try([&] { pFound->SetValue(Text.c_str()); }))
         s_Set.Reach();
     if ((nWhat & 3) == 2 && pFound->GetNumericInterface() != nullptr)
-        Try([&] { pFound->GetNumericInterface()->SetFormat(Text.c_str()); });
+        Fuzz::Try([&] { pFound->GetNumericInterface()->SetFormat(Text.c_str()); });
     Read(*pFound);
 }
 
