@@ -3,8 +3,10 @@
 /// Whole files in, whole files out.
 ///
 /// An output file comes into being under its name only when it is complete: it is written under a
-/// temporary name in the same directory, which a rename then replaces. A reader sees the old file
-/// or the new one, and a failure or an interrupt leaves the old one.
+/// temporary name in the same directory, `.qk7-PROCESS-NUMBER.tmp`, and then renamed. A reader sees
+/// the old file or the new one, and a failure or an interrupt leaves the old one. Of several
+/// writers the last one to rename wins. A process that is killed leaves its temporary file, which
+/// nobody takes for an output.
 
 #include <cstddef>
 #include <initializer_list>
@@ -36,8 +38,9 @@ Bytes ReadFile(const std::string& Path, std::size_t nLimit = cnFileLimit);
 /// One at a time: an interrupt removes the temporary file of one object.
 class ClOutputFile {
 public:
-    /// A regular file, or none yet, is written under a temporary name; a link is followed; a
-    /// device or pipe is written directly. An existing file hands on its permissions.
+    /// A regular file, or none yet, is written under a temporary name; a link to a file is
+    /// followed, one that leads nowhere is replaced; a device or pipe is written directly, since
+    /// nothing may take its place. An existing file hands on its permissions.
     explicit ClOutputFile(const std::string& Path);
     ClOutputFile(const ClOutputFile&) = delete;
     ClOutputFile& operator=(const ClOutputFile&) = delete;

@@ -35,7 +35,7 @@ void Redirect(const StOutput& Output, int nDescriptor) {
 }
 
 [[noreturn]] void Execute(const Arguments& arguments, const StOutput& Out, const StOutput& Err,
-                          const std::string& Folder) {
+                          const std::string& Folder, const std::function<void()>& prepare) {
     // The tool's path may be relative: it is opened before the directory changes.
     const int nTool = open(QK7_BINARY, O_RDONLY | O_CLOEXEC);
     HeedSignals();
@@ -47,17 +47,19 @@ void Redirect(const StOutput& Output, int nDescriptor) {
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));
     pointers.push_back(nullptr);
+    if (prepare)
+        prepare();
     fexecve(nTool, pointers.data(), environ);
     _exit(127);
 }
 
 pid_t Start(const Arguments& arguments, const StOutput& Out, const StOutput& Err,
-            const std::string& Folder = "") {
+            const std::string& Folder = "", const std::function<void()>& prepare = {}) {
     const pid_t nChild = fork();
     if (nChild < 0)
         throw std::runtime_error("no process");
     if (nChild == 0)
-        Execute(arguments, Out, Err, Folder);
+        Execute(arguments, Out, Err, Folder, prepare);
     return nChild;
 }
 
@@ -86,11 +88,24 @@ void HeedSignals() {
 }
 
 StEnded Qk7(const Arguments& arguments, const std::string& Folder) {
+    return Qk7Under({}, arguments, Folder);
+}
+
+StEnded Qk7Under(const std::function<void()>& prepare, const Arguments& arguments,
+                 const std::string& Folder) {
     const ClTestFolder outputs;
-    StEnded ended = Wait(Start(arguments, {outputs / "out"}, {outputs / "err"}, Folder));
+    StEnded ended = Wait(Start(arguments, {outputs / "out"}, {outputs / "err"}, Folder, prepare));
     ended.m_Out = ToText(Get(outputs / "out"));
     ended.m_Err = ToText(Get(outputs / "err"));
     return ended;
+}
+
+std::pair<int, int> Qk7AtOnce(const Arguments& one, const Arguments& other) {
+    const ClTestFolder outputs;
+    const pid_t nOne = Start(one, {outputs / "out1"}, {outputs / "err1"});
+    const pid_t nOther = Start(other, {outputs / "out2"}, {outputs / "err2"});
+    const int nExit = Wait(nOne).m_nExit;
+    return {nExit, Wait(nOther).m_nExit};
 }
 
 StEnded Qk7Into(const std::string& Output, const Arguments& arguments) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <sys/types.h>
@@ -25,6 +26,13 @@ void HeedSignals();
 
 /// Runs to the end, in a directory when one is given.
 StEnded Qk7(const Arguments& arguments, const std::string& Folder = "");
+
+/// The same in a process that was prepared, as by limits; the outputs are open by then.
+StEnded Qk7Under(const std::function<void()>& prepare, const Arguments& arguments,
+                 const std::string& Folder = "");
+
+/// Two at the same time: their exit statuses.
+std::pair<int, int> Qk7AtOnce(const Arguments& one, const Arguments& other);
 
 /// The same with standard output going to a path, such as a full device.
 StEnded Qk7Into(const std::string& Output, const Arguments& arguments);

@@ -1,6 +1,6 @@
 #include "apps/qk7/File.h"
 
-#include "qk7/CommandRunner.h"
+#include "qk7/Children.h"
 #include "qk7/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -28,24 +28,6 @@ std::string WordsOf(const std::function<void()>& work) {
         return failure.what();
     }
     return "done";
-}
-
-/// Runs the work in a child with the tool's signal handling and returns how the child ended.
-int StatusOfChild(const std::function<void()>& work) {
-    const pid_t nChild = fork();
-    if (nChild == 0) {
-        HeedSignals();
-        GuardAgainstSignals();
-        try {
-            work();
-        } catch (const ClFailure&) {
-            _exit(1);
-        }
-        _exit(0);
-    }
-    int nStatus = 0;
-    waitpid(nChild, &nStatus, 0);
-    return nStatus;
 }
 
 unsigned int ModeOf(const std::string& Path) {
@@ -167,6 +149,17 @@ TEST(Qk7OutputFile, FollowsALink) {
 
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "link"));
     EXPECT_EQ(Get(folder / "real"), content);
+}
+
+TEST(Qk7OutputFile, ReplacesALinkThatLeadsNowhere) {
+    const ClTestFolder folder;
+    std::filesystem::create_symlink("none", folder / "link");
+    const Bytes content = ToBytes("new");
+
+    WriteFile(folder / "link", {&content});
+
+    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(folder / "link")));
+    EXPECT_EQ(folder.Names(), Names{"link"});
 }
 
 TEST(Qk7OutputFile, JoinsItsParts) {
