@@ -6,6 +6,9 @@
 #include "support/Records.h"
 
 #include <climits>
+#include <stdexcept>
+
+#include <sys/mman.h>
 
 using Calls::ImpliedSize;
 using Calls::SignedField;
@@ -18,6 +21,7 @@ using TestSupport::ClApiHandle;
 using TestSupport::ClGuardedBlock;
 using TestSupport::PlausibleRecord;
 using TestSupport::RecordBlock;
+using TestSupport::StRecord;
 
 namespace {
 
@@ -29,7 +33,7 @@ public:
             EXPECT_EQ(pHandle->SetData(RecordBlock(PlausibleRecord())), 0);
         m_Ready.Set("GeometricCalibrate=off");
         m_Odd.Set("GeometricCalibrate=oddLines");
-        m_aOut.resize(200000);
+        m_aOut.resize(300000);
     }
 
     void Attack(const Bytes& aBlock, std::size_t nClaimed, std::size_t nReal) {
@@ -87,6 +91,45 @@ Bytes SmallPalette(int nWidth, int nHeight) {
     Head.m_nHeight = nHeight;
     Head.m_nClrUsed = 2;
     return Block(Head, {0, 0xFFFFFF}, NoisePixels(Head));
+}
+
+constexpr int canOddSides[] = {1, 2, 3, 4, 5, 7, 8, 9, 31, 33, 64, 65, 129};
+
+std::size_t FullBlockBytes(int nWidth, int nHeight) {
+    return 40 + 1024 + static_cast<std::size_t>((nWidth + 3) / 4 * 4 * nHeight);
+}
+
+/// Memory of which only what is touched takes room: zeros.
+class ClUntouchedPages {
+public:
+    explicit ClUntouchedPages(std::size_t nSize)
+        : m_nSize(nSize), m_pData(mmap(nullptr, nSize, PROT_READ | PROT_WRITE,
+                                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
+        if (m_pData == MAP_FAILED)
+            throw std::runtime_error("no room for a large block");
+    }
+    ClUntouchedPages(const ClUntouchedPages&) = delete;
+    ClUntouchedPages& operator=(const ClUntouchedPages&) = delete;
+    ~ClUntouchedPages() { munmap(m_pData, m_nSize); }
+
+    unsigned char* Data() const { return static_cast<unsigned char*>(m_pData); }
+    std::size_t Size() const { return m_nSize; }
+
+private:
+    std::size_t m_nSize;
+    void* m_pData;
+};
+
+Bytes HeaderOf(std::int64_t nWidth, std::int64_t nHeight) {
+    TestSupport::StHead Head;
+    Head.m_nWidth = nWidth;
+    Head.m_nHeight = nHeight;
+    return HeaderBytes(Head);
+}
+
+long StatusOf(void* pHandle, const ClUntouchedPages& Block) {
+    unsigned long nOut = 0;
+    return Calibrate(pHandle, Block.Data(), Block.Size(), nullptr, &nOut);
 }
 
 void Store(Bytes& rBlock, std::size_t nOffset, std::int64_t nValue, std::size_t nBytes) {
@@ -152,6 +195,56 @@ TEST(HostileBitmap, WithPairsOfExtremeSides) {
                     Victim.Attack(aBlock);
                 }
             }
+}
+
+// The generator's blocks are noise, whatever their shape: no call finds a target in them, and every
+// other outcome follows from the sides.
+TEST(HostileBitmap, OfThinAndOddShapes) {
+    ClBitmapVictim Victim;
+    for (const int nWidth : canOddSides)
+        for (const int nHeight : canOddSides) {
+            SCOPED_TRACE(std::to_string(nWidth) + " x " + std::to_string(nHeight));
+            Victim.Attack(Capture(nWidth, nHeight));
+        }
+    for (const int nLength : {1023, 16385, 65535}) {
+        SCOPED_TRACE(nLength);
+        Victim.Attack(Capture(nLength, 1));
+        Victim.Attack(Capture(1, nLength));
+    }
+}
+
+// A finger is sought at the resolution that the data tell: 62.5 and 500 dots per inch.
+TEST(HostileBitmap, OfThinAndOddShapesGoesThroughTheSearchForAFinger) {
+    for (const StRecord& Record :
+         {PlausibleRecord(), PlausibleRecord(390, 1052, 320, 480, 19685)}) {
+        ClApiHandle Handle;
+        Handle.Set("PrecalculatedData=true");
+        ASSERT_EQ(Handle.SetData(RecordBlock(Record)), 0);
+        Handle.Set("GeometricCalibrate=oddLines");
+        Handle.Set("DynamicFingerMask=true");
+        for (const int nWidth : canOddSides)
+            for (const int nHeight : canOddSides) {
+                SCOPED_TRACE(std::to_string(nWidth) + " x " + std::to_string(nHeight));
+                long nStatus = 1;
+                const Bytes aOut = Handle.Corrected(Capture(nWidth, nHeight), &nStatus);
+                const bool bLineLeft = nHeight > 1;
+                EXPECT_EQ(nStatus, bLineLeft ? QMT_SUCCESS : QMT_ERROR_INTERNAL);
+                EXPECT_EQ(aOut.size(), bLineLeft ? FullBlockBytes(nWidth, nHeight / 2) : 0u);
+            }
+    }
+}
+
+// A line of 8 bits a sample may have 2^28 - 1 of them: then 8 times their number and 7 still fit
+// into a signed field. Of one more the size is not defined, and no claim is the right one.
+TEST(HostileBitmap, OfTheWidestLineIsMeasuredAndRefused) {
+    ClApiHandle Handle;
+    ASSERT_EQ(Handle.SetData(RecordBlock(PlausibleRecord())), 0);
+    constexpr std::int64_t cnWidest = (1 << 28) - 1;
+    const ClUntouchedPages Block(40 + 1024 + (1 << 28));
+    std::memcpy(Block.Data(), HeaderOf(cnWidest, 1).data(), 40);
+    EXPECT_EQ(StatusOf(Handle, Block), QMT_ERROR_BITMAP_DIMENSION);
+    std::memcpy(Block.Data(), HeaderOf(cnWidest + 1, 1).data(), 40);
+    EXPECT_EQ(StatusOf(Handle, Block), QMT_ERROR_TEMPLATE_SIZE);
 }
 
 // A negative height implies nearly 4 GiB; a caller who says that they are there is not asked for
