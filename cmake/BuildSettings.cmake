@@ -53,6 +53,9 @@ if(TESSARIN_SANITIZE)
     target_compile_options(tessarin_settings INTERFACE
         -fsanitize=${TESSARIN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(tessarin_settings INTERFACE -fsanitize=${TESSARIN_SANITIZE})
+    if(TESSARIN_SANITIZE MATCHES address)
+        target_compile_definitions(tessarin_settings INTERFACE TESSARIN_WATCHES_MEMORY)
+    endif()
     # What looks at every pointer that is followed takes half of the time to compile a test. The
     # library is compiled with it, the tests with all the rest.
     if(TESSARIN_SANITIZE MATCHES undefined)

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <climits>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -39,15 +40,18 @@ const StPixelType* FindType(unsigned char nType) {
     return nullptr;
 }
 
-/// Where a buffer begins: with a cache line, so that no vector of a loop over its samples has parts
-/// in two of them.
-constexpr std::align_val_t ceAlignment{64};
+/// A buffer begins with a cache line, so that no vector of a loop over its samples has parts in two
+/// of them. Memory is not asked for in that alignment: it would split the heap of a process in
+/// which handles come and go.
+#ifdef TESSARIN_WATCHES_MEMORY // a sanitizer sees what is done behind its end
+constexpr std::size_t cnAlignment = 1;
+#else
+constexpr std::size_t cnAlignment = 64;
+#endif
 
-struct StDeleteAligned {
-    void operator()(unsigned char* pBuffer) const noexcept {
-        ::operator delete[](pBuffer, ceAlignment);
-    }
-};
+unsigned char* FirstAligned(unsigned char* pMemory) {
+    return pMemory + (0 - reinterpret_cast<std::uintptr_t>(pMemory)) % cnAlignment;
+}
 
 [[noreturn]] void ThrowAreaNotPositive() {
     throw ClException("Image area must be positive", QMT_ERROR_INTERNAL, false, VEK_NOWHERE);
@@ -191,14 +195,14 @@ void ClImage::NewWithType(unsigned char nType, int nWidth, int nHeight, int nPla
 
 void ClImage::Allocate(std::size_t nSize) {
     const std::size_t nRounded = (nSize + 7) & ~std::size_t{7};
-    unsigned char* pBuffer = new (ceAlignment, std::nothrow) unsigned char[nRounded]();
-    if (pBuffer == nullptr) {
+    unsigned char* pMemory = new (std::nothrow) unsigned char[nRounded + cnAlignment - 1]();
+    if (pMemory == nullptr) {
         Initialize();
         Vek::ThrowBadAlloc();
     }
     try {
-        m_pData.reset(pBuffer, StDeleteAligned());
-    } catch (const std::bad_alloc&) { // the pointer has deleted the buffer
+        m_pData.reset(FirstAligned(pMemory), [pMemory](unsigned char*) { delete[] pMemory; });
+    } catch (const std::bad_alloc&) { // the pointer has deleted the memory
         Initialize();
         Vek::ThrowBadAlloc();
     }

@@ -69,12 +69,14 @@ TEST(ImageAllocation, RoundsItsBufferUpToEightBytes) {
     }
 }
 
+#ifndef TESSARIN_WATCHES_MEMORY // there the buffer is all of its memory, for the test above
 TEST(ImageAllocation, BeginsItsBufferWithACacheLine) {
     for (int nWidth = 1; nWidth < 400; nWidth += 7) {
         const ClImage image(nWidth, nWidth, 1, 0, 0);
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(image.Data()) % 64, 0U) << nWidth;
     }
 }
+#endif
 
 TEST(ImageAllocation, LeavesTheAttributeAlone) {
     ClImage image(3, 3, 1, 0, 0);

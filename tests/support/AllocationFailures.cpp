@@ -43,17 +43,8 @@ void Release(void* p) noexcept {
     std::free(p);
 }
 
-void* AllocateOrNull(std::size_t nSize, std::align_val_t eAlignment) noexcept {
-    Count(nSize);
-    void* p = nullptr;
-    if (FailsNow() || posix_memalign(&p, static_cast<std::size_t>(eAlignment), nSize) != 0)
-        return nullptr;
-    return p;
-}
-
-template <class... Alignment>
-void* AllocateOrThrow(std::size_t nSize, Alignment... eAlignment) {
-    void* p = AllocateOrNull(nSize, eAlignment...);
+void* AllocateOrThrow(std::size_t nSize) {
+    void* p = AllocateOrNull(nSize);
     if (p == nullptr && g_eFailure == TestSupport::EFailure::eThrow)
         throw std::bad_alloc();
     return p;
@@ -114,19 +105,6 @@ void* operator new(std::size_t nSize, const std::nothrow_t&) noexcept {
 void* operator new[](std::size_t nSize, const std::nothrow_t&) noexcept {
     return AllocateOrNull(nSize);
 }
-void* operator new(std::size_t nSize, std::align_val_t eAlignment) {
-    return AllocateOrThrow(nSize, eAlignment);
-}
-void* operator new[](std::size_t nSize, std::align_val_t eAlignment) {
-    return AllocateOrThrow(nSize, eAlignment);
-}
-void* operator new(std::size_t nSize, std::align_val_t eAlignment, const std::nothrow_t&) noexcept {
-    return AllocateOrNull(nSize, eAlignment);
-}
-void* operator new[](std::size_t nSize, std::align_val_t eAlignment,
-                     const std::nothrow_t&) noexcept {
-    return AllocateOrNull(nSize, eAlignment);
-}
 void operator delete(void* p) noexcept {
     Release(p);
 }
@@ -144,22 +122,4 @@ void operator delete(void* p, const std::nothrow_t&) noexcept {
 }
 void operator delete[](void* p, const std::nothrow_t&) noexcept {
     Release(p);
-}
-void operator delete(void* p, std::align_val_t) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p, std::align_val_t) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::size_t, std::align_val_t) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p, std::size_t, std::align_val_t) noexcept {
-    std::free(p);
-}
-void operator delete(void* p, std::align_val_t, const std::nothrow_t&) noexcept {
-    std::free(p);
-}
-void operator delete[](void* p, std::align_val_t, const std::nothrow_t&) noexcept {
-    std::free(p);
 }
