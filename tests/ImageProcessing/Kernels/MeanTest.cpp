@@ -77,7 +77,9 @@ TYPED_TEST(MeanKernel, EqualsItsDefinitionOnTheLargestSums) {
     for (long y = 0; y < 70; ++y) // the largest samples leave as the smallest ones enter
         for (long x = 0; x < 140; ++x)
             plane.Set(x, y, y < 33 ? std::numeric_limits<T>::max() : std::numeric_limits<T>::min());
-    for (const auto& [nHalfX, nHalfY] : {std::pair{63L, 16L}, {63L, 31L}, {64L, 16L}}) {
+    for (const auto& Halves : {std::pair{63L, 16L}, {63L, 31L}, {64L, 16L}}) {
+        const long nHalfX = Halves.first; // lambdas take no parts of a pair
+        const long nHalfY = Halves.second;
         SCOPED_TRACE(nHalfX);
         const RealRows aExpected = TruncatedMeans(plane.In(), nHalfX, nHalfY);
         AtEveryLevel([&] { EXPECT_EQ(Mean(plane, nHalfX, nHalfY), aExpected); });
