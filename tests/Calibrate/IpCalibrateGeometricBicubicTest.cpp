@@ -2,7 +2,7 @@
 
 #include "Calibrate/IpCalibrateGeometricBicubic.h"
 
-#include "Calibrate/OpenWarp.h"
+#include "Calibrate/NaiveWarp.h"
 #include "Math/ThinPlateSplines.h"
 #include "Tools/FpImage.h"
 #include "support/AllocationFailures.h"
@@ -16,6 +16,8 @@
 #include <random>
 
 using TestSupport::ClOpenWarp;
+using TestSupport::NaiveEntry;
+using TestSupport::NaiveWarped;
 using TestSupport::PlausibleRecord;
 using TestSupport::StRecord;
 using TestSupport::StWarpEntry;
@@ -54,36 +56,6 @@ void Prepare(ClOpenWarp& rWarp, const StRecord& Record, ClCalibrateGeometricData
     Fill(Record, rData);
     rWarp.m_pData = &rData;
     rWarp.Initiate();
-}
-
-double Kernel(double t) {
-    const double u = t < 0 ? -t : t;
-    return u >= 2   ? 0
-           : u >= 1 ? -0.75 * u * u * u + 3.75 * u * u - 6 * u + 3
-                    : (1.25 * u - 2.25) * u * u + 1;
-}
-
-/// The definition of an entry.
-StWarpEntry Defined(double sx, double sy, int nWidth, int nHeight) {
-    StWarpEntry Entry;
-    if (!(sx >= 1 && sx <= nWidth - 3 && sy >= 1 && sy <= nHeight - 3))
-        return Entry;
-    const float fx =
-        std::min(std::max(static_cast<float>(sx), 1.f), static_cast<float>(nWidth - 3));
-    const float fy =
-        std::min(std::max(static_cast<float>(sy), 1.f), static_cast<float>(nHeight - 3));
-    const int ix = static_cast<int>(fx);
-    const int iy = static_cast<int>(fy);
-    const double dx = static_cast<double>(fx) - ix;
-    const double dy = static_cast<double>(fy) - iy;
-    const double adColumn[] = {-1 - dx, -dx, 1 - dx, 2 - dx};
-    const double adRow[] = {dy + 1, dy, dy - 1, dy - 2};
-    Entry.m_nOffset = (iy - 1) * ((nWidth + 3) & ~3) + ix - 1;
-    for (std::size_t r = 0; r < 4; ++r)
-        for (std::size_t c = 0; c < 4; ++c)
-            Entry.m_anWeights[4 * r + c] =
-                static_cast<std::int16_t>(Kernel(adColumn[c]) * 1024.0 * Kernel(adRow[r]));
-    return Entry;
 }
 
 void FillNoise(ClImage& rImage, unsigned int nSeed) {
@@ -186,7 +158,7 @@ TEST(IpCalibrateGeometricBicubic, CapturesBelowFourPixelsHaveNoSource) {
 
 TEST(IpCalibrateGeometricBicubic, OffsetsThatNoNumberHoldsHaveNoSource) {
     const StSized Warp(0xFFFFFFFF, 0xFFFFFFFF);
-    EXPECT_EQ(Warp.EntryAt(1e6, 1), Defined(1e6, 1, 2000000, 10));
+    EXPECT_EQ(Warp.EntryAt(1e6, 1), NaiveEntry(1e6, 1, 2000000, 10));
     EXPECT_EQ(Warp.EntryAt(5, 2), StWarpEntry()); // the second line begins at 2^32
     EXPECT_EQ(Warp.EntryAt(4294967293.0, 1), StWarpEntry());
     EXPECT_EQ(StSized(65536, 65536).EntryAt(65530, 32768).m_nOffset, 32767 * 65536 + 65529);
@@ -200,7 +172,7 @@ TEST(IpCalibrateGeometricBicubic, EntriesAreThoseOfTheDefinition) {
     for (int i = 0; i < 20000; ++i) {
         const double sx = Position(Random);
         const double sy = Position(Random);
-        EXPECT_EQ(Warp.EntryAt(sx, sy), Defined(sx, sy, 37, 35)) << sx << ", " << sy;
+        EXPECT_EQ(Warp.EntryAt(sx, sy), NaiveEntry(sx, sy, 37, 35)) << sx << ", " << sy;
     }
 }
 
@@ -225,7 +197,7 @@ TEST(IpCalibrateGeometricBicubic, TableHasAnEntryPerPixelAndPlaneInLines) {
                     double sx = 0;
                     double sy = 0;
                     aSplines[p].Transform(x, y, &sx, &sy);
-                    const StWarpEntry Expected = Defined(sx, sy, 48, 132);
+                    const StWarpEntry Expected = NaiveEntry(sx, sy, 48, 132);
                     nInside += Expected.m_nOffset >= 0;
                     ASSERT_EQ(Warp.Entry(nEntry), Expected) << x << ", " << y << ", " << p;
                 }
@@ -315,12 +287,7 @@ TEST(IpCalibrateGeometricBicubic, PixelsAreWeightedSumsAndTheBackground) {
         for (int y = 0; y < 60; ++y)
             for (int i = 0; i < 40 * nPlanes; ++i, ++nEntry) {
                 const StWarpEntry Entry = Warp.Entry(nEntry);
-                int nSum = 0;
-                for (int n = 0; Entry.m_nOffset >= 0 && n < 16; ++n)
-                    nSum += Entry.m_anWeights[static_cast<std::size_t>(n)] *
-                            In.Data()[Entry.m_nOffset + n / 4 * nLine + n % 4 * nPlanes];
-                const int nExpected =
-                    Entry.m_nOffset < 0 ? 99 : std::min(std::max((nSum + 1023) >> 10, 0), 255);
+                const int nExpected = NaiveWarped(Entry, In.Data(), nLine, nPlanes, 99);
                 ASSERT_EQ(Out.LineData(y)[i], nExpected) << nPlanes << ": " << i << ", " << y;
             }
     }

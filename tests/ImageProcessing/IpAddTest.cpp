@@ -1,6 +1,6 @@
 #include "ImageProcessing/IpAdd.h"
 
-#include "ImageProcessing/NaiveArithmetic.h"
+#include "ImageProcessing/NaiveOperators.h"
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
@@ -11,6 +11,7 @@ using TestSupport::ceDefault;
 using TestSupport::ClTestImage;
 using TestSupport::EdgeImage;
 using TestSupport::Img;
+using TestSupport::NaiveAdded;
 using TestSupport::NaivePairs;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
@@ -18,7 +19,7 @@ using TestSupport::RealPixels;
 using TestSupport::RealRows;
 using TestSupport::Rows;
 using TestSupport::StRange;
-using TestSupport::TypedSample;
+using TestSupport::SumInLanguage;
 
 ClTestImage Sum(ClIpAdd::EProcessingMode eMode, ClImage& In1, ClImage& In2,
                 unsigned char nOut = ceDefault) {
@@ -119,47 +120,18 @@ TEST(IpAdd, ClipsWhatIsNotANumberToTheLowerBound) {
 
 // Against the arithmetic of the language
 
-/// The sum in the type that the language forms it in, signed overflow wrapped, and its half.
-struct StSum {
-    template <class T1, class T2>
-    StSum(T1 a, T2 b) {
-        using Type = decltype(a + b);
-        if constexpr (std::is_same_v<Type, int>) {
-            const auto sum = static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
-            m_dSum = sum;
-            m_dHalf = sum / 2;
-        } else if constexpr (std::is_same_v<Type, unsigned>) {
-            m_dSum = a + b;
-            m_dHalf = (a + b) / 2;
-        } else {
-            const Type sum = static_cast<Type>(a) + static_cast<Type>(b);
-            m_dSum = static_cast<double>(sum);
-            m_dHalf = static_cast<double>(sum) * 0.5;
-        }
-    }
-    double m_dSum;
-    double m_dHalf;
-};
-
-StSum SumInLanguage(unsigned char nType1, double a, unsigned char nType2, double b) {
-    return std::visit([](auto x, auto y) { return StSum(x, y); }, TypedSample(nType1, a),
-                      TypedSample(nType2, b));
-}
-
 void ExpectAllModes(ClImage& In1, ClImage& In2, unsigned char nOut) {
     const StRange Range(nOut);
-    const auto expect = [&](ClIpAdd::EProcessingMode eMode, auto value) {
+    for (auto eMode : {ClIpAdd::ModeCut, ClIpAdd::ModeScale, ClIpAdd::ModeEnlarge})
         EXPECT_EQ(RealPixels(Sum(eMode, In1, In2, nOut)),
                   NaivePairs(In1, In2, nOut,
                              [&](double a, double b) {
-                                 return value(SumInLanguage(In1.DataType(), a, In2.DataType(), b));
+                                 return NaiveAdded(
+                                     eMode, SumInLanguage(In1.DataType(), a, In2.DataType(), b),
+                                     Range);
                              }))
             << "mode " << eMode << ": " << int{In1.DataType()} << " + " << int{In2.DataType()}
             << " to " << int{nOut};
-    };
-    expect(ClIpAdd::ModeCut, [&](const StSum& Sum) { return Range.Clip(Sum.m_dSum); });
-    expect(ClIpAdd::ModeScale, [&](const StSum& Sum) { return Range.Clip(Sum.m_dHalf); });
-    expect(ClIpAdd::ModeEnlarge, [&](const StSum& Sum) { return Sum.m_dSum; });
 }
 
 TEST(IpAdd, EqualsTheLanguageForEveryCombinationOfTypes) {

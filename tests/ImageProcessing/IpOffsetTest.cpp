@@ -1,6 +1,6 @@
 #include "ImageProcessing/IpOffset.h"
 
-#include "ImageProcessing/NaiveArithmetic.h"
+#include "ImageProcessing/NaiveOperators.h"
 #include "support/AllocationFailures.h"
 #include "support/Throws.h"
 
@@ -94,16 +94,6 @@ TEST(IpOffset, ClipsToTheRangeOfTheImage) {
 
 // Against the definition
 
-double NaiveOffset(const ClImage& Image, double v, double dOffset) {
-    const unsigned char nType = Image.DataType();
-    const bool bInteger = !ClImage::IsFloat(nType) && nType != ClImage::eUInt8;
-    if (bInteger)
-        dOffset = std::isnan(dOffset) ? 0.0 : std::trunc(dOffset);
-    if (dOffset == 0.0 && nType != ClImage::eUInt8)
-        return v;
-    return TestSupport::Clipped(v + dOffset, Image.Black(), Image.White());
-}
-
 TEST(IpOffset, EqualsItsDefinitionForEveryType) {
     for (unsigned char nType : caPixelTypes)
         for (double dOffset : {0.0, 0.25, 1.0, -1.0, 127.5, -128.5, 70000.0, -70000.0, 4294967295.0,
@@ -114,7 +104,7 @@ TEST(IpOffset, EqualsItsDefinitionForEveryType) {
                 RealRows aExpected = RealPixels(in);
                 for (auto& aRow : aExpected)
                     for (double& d : aRow)
-                        d = TestSupport::Stored(nType, NaiveOffset(in, d, dOffset));
+                        d = TestSupport::Stored(nType, TestSupport::NaiveOffset(in, d, dOffset));
                 EXPECT_EQ(RealPixels(Moved(in, dOffset)), aExpected)
                     << int{nType} << " + " << dOffset;
             }

@@ -1,65 +1,40 @@
 // The area-weighted resampling in two passes.
 
-#include "ImageProcessing/RescaleCases.h"
+#include "ImageProcessing/NaiveRescale.h"
 #include "Tools/ProfileTimer.h"
 
 #include <algorithm>
-#include <cmath>
 #include <string>
 #include <vector>
 
 namespace {
 
-using TestSupport::At;
 using TestSupport::caByteTypes;
 using TestSupport::caRescaleSizes;
 using TestSupport::ClTestImage;
-using TestSupport::Height;
 using TestSupport::Img;
-using TestSupport::MakeRows;
+using TestSupport::NaiveFant;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::RescaledToSize;
 using TestSupport::Rows;
 using TestSupport::StSizes;
-using TestSupport::Transposed;
-using TestSupport::Width;
 
 constexpr auto ceFant = ClIpRescale::ModeBiLinearFantMar;
-
-/// The mean of line `y` from x * w / W to (x + 1) * w / W, by the overlap with every sample.
-long double AreaMean(const Rows& aIn, int x, int y, int nWidth) {
-    const long double dIn = Width(aIn);
-    long double dSum = 0.0L;
-    for (int k = 0; k < Width(aIn); ++k) { // in parts of 1 / W: all terms are whole numbers
-        const long double dFrom = std::max(x * dIn, static_cast<long double>(k) * nWidth);
-        const long double dTo = std::min((x + 1) * dIn, static_cast<long double>(k + 1) * nWidth);
-        dSum += std::max(0.0L, dTo - dFrom) * At(aIn, k, y);
-    }
-    return dSum / dIn;
-}
-
-Rows NaiveResample(const Rows& aIn, int nWidth) {
-    return MakeRows(nWidth, Height(aIn),
-                    [&](int x, int y) { return static_cast<int>(AreaMean(aIn, x, y, nWidth)); });
-}
 
 TEST(IpRescaleFant, EqualsAreaWeightsAtManySizes) {
     for (unsigned char nType : caByteTypes)
         for (const StSizes& s : caRescaleSizes) {
             ClTestImage in = RandomImage(nType, s.m_nInWidth, s.m_nInHeight, 1, 1);
-            const Rows aLines = NaiveResample(Pixels(in), s.m_nOutWidth);
             EXPECT_EQ(RescaledToSize(in, s.m_nOutWidth, s.m_nOutHeight, ceFant),
-                      Transposed(NaiveResample(Transposed(aLines), s.m_nOutHeight)))
+                      NaiveFant(Pixels(in), s.m_nOutWidth, s.m_nOutHeight))
                 << s.m_nInWidth << " x " << s.m_nInHeight;
         }
 }
 
 TEST(IpRescaleFant, EqualsAreaWeightsBeyondATile) {
     ClTestImage in = RandomImage(ClImage::eUInt8, 71, 67, 1, 2);
-    const Rows aLines = NaiveResample(Pixels(in), 45);
-    EXPECT_EQ(RescaledToSize(in, 45, 90, ceFant),
-              Transposed(NaiveResample(Transposed(aLines), 90)));
+    EXPECT_EQ(RescaledToSize(in, 45, 90, ceFant), NaiveFant(Pixels(in), 45, 90));
 }
 
 TEST(IpRescaleFant, MeansByHand) {

@@ -1,97 +1,32 @@
 // Bilinear: interpolation where an axis grows, box integration where it shrinks.
 
-#include "ImageProcessing/RescaleCases.h"
+#include "ImageProcessing/NaiveRescale.h"
 
 #include <algorithm>
-#include <cstdint>
 
 namespace {
 
-using TestSupport::At;
 using TestSupport::caByteTypes;
 using TestSupport::caRescaleSizes;
 using TestSupport::ClTestImage;
 using TestSupport::FlatImage;
-using TestSupport::Height;
 using TestSupport::Img;
-using TestSupport::MakeRows;
+using TestSupport::NaiveBiLinear;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::RescaledToSize;
 using TestSupport::Rows;
 using TestSupport::StSizes;
-using TestSupport::Transposed;
-using TestSupport::Width;
 
 constexpr auto ceBiLinear = ClIpRescale::ModeBiLinear;
-
-/// Position, first neighbour and weight of the second, for one axis.
-struct StPlace {
-    int m_nFirst;
-    int m_nSecond;
-    int m_nWeight;
-};
-
-StPlace PlaceOf(int nOut, int nIn, int nOutSize) {
-    const int nStep = (nIn << 12) / nOutSize;
-    const int nAt = std::max(0, nOut * nStep + (nStep >> 1) - 2048);
-    return {std::min(nAt / 4096, nIn - 1), std::min(nAt / 4096 + 1, nIn - 1), nAt % 4096};
-}
-
-/// What is kept of a sum in a sample.
-int Kept(int nSum, bool bSigned) {
-    return bSigned ? static_cast<std::int8_t>(nSum) : static_cast<std::uint8_t>(nSum);
-}
-
-Rows NaiveBiLinear(const Rows& aIn, int nWidth, int nHeight, bool bSigned) {
-    return MakeRows(nWidth, nHeight, [&](int x, int y) {
-        const StPlace X = PlaceOf(x, Width(aIn), nWidth);
-        const StPlace Y = PlaceOf(y, Height(aIn), nHeight);
-        int nSum = 0;
-        for (int j = 0; j < 2; ++j)
-            for (int i = 0; i < 2; ++i) {
-                const int nWeightX = i == 0 ? 4096 - X.m_nWeight : X.m_nWeight;
-                const int nWeightY = j == 0 ? 4096 - Y.m_nWeight : Y.m_nWeight;
-                const int nSample =
-                    At(aIn, i == 0 ? X.m_nFirst : X.m_nSecond, j == 0 ? Y.m_nFirst : Y.m_nSecond);
-                nSum += (((nWeightY * nWeightX) >> 12) * nSample) >> 12;
-            }
-        return Kept(nSum, bSigned);
-    });
-}
-
-/// Means along the lines, of cells that cover parts of samples, by the overlap of every cell with
-/// every sample.
-Rows CellMeans(const Rows& aIn, int nWidth) {
-    const long long nIn = Width(aIn);
-    const long long nStep = nIn * 4096 / nWidth;
-    return MakeRows(nWidth, Height(aIn), [&](int x, int y) {
-        const long long nFrom = x * nStep;
-        const long long nTo = x == nWidth - 1 ? nIn * 4096 : nFrom + nStep;
-        long long nSum = 0;
-        for (long long k = 0; k < nIn; ++k)
-            nSum += std::max(0LL, std::min(nTo, (k + 1) * 4096) - std::max(nFrom, k * 4096)) *
-                    At(aIn, k, y);
-        return static_cast<int>(nSum / (nTo - nFrom));
-    });
-}
-
-Rows NaiveMode(Rows aRows, int nWidth, int nHeight, bool bSigned) {
-    if (nWidth < Width(aRows))
-        aRows = CellMeans(aRows, nWidth);
-    if (nHeight < Height(aRows))
-        aRows = Transposed(CellMeans(Transposed(aRows), nHeight));
-    if (nWidth > Width(aRows) || nHeight > Height(aRows))
-        aRows = NaiveBiLinear(aRows, nWidth, nHeight, bSigned);
-    return aRows;
-}
 
 TEST(IpRescaleLinear, EqualsTheDefinitionAtManySizes) {
     for (unsigned char nType : caByteTypes)
         for (const StSizes& s : caRescaleSizes) {
             ClTestImage in = RandomImage(nType, s.m_nInWidth, s.m_nInHeight, 1, 1);
-            EXPECT_EQ(RescaledToSize(in, s.m_nOutWidth, s.m_nOutHeight, ceBiLinear),
-                      NaiveMode(Pixels(in), s.m_nOutWidth, s.m_nOutHeight, nType == ClImage::eInt8))
+            EXPECT_EQ(
+                RescaledToSize(in, s.m_nOutWidth, s.m_nOutHeight, ceBiLinear),
+                NaiveBiLinear(Pixels(in), s.m_nOutWidth, s.m_nOutHeight, nType == ClImage::eInt8))
                 << s.m_nInWidth << " x " << s.m_nInHeight << " to " << s.m_nOutWidth << " x "
                 << s.m_nOutHeight;
         }
@@ -102,7 +37,7 @@ TEST(IpRescaleLinear, EqualsTheDefinitionOnLinesLongerThanABlock) {
     for (int nWidth : {1100, 1099, 600, 3})
         for (int nHeight : {2, 5})
             EXPECT_EQ(RescaledToSize(in, nWidth, nHeight, ceBiLinear),
-                      NaiveMode(Pixels(in), nWidth, nHeight, true));
+                      NaiveBiLinear(Pixels(in), nWidth, nHeight, true));
 }
 
 TEST(IpRescaleLinear, AlignsPixelCentres) {

@@ -1,6 +1,6 @@
 // The nearest neighbour and the whole factors: the modes that only move samples.
 
-#include "ImageProcessing/RescaleCases.h"
+#include "ImageProcessing/NaiveRescale.h"
 
 #include <climits>
 
@@ -12,7 +12,8 @@ using TestSupport::caRescaleSizes;
 using TestSupport::ClTestImage;
 using TestSupport::Height;
 using TestSupport::Img;
-using TestSupport::MakeRows;
+using TestSupport::NaiveNearest;
+using TestSupport::NaiveWhole;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::RescaledToPels;
@@ -20,19 +21,11 @@ using TestSupport::RescaledToSize;
 using TestSupport::Rows;
 using TestSupport::StSizes;
 using TestSupport::Transposed;
+using TestSupport::WholeFactor;
 using TestSupport::Width;
 
 constexpr auto ceNearest = ClIpRescale::ModeNearestNeighbour;
 constexpr auto ceWhole = ClIpRescale::ModeWholeNumbered;
-
-/// The definition, with one step per axis.
-Rows NaiveNearest(const Rows& aIn, int nWidth, int nHeight, long long nStepX, long long nStepY) {
-    return MakeRows(nWidth, nHeight, [&](int x, int y) {
-        const long long nX = (x * nStepX) >> 12;
-        const long long nY = (y * nStepY) >> 12;
-        return nX < Width(aIn) && nY < Height(aIn) ? At(aIn, nX, nY) : 0;
-    });
-}
 
 TEST(IpRescaleNearest, StepsBySizesWithoutResolutions) {
     for (unsigned char nType : caByteTypes)
@@ -154,6 +147,18 @@ TEST(IpRescaleWholeNumbered, PicksSamplesByTheRoundedFactor) {
     EXPECT_EQ(WholeLine(8, 251, 100), Line({1, 4, 7, 0}));    // the fourth would be sample 10
     EXPECT_EQ(WholeLine(5, 120, 100), Line({1, 2, 3, 4, 5})); // a copy: trunc(4.17 + 0.9999)
     EXPECT_EQ(WholeLine(12, 120, 100), Line({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
+}
+
+TEST(IpRescaleWholeNumbered, EqualsTheDefinitionAtManyResolutions) {
+    for (int nPelsX : {20, 41, 99, 100, 130, 301})
+        for (int nPelsY : {30, 110, 165, 276}) {
+            ClTestImage in = RandomImage(ClImage::eInt8, 11, 13, 1, 5);
+            in.SetPelsX(100);
+            in.SetPelsY(110);
+            const Rows aOut = RescaledToPels(in, nPelsX, nPelsY, ceWhole);
+            EXPECT_EQ(aOut, NaiveWhole(Pixels(in), Width(aOut), Height(aOut),
+                                       WholeFactor(100, nPelsX), WholeFactor(110, nPelsY)));
+        }
 }
 
 TEST(IpRescaleWholeNumbered, ScalesTheAxesApart) {

@@ -1,6 +1,6 @@
 #include "ImageProcessing/IpSubtract.h"
 
-#include "ImageProcessing/NaiveArithmetic.h"
+#include "ImageProcessing/NaiveOperators.h"
 #include "support/AllocationFailures.h"
 
 namespace {
@@ -10,6 +10,7 @@ using TestSupport::ceDefault;
 using TestSupport::ClTestImage;
 using TestSupport::EdgeImage;
 using TestSupport::Img;
+using TestSupport::NaiveBounds;
 using TestSupport::NaivePairs;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
@@ -181,24 +182,6 @@ TEST(IpSubtract, DoesNotClipAtABoundThatIsNotANumber) {
 
 // Against the definition
 
-struct StBounds {
-    double m_dLower;
-    double m_dUpper;
-
-    double Clip(double d) const { return d < m_dLower ? m_dLower : d > m_dUpper ? m_dUpper : d; }
-};
-
-StBounds NaiveBounds(const ClIpSubtract& Subtract, const ClImage& In1, const ClImage& In2,
-                     unsigned char nOut) {
-    const TestSupport::StRange Range(nOut);
-    StBounds Bounds = {Range.m_dBlack, Range.m_dWhite};
-    if (Subtract.m_eDataRange == ClIpSubtract::InputDependent)
-        Bounds = {In1.Black() - In2.White(), In1.White() - In2.Black()};
-    if (Subtract.m_eDataRange == ClIpSubtract::UserDependent)
-        Bounds = {Subtract.m_dLowerBound, Subtract.m_dUpperBound};
-    return {Stored(nOut, Bounds.m_dLower), Stored(nOut, Bounds.m_dUpper)};
-}
-
 void ExpectAllRanges(ClImage& In1, ClImage& In2, unsigned char nOut) {
     for (auto eRange :
          {ClIpSubtract::DataDependent, ClIpSubtract::InputDependent, ClIpSubtract::UserDependent}) {
@@ -208,7 +191,7 @@ void ExpectAllRanges(ClImage& In1, ClImage& In2, unsigned char nOut) {
         subtract.m_eDataRange = eRange;
         subtract.m_dLowerBound = -33.5;
         subtract.m_dUpperBound = 77.25;
-        const StBounds Bounds = NaiveBounds(subtract, In1, In2, nOut);
+        const TestSupport::StBounds Bounds = NaiveBounds(subtract, In1, In2, nOut);
         ClImage out;
         EXPECT_EQ(subtract.ApplyParam(In1, In2, out, nOut), 0);
         EXPECT_EQ(RealPixels(out), NaivePairs(In1, In2, nOut, [&](double a, double b) {
