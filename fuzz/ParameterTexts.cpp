@@ -1,6 +1,7 @@
 // The tree of parameters: paths, texts, formats and rooms of any kind.
 
 #include "Refusals.h"
+#include "TextRoom.h"
 
 #include "Tools/ParameterContainer.h"
 
@@ -34,35 +35,18 @@ struct StTree {
     ClParameterContainer m_Root;
 };
 
-/// Asks for a text with a room of no bytes, and of as many as are told. Nothing where there is
-/// none.
-template <class Ask>
-std::string Answer(Ask ask) {
-    unsigned long nSize = 0;
-    const bool bGiven = ask(static_cast<char*>(nullptr), nSize);
-    Fuzz::Require(!bGiven, "no text fits into no room");
-    if (nSize == 0 || nSize > (1U << 20))
-        return {};
-    const Fuzz::ClBlock room(std::string(nSize, '?'));
-    char* const pRoom = reinterpret_cast<char*>(room.Data());
-    Fuzz::Require(ask(pRoom, nSize), "the size that was told is enough");
-    Fuzz::Require(pRoom[nSize - 1] == '\0' && nSize == room.Size(),
-                  "a text ends where its size says"); // "%c" may print a zero before
-    return pRoom;
-}
-
 void Read(ClParameter& rParameter) {
     Fuzz::Try([&] {
         const std::string Text =
-            Answer([&](char* p, unsigned long& n) { return rParameter.GetValue(p, n); });
+            Fuzz::TextOf([&](char* p, unsigned long& n) { return rParameter.GetValue(p, n); });
         if (!Text.empty())
             s_Printed.Reach();
     });
     Fuzz::Try([&] {
-        Answer([&](char* p, unsigned long& n) { return rParameter.GetDefaultValue(p, n); });
+        Fuzz::TextOf([&](char* p, unsigned long& n) { return rParameter.GetDefaultValue(p, n); });
     });
     const std::string Path =
-        Answer([&](char* p, unsigned long& n) { return rParameter.GetPathName(p, n); });
+        Fuzz::TextOf([&](char* p, unsigned long& n) { return rParameter.GetPathName(p, n); });
     Fuzz::Require(!Path.empty(), "a parameter has a path");
 }
 
