@@ -182,10 +182,23 @@ void CompareLargest(const StPair& Pair) {
         Pair, [](ClIpMax&) {}, [&](double a, double b) { return Range.Clip(b > a ? b : a); });
 }
 
+/// By the table of all pairs of bytes, whatever the operator's own loop would do.
+template <class Operator>
+void CompareByTable(const StPair& Pair, double (*pfnValue)(double, double)) {
+    const StRange Range(Pair.m_nOut);
+    CompareTwo<Operator>(
+        Pair, [](Operator& ip) { ip.m_bUseLUT = true; },
+        [&](double a, double b) { return Range.Clip(pfnValue(a, b)); });
+}
+
 void CompareTwo(Fuzz::ClBytes& rBytes) {
-    const int nOperator = rBytes.Below(7);
-    const unsigned char nType1 = TypeFrom(rBytes);
-    const unsigned char nType2 = TypeFrom(rBytes);
+    const int nOperator = rBytes.Below(9);
+    const bool bByTable = nOperator >= 7;
+    const unsigned char nTold1 = TypeFrom(rBytes);
+    const unsigned char nTold2 = TypeFrom(rBytes);
+    const unsigned char nByte = ClImage::eUInt8;
+    const unsigned char nType1 = bByTable ? nByte : nTold1;
+    const unsigned char nType2 = bByTable ? nByte : nTold2;
     const unsigned char nOut = TypeFrom(rBytes);
     const double dLower = NumberFrom(rBytes);
     const double dUpper = NumberFrom(rBytes);
@@ -198,8 +211,12 @@ void CompareTwo(Fuzz::ClBytes& rBytes) {
     else if (nOperator < 6)
         CompareDifferences(Pair, static_cast<ClIpSubtract::EDataRangeType>(nOperator - 3), dLower,
                            dUpper);
-    else
+    else if (nOperator == 6)
         CompareLargest(Pair);
+    else if (nOperator == 7)
+        CompareByTable<ClIpMax>(Pair, [](double a, double b) { return std::max(a, b); });
+    else
+        CompareByTable<ClIpSubtract>(Pair, [](double a, double b) { return a - b; });
 }
 
 // Lengths
