@@ -1,10 +1,9 @@
 #include "ImageProcessing/IpBinarizeLocal2.h"
 
+#include "ImageProcessing/NaiveLocalThreshold.h"
 #include "support/AllocationFailures.h"
-#include "support/Images.h"
 #include "support/Throws.h"
 
-#include <algorithm>
 #include <limits>
 #include <vector>
 
@@ -14,53 +13,13 @@ using TestSupport::ClTestImage;
 using TestSupport::ExpectSameImage;
 using TestSupport::FlatImage;
 using TestSupport::Img;
+using TestSupport::NaiveThresholded;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
+using TestSupport::StLocalThreshold;
 
-struct StSettings {
-    long m_nSizeX, m_nSizeY, m_nOffset;
-    int m_nBelow = 0, m_nAbove = 255;
-};
-
-/// One pixel, with the window written out: it is clipped, and where no side of it is clipped, an
-/// even number of columns counts one less than it sums.
-int DefinedPixel(const Rows& aIn, const StSettings& s, long x, long y) {
-    const long nWidth = static_cast<long>(aIn[0].size());
-    const long nHeight = static_cast<long>(aIn.size());
-    const long hx = s.m_nSizeX / 2;
-    const long hy = s.m_nSizeY / 2;
-    long nSum = 0;
-    long nLines = 0;
-    long nColumns = 0;
-    for (long v = std::max(0L, y - hy); v <= std::min(nHeight - 1, y + hy); ++v) {
-        ++nLines;
-        nColumns = 0;
-        for (long u = std::max(0L, x - hx); u <= std::min(nWidth - 1, x + hx); ++u) {
-            nSum += aIn[static_cast<std::size_t>(v)][static_cast<std::size_t>(u)];
-            ++nColumns;
-        }
-    }
-    if (x >= hx && x < nWidth - hx)
-        nColumns = s.m_nSizeX;
-    const long nPixel = aIn[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)];
-    return (nPixel + s.m_nOffset) * nLines * nColumns > nSum ? s.m_nAbove : s.m_nBelow;
-}
-
-Rows Defined(const Rows& aIn, const StSettings& Settings) {
-    const auto nWidth = static_cast<long>(aIn[0].size());
-    const auto nHeight = static_cast<long>(aIn.size());
-    if (nWidth < Settings.m_nSizeX || nHeight < Settings.m_nSizeY)
-        return aIn;
-    Rows aOut = aIn;
-    for (long y = 0; y < nHeight; ++y)
-        for (long x = 0; x < nWidth; ++x)
-            aOut[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] =
-                DefinedPixel(aIn, Settings, x, y);
-    return aOut;
-}
-
-Rows Binarized(const ClTestImage& In, const StSettings& Settings) {
+Rows Binarized(const ClTestImage& In, const StLocalThreshold& Settings) {
     ClTestImage in(In);
     ClImage out;
     ClIpBinarizeLocal2 ip;
@@ -87,8 +46,8 @@ TEST(IpBinarizeLocal2, EqualsItsDefinitionForEveryWindow) {
     const Rows aIn = Pixels(image);
     for (long nSizeX = 1; nSizeX <= 13; ++nSizeX)
         for (long nSizeY = 1; nSizeY <= 10; ++nSizeY) {
-            const StSettings Settings = {nSizeX, nSizeY, 0};
-            EXPECT_EQ(Binarized(image, Settings), Defined(aIn, Settings))
+            const StLocalThreshold Settings = {nSizeX, nSizeY, 0};
+            EXPECT_EQ(Binarized(image, Settings), NaiveThresholded(aIn, Settings))
                 << nSizeX << " x " << nSizeY;
         }
 }
@@ -102,8 +61,8 @@ TEST(IpBinarizeLocal2, EqualsItsDefinitionForImagesOfEverySize) {
         for (long nSizeX : {1L, 2L, 3L, 5L, 6L, 11L, 16L})
             for (long nSizeY : {1L, 2L, 3L, 8L, 21L})
                 for (long nOffset : {0L, 17L, -40L}) {
-                    const StSettings Settings = {nSizeX, nSizeY, nOffset, 30, 40};
-                    EXPECT_EQ(Binarized(image, Settings), Defined(aIn, Settings))
+                    const StLocalThreshold Settings = {nSizeX, nSizeY, nOffset, 30, 40};
+                    EXPECT_EQ(Binarized(image, Settings), NaiveThresholded(aIn, Settings))
                         << s[0] << " x " << s[1] << ", window " << nSizeX << " x " << nSizeY
                         << ", offset " << nOffset;
                 }
@@ -114,9 +73,9 @@ TEST(IpBinarizeLocal2, IsNowhereAboveTheMeanOfAConstantImage) {
     for (int nValue : {0, 1, 100, 255})
         for (long nSize : {1L, 3L, 11L}) {
             const ClTestImage image = FlatImage(ClImage::eUInt8, 15, 13, 1, nValue);
-            const StSettings Equal = {nSize, nSize, 0, 7, 9};
+            const StLocalThreshold Equal = {nSize, nSize, 0, 7, 9};
             EXPECT_EQ(Binarized(image, Equal), Rows(13, std::vector<int>(15, 7)));
-            const StSettings Above = {nSize, nSize, 1, 7, 9};
+            const StLocalThreshold Above = {nSize, nSize, 1, 7, 9};
             EXPECT_EQ(Binarized(image, Above), Rows(13, std::vector<int>(15, 9)));
         }
 }
@@ -171,7 +130,7 @@ TEST(IpBinarizeLocal2, CopiesAnImageThatIsSmallerThanTheWindow) {
 
 TEST(IpBinarizeLocal2, WorksOntoItself) {
     ClTestImage image = RandomImage(ClImage::eUInt8, 17, 9, 1, 4);
-    const Rows aExpected = Defined(Pixels(image), {5, 3, 2});
+    const Rows aExpected = NaiveThresholded(Pixels(image), {5, 3, 2});
     ClIpBinarizeLocal2 ip;
     EXPECT_EQ(ip.ApplyParam(image, image, 5, 3, 2), 0);
     EXPECT_EQ(Pixels(image), aExpected);
@@ -196,7 +155,7 @@ TEST(IpBinarizeLocal2, DecidesForOffsetsBeyondAllPixelsWhereAColumnIsNotCounted)
     for (long nSizeX : {2L, 4L, 6L})
         for (long nOffset = 250; nOffset < 400; ++nOffset)
             EXPECT_EQ(Binarized(image, {nSizeX, 3, nOffset}),
-                      Defined(Pixels(image), {nSizeX, 3, nOffset}))
+                      NaiveThresholded(Pixels(image), {nSizeX, 3, nOffset}))
                 << nSizeX << ' ' << nOffset;
 }
 
@@ -205,7 +164,7 @@ TEST(IpBinarizeLocal2, ComparesTheFirstBytesOfEachLineOfSeveralPlanes) {
     Rows aFirst = Pixels(in); // 30 samples a line
     for (std::vector<int>& aRow : aFirst)
         aRow.resize(10);
-    Rows aExpected = Defined(aFirst, {3, 3, 5});
+    Rows aExpected = NaiveThresholded(aFirst, {3, 3, 5});
     for (std::vector<int>& aRow : aExpected)
         aRow.resize(30, 0);
     EXPECT_EQ(Binarized(in, {3, 3, 5}), aExpected);

@@ -2,6 +2,7 @@
 
 #include "ImageProcessing/IpFilterGauss.h"
 #include "ImageProcessing/NaiveLinearFilter.h"
+#include "ImageProcessing/NaiveSharpening.h"
 #include "support/AllocationFailures.h"
 #include "support/Images.h"
 #include "support/InstructionLevels.h"
@@ -20,27 +21,13 @@ using TestSupport::ClTestImage;
 using TestSupport::ExpectTree;
 using TestSupport::FlatImage;
 using TestSupport::Img;
+using TestSupport::NaiveSharpened;
 using TestSupport::Pixels;
 using TestSupport::RandomImage;
 using TestSupport::Rows;
 using TestSupport::TreeEnum;
 using TestSupport::TreeNumber;
 using TestSupport::TreePointer;
-
-/// The sharpened image from a sample and its low pass, by the definition.
-Rows Sharpened(const Rows& aIn, const Rows& aLow, double dAmplification, long nThreshold) {
-    Rows aOut = aIn;
-    for (std::size_t y = 0; y < aIn.size(); ++y)
-        for (std::size_t x = 0; x < aIn[y].size(); ++x) {
-            const int p = aIn[y][x];
-            const int d = p - aLow[y][x];
-            if (nThreshold != 0 && d >= -nThreshold && d <= nThreshold)
-                continue;
-            const double dValue = p + d * dAmplification;
-            aOut[y][x] = static_cast<int>(std::min(255.0, std::max(0.0, dValue)));
-        }
-    return aOut;
-}
 
 /// The low pass of each plane by itself, as rows of one image.
 Rows LowPass(const ClTestImage& In, double dSigma, long nWidth, long nMode) {
@@ -146,7 +133,7 @@ TEST(IpUnsharpMasking, StoresTheWidthThatItIsGiven) {
     ClIpUnsharpMasking unsharp;
     EXPECT_EQ(unsharp.ApplyParam(in, out, 5), 0);
     EXPECT_EQ(unsharp.m_nLowPassFilterWidth, 5);
-    EXPECT_EQ(Pixels(out), Sharpened(Pixels(in), LowPass(in, 2.0, 5, 3), 1.0, 0));
+    EXPECT_EQ(Pixels(out), NaiveSharpened(Pixels(in), LowPass(in, 2.0, 5, 3), 1.0, 0));
 }
 
 TEST(IpUnsharpMasking, AddsTheDifferenceToTheLowPass) {
@@ -218,8 +205,8 @@ TEST(IpUnsharpMasking, EqualsTheDefinition) {
                     ClImage out;
                     EXPECT_EQ(unsharp.ApplyParam(in, out, 0), 0);
                     const Rows aExpected =
-                        Sharpened(Pixels(in), LowPass(in, 0.9, 0, nMode), settings.m_dAmplification,
-                                  settings.m_nThreshold);
+                        NaiveSharpened(Pixels(in), LowPass(in, 0.9, 0, nMode),
+                                       settings.m_dAmplification, settings.m_nThreshold);
                     EXPECT_EQ(Pixels(out), aExpected);
                     EXPECT_EQ(unsharp.ApplyParam(in, in, 0), 0); // through a local image
                     EXPECT_EQ(Pixels(in), aExpected);
@@ -279,7 +266,7 @@ TEST(IpUnsharpMasking, AnswersEveryMissingAllocation) {
         image = copy;
         EXPECT_EQ(unsharp.ApplyParam(image, image, 0), 0);
     });
-    EXPECT_EQ(Pixels(image), Sharpened(Pixels(copy), LowPass(copy, 2.0, 0, 3), 1.0, 0));
+    EXPECT_EQ(Pixels(image), NaiveSharpened(Pixels(copy), LowPass(copy, 2.0, 0, 3), 1.0, 0));
 }
 
 /// In one pass over the columns, and what is next to that.
@@ -291,8 +278,8 @@ TEST(IpUnsharpMasking, SharpensColumnsAsItsDefinition) {
                 for (const long nThreshold : {0L, 30L}) {
                     SCOPED_TRACE(testing::Message() << dSigma << ' ' << nWidth << ' '
                                                     << dAmplification << ' ' << nThreshold);
-                    const Rows aExpected = Sharpened(Pixels(In), LowPass(In, dSigma, nWidth, 2),
-                                                     dAmplification, nThreshold);
+                    const Rows aExpected = NaiveSharpened(
+                        Pixels(In), LowPass(In, dSigma, nWidth, 2), dAmplification, nThreshold);
                     TestSupport::AtEveryLevel([&] {
                         ClIpUnsharpMasking unsharp;
                         unsharp.m_nMode = 2;
