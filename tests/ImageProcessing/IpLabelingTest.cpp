@@ -188,6 +188,18 @@ TEST(IpLabeling, MayRunAgainOnOtherImages) {
     }
 }
 
+TEST(IpLabeling, BeginsWithoutTheSeedsThatARunLeft) {
+    ClTestImage in = Drawn({"#.#"});
+    ClImage out;
+    ClIpLabeling labeling;
+    labeling.m_pInImage = &in;
+    labeling.m_pOutImage = &out;
+    labeling.m_LineParts.Push({2, 0}); // would join what does not touch
+    EXPECT_EQ(labeling.Apply(), 0);
+    EXPECT_EQ(labeling.m_nLabels, 2);
+    EXPECT_EQ(Pixels(out), Rows({{1, 0, 2}}));
+}
+
 TEST(IpLabeling, SaysWhichImageIsMissing) {
     ClTestImage in = Drawn({"#"});
     ClImage out;
