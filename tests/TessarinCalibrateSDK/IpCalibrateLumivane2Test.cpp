@@ -333,6 +333,7 @@ TEST(IpCalibrateLumivane2, DynamicStepGivesTheImage) {
     ASSERT_EQ(Ready.m_Engine.Apply(), 0);
     EXPECT_EQ(Ready.Step().m_pOutImage, &Ready.m_Out);
     EXPECT_EQ(Ready.Step().m_pOutMaskImage, nullptr);
+    EXPECT_FALSE(Ready.Step().m_bMaskOnly);
     EXPECT_EQ(Ready.m_Out.Height(), 66);
     EXPECT_TRUE(IsWhite(Ready.m_Out));
     EXPECT_EQ(Ready.Step().m_dDirtWarningLevel, 100.0);
@@ -344,6 +345,7 @@ TEST(IpCalibrateLumivane2, DynamicStepGivesTheMaskWhereItIsAskedFor) {
     ASSERT_EQ(Ready.m_Engine.Apply(), 0);
     EXPECT_EQ(Ready.Step().m_pOutMaskImage, &Ready.m_Out);
     EXPECT_NE(Ready.Step().m_pOutImage, &Ready.m_Out); // it is dropped
+    EXPECT_TRUE(Ready.Step().m_bMaskOnly);
     EXPECT_EQ(Ready.m_Out.Height(), 66);
     EXPECT_TRUE(IsWhite(Ready.m_Out));
 }
