@@ -52,7 +52,7 @@ public:
     }
 
     ClColumnSums(unsigned char* pMemory, long nWidth)
-        : m_nColumns(Kernels::PairedLine(nWidth)),
+        : m_nWidth(static_cast<std::size_t>(nWidth)), m_nColumns(Kernels::PairedLine(nWidth)),
           m_pGrey(reinterpret_cast<std::uint16_t*>(pMemory)), m_pWhite(m_pGrey + m_nColumns) {
         Clear();
     }
@@ -64,7 +64,7 @@ public:
     void MoveTo(StDefectSums* pSums) {
         std::uint64_t nSum = 0;
         std::int32_t nWhite = 0;
-        for (std::size_t x = 0; x < m_nColumns; ++x) {
+        for (std::size_t x = 0; x < m_nWidth; ++x) {
             nSum += m_pGrey[x];
             nWhite += m_pWhite[x];
         }
@@ -76,7 +76,8 @@ public:
 private:
     void Clear() { std::fill_n(m_pGrey, 2 * m_nColumns, std::uint16_t{0}); }
 
-    std::size_t m_nColumns;
+    std::size_t m_nWidth;
+    std::size_t m_nColumns; ///< in whole rounds
     std::uint16_t* m_pGrey;
     std::uint16_t* m_pWhite;
 };
@@ -98,7 +99,7 @@ public:
     }
 
     /// The coarse line becomes one of defects. The rest behind its rounds goes by way of a round of
-    /// its own, in which what is no pixel is faded.
+    /// its own.
     void ChangeLine(const std::uint16_t* pFine, const unsigned char* pFade, long nPixels,
                     unsigned char* pLine, const ClColumnSums& Sums) const {
         const long nWhole = nPixels / Kernels::cnPairedRound * Kernels::cnPairedRound;
