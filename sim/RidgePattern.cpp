@@ -112,8 +112,8 @@ ClRidgePattern::ClRidgePattern(const ClRidgeFlow& Flow, double dHalfWidth, doubl
 }
 
 std::size_t ClRidgePattern::Index(int nColumn, int nRow) const {
-    const auto nStride = static_cast<std::size_t>(m_nWidth + 2 * g_nFrame);
-    return static_cast<std::size_t>(nRow + g_nFrame) * nStride +
+    const int nStride = m_nWidth + 2 * g_nFrame;
+    return static_cast<std::size_t>(nRow + g_nFrame) * static_cast<std::size_t>(nStride) +
            static_cast<std::size_t>(nColumn + g_nFrame);
 }
 

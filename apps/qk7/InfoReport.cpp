@@ -46,7 +46,7 @@ std::string Visible(const std::string& Text) {
 }
 
 std::string FrameText(const StFrame& Frame) {
-    const std::string size = Format("%u x %u pixels", Frame.m_nWidth, Frame.m_nHeight);
+    std::string size = Format("%u x %u pixels", Frame.m_nWidth, Frame.m_nHeight);
     if (Frame.m_nPelsX == 0 && Frame.m_nPelsY == 0)
         return size;
     return size + Format(", %u x %u pixels/m (%.2f x %.2f dpi)", Frame.m_nPelsX, Frame.m_nPelsY,

@@ -31,7 +31,9 @@ void FillSamples(T value, int nCount, int nStep, T* pTo) {
 
 template <class T>
 T FillValue(double dColor) {
-    return std::isnan(dColor) ? T(0) : SampleFromDouble<T>(dColor);
+    if (std::isnan(dColor))
+        return T(0);
+    return SampleFromDouble<T>(dColor);
 }
 
 } // namespace

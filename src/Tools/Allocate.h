@@ -35,10 +35,9 @@ std::unique_ptr<T[]> NewArrayPtr(std::size_t nCount) {
 /// `new T(arguments)`.
 template <class T, class... Arguments>
 T* NewObject(Arguments&&... arguments) {
-    T* pObject = new (std::nothrow) T(std::forward<Arguments>(arguments)...);
-    if (pObject == nullptr)
-        ThrowBadAlloc();
-    return pObject;
+    if (T* pObject = new (std::nothrow) T(std::forward<Arguments>(arguments)...))
+        return pObject;
+    ThrowBadAlloc();
 }
 
 } // namespace Vek

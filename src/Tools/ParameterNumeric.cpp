@@ -2,6 +2,7 @@
 
 #include "Tools/PlainLocale.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdlib>
@@ -14,7 +15,7 @@ void ClParameterNumericInterface::SetFormat(const char* pFormat) {
     if (pFormat != nullptr) {
         const std::size_t nBytes = std::strlen(pFormat) + 1;
         aCopy.New(nBytes);
-        std::memcpy(aCopy.Data(), pFormat, nBytes);
+        std::copy_n(pFormat, nBytes, aCopy.Data());
     }
     m_aFormat = aCopy;
 }

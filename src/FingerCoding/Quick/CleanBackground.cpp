@@ -31,19 +31,15 @@ struct StLoss {
 
 /// Lines of sums in several stages, with half a window on either side.
 struct StSums {
-    StSums(unsigned char* pMemory, long nWidth) : m_nSamples(nWidth + 2 * cnHalf) {
-        m_nBytes = 0;
-        const auto take = [&](std::size_t nBytes) {
-            unsigned char* pTaken = pMemory == nullptr ? nullptr : pMemory + m_nBytes;
-            m_nBytes += Kernels::ClScratch::Aligned(nBytes);
-            return pTaken;
-        };
-        for (std::uint16_t** pp : {&m_pColumns, &m_pFours, &m_pSixteens, &m_pBounds})
-            *pp = reinterpret_cast<std::uint16_t*>(take(2 * Room(m_nSamples)));
-        m_pNothing = take(Room(m_nSamples));
+    template <class Memory>
+    StSums(Memory& rMemory, long nWidth) : m_nSamples(nWidth + 2 * cnHalf) {
+        m_pColumns = rMemory.template Take<std::uint16_t>(m_nSamples);
+        m_pFours = rMemory.template Take<std::uint16_t>(m_nSamples);
+        m_pSixteens = rMemory.template Take<std::uint16_t>(m_nSamples);
+        m_pBounds = rMemory.template Take<std::uint16_t>(m_nSamples);
+        m_pNothing = rMemory.template Take<std::uint8_t>(m_nSamples);
     }
     long m_nSamples;
-    std::size_t m_nBytes;
     std::uint16_t* m_pColumns;
     std::uint16_t* m_pFours;
     std::uint16_t* m_pSixteens;
@@ -67,12 +63,13 @@ void Keep(const std::uint16_t* __restrict p, const std::uint16_t* __restrict pFo
 struct StFar {
     static void Run(const StPlane* pLoss, const StPlane* pFade, unsigned char* pMemory,
                     const StPlane* pOut) {
-        StFar(*pLoss, *pFade, pMemory, *pOut).KeepLines();
+        ClLineMemory Memory(pMemory);
+        StFar(*pLoss, *pFade, Memory, *pOut).KeepLines();
     }
 
 private:
-    StFar(const StPlane& Loss, const StPlane& Fade, unsigned char* pMemory, const StPlane& Out)
-        : m_Loss(Loss), m_Fade(Fade), m_Out(Out), m_L(pMemory, Loss.m_nWidth) {
+    StFar(const StPlane& Loss, const StPlane& Fade, ClLineMemory& rMemory, const StPlane& Out)
+        : m_Loss(Loss), m_Fade(Fade), m_Out(Out), m_L(rMemory, Loss.m_nWidth) {
         std::fill_n(m_L.m_pColumns, Room(m_L.m_nSamples), std::uint16_t{0});
         std::memset(m_L.m_pNothing, 0, Room(m_L.m_nSamples));
     }
@@ -174,7 +171,9 @@ struct StDryOutside {
 } // namespace
 
 std::size_t FarBackgroundBytes(long nWidth) {
-    return StSums(nullptr, nWidth).m_nBytes;
+    ClLineMemorySize Size;
+    static_cast<void>(StSums(Size, nWidth));
+    return Size.Bytes();
 }
 
 void WriteLoss(const StPlane& Capture, const StPlane& Mask, const StPlane& Loss) {

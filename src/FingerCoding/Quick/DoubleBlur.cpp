@@ -25,7 +25,6 @@
 // each 32 columns of the box, and nothing outside of it is looked at.
 
 #include "FingerCoding/Quick/LineSums.h"
-#include "ImageProcessing/Kernels/Scratch.h"
 #include "Tools/InstructionLevel.h"
 
 #include <cstdint>
@@ -45,21 +44,19 @@ constexpr std::uint16_t cnAboveBounds = 6000; ///< five of these and three sums 
 
 /// Lines of a box and of what its pixels reach, one after the other.
 struct StLines {
-    StLines(unsigned char* pMemory, long nBoxWidth)
+    template <class Memory>
+    StLines(Memory& rMemory, long nBoxWidth)
         : m_nCounts(nBoxWidth + 4 * cnReach), m_nMeans(nBoxWidth + 3 * cnReach),
-          m_nResults(nBoxWidth + 2 * cnReach), m_nMeanStride(static_cast<long>(Room(m_nMeans))),
-          m_pBegin(pMemory) {
-        m_pCounts = Take<std::uint8_t>(m_nCounts);
-        m_pFourCounts = Take<std::uint8_t>(m_nCounts);
-        m_pNothing = Take<std::uint8_t>(m_nCounts);
-        m_pSums = Take<std::uint16_t>(m_nMeans);
-        m_pFourSums = Take<std::uint16_t>(m_nMeans);
-        m_pBounds = Take<std::uint16_t>(m_nResults);
-        m_pColumns = Take<std::uint8_t>(m_nResults);
-        m_pMeans = Take<std::uint16_t>(cnWindow * m_nMeanStride);
+          m_nResults(nBoxWidth + 2 * cnReach), m_nMeanStride(static_cast<long>(Room(m_nMeans))) {
+        m_pCounts = rMemory.template Take<std::uint8_t>(m_nCounts);
+        m_pFourCounts = rMemory.template Take<std::uint8_t>(m_nCounts);
+        m_pNothing = rMemory.template Take<std::uint8_t>(m_nCounts);
+        m_pSums = rMemory.template Take<std::uint16_t>(m_nMeans);
+        m_pFourSums = rMemory.template Take<std::uint16_t>(m_nMeans);
+        m_pBounds = rMemory.template Take<std::uint16_t>(m_nResults);
+        m_pColumns = rMemory.template Take<std::uint8_t>(m_nResults);
+        m_pMeans = rMemory.template Take<std::uint16_t>(cnWindow * m_nMeanStride);
     }
-
-    std::size_t Bytes() const { return m_nTaken; }
 
     long m_nCounts;
     long m_nMeans;
@@ -73,17 +70,6 @@ struct StLines {
     std::uint16_t* m_pBounds;    ///< for the sum of a second window
     std::uint8_t* m_pColumns;    ///< whether a column of the result has region
     std::uint16_t* m_pMeans;     ///< what the second window sums, line after line
-
-private:
-    template <class T>
-    T* Take(long nSamples) {
-        unsigned char* pTaken = m_pBegin == nullptr ? nullptr : m_pBegin + m_nTaken;
-        m_nTaken += Kernels::ClScratch::Aligned(Room(nSamples) * sizeof(T));
-        return reinterpret_cast<T*>(pTaken);
-    }
-
-    unsigned char* m_pBegin;
-    std::size_t m_nTaken = 0;
 };
 
 // Lines. Windows are known by their first column.
@@ -133,12 +119,13 @@ struct StBlur {
 
     static StBox Run(const StPlane* pIn, const StBox* pBox, const StPlane* pOut,
                      unsigned char* pMemory) {
-        return StBlur(*pIn, *pBox, *pOut, pMemory).Blur();
+        ClLineMemory Memory(pMemory);
+        return StBlur(*pIn, *pBox, *pOut, Memory).Blur();
     }
 
 private:
-    StBlur(const StPlane& In, const StBox& Box, const StPlane& Out, unsigned char* pMemory)
-        : m_In(In), m_Box(Box), m_Out(Out), m_L(pMemory, Box.Width()),
+    StBlur(const StPlane& In, const StBox& Box, const StPlane& Out, ClLineMemory& rMemory)
+        : m_In(In), m_Box(Box), m_Out(Out), m_L(rMemory, Box.Width()),
           m_Target((bGrow ? Box.Grown(cnReach) : Box).CutTo(Out.Frame())) {}
 
     StBox Blur() {
@@ -219,7 +206,9 @@ private:
 } // namespace
 
 std::size_t ClDoubleBlur::Bytes(long nWidth) {
-    return StLines(nullptr, nWidth).Bytes();
+    ClLineMemorySize Size;
+    static_cast<void>(StLines(Size, nWidth));
+    return Size.Bytes();
 }
 
 StBox ClDoubleBlur::Grow(const StPlane& In, const StBox& Box, const StPlane& Out) const {

@@ -4,9 +4,12 @@
 /// samples: behind the end of a line there is room for one round more, and what comes to stand
 /// there means nothing.
 
+#include "ImageProcessing/Kernels/Scratch.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace Quick::LineSums {
 
@@ -21,6 +24,36 @@ inline long Rounds(long nSamples) {
 inline std::size_t Room(long nSamples) {
     return static_cast<std::size_t>(Rounds(nSamples) + cnRound);
 }
+
+/// Hands out lines in aligned memory, one after the other.
+class ClLineMemory {
+public:
+    explicit ClLineMemory(unsigned char* pMemory) : m_pNext(pMemory) {}
+
+    template <class T>
+    T* Take(long nSamples) {
+        const auto nBytes = Kernels::ClScratch::Aligned(Room(nSamples) * sizeof(T));
+        return reinterpret_cast<T*>(std::exchange(m_pNext, m_pNext + nBytes));
+    }
+
+private:
+    unsigned char* m_pNext;
+};
+
+/// Hands out nothing and counts what the lines would take.
+class ClLineMemorySize {
+public:
+    template <class T>
+    T* Take(long nSamples) {
+        m_nBytes += Kernels::ClScratch::Aligned(Room(nSamples) * sizeof(T));
+        return nullptr;
+    }
+
+    std::size_t Bytes() const { return m_nBytes; }
+
+private:
+    std::size_t m_nBytes = 0;
+};
 
 /// sums[i] += enter[i] - leave[i], for exactly so many samples.
 template <class Sum>

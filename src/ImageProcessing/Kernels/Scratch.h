@@ -6,6 +6,7 @@
 #include "Tools/Allocate.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace Kernels {
@@ -35,9 +36,8 @@ private:
         m_nBytes = 0;
         m_pMemory.reset();
         m_pMemory = Vek::NewArrayPtr<unsigned char>(nBytes + cnAlignment - 1);
-        void* pAligned = m_pMemory.get();
-        std::size_t nSpace = nBytes + cnAlignment - 1;
-        m_pAligned = static_cast<unsigned char*>(std::align(cnAlignment, nBytes, pAligned, nSpace));
+        const auto nAddress = reinterpret_cast<std::uintptr_t>(m_pMemory.get());
+        m_pAligned = m_pMemory.get() + (Aligned(nAddress) - nAddress);
         m_nBytes = nBytes;
     }
 
