@@ -170,6 +170,13 @@ TEST(Bitmap, ComputesSizesIn64Bits) {
     EXPECT_EQ(ClBitmap::PixelBytes(Fields(0x10000, 0x10000, 8)), 4294967296);
 }
 
+TEST(Bitmap, ComputesTheLargestSizesExactly) { // 2^32 bytes a line, and 2^31 - 1 lines
+    constexpr std::int64_t cnBytes =
+        (std::int64_t{1} << 62) - (std::int64_t{1} << 32) + (std::int64_t{1} << 62);
+    EXPECT_EQ(ClBitmap::PixelBytes(Fields(0x40000000, INT_MAX, 32)), cnBytes);
+    EXPECT_EQ(ClBitmap::PixelBytes(Fields(0x40000000, -INT_MAX, 32)), -cnBytes);
+}
+
 TEST(Bitmap, StopsSizesAtTheEndsOf64Bits) {
     EXPECT_EQ(ClBitmap::PixelBytes(Fields(INT_MAX, INT_MAX, 24)), INT64_MAX);
     EXPECT_EQ(ClBitmap::PixelBytes(Fields(INT_MAX, INT_MIN, 32)), INT64_MIN);
