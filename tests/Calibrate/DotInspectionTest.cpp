@@ -105,6 +105,12 @@ TEST(DotInspection, ClipsItsWindowToTheImage) {
     ExpectCentre(Centre(BuilderInMillimetres(1e300), Image, 7, 7), 0.0, 0.0);
 }
 
+TEST(DotInspection, LooksAtOnePixelWhereTheDiameterIsNone) {
+    const auto Image = Img({{0, 60}, {0, 100}});
+    ExpectCentre(Centre(BuilderInMillimetres(0.0), Image, 1, 0), 1.0, 0.0);
+    ExpectNoCentre(Centre(BuilderInMillimetres(0.0), Image, 1, 1));
+}
+
 TEST(DotInspection, HasNoCentreWhereTheWindowIsEmpty) {
     const auto Image = Img({{0, 0}, {0, 0}});
     const ClOpenDotBuilder Builder = BuilderInMillimetres(1.0);
@@ -177,6 +183,16 @@ TEST(DotInspection, PassesOverTakenPoints) {
     aIn = ListOf({{0.2, 5}, {1, 5}, {0.2, 6}, {0, 6.6}, {-0.5, 5}});
     BuilderInMillimetres(2.0).RemoveSmallPoints(aIn, aOut);
     ExpectPoints(aOut, {{1.4 / 3.0, 16.0 / 3.0}});
+}
+
+TEST(DotInspection, TakesInPointsOfTheFirstColumn) {
+    for (const auto& aPoints :
+         {ListOf({{1, 5}, {0, 5}, {0, 6}}), ListOf({{0, 5}, {0, 6}, {1, 5}})}) {
+        PointList aIn(aPoints);
+        PointList aOut;
+        BuilderInMillimetres(2.0).RemoveSmallPoints(aIn, aOut);
+        ExpectPoints(aOut, {{1.0 / 3.0, 16.0 / 3.0}});
+    }
 }
 
 TEST(DotInspection, KeepsNothingOfAnEmptyList) {

@@ -7,6 +7,7 @@
 #include "Tools/FpImage.h"
 #include "support/Throws.h"
 
+#include <algorithm>
 #include <cstdint>
 
 using TestSupport::ClOpenDotBuilder;
@@ -102,6 +103,23 @@ TEST(TargetPlacement, CentresThePatternWithHalfAPitchAroundIt) {
     Placement.m_Builder.m_nTargetHeight = 480;
     Placement.Center();
     ExpectPoints(Placement.m_aTarget, Moved(caTarget, 160.0 - 53.0, 240.0 - 104.0));
+}
+
+TEST(TargetPlacement, CentresThePatternWhateverPointIsFirst) {
+    Points aTarget = caTarget;
+    for (std::size_t i = 0; i < caTarget.size(); ++i) {
+        std::rotate(aTarget.begin(), aTarget.begin() + 1, aTarget.end());
+        StPlacement Placement;
+        Placement.m_aTarget = ListOf(aTarget);
+        Placement.m_aActual[0] = ListOf(Mapped(aTarget));
+        Placement.m_Builder.m_bCenterByBorders = false;
+        Placement.m_Builder.m_dTargetDpiX = 254.0;
+        Placement.m_Builder.m_dTargetDpiY = 508.0;
+        Placement.m_Builder.m_nTargetWidth = 320;
+        Placement.m_Builder.m_nTargetHeight = 480;
+        Placement.Center();
+        ExpectPoints(Placement.m_aTarget, Moved(aTarget, 160.0 - 53.0, 240.0 - 104.0));
+    }
 }
 
 TEST(TargetPlacement, AddsTheBottomMarginAndHalvesWholePixels) {

@@ -90,10 +90,10 @@ TEST(WarpEntries, OfAPlaneLeaveThoseOfOthersAlone) {
         ExpectSingleOnes({389, 1047}, 101, 36 * nPlanes, 7);
 }
 
-// Among them one that a float rounds up, beyond the last 4 samples.
+// Among them two whose last position a float rounds up, beyond the last 4 samples.
 TEST(WarpEntries, OfCapturesOfAnySize) {
-    const std::uint32_t anSides[] = {0,     1,       3,        4,          5,         1000,
-                                     65535, 1 << 24, 33554438, 0x7FFFFFFF, 0xFFFFFFFF};
+    const std::uint32_t anSides[] = {
+        0, 1, 3, 4, 5, 1000, 65535, 1 << 24, (1 << 24) + 6, (1 << 25) + 6, 0x7FFFFFFF, 0xFFFFFFFF};
     for (const std::uint32_t nWidth : anSides)
         for (const std::uint32_t nHeight : anSides)
             ExpectSingleOnes({nWidth, nHeight}, 50, 36, nWidth + nHeight);
