@@ -22,12 +22,28 @@ void CheckSize(double dDiameter) {
         throw ClException("sim: a speck has up to 5 mm", -35, false, VEK_HERE);
 }
 
+bool IsFinite(const ClPoint& Place) {
+    return std::isfinite(Place.x) && std::isfinite(Place.y);
+}
+
 void CheckPlaced(const ClPlacedSpeck& Speck) {
     CheckSize(Speck.m_dDiameter);
-    if (!std::isfinite(Speck.m_Centre.x) || !std::isfinite(Speck.m_Centre.y))
+    if (!IsFinite(Speck.m_Centre))
         throw ClException("sim: a speck's place is not finite", -35, false, VEK_HERE);
     if (!(Speck.m_dDarkness >= 0.0 && Speck.m_dDarkness <= 1.0))
         throw ClException("sim: a speck's darkness is not from 0 to 1", -35, false, VEK_HERE);
+}
+
+void CheckHair(const ClPlacedHair& Hair) {
+    if (!IsFinite(Hair.m_From) || !IsFinite(Hair.m_To) || !(Hair.m_dWidth > 0.0) ||
+        !(Hair.m_dWidth <= 1.0) || !(Hair.m_dDarkness >= 0.0 && Hair.m_dDarkness <= 1.0))
+        throw ClException("sim: a hair is out of range", -35, false, VEK_HERE);
+}
+
+void CheckGlare(const ClPlacedGlare& Glare) {
+    if (!IsFinite(Glare.m_Centre) || !(Glare.m_dDiameter > 0.0 && Glare.m_dDiameter <= 20.0) ||
+        !(Glare.m_dLight >= 0.0 && Glare.m_dLight <= 10.0))
+        throw ClException("sim: a glare is out of range", -35, false, VEK_HERE);
 }
 
 void Check(const ClDirtSettings& Settings) {
@@ -37,6 +53,10 @@ void Check(const ClDirtSettings& Settings) {
     CheckSize(Settings.m_dSpeckSize);
     for (const ClPlacedSpeck& Speck : Settings.m_aPlaced)
         CheckPlaced(Speck);
+    for (const ClPlacedHair& Hair : Settings.m_aPlacedHairs)
+        CheckHair(Hair);
+    for (const ClPlacedGlare& Glare : Settings.m_aGlares)
+        CheckGlare(Glare);
 }
 
 ClPoint Anywhere(ClRandom& Random) {
@@ -103,6 +123,27 @@ void PaintHair(ClPlate& Plate, ClRandom& Random) {
     }
 }
 
+/// Discs along the hair, as the drawn ones are painted.
+void PaintPlacedHair(ClPlate& Plate, const ClPlacedHair& Hair) {
+    constexpr double dStep = 0.015;
+    const double dx = Hair.m_To.x - Hair.m_From.x;
+    const double dy = Hair.m_To.y - Hair.m_From.y;
+    const int nSteps = static_cast<int>(Limit(std::sqrt(dx * dx + dy * dy) / dStep, 0.0, 4000.0));
+    for (int n = 0; n <= nSteps; ++n) {
+        const double t = nSteps > 0 ? static_cast<double>(n) / nSteps : 0.0;
+        PaintDisc(Plate, {Hair.m_From.x + t * dx, Hair.m_From.y + t * dy}, 0.5 * Hair.m_dWidth,
+                  Hair.m_dDarkness);
+    }
+}
+
+void PaintGlare(ClPlate& Plate, const ClPlacedGlare& Glare) {
+    const double dRadius = 0.5 * Glare.m_dDiameter;
+    ForWindow(Glare.m_Centre, dRadius, [&](int nColumn, int nRow, double dx, double dy) {
+        const double d = std::sqrt(dx * dx + dy * dy) / dRadius;
+        Plate.Brighten(nColumn, nRow, Glare.m_dLight * (1.0 - SmoothStep(0.0, 1.0, d)));
+    });
+}
+
 /// A stain without an edge, streaked by the finger or cloth that left it.
 void PaintSmudge(ClPlate& Plate, ClRandom& Random) {
     const ClPoint Centre = Anywhere(Random);
@@ -138,6 +179,10 @@ void PaintDirt(ClPlate& Plate, const ClDirtSettings& Settings, std::uint64_t nSe
         PaintHair(Plate, Hair);
     for (const ClPlacedSpeck& Placed : Settings.m_aPlaced)
         PaintPlaced(Plate, Placed);
+    for (const ClPlacedHair& Placed : Settings.m_aPlacedHairs)
+        PaintPlacedHair(Plate, Placed);
+    for (const ClPlacedGlare& Placed : Settings.m_aGlares)
+        PaintGlare(Plate, Placed);
 }
 
 } // namespace sim

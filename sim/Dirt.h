@@ -1,6 +1,7 @@
 #pragma once
 
-/// Dirt on the platen: specks, hairs and smudges, painted into the reflectance of a plate.
+/// Dirt on the platen: specks, hairs and smudges, painted into the reflectance of a plate, and
+/// spots of glare over it.
 
 #include "sim/Plate.h"
 #include "sim/Raster.h"
@@ -17,6 +18,21 @@ struct ClPlacedSpeck {
     double m_dDarkness = 0.8; ///< share of the light that it takes, 0 to 1
 };
 
+/// A straight hair from end to end, even, with round ends.
+struct ClPlacedHair {
+    ClPoint m_From; ///< on the platen, millimetres
+    ClPoint m_To;
+    double m_dWidth = 0.08;   ///< millimetres, up to 1
+    double m_dDarkness = 0.6; ///< share of the light that it takes, 0 to 1
+};
+
+/// Light that gets to the sensor from elsewhere: a soft round spot.
+struct ClPlacedGlare {
+    ClPoint m_Centre;         ///< on the platen, millimetres
+    double m_dDiameter = 1.0; ///< millimetres, up to 20
+    double m_dLight = 1.0;    ///< in its middle, 1 being what a clean platen gives; up to 10
+};
+
 /// The defaults are a clean platen.
 struct ClDirtSettings {
     int m_nSpecks = 0;                    ///< dark grains, most of them small
@@ -24,10 +40,13 @@ struct ClDirtSettings {
     int m_nSmudges = 0;                   ///< soft pale stains of 1 to 5 mm
     double m_dSpeckSize = 0.20;           ///< largest diameter of a speck, millimetres
     std::vector<ClPlacedSpeck> m_aPlaced; ///< further specks, each at its own place
+    std::vector<ClPlacedHair> m_aPlacedHairs;
+    std::vector<ClPlacedGlare> m_aGlares;
 };
 
 /// Paints dirt all over the plate, at places that the seed decides, and the placed specks at
-/// theirs. Throws -35 for settings out of range: counts of 0 to 10000, specks of up to 5 mm.
+/// theirs, placed hairs, and glare over all of it. Throws -35 for settings out of range: counts of
+/// 0 to 10000, specks of up to 5 mm.
 void PaintDirt(ClPlate& Plate, const ClDirtSettings& Settings, std::uint64_t nSeed);
 
 } // namespace sim

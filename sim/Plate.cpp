@@ -39,6 +39,11 @@ void ClPlate::Darken(int nColumn, int nRow, double dDarkness) {
     fReflectance = static_cast<float>(fReflectance * (1.0 - dDarkness));
 }
 
+void ClPlate::Brighten(int nColumn, int nRow, double dLight) {
+    float& fReflectance = m_aReflectance[Index(nColumn, nRow)];
+    fReflectance = static_cast<float>(fReflectance + dLight);
+}
+
 void ClPlate::DarkenTo(int nColumn, int nRow, double dReflectance) {
     float& fReflectance = m_aReflectance[Index(nColumn, nRow)];
     fReflectance = std::min(fReflectance, static_cast<float>(dReflectance));

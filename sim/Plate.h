@@ -30,6 +30,8 @@ public:
 
     /// Takes the share `dDarkness` (0 to 1) of the light away at a sample inside the raster.
     void Darken(int nColumn, int nRow, double dDarkness);
+    /// Adds light that comes from elsewhere, as a share of what a clean platen gives.
+    void Brighten(int nColumn, int nRow, double dLight);
     /// Lowers the reflectance of a sample to `dReflectance` where it is higher: prints that
     /// overlap are no darker than one alone.
     void DarkenTo(int nColumn, int nRow, double dReflectance);

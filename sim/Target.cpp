@@ -19,6 +19,11 @@ constexpr double g_dMiddleRow = 5.0;
 constexpr double g_dFrameWidthMm = g_nFrameWidth * 25.4 / g_dFrameDpi;
 constexpr double g_dFrameHeightMm = g_nFrameHeight * 25.4 / g_dFrameDpi;
 
+void CheckDot(int nDot) {
+    if (nDot < 0 || nDot >= g_nDots)
+        throw ClException("sim: dots count from 0 to 74", -35, false, VEK_HERE);
+}
+
 void Check(const ClTargetSettings& Settings) {
     for (const double dAngle : {Settings.m_dRotation, Settings.m_dRowSlant, Settings.m_dColumnLean})
         if (!(std::fabs(dAngle) < 45.0))
@@ -27,6 +32,13 @@ void Check(const ClTargetSettings& Settings) {
         throw ClException("sim: contrast is not from 0 to 1", -35, false, VEK_HERE);
     if (!(Settings.m_dDotDiameter > 0.0 && Settings.m_dDotDiameter <= 5.0))
         throw ClException("sim: a dot has up to 5 mm", -35, false, VEK_HERE);
+    if (!(Settings.m_dScale >= 0.5 && Settings.m_dScale <= 2.0))
+        throw ClException("sim: a pattern is scaled by 0.5 to 2", -35, false, VEK_HERE);
+    for (const ClWornDot& Worn : Settings.m_aWorn) {
+        CheckDot(Worn.m_nDot);
+        if (!(Worn.m_dShare >= 0.0 && Worn.m_dShare <= 1.0) || !std::isfinite(Worn.m_dHeading))
+            throw ClException("sim: a worn dot is out of range", -35, false, VEK_HERE);
+    }
     if (!(Settings.m_dLineSpacing >= 0.1) || !(Settings.m_dLineWidth > 0.0))
         throw ClException("sim: rules are too close or too thin", -35, false, VEK_HERE);
 }
@@ -41,7 +53,28 @@ double Coverage(double dInside) {
     return Limit(0.5 + dInside * ClPlate::ms_dSamplesPerMm, 0.0, 1.0);
 }
 
-void PaintDot(ClPlate& Plate, const ClTargetSettings& Settings, const ClPoint& Centre) {
+/// An edge across a dot: what lies beyond it is not printed.
+struct ClEdge {
+    ClPoint m_Outward;           ///< of length 1
+    double m_dDistance = 1000.0; ///< from the dot's centre, millimetres
+
+    double Inside(double dx, double dy) const {
+        return m_dDistance - m_Outward.x * dx - m_Outward.y * dy;
+    }
+};
+
+ClEdge EdgeOf(const ClTargetSettings& Settings, int nDot) {
+    for (const ClWornDot& Worn : Settings.m_aWorn)
+        if (Worn.m_nDot == nDot) {
+            const double dAngle = Worn.m_dHeading * g_dRadians;
+            return {{Cosine(dAngle), Sine(dAngle)},
+                    (0.5 - Worn.m_dShare) * Settings.m_dDotDiameter};
+        }
+    return {};
+}
+
+void PaintDot(ClPlate& Plate, const ClTargetSettings& Settings, const ClPoint& Centre,
+              const ClEdge& Edge = {}) {
     const double dRadius = 0.5 * Settings.m_dDotDiameter;
     const double dReach = dRadius + 0.1;
     const ClWindow Window(Centre, dReach, dReach);
@@ -50,7 +83,8 @@ void PaintDot(ClPlate& Plate, const ClTargetSettings& Settings, const ClPoint& C
             const ClPoint p = ClPlate::Position(nColumn, nRow);
             const double dx = p.x - Centre.x;
             const double dy = p.y - Centre.y;
-            const double dInside = dRadius - std::sqrt(dx * dx + dy * dy);
+            const double dInside =
+                std::min(dRadius - std::sqrt(dx * dx + dy * dy), Edge.Inside(dx, dy));
             Plate.DarkenTo(nColumn, nRow, 1.0 - Settings.m_dContrast * Coverage(dInside));
         }
     }
@@ -117,8 +151,9 @@ std::vector<ClPoint> DotPattern() {
 ClPoint PlatenFromPattern(const ClTargetSettings& Settings, const ClPoint& Pattern) {
     const double c = Cosine(Settings.m_dRotation * g_dRadians);
     const double s = Sine(Settings.m_dRotation * g_dRadians);
-    const double x = Pattern.x + Tangent(Settings.m_dColumnLean) * Pattern.y;
-    const double y = Pattern.y + Tangent(Settings.m_dRowSlant) * Pattern.x;
+    const ClPoint p{Settings.m_dScale * Pattern.x, Settings.m_dScale * Pattern.y};
+    const double x = p.x + Tangent(Settings.m_dColumnLean) * p.y;
+    const double y = p.y + Tangent(Settings.m_dRowSlant) * p.x;
     return {c * x - s * y + Settings.m_dShiftX, s * x + c * y + Settings.m_dShiftY};
 }
 
@@ -130,7 +165,7 @@ std::vector<ClPoint> PaintDots(ClPlate& Plate, const ClTargetSettings& Settings)
     for (std::size_t n = 0; n < aDots.size(); ++n) {
         const auto& aMissing = Settings.m_aMissing;
         if (std::find(aMissing.begin(), aMissing.end(), static_cast<int>(n)) == aMissing.end())
-            PaintDot(Plate, Settings, aDots[n]);
+            PaintDot(Plate, Settings, aDots[n], EdgeOf(Settings, static_cast<int>(n)));
     }
     for (const ClPoint& Extra : Settings.m_aExtra)
         PaintDot(Plate, Settings, PlatenFromPattern(Settings, Extra));
@@ -138,8 +173,7 @@ std::vector<ClPoint> PaintDots(ClPlate& Plate, const ClTargetSettings& Settings)
 }
 
 ClPoint BesideDot(const ClTargetSettings& Settings, int nDot, double dDistance, double dHeading) {
-    if (nDot < 0 || nDot >= g_nDots)
-        throw ClException("sim: dots count from 0 to 74", -35, false, VEK_HERE);
+    CheckDot(nDot);
     const ClPoint Dot = DotPattern()[static_cast<std::size_t>(nDot)];
     const double dAngle = dHeading * g_dRadians;
     return PlatenFromPattern(

@@ -21,6 +21,13 @@ constexpr std::array<int, 7> g_aColumnLengths{10, 11, 11, 11, 11, 11, 10};
 /// middle of the pattern's bounding box.
 std::vector<ClPoint> DotPattern();
 
+/// A dot whose print is rubbed off on one side, up to a straight edge.
+struct ClWornDot {
+    int m_nDot = 0;          ///< pattern index, 0 to 74
+    double m_dShare = 0.3;   ///< of its diameter, 0 to 1
+    double m_dHeading = 0.0; ///< of the side, degrees clockwise from its right
+};
+
 /// How a plate lies on the platen and how it is printed.
 struct ClTargetSettings {
     double m_dRotation = 0.0;   ///< degrees clockwise about the plate's middle, below 45
@@ -30,10 +37,12 @@ struct ClTargetSettings {
     double m_dColumnLean = 0.0; ///< degrees by which columns lean right going down, rows level
     double m_dContrast = 0.76;  ///< share of the light that the print takes, 0 to 1
     double m_dDotDiameter = g_dDotDiameter; ///< millimetres
+    double m_dScale = 1.0;                  ///< of the pattern, not of its dots: 1 is the right one
     std::vector<int> m_aMissing;            ///< pattern indices, 0 to 74, of dots not printed
     std::vector<ClPoint> m_aExtra;          ///< further dots, pattern millimetres
-    double m_dLineSpacing = 2.0;            ///< of the ruled plate, millimetres
-    double m_dLineWidth = 0.15;             ///< of the ruled plate, millimetres
+    std::vector<ClWornDot> m_aWorn;
+    double m_dLineSpacing = 2.0; ///< of the ruled plate, millimetres
+    double m_dLineWidth = 0.15;  ///< of the ruled plate, millimetres
 };
 
 /// Pattern millimetres to platen millimetres; the settings are not checked.

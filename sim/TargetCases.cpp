@@ -21,6 +21,23 @@ int InnerDot(ClRandom& Random) {
     return g_aColumnLengths[0] + (nColumn - 1) * g_aColumnLengths[1] + nRow;
 }
 
+/// Between the directions of rows and columns.
+double Diagonal(ClRandom& Random) {
+    return 45.0 + 90.0 * Random.Integer(0, 3);
+}
+
+void AddHair(ClTargetScene& Scene, int nDot, double dBefore, double dBehind, double dHeading) {
+    ClPlacedHair Hair;
+    Hair.m_From = BesideDot(Scene.m_Target, nDot, -dBefore, dHeading);
+    Hair.m_To = BesideDot(Scene.m_Target, nDot, dBehind, dHeading);
+    Scene.m_Dirt.m_aPlacedHairs.push_back(Hair);
+}
+
+void AddGlare(ClTargetScene& Scene, int nDot, double dDistance, double dHeading, double dLight) {
+    Scene.m_Dirt.m_aGlares.push_back(
+        {BesideDot(Scene.m_Target, nDot, dDistance, dHeading), 1.6, dLight});
+}
+
 void AddSpeck(ClTargetScene& Scene, int nDot, double dDistance, double dHeading, double dDiameter) {
     ClPlacedSpeck Speck;
     Speck.m_Centre = BesideDot(Scene.m_Target, nDot, dDistance, dHeading);
@@ -113,6 +130,18 @@ void Print(ClTargetSettings& Target, ETargetCase eCase, ClRandom& Random) {
     case ETargetCase::eFilledCorner:
         Target.m_aExtra = {{-3.0 * g_dPitch, 5.0 * g_dPitch}, {3.0 * g_dPitch, 5.0 * g_dPitch}};
         break;
+    case ETargetCase::eWornDot:
+        Target.m_aWorn = {{InnerDot(Random), 0.1, Diagonal(Random)}};
+        break;
+    case ETargetCase::eHalfHidden:
+        Target.m_aWorn = {{InnerDot(Random), 0.39, Diagonal(Random)}};
+        break;
+    case ETargetCase::eNarrowPitch:
+        Target.m_dScale = 0.98;
+        break;
+    case ETargetCase::eWidePitch:
+        Target.m_dScale = 1.02;
+        break;
     default:
         break;
     }
@@ -152,6 +181,18 @@ void Soil(ClTargetScene& Scene, ETargetCase eCase, ClRandom& Random) {
         break;
     case ETargetCase::eStandInFar:
         AddSpeck(Scene, Scene.m_Target.m_aMissing[0], 0.62, dAlongColumn, 0.8);
+        break;
+    case ETargetCase::eHairEnd:
+        AddHair(Scene, InnerDot(Random), 0.0, dRadius + 0.2, dHeading);
+        break;
+    case ETargetCase::eHairAcross:
+        AddHair(Scene, InnerDot(Random), 1.4, 1.4, dHeading);
+        break;
+    case ETargetCase::eGlareBeside:
+        AddGlare(Scene, InnerDot(Random), 0.9, dHeading, 1.0);
+        break;
+    case ETargetCase::eGlareSpot:
+        AddGlare(Scene, InnerDot(Random), 0.5, Diagonal(Random), 1.7);
         break;
     default:
         break;

@@ -62,6 +62,14 @@ enum class ETargetCase {
     eHiddenDot,
     eStandIn,
     eStandInFar,
+    eWornDot,
+    eHalfHidden,
+    eHairEnd,
+    eHairAcross,
+    eGlareBeside,
+    eGlareSpot,
+    eNarrowPitch,
+    eWidePitch,
 };
 
 /// What deriving calibration data from a capture comes to.
@@ -104,7 +112,7 @@ constexpr ClTargetCaseEntry Unloadable(ETargetCase eCase, const char* szName,
 }
 
 /// The single list of cases, in the order of ETargetCase.
-constexpr std::array<ClTargetCaseEntry, 42> g_aTargetCases{{
+constexpr std::array<ClTargetCaseEntry, 50> g_aTargetCases{{
     Accepted(ETargetCase::ePlain, "plain", "laid straight on a clean platen"),
     Accepted(ETargetCase::eLaid, "laid",
              "laid by hand: turned by up to 0.5 degrees, off by 0.5 mm"),
@@ -151,6 +159,17 @@ constexpr std::array<ClTargetCaseEntry, 42> g_aTargetCases{{
            "a dot is not printed, and dirt of its size lies 0.4 mm beside its place"),
     Unloadable(ETargetCase::eStandInFar, "stand_in_far",
                "a dot is not printed, and dirt of its size lies 0.62 mm above or below its place"),
+    Accepted(ETargetCase::eWornDot, "worn_dot", "a tenth of a dot's width is rubbed off, askew"),
+    Misled(ETargetCase::eHalfHidden, "half_hidden",
+           "two fifths of a dot's width are hidden, askew"),
+    Accepted(ETargetCase::eHairEnd, "hair_end", "a hair ends 0.2 mm beyond the rim of a dot"),
+    Refused(ETargetCase::eHairAcross, "hair_across", "a hair of 2.8 mm lies across a dot"),
+    Accepted(ETargetCase::eGlareBeside, "glare_beside", "a spot of glare, 1.6 mm, beside a dot"),
+    Misled(ETargetCase::eGlareSpot, "glare_spot", "a spot of glare, 1.6 mm, on the rim of a dot"),
+    Accepted(ETargetCase::eNarrowPitch, "narrow_pitch",
+             "a plate with a pitch of 1.96 mm: the data derived have a wrong scale"),
+    Accepted(ETargetCase::eWidePitch, "wide_pitch",
+             "a plate with a pitch of 2.04 mm: the data derived have a wrong scale"),
 }};
 
 const char* TargetCaseName(ETargetCase eCase);

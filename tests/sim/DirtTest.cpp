@@ -119,6 +119,35 @@ TEST(SimDirt, PlacedSpecksLeaveTheOtherDirtWhereItWas) {
         }
 }
 
+// 2 mm by 0.12 mm and a disc of 0.12 mm in halves at the ends; the edge of a disc is halfway dark
+// at its radius.
+TEST(SimDirt, PlacedHairsHaveTheirEndsTheirWidthAndTheirDarkness) {
+    ClDirtSettings Settings;
+    Settings.m_aPlacedHairs = {{{1.0, -2.0}, {1.0, 0.0}, 0.12, 0.6}};
+    ClPlate Plate;
+    sim::PaintDirt(Plate, Settings, 1);
+
+    EXPECT_NEAR(DarkArea(Reflectances(Plate), 0.7), 2.0 * 0.12 + M_PI * 0.06 * 0.06, 0.02);
+    EXPECT_NEAR(Plate.Reflectance({1.0, -1.99}), 0.4, 1e-6);
+    EXPECT_NEAR(Plate.Reflectance({1.0, -0.01}), 0.4, 1e-6);
+    EXPECT_EQ(Plate.Reflectance({1.0, -2.1}), 1.0);
+    EXPECT_EQ(Plate.Reflectance({1.1, -1.0}), 1.0);
+}
+
+// A radius of 1 mm: half of the light at 0.5 mm, where a smooth step has its middle.
+TEST(SimDirt, GlareAddsLightToWhatLiesThere) {
+    ClDirtSettings Settings;
+    Settings.m_aPlaced = {{{0.0, 0.0}, 0.6, 0.8}};
+    Settings.m_aGlares = {{{0.0, 0.0}, 2.0, 1.5}};
+    ClPlate Plate;
+    sim::PaintDirt(Plate, Settings, 1);
+
+    EXPECT_NEAR(Plate.Reflectance({0.0, 0.0}), 0.2 + 1.5, 0.01);
+    EXPECT_NEAR(Plate.Reflectance({0.5, 0.0}), 1.0 + 0.75, 0.02);
+    EXPECT_NEAR(Plate.Reflectance({0.0, -0.99}), 1.0, 0.01);
+    EXPECT_EQ(Plate.Reflectance({1.1, 0.0}), 1.0);
+}
+
 TEST(SimDirt, IsTheSameForASeedAndDifferentForAnother) {
     ClDirtSettings Settings;
     Settings.m_nSpecks = 10;
@@ -143,6 +172,34 @@ TEST(SimDirt, RefusesSettingsOutOfRange) {
     EXPECT_THROWS(sim::PaintDirt(Plate, Many, 1), ClException, -35,
                   "sim: dirt is counted from 0 to 10000");
     EXPECT_THROWS(sim::PaintDirt(Plate, Size, 1), ClException, -35, "sim: a speck has up to 5 mm");
+}
+
+TEST(SimDirt, RefusesPlacedHairsAndGlareOutOfRange) {
+    ClPlate Plate;
+    const double dNaN = std::nan("");
+    for (const sim::ClPlacedHair& Hair :
+         std::vector<sim::ClPlacedHair>{{{dNaN, 0.0}, {}, 0.1, 0.5},
+                                        {{}, {0.0, HUGE_VAL}, 0.1, 0.5},
+                                        {{}, {}, 0.0, 0.5},
+                                        {{}, {}, 1.1, 0.5},
+                                        {{}, {}, 0.1, -0.1},
+                                        {{}, {}, 0.1, dNaN}}) {
+        ClDirtSettings Settings;
+        Settings.m_aPlacedHairs = {Hair};
+        EXPECT_THROWS(sim::PaintDirt(Plate, Settings, 1), ClException, -35,
+                      "sim: a hair is out of range");
+    }
+    for (const sim::ClPlacedGlare& Glare : std::vector<sim::ClPlacedGlare>{{{dNaN, 0.0}, 1.0, 1.0},
+                                                                           {{}, 0.0, 1.0},
+                                                                           {{}, 20.1, 1.0},
+                                                                           {{}, 1.0, -0.1},
+                                                                           {{}, 1.0, 10.1},
+                                                                           {{}, 1.0, dNaN}}) {
+        ClDirtSettings Settings;
+        Settings.m_aGlares = {Glare};
+        EXPECT_THROWS(sim::PaintDirt(Plate, Settings, 1), ClException, -35,
+                      "sim: a glare is out of range");
+    }
 }
 
 TEST(SimDirt, RefusesPlacedSpecksOutOfRange) {

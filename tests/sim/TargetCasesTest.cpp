@@ -148,6 +148,14 @@ TEST(SimTargetCases, HaveTheMarksThatTheirNamesTell) {
     EXPECT_EQ(Count(ETargetCase::eHiddenDot), 75U);
     EXPECT_EQ(Count(ETargetCase::eStandIn), 75U);
     EXPECT_EQ(Count(ETargetCase::eStandInFar), 75U);
+    EXPECT_EQ(Count(ETargetCase::eWornDot), 75U);
+    EXPECT_EQ(Count(ETargetCase::eHalfHidden), 75U);
+    EXPECT_EQ(Count(ETargetCase::eHairEnd), 75U);
+    EXPECT_EQ(Count(ETargetCase::eHairAcross), 75U);
+    EXPECT_EQ(Count(ETargetCase::eGlareBeside), 75U);
+    EXPECT_EQ(Count(ETargetCase::eGlareSpot), 75U);
+    EXPECT_EQ(Count(ETargetCase::eNarrowPitch), 75U);
+    EXPECT_EQ(Count(ETargetCase::eWidePitch), 75U);
 }
 
 TEST(SimTargetCases, AcceptedOnesShowADotAtEachTrueCentre) {
@@ -191,6 +199,18 @@ TEST(SimTargetCases, LieAsTheyTell) {
     EXPECT_NEAR(std::fabs(Lean(ETargetCase::eLeaning)), 1.5, 1e-9);
     EXPECT_NEAR(Slope(ETargetCase::eLeaning), 0.0, 1e-9);
     EXPECT_NEAR(std::fabs(Lean(ETargetCase::eLeaningFar)), 6.0, 1e-9);
+}
+
+// In millimetres between the ends of the first row, six pitches apart.
+TEST(SimTargetCases, HaveThePitchThatTheirNamesTell) {
+    const auto Pitch = [](ETargetCase eCase) {
+        const ClCapture Capture = Ideal(eCase);
+        return (Capture.m_aDots[65].x - Capture.m_aDots[0].x) / 6.0 * 25.4 / 492.706;
+    };
+
+    EXPECT_NEAR(Pitch(ETargetCase::ePlain), 2.0, 1e-9);
+    EXPECT_NEAR(Pitch(ETargetCase::eNarrowPitch), 1.96, 1e-9);
+    EXPECT_NEAR(Pitch(ETargetCase::eWidePitch), 2.04, 1e-9);
 }
 
 TEST(SimTargetCases, CutOffOnesLoseDotsAtTheEdge) {

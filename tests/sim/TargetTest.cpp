@@ -208,6 +208,43 @@ TEST(SimTarget, BesideADotIsToldInThePatternsDirections) {
                   "sim: dots count from 0 to 74");
 }
 
+TEST(SimTarget, ScalesThePatternAndNotTheDots) {
+    ClTargetSettings Settings;
+    Settings.m_dScale = 1.02;
+    const ClPoint Place = sim::PlatenFromPattern(Settings, {2.0, -4.0});
+    sim::ClPlate Plate;
+    const std::vector<ClPoint> aDots = sim::PaintDots(Plate, Settings);
+
+    EXPECT_NEAR(Place.x, 2.04, 1e-12);
+    EXPECT_NEAR(Place.y, -4.08, 1e-12);
+    EXPECT_NEAR(aDots[1].y - aDots[0].y, 2.04, 1e-12);
+    EXPECT_LT(Plate.Reflectance({aDots[0].x + 0.39, aDots[0].y}), 0.5);
+    EXPECT_EQ(Plate.Reflectance({aDots[0].x + 0.42, aDots[0].y}), 1.0);
+}
+
+// A quarter of the diameter of 0.8 mm off on the right: the edge stands 0.2 mm from the middle. Of
+// the disc pi r^2 a segment of r^2 (acos(1/2) - sqrt(3)/4) is lost.
+TEST(SimTarget, AWornDotEndsAtItsEdge) {
+    ClTargetSettings Settings;
+    Settings.m_aWorn = {{37, 0.25, 0.0}};
+    sim::ClPlate Plate;
+    const std::vector<ClPoint> aDots = sim::PaintDots(Plate, Settings);
+    const auto at = [&](int nDot, double dx, double dy) {
+        const ClPoint& Dot = aDots[static_cast<std::size_t>(nDot)];
+        return Plate.Reflectance({Dot.x + dx, Dot.y + dy});
+    };
+    double dArea = 0.0;
+    for (double x = -0.5; x < 0.5; x += 0.01)
+        for (double y = -0.5; y < 0.5; y += 0.01)
+            dArea += at(37, x, y) < 1.0 - 0.5 * Settings.m_dContrast ? 0.01 * 0.01 : 0.0;
+
+    EXPECT_NEAR(at(37, 0.17, 0.0), 0.24, 1e-6);
+    EXPECT_EQ(at(37, 0.23, 0.0), 1.0);
+    EXPECT_NEAR(at(37, -0.37, 0.0), 0.24, 1e-6);
+    EXPECT_NEAR(at(36, 0.23, 0.0), 0.24, 1e-6);
+    EXPECT_NEAR(dArea, 0.16 * (M_PI - std::acos(0.5) + 0.25 * std::sqrt(3.0)), 0.005);
+}
+
 TEST(SimTarget, MayBeCutOffByTheEdgeOfTheCapture) {
     const ClScanner Scanner(1, ClScannerSettings());
     ClTargetSettings Settings;
@@ -290,4 +327,19 @@ TEST(SimTarget, RefusesSettingsOutOfRange) {
     EXPECT_THROWS(sim::PaintDots(Plate, Diameter), ClException, -35, "sim: a dot has up to 5 mm");
     EXPECT_THROWS(sim::PaintRules(Plate, Spacing), ClException, -35,
                   "sim: rules are too close or too thin");
+    for (const double dScale : {0.49, 2.01, std::nan("")}) {
+        ClTargetSettings Scale;
+        Scale.m_dScale = dScale;
+        EXPECT_THROWS(sim::PaintDots(Plate, Scale), ClException, -35,
+                      "sim: a pattern is scaled by 0.5 to 2");
+    }
+    ClTargetSettings Worn;
+    Worn.m_aWorn = {{75, 0.2, 0.0}};
+    EXPECT_THROWS(sim::PaintDots(Plate, Worn), ClException, -35, "sim: dots count from 0 to 74");
+    for (const sim::ClWornDot& Dot :
+         {sim::ClWornDot{0, -0.1, 0.0}, {0, 1.1, 0.0}, {0, 0.2, HUGE_VAL}}) {
+        Worn.m_aWorn = {Dot};
+        EXPECT_THROWS(sim::PaintDots(Plate, Worn), ClException, -35,
+                      "sim: a worn dot is out of range");
+    }
 }
