@@ -1,8 +1,9 @@
 cmake_minimum_required(VERSION 3.23)
 
 # Holds the floors of the house: a floor includes only itself and floors below it, and everything
-# is included from the source root.
-#   cmake -DSOURCE=... -P check_layers.cmake
+# is included from the source root. The diagnosis stands beside the house: it may look into all of
+# it, its headers into nothing, and no floor knows of it.
+#   cmake -DSOURCE=... -DDIAGNOSIS=... -P check_layers.cmake
 
 get_filename_component(SOURCE "${SOURCE}" ABSOLUTE)
 
@@ -34,3 +35,25 @@ foreach(file IN LISTS files)
     endif()
 endforeach()
 message(STATUS "${count} files keep to their floors")
+
+get_filename_component(DIAGNOSIS "${DIAGNOSIS}" ABSOLUTE)
+file(GLOB files "${DIAGNOSIS}/*.h" "${DIAGNOSIS}/*.cpp")
+list(LENGTH files count)
+if(count LESS 10)
+    message(FATAL_ERROR "only ${count} files found below ${DIAGNOSIS}")
+endif()
+foreach(file IN LISTS files)
+    set(allowed diagnosis)
+    if(file MATCHES "\\.cpp$")
+        list(APPEND allowed ${ALLOWED_TessarinCalibrateSDK})
+    endif()
+    file(STRINGS "${file}" includes REGEX "^#include \"")
+    foreach(line IN LISTS includes)
+        string(REGEX REPLACE "^#include \"([^\"]*)\".*" "\\1" path "${line}")
+        string(REGEX REPLACE "/.*" "" target "${path}")
+        if(NOT target IN_LIST allowed)
+            message(SEND_ERROR "${file} includes ${path}")
+        endif()
+    endforeach()
+endforeach()
+message(STATUS "${count} files of the diagnosis keep beside them")
