@@ -5,6 +5,7 @@
 //     accuracy --limits [SCANNERS [FIRST_SEED]]            the limits of success
 //     accuracy --plates [SCANNERS [FIRST_SEED]]            plates that are not the target
 //     accuracy --residuals PNG [SCANNERS [FIRST_SEED]]     errors over the whole corrected image
+//     accuracy --verdicts SVG [SCANNERS [FIRST_SEED]]      whether wrong ones are told from good
 //
 // For each scanner the target is laid by hand and captured. The generated points are compared with
 // the true centres of the dots. Then three captures are corrected with the generated data: the same
@@ -19,6 +20,7 @@
 #include "bench/Plates.h"
 #include "bench/Residuals.h"
 #include "bench/Straightness.h"
+#include "bench/Verdicts.h"
 #include "sim/Record.h"
 
 #include <algorithm>
@@ -251,14 +253,14 @@ bool ReadCall(std::vector<std::string> aArguments, ClCall& rCall) {
     };
     if (!aArguments.empty() && aArguments.back().rfind("--", 0) == 0)
         rCall.m_sMode = Take();
-    if (rCall.m_sMode == "--residuals" && !aArguments.empty())
+    const bool bPicture = rCall.m_sMode == "--residuals" || rCall.m_sMode == "--verdicts";
+    if (bPicture && !aArguments.empty())
         rCall.m_sPicture = Take();
     if (!aArguments.empty())
         rCall.m_nScanners = std::strtoul(Take().c_str(), nullptr, 10);
     if (!aArguments.empty())
         rCall.m_nFirst = std::strtoul(Take().c_str(), nullptr, 10);
-    return aArguments.empty() && rCall.m_nScanners > 0 &&
-           rCall.m_sPicture.empty() == (rCall.m_sMode != "--residuals");
+    return aArguments.empty() && rCall.m_nScanners > 0 && rCall.m_sPicture.empty() != bPicture;
 }
 
 int Run(const ClCall& Call) {
@@ -268,6 +270,8 @@ int Run(const ClCall& Call) {
         return bench::PrintPlates(Call.m_nScanners, Call.m_nFirst);
     if (Call.m_sMode == "--residuals")
         return bench::PrintResiduals(Call.m_sPicture, Call.m_nScanners, Call.m_nFirst);
+    if (Call.m_sMode == "--verdicts")
+        return bench::PrintVerdicts(Call.m_sPicture, Call.m_nScanners, Call.m_nFirst);
     return MeasureScanners(Call.m_nScanners, Call.m_nFirst);
 }
 
@@ -275,11 +279,12 @@ int Run(const ClCall& Call) {
 
 int main(int argc, char** argv) {
     ClCall Call;
-    const std::vector<std::string> aModes{"", "--limits", "--plates", "--residuals"};
+    const std::vector<std::string> aModes{"", "--limits", "--plates", "--residuals", "--verdicts"};
     if (!ReadCall({argv + 1, argv + argc}, Call) ||
         std::count(aModes.begin(), aModes.end(), Call.m_sMode) == 0) {
         std::fprintf(stderr,
-                     "usage: %s [--limits|--plates|--residuals PNG] [SCANNERS [FIRST_SEED]]\n",
+                     "usage: %s [--limits|--plates|--residuals PNG|--verdicts SVG] [SCANNERS "
+                     "[FIRST_SEED]]\n",
                      argv[0]);
         return 2;
     }

@@ -48,28 +48,6 @@ private:
     TpThinPlateSplines<double> m_Spline;
 };
 
-/// Largest and smallest coordinates.
-struct ClBox {
-    explicit ClBox(const Points& aPoints) : m_Least(aPoints.at(0)), m_Most(aPoints.at(0)) {
-        for (const sim::ClPoint& Point : aPoints) {
-            m_Least = {std::min(m_Least.x, Point.x), std::min(m_Least.y, Point.y)};
-            m_Most = {std::max(m_Most.x, Point.x), std::max(m_Most.y, Point.y)};
-        }
-    }
-    bool HoldsX(double d) const { return d >= m_Least.x && d <= m_Most.x; }
-    bool HoldsY(double d) const { return d >= m_Least.y && d <= m_Most.y; }
-
-    sim::ClPoint m_Least;
-    sim::ClPoint m_Most;
-};
-
-/// The two lower corners of the pattern have no dot: the hull is cut from the last dot of the outer
-/// column to the last one of the next.
-bool IsBelowCut(const sim::ClPoint& Place, const sim::ClPoint& Outer, const sim::ClPoint& Inner) {
-    const double dAlong = (Place.x - Outer.x) / (Inner.x - Outer.x);
-    return dAlong < 1.0 && Place.y > Outer.y + dAlong * (Inner.y - Outer.y);
-}
-
 /// Of one set of calibrations, by zone.
 struct ClTally {
     void Add(const ClResidualField& Field);
@@ -155,18 +133,10 @@ ClResidualField MeasureResiduals(const sim::ClScanner& Scanner, const sim::ClCap
 }
 
 EZone ZoneOf(const sim::ClPoint& Place, const Points& aTarget) {
-    constexpr std::size_t cnFirstColumn = 9; ///< the last dot of each
-    constexpr std::size_t cnSecondColumn = 20;
-    constexpr std::size_t cnSixthColumn = 64;
-    constexpr std::size_t cnSeventhColumn = 74;
-    const ClBox Box(aTarget);
-    const bool bX = Box.HoldsX(Place.x);
-    const bool bY = Box.HoldsY(Place.y);
-    if (!bX && !bY)
-        return EZone::eCorner;
-    const bool bCut = IsBelowCut(Place, aTarget.at(cnFirstColumn), aTarget.at(cnSecondColumn)) ||
-                      IsBelowCut(Place, aTarget.at(cnSeventhColumn), aTarget.at(cnSixthColumn));
-    return bX && bY && !bCut ? EZone::eInside : EZone::eEdge;
+    diagnosis::Points aPoints;
+    for (const sim::ClPoint& Point : aTarget)
+        aPoints.push_back({Point.x, Point.y});
+    return diagnosis::ZoneOf({Place.x, Place.y}, aPoints);
 }
 
 double ClLengths::Mean() const {

@@ -4,6 +4,7 @@
 /// whole image: not only at the dots, where the splines are held, but between and beyond them.
 
 #include "bench/Generation.h"
+#include "diagnosis/Zone.h"
 #include "sim/Scanner.h"
 
 #include <array>
@@ -12,12 +13,7 @@
 
 namespace bench {
 
-/// The part of the corrected image that a place lies in.
-enum class EZone {
-    eInside, ///< amid dots, within their convex hull
-    eEdge,   ///< beyond the dots to one side, the two places without dots included
-    eCorner, ///< beyond the dots in x and in y
-};
+using diagnosis::EZone;
 constexpr std::array<EZone, 3> g_aZones{EZone::eInside, EZone::eEdge, EZone::eCorner};
 
 /// The vectors of one calibration at even steps over the corrected image, borders included.
