@@ -1,4 +1,5 @@
-/// `qk7 generate`: derives the calibration block of a scanner from a capture of the dot target.
+/// `qk7 generate`: derives the calibration block of a scanner from a capture of the dot target, and
+/// tells whether it can be believed.
 
 #include "apps/qk7/Advice.h"
 #include "apps/qk7/BitmapInfo.h"
@@ -8,6 +9,7 @@
 #include "apps/qk7/Handle.h"
 #include "apps/qk7/RecordFault.h"
 #include "apps/qk7/TargetReport.h"
+#include "apps/qk7/VerdictReport.h"
 
 #include "TessarinCalibrateSDK.h"
 
@@ -15,6 +17,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <stdexcept>
 
 namespace qk7 {
 
@@ -25,9 +28,11 @@ namespace fs = std::filesystem;
 struct StGenerateCall {
     std::string m_Target;
     std::string m_Output;
-    std::string m_Precalculated; ///< this and the next two: empty when none is asked for
+    std::string m_Precalculated; ///< this and the next three: empty when none is asked for
     std::string m_Reference;
+    std::string m_Second;
     std::string m_DebugImage;
+    bool m_bAcceptDoubtful = false;
     bool m_bJson = false;
 };
 
@@ -40,8 +45,9 @@ bool AreSame(const std::string& a, const std::string& b) {
 /// No output replaces an input or another output.
 void CheckOutputs(const StGenerateCall& Call) {
     std::vector<std::string> taken = {Call.m_Target};
-    if (!Call.m_Reference.empty())
-        taken.push_back(Call.m_Reference);
+    for (const std::string& input : {Call.m_Reference, Call.m_Second})
+        if (!input.empty())
+            taken.push_back(input);
     for (const std::string& output : {Call.m_Output, Call.m_Precalculated, Call.m_DebugImage}) {
         for (const std::string& other : taken)
             if (!output.empty() && AreSame(output, other))
@@ -54,11 +60,14 @@ void CheckOutputs(const StGenerateCall& Call) {
 struct StRun {
     Bytes m_Target;
     Bytes m_Reference;
+    Bytes m_Second;
     ClHandle m_Handle;
 };
 
 void ReadFiles(const StGenerateCall& Call, StRun& rRun) {
     rRun.m_Target = ReadBlock(Call.m_Target);
+    if (!Call.m_Second.empty())
+        rRun.m_Second = ReadBlock(Call.m_Second);
     if (Call.m_Reference.empty())
         return;
     rRun.m_Reference = ReadFile(Call.m_Reference);
@@ -146,17 +155,49 @@ StBlocks LoadableBlocks(const StGenerateCall& Call, const StRun& Run) {
     return blocks;
 }
 
-void WriteOutputs(const StGenerateCall& Call, const StBlocks& Blocks,
-                  const StTargetDiagnosis& Diagnosis) {
-    if (!Call.m_Precalculated.empty())
-        WriteFile(Call.m_Precalculated, {&Blocks.m_Precalculated});
-    if (!Call.m_DebugImage.empty())
-        WriteBlock(Call.m_DebugImage, Diagnosis.m_Picture);
-    WriteFile(Call.m_Output, {&Blocks.m_Calibration});
+/// The second capture, corrected with the calibration.
+Bytes CorrectedSecond(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibration) {
+    ClHandle handle;
+    handle.SetOption("DynamicFingerMask=false");
+    handle.SetData(Calibration);
+    const StFrame frame = ReadCalibrationInfo(Calibration).m_Target;
+    return HandingBitmap(Call.m_Second, Run.m_Second, [&] {
+        return handle.Calibrate(Run.m_Second, BitmapBytes(frame.m_nWidth, frame.m_nHeight, 1));
+    });
 }
 
-/// What is known about the target; nothing where nobody asked.
-StTargetDiagnosis Generate(const StGenerateCall& Call) {
+StJudged Judge(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibration) {
+    try {
+        StJudged judged;
+        judged.m_First = diagnosis::Diagnose(Calibration, Run.m_Target);
+        if (!Call.m_Second.empty())
+            judged.m_Second =
+                diagnosis::CheckSecond(Calibration, CorrectedSecond(Call, Run, Calibration));
+        return judged;
+    } catch (const std::invalid_argument& error) {
+        throw ClFailure(Call.m_Target, error.what());
+    }
+}
+
+/// What a call came to.
+struct StGenerated {
+    StJudged m_Judged;
+    StTargetDiagnosis m_Target; ///< nothing where nobody asked
+    bool m_bWritten = false;
+};
+
+void WriteOutputs(const StGenerateCall& Call, const StBlocks& Blocks, StGenerated& rGenerated) {
+    if (!Call.m_DebugImage.empty())
+        WriteBlock(Call.m_DebugImage, rGenerated.m_Target.m_Picture);
+    if (!rGenerated.m_Judged.IsGood() && !Call.m_bAcceptDoubtful)
+        return;
+    if (!Call.m_Precalculated.empty())
+        WriteFile(Call.m_Precalculated, {&Blocks.m_Precalculated});
+    WriteFile(Call.m_Output, {&Blocks.m_Calibration});
+    rGenerated.m_bWritten = true;
+}
+
+StGenerated Generate(const StGenerateCall& Call) {
     CheckOutputs(Call);
     StRun run;
     ReadFiles(Call, run);
@@ -166,27 +207,68 @@ StTargetDiagnosis Generate(const StGenerateCall& Call) {
         Fail(Call, run, error);
     }
     const StBlocks blocks = LoadableBlocks(Call, run);
-    StTargetDiagnosis diagnosis;
+    StGenerated generated;
+    generated.m_Judged = Judge(Call, run, blocks.m_Calibration);
     if (Call.m_bJson || !Call.m_DebugImage.empty())
-        diagnosis = Diagnose(run);
-    WriteOutputs(Call, blocks, diagnosis);
-    return diagnosis;
+        generated.m_Target = Diagnose(run);
+    WriteOutputs(Call, blocks, generated);
+    return generated;
+}
+
+/// What to do about a doubtful calibration; nothing about a good one.
+std::string DoubtWords(const StGenerateCall& Call, const StGenerated& Generated) {
+    if (Generated.m_Judged.IsGood())
+        return "";
+    return "  " + RecaptureAdvice(Call) +
+           (Generated.m_bWritten ? "\n  It is written all the same, as --accept-doubtful asks.\n"
+                                 : "\n  Nothing is written; --accept-doubtful writes it all the "
+                                   "same.\n");
+}
+
+void Tell(const StGenerateCall& Call, const StGenerated& Generated) {
+    const std::string text =
+        TextOf(Call.m_Output, Generated.m_Judged) + DoubtWords(Call, Generated);
+    if (!Call.m_bJson) {
+        Print(text);
+        return;
+    }
+    Json json = {{"file", Call.m_Target},
+                 {"calibration", Call.m_Output},
+                 {"written", Generated.m_bWritten},
+                 {"target", JsonOf(Generated.m_Target)}};
+    json.update(JsonOf(Generated.m_Judged));
+    Print(Dump(json));
+    if (!Generated.m_Judged.IsGood())
+        PrintError("qk7 generate", text.substr(0, text.size() - 1));
+}
+
+bool IsRefusal(const std::exception& Error) {
+    return dynamic_cast<const ClRefusedTarget*>(&Error) != nullptr ||
+           dynamic_cast<const ClUnloadableRecord*>(&Error) != nullptr;
+}
+
+void TellFailure(const StGenerateCall& Call, const std::exception& Error) {
+    if (!Call.m_bJson)
+        return;
+    Json json = FailureJson(Call.m_Target, Error);
+    if (IsRefusal(Error))
+        json["verdict"] = "refused";
+    Print(Dump(json));
 }
 
 void RunGenerate(const StGenerateCall& Call) {
-    Json json = {{"file", Call.m_Target}, {"calibration", Call.m_Output}};
+    StGenerated generated;
     try {
-        const StTargetDiagnosis diagnosis = Generate(Call);
-        json["target"] = JsonOf(diagnosis);
+        generated = Generate(Call);
     } catch (const ClWrongUsage&) {
         throw;
     } catch (const std::exception& error) {
-        if (Call.m_bJson)
-            Print(Dump(FailureJson(Call.m_Target, error)));
+        TellFailure(Call, error);
         throw;
     }
-    if (Call.m_bJson)
-        Print(Dump(json));
+    Tell(Call, generated);
+    if (!generated.m_Judged.IsGood())
+        throw CLI::RuntimeError(eDoubtful);
 }
 
 void AddOutputOptions(CLI::App& rCommand, StGenerateCall& rCall) {
@@ -197,11 +279,13 @@ void AddOutputOptions(CLI::App& rCommand, StGenerateCall& rCall) {
         .add_option("--precalculated", rCall.m_Precalculated,
                     "Precalculated block to write, too: the prepared warp table")
         ->type_name("scanner.pre");
+    rCommand.add_flag("--accept-doubtful", rCall.m_bAcceptDoubtful,
+                      "Write a doubtful calibration, too; the exit status stays 3");
     rCommand
         .add_option("--debug-image", rCall.m_DebugImage,
-                    "Bitmap to write, too, also when the target is refused or its calibration does "
-                    "not load: spokes from the dots to their neighbours, crosses on what was "
-                    "refused, boxes where dots are missing")
+                    "Bitmap to write, too, also when nothing else is written: spokes from the dots "
+                    "to their neighbours, crosses on what was refused, boxes where dots are "
+                    "missing")
         ->type_name("grid.bmp");
 }
 
@@ -209,7 +293,11 @@ void AddOutputOptions(CLI::App& rCommand, StGenerateCall& rCall) {
 
 void AddGenerate(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
-        "generate", "Derives a calibration block from a capture of the dot target");
+        "generate",
+        "Derives a calibration block from a capture of the dot target and tells whether it can be "
+        "believed. The exit status is 0 for a good one, 3 for a doubtful one, which is written "
+        "with "
+        "--accept-doubtful only, and 1 where the target is refused.");
     const auto pCall = std::make_shared<StGenerateCall>();
     pCommand->add_option("TARGET.bmp", pCall->m_Target, "Raw capture of the target")
         ->required()
@@ -220,8 +308,15 @@ void AddGenerate(CLI::App& rApp) {
                      "Calibration block whose target points are the measured places of the dots on "
                      "this plate, in place of the ideal pattern")
         ->type_name("plate.cal");
-    pCommand->add_flag("--json", pCall->m_bJson,
-                       "Print an object: the dots found, missing and refused");
+    pCommand
+        ->add_option("--second", pCall->m_Second,
+                     "Second capture of the target, laid anew: it is corrected, and its dots have "
+                     "to come out where they belong. This finds what one capture cannot show")
+        ->type_name("second.bmp");
+    pCommand->add_flag(
+        "--json", pCall->m_bJson,
+        "Print an object: the verdict with its reasons and figures for each dot, the "
+        "plate and the corrected image; the dots found, missing and refused");
     pCommand->callback([pCall] { RunGenerate(*pCall); });
 }
 

@@ -11,7 +11,7 @@ namespace qk7 {
 class ClProgress;
 
 /// The exit statuses.
-enum EExit { eDone = 0, eFailed = 1, eWrongUsage = 2 };
+enum EExit { eDone = 0, eFailed = 1, eWrongUsage = 2, eDoubtful = 3 };
 
 /// A call that is wrong in a way that only the command can see. what() says how.
 class ClWrongUsage : public std::runtime_error {

@@ -5,12 +5,14 @@
 #include "qk7/Targets.h"
 #include "qk7/TestFiles.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
 using namespace TestSupport;
 using nlohmann::json;
 using qk7::Bytes;
+using testing::StartsWith;
 
 namespace {
 
@@ -30,7 +32,7 @@ protected:
     void ExpectDone(const Arguments& more) {
         const StEnded ended = Generate(more);
         EXPECT_EQ(ended.m_nExit, 0);
-        EXPECT_EQ(ended.m_Out, "");
+        EXPECT_THAT(ended.m_Out, StartsWith("scanner.cal: good\n"));
         EXPECT_EQ(ended.m_Err, "");
     }
 
@@ -80,8 +82,8 @@ TEST_F(Qk7Generate, WritesBlocksThatCorrectTheTarget) {
 }
 
 TEST_F(Qk7Generate, UsesTheReferencePlate) {
-    // The same plate a hundredth larger: its dots come to lie further apart.
-    const Bytes reference = StretchedCalibration(1.01F, 1.01F);
+    // The same plate half a hundredth larger: its dots come to lie further apart.
+    const Bytes reference = StretchedCalibration(1.005F, 1.005F);
     Put(m_Folder / "plate.cal", reference);
 
     ExpectDone({"--reference", "plate.cal"});
@@ -107,10 +109,17 @@ TEST_F(Qk7Generate, TellsAboutTheDotsAsJson) {
 
     EXPECT_EQ(ended.m_nExit, 0);
     EXPECT_EQ(ended.m_Err, "");
-    EXPECT_EQ(json::parse(ended.m_Out), json::parse(R"({
+    json told = json::parse(ended.m_Out);
+    EXPECT_EQ(told.at("dots").size(), 75U);
+    for (const char* szFigures : {"dots", "plate", "expected_error"})
+        EXPECT_EQ(told.erase(szFigures), 1U); // which have tests of their own
+    EXPECT_EQ(told, json::parse(R"({
         "file": "target.bmp",
         "calibration": "scanner.cal",
-        "target": {"dots": 75, "found": 75, "accepted": 75, "missing": [], "refused": []}
+        "written": true,
+        "target": {"dots": 75, "found": 75, "accepted": 75, "missing": [], "refused": []},
+        "verdict": "good",
+        "reasons": []
     })"));
 }
 

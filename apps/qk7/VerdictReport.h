@@ -1,0 +1,31 @@
+#pragma once
+
+/// What the diagnosis of a calibration says, as text and as JSON.
+
+#include "apps/qk7/FileReport.h"
+#include "diagnosis/Diagnosis.h"
+#include "diagnosis/SecondCapture.h"
+
+#include <optional>
+#include <string>
+
+namespace qk7 {
+
+/// A calibration that was derived, and what is known about it.
+struct StJudged {
+    diagnosis::StDiagnosis m_First;
+    std::optional<diagnosis::StSecond> m_Second;
+
+    bool IsGood() const;
+    /// Of both.
+    diagnosis::Reasons Reasons() const;
+};
+
+/// "scanner.cal: good" with the figures, or "doubtful" with a line for each reason; ends with a
+/// line feed.
+std::string TextOf(const std::string& Calibration, const StJudged& Judged);
+
+/// "verdict", "reasons", "dots", "plate", "expected_error" and, where there was one, "second".
+Json JsonOf(const StJudged& Judged);
+
+} // namespace qk7
