@@ -110,15 +110,4 @@ Bytes FileHeaderFor(const Bytes& Block) {
     return header;
 }
 
-Bytes ReadBlock(const std::string& Path) {
-    Bytes content = ReadFile(Path);
-    RemoveFileHeader(content);
-    return content;
-}
-
-void WriteBlock(const std::string& Path, const Bytes& Block) {
-    const Bytes header = FileHeaderFor(Block);
-    WriteFile(Path, {&header, &Block});
-}
-
 } // namespace qk7

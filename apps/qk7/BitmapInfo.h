@@ -38,11 +38,6 @@ std::uint64_t BitmapBytes(std::uint32_t nWidth, std::uint32_t nHeight, std::uint
 /// Removes the 14 bytes of a file header, where there is one.
 void RemoveFileHeader(Bytes& rContent);
 
-/// A bitmap file as a block.
-Bytes ReadBlock(const std::string& Path);
-/// A block that the library gave as a bitmap file.
-void WriteBlock(const std::string& Path, const Bytes& Block);
-
 /// The file header for a block that the library gave. Throws `ClFailure` as `ReadBitmapInfo`.
 Bytes FileHeaderFor(const Bytes& Block);
 

@@ -193,6 +193,8 @@ EFileKind KindOf(const Bytes& Content) {
         return EFileKind::eBitmap;
     if (BeginsWith(Content, "\x28\0\0", 0)) // an info header alone, which begins with its size
         return EFileKind::eBitmap;
+    if (BeginsWith(Content, "\x89PNG", 0) && BeginsWith(Content, "\r\n\x1a\n", 4))
+        return EFileKind::ePng;
     if (BeginsWith(Content, "CAL", 0) && BeginsWith(Content, "PRE", 4))
         return EFileKind::ePrecalculated;
     if (BeginsWith(Content, "CAL", 0) || BeginsWith(Content, "Cal", 0))

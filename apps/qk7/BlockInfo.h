@@ -17,7 +17,7 @@
 
 namespace qk7 {
 
-enum class EFileKind { eUnknown, eCalibration, ePrecalculated, eBitmap };
+enum class EFileKind { eUnknown, eCalibration, ePrecalculated, eBitmap, ePng };
 
 /// By the first bytes alone.
 EFileKind KindOf(const Bytes& Content);

@@ -7,6 +7,7 @@
 #include "apps/qk7/Console.h"
 #include "apps/qk7/FileReport.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/Picture.h"
 #include "apps/qk7/Progress.h"
 
 #include "TessarinCalibrateSDK.h"

@@ -1,10 +1,10 @@
 /// `qk7 check`: the geometric accuracy of corrected images of the target.
 
 #include "apps/qk7/Advice.h"
-#include "apps/qk7/BitmapInfo.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/FileReport.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/Picture.h"
 #include "apps/qk7/TargetReport.h"
 
 #include "TessarinCalibrateSDK.h"

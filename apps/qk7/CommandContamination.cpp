@@ -5,6 +5,7 @@
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/FileReport.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/Picture.h"
 
 #include <CLI/CLI.hpp>
 

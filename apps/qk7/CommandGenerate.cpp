@@ -7,6 +7,7 @@
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/FileReport.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/Picture.h"
 #include "apps/qk7/RecordFault.h"
 #include "apps/qk7/TargetReport.h"
 #include "apps/qk7/VerdictReport.h"

@@ -2,6 +2,7 @@
 
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/File.h"
+#include "apps/qk7/Picture.h"
 #include "apps/qk7/Progress.h"
 
 #include "sim/BitmapBlock.h"
@@ -30,6 +31,7 @@ struct StSimulateCall {
     std::vector<std::string> m_aKinds = {"loop"};
     std::vector<std::string> m_aCases;
     std::string m_Output;
+    std::string m_Format = "bmp";
     bool m_bTruth = false;
 };
 
@@ -46,26 +48,32 @@ struct StOrder {
     std::function<sim::ClCapture(const sim::ClScanner&)> m_Make;
 };
 
+struct StNaming {
+    unsigned int m_nCount; ///< of the captures of a subject
+    std::string m_Ending;
+};
+
 /// The captures of a subject carry its name, with a number behind it where there are several. The
 /// number is also the capture's seed, so that more captures leave the first ones as they were.
-std::string FileName(const std::string& Subject, unsigned int nNumber, unsigned int nCount) {
-    return Subject + (nCount > 1 ? "_" + std::to_string(nNumber) : "") + ".bmp";
+std::string FileName(const StNaming& Naming, const std::string& Subject, unsigned int nNumber) {
+    return Subject + (Naming.m_nCount > 1 ? "_" + std::to_string(nNumber) : "") + "." +
+           Naming.m_Ending;
 }
 
-void AddKind(std::vector<StOrder>& rOrders, const std::string& Kind, unsigned int nCount) {
+void AddKind(std::vector<StOrder>& rOrders, const std::string& Kind, const StNaming& Naming) {
     sim::EKind eKind = sim::EKind::eTarget;
     sim::KindFromName(Kind, eKind); // the parser lets only kinds through
-    for (unsigned int i = 1; i <= nCount; ++i)
+    for (unsigned int i = 1; i <= Naming.m_nCount; ++i)
         rOrders.push_back(
-            {FileName(Kind, i, nCount), Kind, std::nullopt, i,
+            {FileName(Naming, Kind, i), Kind, std::nullopt, i,
              [=](const sim::ClScanner& scanner) { return sim::CaptureKind(scanner, eKind, i); }});
 }
 
-void AddCase(std::vector<StOrder>& rOrders, const std::string& Case, unsigned int nCount) {
+void AddCase(std::vector<StOrder>& rOrders, const std::string& Case, const StNaming& Naming) {
     sim::ETargetCase eCase = sim::ETargetCase::ePlain;
     sim::TargetCaseFromName(Case, eCase); // as above
-    for (unsigned int i = 1; i <= nCount; ++i)
-        rOrders.push_back({FileName("target_" + Case, i, nCount), "target", Case, i,
+    for (unsigned int i = 1; i <= Naming.m_nCount; ++i)
+        rOrders.push_back({FileName(Naming, "target_" + Case, i), "target", Case, i,
                            [=](const sim::ClScanner& scanner) {
                                return sim::CaptureTargetCase(scanner, eCase, i);
                            }});
@@ -89,11 +97,11 @@ std::vector<StOrder> OrdersOf(const StSimulateCall& Call) {
     std::vector<StOrder> orders;
     const std::vector<std::string> plates = {"target", "ruled"};
     for (const std::string& plate : plates)
-        AddKind(orders, plate, 1);
+        AddKind(orders, plate, {1, Call.m_Format});
     for (const std::string& kind : EachOnce(Call.m_aKinds, plates))
-        AddKind(orders, kind, Call.m_nCount);
+        AddKind(orders, kind, {Call.m_nCount, Call.m_Format});
     for (const std::string& name : EachOnce(Call.m_aCases, {}))
-        AddCase(orders, name, Call.m_nCount);
+        AddCase(orders, name, {Call.m_nCount, Call.m_Format});
     return orders;
 }
 
@@ -156,8 +164,7 @@ Json WriteCaptures(const sim::ClScanner& Scanner, const StSimulateCall& Call) {
     for (const StOrder& order : orders) {
         progress.Begin(order.m_File);
         const sim::ClCapture capture = order.m_Make(Scanner);
-        const Bytes file = sim::BitmapFile(capture.m_Raw);
-        WriteFile(PathIn(Call, order.m_File), {&file});
+        WriteBlock(PathIn(Call, order.m_File), sim::BitmapBlock(capture.m_Raw));
         truths.push_back(JsonOf(order, capture));
         progress.Done();
     }
@@ -220,6 +227,10 @@ void AddSimulate(CLI::App& rApp) {
         ->type_name("CASE");
     pCommand->add_option("-n,--count", pCall->m_nCount, "Captures of each further kind and case")
         ->check(CLI::Range(1, 10000))
+        ->capture_default_str();
+    pCommand->add_option("--format", pCall->m_Format, "Format of the captures: bmp or png")
+        ->check(CLI::IsMember({"bmp", "png"}).description(""))
+        ->type_name("FORMAT")
         ->capture_default_str();
     pCommand->add_flag("--truth", pCall->m_bTruth,
                        "Write truth.json: the scanner's settings and the true places of dots and "

@@ -1,12 +1,12 @@
 #include "apps/qk7/File.h"
 
+#include "apps/qk7/TemporaryFiles.h"
+
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -19,43 +19,14 @@ namespace qk7 {
 
 namespace {
 
-constexpr std::array<int, 3> anEndingSignals = {SIGINT, SIGTERM, SIGHUP};
-
-// What a signal handler may touch: a fixed buffer and a flag.
-char g_szTemporary[PATH_MAX];
-volatile std::sig_atomic_t g_bTemporary = 0;
-
-extern "C" void RemoveTemporaryAndEnd(int nSignal) {
-    if (g_bTemporary)
-        unlink(g_szTemporary);
-    raise(nSignal); // the handler was reset on entry: the default action ends the process
-}
-
-/// While it lives no ending signal comes between a change on the disk and its note.
-class ClSignalsHeld {
-public:
-    ClSignalsHeld() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int nSignal : anEndingSignals)
-            sigaddset(&signals, nSignal);
-        pthread_sigmask(SIG_BLOCK, &signals, &m_Former);
-    }
-    ClSignalsHeld(const ClSignalsHeld&) = delete;
-    ClSignalsHeld& operator=(const ClSignalsHeld&) = delete;
-    ~ClSignalsHeld() { pthread_sigmask(SIG_SETMASK, &m_Former, nullptr); }
-
-private:
-    sigset_t m_Former;
-};
-
+/// Closes what it holds, but not standard input, which others read on.
 class ClDescriptor {
 public:
     explicit ClDescriptor(int nFile) : m_nFile(nFile) {}
     ClDescriptor(const ClDescriptor&) = delete;
     ClDescriptor& operator=(const ClDescriptor&) = delete;
     ~ClDescriptor() {
-        if (m_nFile >= 0)
+        if (m_nFile > STDIN_FILENO)
             close(m_nFile);
     }
     int Get() const { return m_nFile; }
@@ -88,8 +59,12 @@ std::size_t ReadSome(const std::string& Path, int nFile, Bytes& rContent, std::s
         if (nRead >= 0)
             return static_cast<std::size_t>(nRead);
         if (errno != EINTR)
-            throw ClFailure(Path, SystemWords(errno));
+            throw ClFailure(ShownName(Path, EStream::eIn), SystemWords(errno));
     }
+}
+
+int OpenForReading(const std::string& Path) {
+    return IsStream(Path) ? STDIN_FILENO : open(Path.c_str(), O_RDONLY | O_CLOEXEC);
 }
 
 bool CannotBeForced(int nErrno) {
@@ -103,20 +78,21 @@ std::string SystemWords(int nErrno) {
 }
 
 Bytes ReadFile(const std::string& Path, std::size_t nLimit) {
-    const ClDescriptor file(open(Path.c_str(), O_RDONLY | O_CLOEXEC));
+    const ClDescriptor file(OpenForReading(Path));
+    const std::string name = ShownName(Path, EStream::eIn);
     struct stat status {};
     if (file.Get() < 0 || fstat(file.Get(), &status) != 0)
-        throw ClFailure(Path, SystemWords(errno));
+        throw ClFailure(name, SystemWords(errno));
     const std::size_t nTold = status.st_size > 0 ? static_cast<std::size_t>(status.st_size) : 0;
     if (nTold > nLimit)
-        throw ClFailure(Path, TooLarge(nLimit));
+        throw ClFailure(name, TooLarge(nLimit));
     // One byte more than told, so that the end is met without growing.
     Bytes content(std::max<std::size_t>(nTold + 1, 4096));
     std::size_t nFilled = 0;
     while (const std::size_t nRead = ReadSome(Path, file.Get(), content, nFilled)) {
         nFilled += nRead;
         if (nFilled > nLimit)
-            throw ClFailure(Path, TooLarge(nLimit));
+            throw ClFailure(name, TooLarge(nLimit));
         if (nFilled == content.size())
             content.resize(std::min(2 * nFilled, nLimit + 1));
     }
@@ -124,7 +100,21 @@ Bytes ReadFile(const std::string& Path, std::size_t nLimit) {
     return content;
 }
 
+bool IsStream(const std::string& Path) {
+    return Path == "-";
+}
+
+std::string ShownName(const std::string& Path, EStream eStream) {
+    if (!IsStream(Path))
+        return Path;
+    return eStream == EStream::eIn ? "standard input" : "standard output";
+}
+
 ClOutputFile::ClOutputFile(const std::string& Path) : ClOutputFile(Path, Path) {
+    if (IsStream(Path)) {
+        OpenStandardOutput();
+        return;
+    }
     struct stat status {};
     const bool bExists = stat(Path.c_str(), &status) == 0;
     if (bExists && !S_ISREG(status.st_mode)) {
@@ -156,27 +146,44 @@ void ClOutputFile::OpenDirectly() {
         Fail(errno);
 }
 
+void ClOutputFile::OpenStandardOutput() {
+    if (isatty(STDOUT_FILENO) != 0)
+        throw ClFailure("standard output", "is a terminal, which shows no pictures and blocks. "
+                                           "Send it to a file or another program.");
+    m_nFile = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (m_nFile < 0)
+        Fail(errno);
+}
+
 void ClOutputFile::OpenTemporary(unsigned int nMode) {
-    if (g_bTemporary)
-        throw std::logic_error("two output files at once");
     // A name that exists is what a killed process of the same number left behind.
-    constexpr unsigned int cnTries = 100;
+    constexpr unsigned int cnTries = 100 + cnTemporaryFiles;
     for (unsigned int nTry = 0; nTry < cnTries; ++nTry) {
-        std::string name = TemporaryName(m_Target, nTry);
-        if (name.size() >= sizeof g_szTemporary)
+        const std::string name = TemporaryName(m_Target, nTry);
+        if (name.size() >= PATH_MAX)
             Fail(ENAMETOOLONG);
-        const ClSignalsHeld held;
+        const ClDiskChange change;
         m_nFile = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, nMode);
         if (m_nFile >= 0) {
-            std::memcpy(g_szTemporary, name.c_str(), name.size() + 1);
-            g_bTemporary = 1;
-            m_Temporary.swap(name);
+            NoteThis(name);
             return;
         }
         if (errno != EEXIST)
             Fail(errno);
     }
     Fail(EEXIST);
+}
+
+/// A file that cannot be noted is not left behind.
+void ClOutputFile::NoteThis(const std::string& Name) {
+    try {
+        m_Temporary = Name;
+        m_nNote = NoteTemporary(Name);
+    } catch (...) {
+        unlink(Name.c_str());
+        m_Temporary.clear();
+        throw;
+    }
 }
 
 void ClOutputFile::Write(const void* pData, std::size_t nSize) {
@@ -198,10 +205,10 @@ void ClOutputFile::Commit() {
     CloseFile();
     if (m_Temporary.empty())
         return;
-    const ClSignalsHeld held;
+    const ClDiskChange change;
     if (rename(m_Temporary.c_str(), m_Target.c_str()) != 0)
         Fail(errno);
-    g_bTemporary = 0;
+    ForgetTemporary(m_nNote);
     m_Temporary.clear();
 }
 
@@ -215,13 +222,13 @@ void ClOutputFile::CloseFile() {
 void ClOutputFile::RemoveTemporary() noexcept {
     if (m_Temporary.empty())
         return;
-    const ClSignalsHeld held;
+    const ClDiskChange change;
     unlink(m_Temporary.c_str());
-    g_bTemporary = 0;
+    ForgetTemporary(m_nNote);
 }
 
 void ClOutputFile::Fail(int nErrno) const {
-    throw ClFailure(m_Path, "cannot be written: " + SystemWords(nErrno));
+    throw ClFailure(ShownName(m_Path, EStream::eOut), "cannot be written: " + SystemWords(nErrno));
 }
 
 void WriteFile(const std::string& Path, std::initializer_list<const Bytes*> Parts) {
@@ -246,15 +253,7 @@ void MakeDirectory(const std::string& Path) {
 }
 
 void GuardAgainstSignals() {
-    struct sigaction action {};
-    action.sa_handler = RemoveTemporaryAndEnd;
-    action.sa_flags = static_cast<int>(SA_RESETHAND);
-    for (const int nSignal : anEndingSignals) {
-        struct sigaction former {};
-        // Who started us with a signal ignored, as nohup does, wants it ignored.
-        if (sigaction(nSignal, nullptr, &former) == 0 && former.sa_handler != SIG_IGN)
-            sigaction(nSignal, &action, nullptr);
-    }
+    RemoveTemporariesOnSignals();
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
 }

@@ -7,6 +7,9 @@
 /// the old file or the new one, and a failure or an interrupt leaves the old one. Of several
 /// writers the last one to rename wins. A process that is killed leaves its temporary file, which
 /// nobody takes for an output.
+///
+/// The path "-" is standard input where something is read, standard output where something is
+/// written. A file of that name is "./-".
 
 #include <cstddef>
 #include <initializer_list>
@@ -26,6 +29,13 @@ public:
         : std::runtime_error(Subject + ": " + Words) {}
 };
 
+enum class EStream { eIn, eOut };
+
+/// Whether the path stands for standard input or output.
+bool IsStream(const std::string& Path);
+/// The path as messages name it: "standard input" or "standard output" for "-".
+std::string ShownName(const std::string& Path, EStream eStream);
+
 /// No file that the tool handles is larger: a precalculated block ends below 513 MiB.
 constexpr std::size_t cnFileLimit = std::size_t{544} << 20;
 
@@ -33,14 +43,14 @@ constexpr std::size_t cnFileLimit = std::size_t{544} << 20;
 /// a device or pipe is read no further than that.
 Bytes ReadFile(const std::string& Path, std::size_t nLimit = cnFileLimit);
 
-/// A file while it is written. Every failure throws `ClFailure` with the path.
-///
-/// One at a time: an interrupt removes the temporary file of one object.
+/// A file while it is written. Every failure throws `ClFailure` with the path. An interrupt removes
+/// the temporary file. Different threads may write different files.
 class ClOutputFile {
 public:
     /// A regular file, or none yet, is written under a temporary name; a link to a file is
     /// followed, one that leads nowhere is replaced; a device or pipe is written directly, since
-    /// nothing may take its place. An existing file hands on its permissions.
+    /// nothing may take its place, and so is standard output, unless it is a terminal. An existing
+    /// file hands on its permissions.
     explicit ClOutputFile(const std::string& Path);
     ClOutputFile(const ClOutputFile&) = delete;
     ClOutputFile& operator=(const ClOutputFile&) = delete;
@@ -56,7 +66,9 @@ private:
     ClOutputFile(const std::string& Path, const std::string& Target);
 
     void OpenDirectly();
+    void OpenStandardOutput();
     void OpenTemporary(unsigned int nMode);
+    void NoteThis(const std::string& Name);
     void CloseFile();
     void RemoveTemporary() noexcept;
     [[noreturn]] void Fail(int nErrno) const;
@@ -64,6 +76,7 @@ private:
     std::string m_Path;      ///< as the user wrote it
     std::string m_Target;    ///< with links resolved
     std::string m_Temporary; ///< empty when there is none
+    std::size_t m_nNote = 0; ///< of the temporary one
     int m_nFile = -1;
 };
 
@@ -73,8 +86,8 @@ void WriteFile(const std::string& Path, std::initializer_list<const Bytes*> Part
 /// Makes a directory and those above it, where they are missing. Throws `ClFailure`.
 void MakeDirectory(const std::string& Path);
 
-/// Makes SIGINT, SIGTERM and SIGHUP remove the temporary file before they end the process, and
-/// turns a broken pipe and a reached size limit into failures of the write. For main().
+/// Makes SIGINT, SIGTERM and SIGHUP remove temporary files before they end the process, and turns
+/// a broken pipe and a reached size limit into failures of the write. For main().
 void GuardAgainstSignals();
 
 /// The system's words for an error number.

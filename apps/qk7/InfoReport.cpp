@@ -112,6 +112,10 @@ const char* KindName(const StBitmapInfo&) {
     return "bitmap";
 }
 
+const char* KindName(const StPngInfo&) {
+    return "PNG picture";
+}
+
 std::string Rows(const StCalibrationInfo& Info) {
     std::string text = Row("tags", Visible(Info.m_Tag) + " " + Visible(Info.m_SubTag));
     text += Row("version", Visible(Info.m_Version) + Format(" (layout %d)", Info.m_nLayout));
@@ -210,6 +214,41 @@ void AddFields(Json& rJson, const StBitmapInfo& Info) {
     rJson["implied_bytes"] = Info.m_nImpliedBytes ? Json(*Info.m_nImpliedBytes) : Json(nullptr);
 }
 
+/// As the format numbers them.
+const char* ColourName(int nColourType) {
+    const char* aszNames[] = {
+        "grey", "", "colour", "palette", "grey with alpha", "", "colour with alpha"};
+    return nColourType >= 0 && nColourType <= 6 ? aszNames[nColourType] : "";
+}
+
+std::string ResolutionText(const StPngInfo& Info) {
+    if (Info.m_nPelsX == 0 || Info.m_nPelsY == 0)
+        return "not told";
+    return Format("%u x %u pixels/m (%.2f x %.2f dpi)", Info.m_nPelsX, Info.m_nPelsY,
+                  Dpi(Info.m_nPelsX), Dpi(Info.m_nPelsY));
+}
+
+std::string Rows(const StPngInfo& Info) {
+    return Row("size", Format("%u x %u pixels", Info.m_nWidth, Info.m_nHeight)) +
+           Row("depth", Format("%d bits, %s%s", Info.m_nBits, ColourName(Info.m_nColourType),
+                               Info.m_bInterlaced ? ", interlaced" : "")) +
+           Row("resolution", ResolutionText(Info));
+}
+
+void AddFields(Json& rJson, const StPngInfo& Info) {
+    rJson["width"] = Info.m_nWidth;
+    rJson["height"] = Info.m_nHeight;
+    rJson["bits"] = Info.m_nBits;
+    rJson["colours"] = ColourName(Info.m_nColourType);
+    rJson["interlaced"] = Info.m_bInterlaced;
+    rJson["pixels_per_metre"] = nullptr;
+    rJson["dpi"] = nullptr;
+    if (Info.m_nPelsX == 0 || Info.m_nPelsY == 0)
+        return;
+    rJson["pixels_per_metre"] = {Info.m_nPelsX, Info.m_nPelsY};
+    rJson["dpi"] = {Dpi(Info.m_nPelsX), Dpi(Info.m_nPelsY)};
+}
+
 std::string FirstBytes(const Bytes& Content) {
     std::string text;
     for (std::size_t i = 0; i < Content.size() && i < 8; ++i)
@@ -227,13 +266,16 @@ FileInfo ReadInfo(const Bytes& Content) {
         return ReadPrecalculatedInfo(Content);
     case EFileKind::eBitmap:
         return ReadBitmapInfo(Content);
+    case EFileKind::ePng:
+        return ReadPngInfo(Content);
     case EFileKind::eUnknown:
         break;
     }
     if (Content.empty())
         throw ClFailure("is empty");
-    throw ClFailure("is no calibration block, precalculated block or bitmap; it begins with" +
-                    FirstBytes(Content));
+    throw ClFailure(
+        "is no calibration block, precalculated block, bitmap or PNG picture; it begins with" +
+        FirstBytes(Content));
 }
 
 std::string TextOf(const std::string& Path, std::size_t nBytes, const FileInfo& Info) {

@@ -1,7 +1,9 @@
 /// `qk7 calibrate`: what it writes.
 
+#include "apps/qk7/Png.h"
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/PngFiles.h"
 #include "qk7/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -92,6 +94,30 @@ TEST(Qk7Calibrate, TakesACaptureWithoutAFileHeader) {
     ExpectDone(Qk7(QuickCalibrate({folder / "in.dib", "-o", folder / "out.bmp"})));
 
     EXPECT_EQ(Get(folder / "out.bmp"), QuickResult());
+}
+
+TEST(Qk7Calibrate, TakesAndMakesPngAsItDoesBitmaps) {
+    const ClTestFolder folder;
+    Put(folder / "in.png", qk7::PngOfBlock(Capture()));
+
+    ExpectDone(Qk7(QuickCalibrate({folder / "in.png", "-o", folder / "out.bmp"})));
+    ExpectDone(Qk7(QuickCalibrate({folder / "in.png", "-o", folder / "out.PNG"})));
+
+    EXPECT_EQ(Get(folder / "out.bmp"), QuickResult());
+    const Bytes file = QuickResult();
+    const Bytes block(file.begin() + 14, file.end());
+    EXPECT_EQ(qk7::BlockOfPng(Get(folder / "out.PNG")), block);
+}
+
+TEST(Qk7Calibrate, NamesAPngThatCannotBeTaken) {
+    const ClTestFolder folder;
+    Put(folder / "in.png", PngFile({1, 1, 8, 2}, {{1, 2, 3}}));
+
+    const StEnded ended = Qk7(QuickCalibrate({"in.png", "-o", "out.bmp"}), folder.Path());
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_EQ(ended.m_Err, "qk7 calibrate: in.png: is a colour picture, a grey one is expected. "
+                           "Save it as 8-bit grey.\n");
 }
 
 TEST(Qk7Calibrate, UsesThePrecalculatedBlock) {

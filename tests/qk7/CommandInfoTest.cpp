@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/PngFiles.h"
 #include "qk7/TestFiles.h"
 
 #include <gtest/gtest.h>
@@ -189,7 +190,8 @@ TEST(Qk7Info, GoesOnBehindAFileThatFails) {
 
     EXPECT_EQ(ended.m_nExit, 1);
     EXPECT_EQ(ended.m_Err,
-              "qk7 info: text: is no calibration block, precalculated block or bitmap; it begins "
+              "qk7 info: text: is no calibration block, precalculated block, bitmap or PNG "
+              "picture; it begins "
               "with 4f 6e 63 65 20 75 70 6f\n"
               "qk7 info: empty: is empty\n"
               "qk7 info: none: No such file or directory\n"
@@ -227,4 +229,21 @@ TEST(Qk7Info, ShowsNoControlCharactersOfAFile) {
     EXPECT_EQ(ended.m_nExit, 0);
     EXPECT_NE(ended.m_Out.find("  version              \\x1b[0 (layout 0)\n"), std::string::npos)
         << ended.m_Out;
+}
+
+TEST(Qk7Info, TellsAPngPicture) {
+    const ClTestFolder folder;
+    Put(folder / "a.png", PngFile({2, 1, 4, 0}, {{0x12}}, PngResolution(19685, 39370)));
+    Put(folder / "b.png", PngFile({3, 1, 8, 2, 1}, {Bytes(9)}));
+
+    const StEnded ended = Qk7({"info", "a.png", "b.png"}, folder.Path());
+
+    EXPECT_EQ(ended.m_Out, "a.png: PNG picture, 91 bytes\n"
+                           "  size                 2 x 1 pixels\n"
+                           "  depth                4 bits, grey\n"
+                           "  resolution           19685 x 39370 pixels/m (500.00 x 1000.00 dpi)\n"
+                           "b.png: PNG picture, 78 bytes\n"
+                           "  size                 3 x 1 pixels\n"
+                           "  depth                8 bits, colour, interlaced\n"
+                           "  resolution           not told\n");
 }

@@ -1,5 +1,6 @@
 /// `qk7 simulate`.
 
+#include "apps/qk7/Png.h"
 #include "qk7/CommandRunner.h"
 #include "qk7/TestFiles.h"
 #include "sim/TargetCases.h"
@@ -41,6 +42,20 @@ int PixelAt(const Bytes& File, int nWidth, double x, double y) {
 }
 
 } // namespace
+
+TEST(Qk7Simulate, WritesTheSameCapturesAsPng) {
+    const ClTestFolder folder;
+
+    Simulate(folder / "bmp", {"-k", "empty"});
+    Simulate(folder / "png", {"-k", "empty", "--format", "png"});
+
+    for (const char* szName : {"target", "ruled", "empty"}) {
+        const Bytes bitmap = Get(folder / "bmp/" + szName + ".bmp");
+        EXPECT_EQ(qk7::BlockOfPng(Get(folder / "png/" + szName + ".png")),
+                  Bytes(bitmap.begin() + 14, bitmap.end()))
+            << szName;
+    }
+}
 
 TEST(Qk7Simulate, WritesTheFilesOfAScanner) {
     const ClTestFolder folder;

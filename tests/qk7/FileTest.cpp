@@ -1,13 +1,17 @@
 #include "apps/qk7/File.h"
+#include "apps/qk7/TemporaryFiles.h"
 
 #include "qk7/Children.h"
 #include "qk7/TestFiles.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <functional>
+#include <memory>
+#include <thread>
 
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -219,11 +223,56 @@ TEST(Qk7OutputFile, ReportsADirectoryThatIsMissing) {
               folder.Path() + ": cannot be written: Is a directory");
 }
 
-TEST(Qk7OutputFile, ComesAloneSinceAnInterruptKnowsOne) {
+TEST(Qk7OutputFile, IsRemovedByAnInterruptWithAllOthers) {
     const ClTestFolder folder;
-    const ClOutputFile first(folder / "first");
 
-    EXPECT_THROW(ClOutputFile(folder / "second"), std::logic_error);
+    const int nStatus = StatusOfChild([&] {
+        ClOutputFile first(folder / "first");
+        ClOutputFile second(folder / "second");
+        ClOutputFile third(folder / "third");
+        second.Commit();
+        raise(SIGTERM);
+    });
+
+    EXPECT_TRUE(WIFSIGNALED(nStatus) && WTERMSIG(nStatus) == SIGTERM) << nStatus;
+    EXPECT_EQ(folder.Names(), Names{"second"});
+}
+
+TEST(Qk7OutputFile, OfManyThreadsIsWholeOrGoneAfterAnInterrupt) {
+    const ClTestFolder folder;
+    const Bytes content(1000, 'n');
+
+    const int nStatus = StatusOfChild([&] {
+        std::vector<std::thread> threads;
+        for (int nThread = 0; nThread < 4; ++nThread)
+            threads.emplace_back([&, nThread] {
+                LeaveSignalsToOthers();
+                for (int i = 0;; ++i)
+                    WriteFile(folder / std::to_string(nThread) + "_" + std::to_string(i % 50),
+                              {&content});
+            });
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        kill(getpid(), SIGINT);
+        threads[0].join();
+    });
+
+    EXPECT_TRUE(WIFSIGNALED(nStatus) && WTERMSIG(nStatus) == SIGINT) << nStatus;
+    EXPECT_FALSE(folder.Names().empty());
+    for (const std::string& name : folder.Names())
+        EXPECT_EQ(Get(folder / name), content) << name;
+}
+
+TEST(Qk7OutputFile, LimitsHowManyAreWrittenAtOnce) {
+    const ClTestFolder folder;
+    std::vector<std::unique_ptr<ClOutputFile>> files;
+    for (std::size_t i = 0; i < cnTemporaryFiles; ++i)
+        files.push_back(std::make_unique<ClOutputFile>(folder / std::to_string(i)));
+
+    EXPECT_THROW(ClOutputFile(folder / "more"), std::logic_error);
+
+    EXPECT_EQ(folder.Names().size(), cnTemporaryFiles);
+    files.clear();
+    EXPECT_TRUE(folder.Names().empty());
 }
 
 TEST(Qk7OutputFile, IsRemovedByAnInterrupt) {
