@@ -59,6 +59,22 @@ const char* ForBitmap(long nNumber) {
     }
 }
 
+std::string SizeAdvice(const StBitmapInfo& Info) {
+    if (Info.m_nImpliedBytes)
+        return " Its header asks for " + std::to_string(*Info.m_nImpliedBytes) +
+               " bytes of header, palette and pixels; it has " +
+               std::to_string(Info.m_nBlockBytes) + ".";
+    return " Its header tells " + std::to_string(Info.m_nWidth) + " x " +
+           std::to_string(Info.m_nHeight) +
+           " pixels, where both have to be positive. Save it with its lowest line first.";
+}
+
+/// Some calls say so, one only that something went wrong inside.
+bool IsAboutDepth(long nNumber, const StBitmapInfo& Info) {
+    return nNumber == QMT_ERROR_BITMAP_PLANE || nNumber == QMT_ERROR_BITMAP_BITCOUNT ||
+           (nNumber == QMT_ERROR_INTERNAL && (Info.m_nBits != 8 || Info.m_nPlanes != 1));
+}
+
 } // namespace
 
 std::string Advice(EHanded eHanded, long nNumber) {
@@ -78,10 +94,12 @@ std::string Advice(EHanded eHanded, long nNumber) {
 std::string BitmapAdvice(long nNumber, const Bytes& Block) {
     try {
         const StBitmapInfo info = ReadBitmapInfo(Block);
-        if (nNumber == QMT_ERROR_TEMPLATE_SIZE && info.m_nImpliedBytes)
-            return " Its header asks for " + std::to_string(*info.m_nImpliedBytes) +
-                   " bytes of header, palette and pixels; it has " +
-                   std::to_string(info.m_nBlockBytes) + ".";
+        if (nNumber == QMT_ERROR_TEMPLATE_SIZE)
+            return SizeAdvice(info);
+        if (IsAboutDepth(nNumber, info))
+            return " It has " + std::to_string(info.m_nBits) + " bits in " +
+                   std::to_string(info.m_nPlanes) + " plane(s)." +
+                   ForBitmap(QMT_ERROR_BITMAP_PLANE);
     } catch (const ClFailure& cutOff) {
         if (nNumber == QMT_ERROR_TEMPLATE_SIZE)
             return std::string(" It ") + cutOff.what() + ".";

@@ -34,7 +34,7 @@ void ReadInfoHeader(ClByteReader& rReader, StBitmapInfo& rInfo) {
     const std::uint32_t nHeader = rReader.Little32(szField);
     if (nHeader != cnInfoHeader)
         throw ClFailure("has an info header of " + std::to_string(nHeader) +
-                        " bytes, one of 40 bytes is expected");
+                        " bytes, one of 40 bytes is expected. Save it as a Windows 3 bitmap.");
     rInfo.m_nWidth = Signed32(rReader, szField);
     rInfo.m_nHeight = Signed32(rReader, szField);
     rInfo.m_nPlanes = rReader.Little16(szField);

@@ -2,7 +2,8 @@
 
 #include "apps/qk7/Advice.h"
 #include "apps/qk7/Commands.h"
-#include "apps/qk7/FileReport.h"
+#include "apps/qk7/Console.h"
+#include "apps/qk7/FileRun.h"
 #include "apps/qk7/Handle.h"
 #include "apps/qk7/Picture.h"
 #include "apps/qk7/TargetReport.h"
@@ -18,16 +19,15 @@ namespace qk7 {
 namespace {
 
 struct StCheckCall {
+    StFileOptions m_Files;
     std::string m_Data;
-    std::vector<std::string> m_aInputs;
-    bool m_bJson = false;
 };
 
-[[noreturn]] void Refuse(const std::string& Path, const Bytes& Corrected, const Bytes& Calibration,
+[[noreturn]] void Refuse(const std::string& Name, const Bytes& Corrected, const Bytes& Calibration,
                          const ClLibraryError& Error) {
     const StTargetDiagnosis diagnosis =
         DiagnoseTarget(ETargetImage::eCorrected, Corrected, Calibration);
-    std::string message = Path + ": " + Error.what();
+    std::string message = Name + ": " + Error.what();
     if (!diagnosis.m_Words.empty())
         message += " " + diagnosis.m_Words;
     throw ClRefusedTarget(message, diagnosis,
@@ -37,34 +37,49 @@ struct StCheckCall {
 
 double Measure(const ClHandle& Handle, const std::string& Path, const Bytes& Calibration) {
     const Bytes corrected = ReadBlock(Path);
-    return HandingBitmap(Path, corrected, [&] {
+    const std::string name = ShownName(Path, EStream::eIn);
+    return HandingBitmap(name, corrected, [&] {
         try {
             return Handle.CheckEfts(corrected);
         } catch (const ClLibraryError& error) {
             if (error.Number() == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE)
-                Refuse(Path, corrected, Calibration, error);
+                Refuse(name, corrected, Calibration, error);
             throw;
         }
     });
 }
 
+StTold ToldOf(const std::string& Path, double dPercent) {
+    return {ShownName(Path, EStream::eIn) + ": " + Hundredths(dPercent) +
+                " % of the dot distances within the EFTS limits\n",
+            {{"file", Path}, {"efts_percent", dPercent}}};
+}
+
+FileWork MakeWork(const StCheckCall& Call, const Bytes& Calibration,
+                  const std::vector<StInput>& aFiles) {
+    const auto pHandle = std::make_shared<ClHandle>();
+    pHandle->SetOption("PrecalculatedData=true"); // no warp table is needed
+    Handing(EHanded::eCalibration, ShownName(Call.m_Data, EStream::eIn),
+            [&] { pHandle->SetData(Calibration); });
+    return [&aFiles, &Calibration, pHandle](std::size_t nFile) {
+        const std::string& path = aFiles[nFile].m_Path;
+        return ToldOf(path, Measure(*pHandle, path, Calibration));
+    };
+}
+
 void RunCheck(const StCheckCall& Call) {
+    const StInputs inputs =
+        ExpandInputs(Call.m_Files.m_aArguments, {Call.m_Files.m_bRecursive, true, false, ""});
+    std::vector<std::string> read = PathsOf(inputs);
+    read.push_back(Call.m_Data);
+    ClaimStreams(read, {}, Call.m_Files.m_bJson);
     const Bytes calibration = ReadFile(Call.m_Data);
-    ClHandle handle;
-    handle.SetOption("PrecalculatedData=true"); // no warp table is needed
-    Handing(EHanded::eCalibration, Call.m_Data, [&] { handle.SetData(calibration); });
-    ClFileReport report("check", Call.m_bJson ? EForm::eJson : EForm::eText);
-    for (const std::string& path : Call.m_aInputs) {
-        try {
-            const double dPercent = Measure(handle, path, calibration);
-            report.Add(path + ": " + Hundredths(dPercent) +
-                           " % of the dot distances within the EFTS limits\n",
-                       {{"file", path}, {"efts_percent", dPercent}});
-        } catch (const std::exception& error) {
-            report.AddFailure(path, error);
-        }
-    }
-    report.End();
+    StFileRun run;
+    run.m_Command = "check";
+    run.m_eForm = Call.m_Files.m_bJson ? EForm::eJson : EForm::eText;
+    run.m_Done = "measured";
+    const auto makeWork = [&] { return MakeWork(Call, calibration, inputs.m_aFiles); };
+    DoFiles(run, Call.m_Files, inputs.m_aFiles, makeWork(), makeWork);
 }
 
 } // namespace
@@ -76,12 +91,9 @@ void AddCheck(CLI::App& rApp) {
     pCommand->add_option("-d,--data", pCall->m_Data, "Calibration block of the scanner")
         ->required()
         ->type_name("scanner.cal");
-    pCommand
-        ->add_option("CORRECTED.bmp", pCall->m_aInputs,
-                     "Captures of the target, corrected with -O DynamicFingerMask=false")
-        ->required()
-        ->type_name("");
-    pCommand->add_flag("--json", pCall->m_bJson, "Print an array with an object for each image");
+    AddJobsOption(*pCommand, pCall->m_Files);
+    AddFileOptions(*pCommand, pCall->m_Files, "CORRECTED",
+                   "Captures of the target, corrected with -O DynamicFingerMask=false");
     pCommand->callback([pCall] { RunCheck(*pCall); });
 }
 

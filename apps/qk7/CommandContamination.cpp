@@ -3,7 +3,8 @@
 #include "apps/qk7/Advice.h"
 #include "apps/qk7/BitmapInfo.h"
 #include "apps/qk7/Commands.h"
-#include "apps/qk7/FileReport.h"
+#include "apps/qk7/Console.h"
+#include "apps/qk7/FileRun.h"
 #include "apps/qk7/Handle.h"
 #include "apps/qk7/Picture.h"
 
@@ -15,33 +16,37 @@ namespace qk7 {
 
 namespace {
 
-struct StContaminationCall {
-    std::vector<std::string> m_aInputs;
-    bool m_bJson = false;
-};
-
 /// The library finds nothing in a compressed block, and answers that as a clean one.
-void CheckNotCompressed(const std::string& Path, const Bytes& Capture) {
+void CheckNotCompressed(const std::string& Name, const Bytes& Capture) {
     if (ReadBitmapInfo(Capture).m_nCompression != 0)
-        throw ClFailure(Path, "is compressed. Save it without compression.");
+        throw ClFailure(Name, "is compressed. Save it without compression.");
 }
 
-void RunContamination(const StContaminationCall& Call) {
-    ClHandle handle;
-    ClFileReport report("contamination", Call.m_bJson ? EForm::eJson : EForm::eText);
-    for (const std::string& path : Call.m_aInputs) {
-        try {
-            const Bytes capture = ReadBlock(path);
-            const double dLevel =
-                HandingBitmap(path, capture, [&] { return handle.Contamination(capture); });
-            CheckNotCompressed(path, capture);
-            report.Add(path + ": contamination level " + Hundredths(dLevel) + "\n",
-                       {{"file", path}, {"contamination_level", dLevel}});
-        } catch (const std::exception& error) {
-            report.AddFailure(path, error);
-        }
-    }
-    report.End();
+StTold Measured(const ClHandle& Handle, const std::string& Path) {
+    const Bytes capture = ReadBlock(Path);
+    const std::string name = ShownName(Path, EStream::eIn);
+    const double dLevel =
+        HandingBitmap(name, capture, [&] { return Handle.Contamination(capture); });
+    CheckNotCompressed(name, capture);
+    return {name + ": contamination level " + Hundredths(dLevel) + "\n",
+            {{"file", Path}, {"contamination_level", dLevel}}};
+}
+
+FileWork MakeWork(const std::vector<StInput>& aFiles) {
+    const auto pHandle = std::make_shared<ClHandle>();
+    return
+        [&aFiles, pHandle](std::size_t nFile) { return Measured(*pHandle, aFiles[nFile].m_Path); };
+}
+
+void RunContamination(const StFileOptions& Call) {
+    const StInputs inputs = ExpandInputs(Call.m_aArguments, {Call.m_bRecursive, true, false, ""});
+    ClaimStreams(PathsOf(inputs), {}, Call.m_bJson);
+    StFileRun run;
+    run.m_Command = "contamination";
+    run.m_eForm = Call.m_bJson ? EForm::eJson : EForm::eText;
+    run.m_Done = "measured";
+    const auto makeWork = [&] { return MakeWork(inputs.m_aFiles); };
+    DoFiles(run, Call, inputs.m_aFiles, makeWork(), makeWork);
 }
 
 } // namespace
@@ -49,11 +54,9 @@ void RunContamination(const StContaminationCall& Call) {
 void AddContamination(CLI::App& rApp) {
     CLI::App* pCommand = rApp.add_subcommand(
         "contamination", "Measures on captures of the empty platen how dirty the sensor is");
-    const auto pCall = std::make_shared<StContaminationCall>();
-    pCommand->add_option("RAW.bmp", pCall->m_aInputs, "Raw captures of the empty platen")
-        ->required()
-        ->type_name("");
-    pCommand->add_flag("--json", pCall->m_bJson, "Print an array with an object for each capture");
+    const auto pCall = std::make_shared<StFileOptions>();
+    AddJobsOption(*pCommand, *pCall);
+    AddFileOptions(*pCommand, *pCall, "CAPTURE", "Raw captures of the empty platen");
     pCommand->callback([pCall] { RunContamination(*pCall); });
 }
 

@@ -2,6 +2,7 @@
 
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
+#include "apps/qk7/Document.h"
 #include "apps/qk7/File.h"
 
 #include "TessarinCalibrateSDK.h"
@@ -73,15 +74,33 @@ std::string Line(const StStatus& Status) {
     return szFront + std::string(CalibrateGetErrorDescription(Status.m_nNumber)) + "\n";
 }
 
-void PrintStatuses(std::optional<long> nWanted) {
+Json JsonOf(const StStatus& Status) {
+    return {{"number", Status.m_nNumber},
+            {"name", Status.m_szName},
+            {"words", CalibrateGetErrorDescription(Status.m_nNumber)}};
+}
+
+struct StErrorsCall {
+    std::optional<long> m_nWanted;
+    bool m_bJson = false;
+};
+
+void RunErrors(const StErrorsCall& Call) {
     std::string text;
-    for (const StStatus& status : aStatuses)
-        if (!nWanted || *nWanted == status.m_nNumber)
-            text += Line(status);
+    Json json = Json::array();
+    for (const StStatus& status : aStatuses) {
+        if (Call.m_nWanted && *Call.m_nWanted != status.m_nNumber)
+            continue;
+        text += Line(status);
+        json.push_back(JsonOf(status));
+    }
     if (text.empty())
-        throw ClFailure(std::to_string(*nWanted),
+        throw ClFailure(std::to_string(*Call.m_nWanted),
                         "is no number of the library; \"qk7 errors\" lists them");
-    Print(text);
+    if (Call.m_bJson)
+        PrintDocument("errors", json);
+    else
+        Print(text);
 }
 
 } // namespace
@@ -89,9 +108,10 @@ void PrintStatuses(std::optional<long> nWanted) {
 void AddErrors(CLI::App& rApp) {
     CLI::App* pCommand =
         rApp.add_subcommand("errors", "Lists the status numbers with their names and words");
-    const auto pNumber = std::make_shared<std::optional<long>>();
-    pCommand->add_option("NUMBER", *pNumber, "One number, such as -14");
-    pCommand->callback([pNumber] { PrintStatuses(*pNumber); });
+    const auto pCall = std::make_shared<StErrorsCall>();
+    pCommand->add_option("NUMBER", pCall->m_nWanted, "One number, such as -14")->type_name("");
+    pCommand->add_flag("--json", pCall->m_bJson, "Print a JSON document with an object for each");
+    pCommand->callback([pCall] { RunErrors(*pCall); });
 }
 
 } // namespace qk7

@@ -5,7 +5,8 @@
 #include "apps/qk7/BitmapInfo.h"
 #include "apps/qk7/BlockInfo.h"
 #include "apps/qk7/Commands.h"
-#include "apps/qk7/FileReport.h"
+#include "apps/qk7/Console.h"
+#include "apps/qk7/Document.h"
 #include "apps/qk7/Handle.h"
 #include "apps/qk7/Picture.h"
 #include "apps/qk7/RecordFault.h"
@@ -51,7 +52,7 @@ void CheckOutputs(const StGenerateCall& Call) {
             taken.push_back(input);
     for (const std::string& output : {Call.m_Output, Call.m_Precalculated, Call.m_DebugImage}) {
         for (const std::string& other : taken)
-            if (!output.empty() && AreSame(output, other))
+            if (!output.empty() && !IsStream(output) && AreSame(output, other))
                 throw ClWrongUsage(output + " is named twice; give another output");
         taken.push_back(output);
     }
@@ -200,6 +201,8 @@ void WriteOutputs(const StGenerateCall& Call, const StBlocks& Blocks, StGenerate
 
 StGenerated Generate(const StGenerateCall& Call) {
     CheckOutputs(Call);
+    ClaimStreams({Call.m_Target, Call.m_Reference, Call.m_Second},
+                 {Call.m_Output, Call.m_Precalculated, Call.m_DebugImage}, Call.m_bJson);
     StRun run;
     ReadFiles(Call, run);
     try {
@@ -238,7 +241,7 @@ void Tell(const StGenerateCall& Call, const StGenerated& Generated) {
                  {"written", Generated.m_bWritten},
                  {"target", JsonOf(Generated.m_Target)}};
     json.update(JsonOf(Generated.m_Judged));
-    Print(Dump(json));
+    PrintDocument("generate", json);
     if (!Generated.m_Judged.IsGood())
         PrintError("qk7 generate", text.substr(0, text.size() - 1));
 }
@@ -254,7 +257,7 @@ void TellFailure(const StGenerateCall& Call, const std::exception& Error) {
     Json json = FailureJson(Call.m_Target, Error);
     if (IsRefusal(Error))
         json["verdict"] = "refused";
-    Print(Dump(json));
+    PrintDocument("generate", json);
 }
 
 void RunGenerate(const StGenerateCall& Call) {

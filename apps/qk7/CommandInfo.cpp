@@ -1,7 +1,8 @@
-/// `qk7 info`: tells what stands in calibration blocks, precalculated blocks and bitmaps.
+/// `qk7 info`: tells what stands in calibration blocks, precalculated blocks and pictures.
 
 #include "apps/qk7/Commands.h"
-#include "apps/qk7/FileReport.h"
+#include "apps/qk7/Console.h"
+#include "apps/qk7/FileRun.h"
 #include "apps/qk7/InfoReport.h"
 
 #include <CLI/CLI.hpp>
@@ -12,41 +13,34 @@ namespace qk7 {
 
 namespace {
 
-struct StInfoCall {
-    std::vector<std::string> m_aFiles;
-    bool m_bJson = false;
-};
-
-FileInfo ReadInfoOf(const std::string& Path, const Bytes& Content) {
+StTold InfoOf(const std::string& Path) {
+    const Bytes content = ReadFile(Path);
+    const std::string name = ShownName(Path, EStream::eIn);
     try {
-        return ReadInfo(Content);
+        const FileInfo info = ReadInfo(content);
+        return {TextOf(name, content.size(), info), JsonOf(Path, content.size(), info)};
     } catch (const ClFailure& failure) {
-        throw ClFailure(Path, failure.what());
+        throw ClFailure(name, failure.what());
     }
 }
 
-void RunInfo(const StInfoCall& Call) {
-    ClFileReport report("info", Call.m_bJson ? EForm::eJson : EForm::eText);
-    for (const std::string& path : Call.m_aFiles) {
-        try {
-            const Bytes content = ReadFile(path);
-            const FileInfo info = ReadInfoOf(path, content);
-            report.Add(TextOf(path, content.size(), info), JsonOf(path, content.size(), info));
-        } catch (const std::exception& error) {
-            report.AddFailure(path, error);
-        }
-    }
-    report.End();
+void RunInfo(const StFileOptions& Call) {
+    const StInputs inputs = ExpandInputs(Call.m_aArguments, {Call.m_bRecursive, true, true, ""});
+    ClaimStreams(PathsOf(inputs), {}, Call.m_bJson);
+    StFileRun run;
+    run.m_Command = "info";
+    run.m_eForm = Call.m_bJson ? EForm::eJson : EForm::eText;
+    DoFiles(run, Call, inputs.m_aFiles,
+            [&](std::size_t nFile) { return InfoOf(inputs.m_aFiles[nFile].m_Path); });
 }
 
 } // namespace
 
 void AddInfo(CLI::App& rApp) {
     CLI::App* pCommand =
-        rApp.add_subcommand("info", "Tells what stands in calibration blocks and bitmaps");
-    const auto pCall = std::make_shared<StInfoCall>();
-    pCommand->add_option("FILE", pCall->m_aFiles, "Files")->required()->type_name("");
-    pCommand->add_flag("--json", pCall->m_bJson, "Print an array with an object for each file");
+        rApp.add_subcommand("info", "Tells what stands in calibration blocks and pictures");
+    const auto pCall = std::make_shared<StFileOptions>();
+    AddFileOptions(*pCommand, *pCall, "FILE", "Blocks and pictures");
     pCommand->callback([pCall] { RunInfo(*pCall); });
 }
 

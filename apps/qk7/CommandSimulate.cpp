@@ -1,6 +1,8 @@
 /// `qk7 simulate`: the files of a simulated scanner, to try the other commands on.
 
+#include "apps/qk7/Choices.h"
 #include "apps/qk7/Commands.h"
+#include "apps/qk7/Document.h"
 #include "apps/qk7/File.h"
 #include "apps/qk7/Picture.h"
 #include "apps/qk7/Progress.h"
@@ -11,7 +13,6 @@
 #include "sim/TargetCases.h"
 
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <algorithm>
 #include <filesystem>
@@ -23,8 +24,6 @@ namespace qk7 {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct StSimulateCall {
     std::uint64_t m_nSeed = 1;
     unsigned int m_nCount = 1;
@@ -33,6 +32,7 @@ struct StSimulateCall {
     std::string m_Output;
     std::string m_Format = "bmp";
     bool m_bTruth = false;
+    bool m_bJson = false;
 };
 
 std::string PathIn(const StSimulateCall& Call, const std::string& Name) {
@@ -171,18 +171,37 @@ Json WriteCaptures(const sim::ClScanner& Scanner, const StSimulateCall& Call) {
     return truths;
 }
 
+void WriteTruth(const StSimulateCall& Call, const sim::ClScanner& Scanner, const Json& Captures) {
+    const Json truth = {{"scanner", JsonOf(Scanner)}, {"captures", Captures}};
+    const std::string text = Dump(truth);
+    const Bytes bytes(text.begin(), text.end());
+    WriteFile(PathIn(Call, "truth.json"), {&bytes});
+}
+
+/// The calibration block and the captures, with their paths.
+Json ResultsOf(const StSimulateCall& Call, const Json& Captures) {
+    Json results = Json::array({{{"file", PathIn(Call, "scanner.cal")}, {"kind", "calibration"}}});
+    for (const Json& capture : Captures) {
+        Json result = {{"file", PathIn(Call, capture["file"])},
+                       {"kind", capture["kind"]},
+                       {"seed", capture["seed"]}};
+        if (capture.contains("case"))
+            result["case"] = capture["case"];
+        results.push_back(result);
+    }
+    return results;
+}
+
 void RunSimulate(const StSimulateCall& Call) {
     const sim::ClScanner scanner(Call.m_nSeed);
     MakeDirectory(Call.m_Output);
     const Bytes record = sim::RecordBlock(scanner);
     WriteFile(PathIn(Call, "scanner.cal"), {&record});
     const Json captures = WriteCaptures(scanner, Call);
-    if (!Call.m_bTruth)
-        return;
-    const Json truth = {{"scanner", JsonOf(scanner)}, {"captures", captures}};
-    const std::string text = truth.dump(2) + "\n";
-    const Bytes bytes(text.begin(), text.end());
-    WriteFile(PathIn(Call, "truth.json"), {&bytes});
+    if (Call.m_bTruth)
+        WriteTruth(Call, scanner, captures);
+    if (Call.m_bJson)
+        PrintDocument("simulate", ResultsOf(Call, captures));
 }
 
 template <class Entries>
@@ -208,13 +227,14 @@ void AddSimulate(CLI::App& rApp) {
         "simulate", "Writes the captures and the calibration block of a simulated scanner");
     const auto pCall = std::make_shared<StSimulateCall>();
     pCommand->add_option("-s,--seed", pCall->m_nSeed, "Number of the scanner")
+        ->type_name("N")
         ->capture_default_str();
     pCommand
         ->add_option("-k,--kind", pCall->m_aKinds,
                      HelpOf("Further captures, each with a name of its own; may be repeated:",
                             sim::g_aKinds))
         ->allow_extra_args(false)
-        ->check(CLI::IsMember(NamesOf(sim::g_aKinds)).description(""))
+        ->check(OneOf(NamesOf(sim::g_aKinds)))
         ->type_name("KIND")
         ->capture_default_str();
     pCommand
@@ -223,21 +243,25 @@ void AddSimulate(CLI::App& rApp) {
                             "that \"qk7 generate\" refuses them; may be repeated:",
                             sim::g_aTargetCases))
         ->allow_extra_args(false)
-        ->check(CLI::IsMember(NamesOf(sim::g_aTargetCases)).description(""))
+        ->check(OneOf(NamesOf(sim::g_aTargetCases)))
         ->type_name("CASE");
-    pCommand->add_option("-n,--count", pCall->m_nCount, "Captures of each further kind and case")
-        ->check(CLI::Range(1, 10000))
+    pCommand
+        ->add_option("-n,--count", pCall->m_nCount,
+                     "Captures of each further kind and case, up to 10000")
+        ->check(CLI::Range(1, 10000).description(""))
+        ->type_name("N")
         ->capture_default_str();
     pCommand->add_option("--format", pCall->m_Format, "Format of the captures: bmp or png")
-        ->check(CLI::IsMember({"bmp", "png"}).description(""))
+        ->check(OneOf({"bmp", "png"}))
         ->type_name("FORMAT")
         ->capture_default_str();
     pCommand->add_flag("--truth", pCall->m_bTruth,
                        "Write truth.json: the scanner's settings and the true places of dots and "
                        "lines");
+    pCommand->add_flag("--json", pCall->m_bJson, "Print a JSON document with the files written");
     pCommand
         ->add_option("-o,--output", pCall->m_Output,
-                     "Directory for target.bmp, ruled.bmp, scanner.cal and the further captures, "
+                     "Folder for target.bmp, ruled.bmp, scanner.cal and the further captures, "
                      "made when missing")
         ->required()
         ->type_name("DIR");

@@ -18,5 +18,6 @@ void AddGenerate(CLI::App& rApp);
 void AddInfo(CLI::App& rApp);
 void AddPrecalculate(CLI::App& rApp);
 void AddSimulate(CLI::App& rApp);
+void AddVerify(CLI::App& rApp);
 
 } // namespace qk7

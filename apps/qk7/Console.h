@@ -5,10 +5,9 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace qk7 {
-
-class ClProgress;
 
 /// The exit statuses.
 enum EExit { eDone = 0, eFailed = 1, eWrongUsage = 2, eDoubtful = 3 };
@@ -19,11 +18,30 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Writes a whole text to standard output. Throws `ClFailure` when that is closed or full.
+/// Whether texts are coloured: on a terminal that is not dumb, unless NO_COLOR is set; or decided.
+enum class EColours { eAuto, eAlways, eNever };
+void ChooseColours(EColours eColours);
+
+enum class EColour { eBad, eDoubtful, eGood };
+
+/// The text in its colour, where standard output (or error) shows colours.
+std::string OutColoured(EColour eColour, const std::string& Text);
+std::string ErrColoured(EColour eColour, const std::string& Text);
+
+/// Finds out what goes through standard input and output: each may be named once, by "-". What is
+/// printed goes to standard error from then on, when an output has taken standard output; JSON
+/// cannot. Throws `ClWrongUsage`.
+void ClaimStreams(const std::vector<std::string>& aInputs, const std::vector<std::string>& aOutputs,
+                  bool bJson);
+
+/// Writes a whole text to standard output, or to standard error where that is taken. Throws
+/// `ClFailure` when it is closed or full.
 void Print(const std::string& Text);
 
 /// One line on standard error: "qk7 calibrate: message".
 void PrintError(const std::string& Command, const std::string& Message);
+/// The same for what is no error.
+void PrintNote(const std::string& Command, const std::string& Message);
 
 /// A level or a percentage: "12.50".
 std::string Hundredths(double dValue);
@@ -31,20 +49,7 @@ std::string Hundredths(double dValue);
 /// The words of an exception, for such a message.
 std::string WordsOf(const std::exception& Error);
 
-/// The failures of a command that goes on with its other files: each is printed at once, and the
-/// end of the command knows of them.
-class ClFailures {
-public:
-    explicit ClFailures(const std::string& Command) : m_Command(Command) {}
-
-    /// Prints; the bar, if there is one, makes room.
-    void Add(const std::exception& Error, ClProgress* pProgress = nullptr);
-    /// Throws what lets the tool end with the status for failures, when there were any.
-    void End() const;
-
-private:
-    std::string m_Command;
-    std::size_t m_nCount = 0;
-};
+/// The text without control characters, which could drive a terminal; line feeds stay.
+std::string Harmless(std::string Text);
 
 } // namespace qk7

@@ -2,7 +2,7 @@
 
 /// What the diagnosis of a calibration says, as text and as JSON.
 
-#include "apps/qk7/FileReport.h"
+#include "apps/qk7/Document.h"
 #include "diagnosis/Diagnosis.h"
 #include "diagnosis/SecondCapture.h"
 

@@ -2,9 +2,10 @@
 /// It works by the library's public header alone; only why a target or a record was refused it
 /// finds out by looking inside.
 
-#include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
+#include "apps/qk7/Document.h"
 #include "apps/qk7/File.h"
+#include "apps/qk7/Tool.h"
 
 #include <CLI/CLI.hpp>
 
@@ -12,23 +13,22 @@
 
 namespace {
 
-void AddCommands(CLI::App& rApp) {
-    qk7::AddGenerate(rApp);
-    qk7::AddCheck(rApp);
-    qk7::AddCalibrate(rApp);
-    qk7::AddContamination(rApp);
-    qk7::AddPrecalculate(rApp);
-    qk7::AddInfo(rApp);
-    qk7::AddErrors(rApp);
-    qk7::AddSimulate(rApp);
-    rApp.require_subcommand(1);
-}
-
-/// "qk7 calibrate", or "qk7" before a command was recognised.
-std::string NameOf(const CLI::App& App) {
+/// The command that was recognised; null before one was.
+const CLI::App* CommandOf(const CLI::App& App) {
     const std::vector<const CLI::App*> commands =
         App.get_subcommands([](const CLI::App* pCommand) { return pCommand->parsed(); });
-    return commands.empty() ? App.get_name() : App.get_name() + " " + commands[0]->get_name();
+    return commands.empty() ? nullptr : commands[0];
+}
+
+/// "qk7 calibrate", or "qk7".
+std::string NameOf(const CLI::App& App) {
+    const CLI::App* pCommand = CommandOf(App);
+    return pCommand == nullptr ? App.get_name() : App.get_name() + " " + pCommand->get_name();
+}
+
+bool IsJsonWanted(const CLI::App& Command) {
+    const CLI::Option* pJson = Command.get_option_no_throw("--json");
+    return pJson != nullptr && pJson->count() > 0;
 }
 
 /// Help, version and usage errors: the parser's own words, in the tool's own statuses.
@@ -40,7 +40,9 @@ int EndOfParsing(const CLI::App& App, const CLI::ParseError& End) {
         qk7::Print(output.str());
         return qk7::eDone;
     }
-    std::fputs((NameOf(App) + ": " + errors.str()).c_str(), stderr);
+    std::string words = errors.str();
+    words.erase(words.find_last_not_of('\n') + 1);
+    qk7::PrintError(NameOf(App), words);
     return qk7::eWrongUsage;
 }
 
@@ -58,14 +60,26 @@ int Run(CLI::App& rApp, int nArguments, char** aArguments) {
     }
 }
 
-int Tool(int nArguments, char** aArguments) {
-    CLI::App app("Calibration of the images of the QK7 fingerprint scanner.", "qk7");
+/// On standard error, and as JSON where that was asked for.
+void TellFailure(const CLI::App& App, const std::string& Words) {
+    qk7::PrintError(NameOf(App), Words);
+    const CLI::App* pCommand = CommandOf(App);
+    if (pCommand == nullptr || !IsJsonWanted(*pCommand))
+        return;
     try {
-        app.set_version_flag("--version", "qk7 " QK7_VERSION);
-        AddCommands(app);
+        qk7::PrintFailedDocument(pCommand->get_name(), Words);
+    } catch (const qk7::ClFailure&) {
+        // standard output may be what failed, and the words are told already
+    }
+}
+
+int Tool(int nArguments, char** aArguments) {
+    CLI::App app(qk7::g_szSummary, "qk7");
+    try {
+        qk7::BuildTool(app);
         return Run(app, nArguments, aArguments);
     } catch (const std::exception& error) {
-        qk7::PrintError(NameOf(app), qk7::WordsOf(error));
+        TellFailure(app, qk7::WordsOf(error));
         return qk7::eFailed;
     }
 }

@@ -102,7 +102,8 @@ TEST(Qk7BitmapInfo, NamesAHeaderOfAnotherSize) {
     Bytes block = HeaderOf({});
     block[0] = 124;
 
-    EXPECT_EQ(BitmapWords(block), "has an info header of 124 bytes, one of 40 bytes is expected");
+    EXPECT_EQ(BitmapWords(block), "has an info header of 124 bytes, one of 40 bytes is expected. "
+                                  "Save it as a Windows 3 bitmap.");
 }
 
 TEST(Qk7BitmapInfo, IsRefusedWithACutHeader) {

@@ -78,16 +78,28 @@ TEST_F(Qk7CalibrateFailure, SaysHowABitmapHasToBeSaved) {
     constexpr std::size_t cnPlanesAt = 12;
     constexpr std::size_t cnBitsAt = 14;
     constexpr std::size_t cnCompressionAt = 16;
-    ExpectFailureOf(With(Capture(), cnPlanesAt, 2),
-                    "-11 Only grey-scale images with 8-bit color-depth are supported. Save it as "
-                    "an 8-bit grey bitmap.");
-    ExpectFailureOf(With(Capture(), cnBitsAt, 7),
-                    "-12 BitCount has to be 8. Save it as an 8-bit grey bitmap.");
+    ExpectFailureOf(
+        With(Capture(), cnPlanesAt, 2),
+        "-11 Only grey-scale images with 8-bit color-depth are supported. It has 8 bits "
+        "in 2 plane(s). Save it as an 8-bit grey bitmap.");
+    ExpectFailureOf(
+        With(Capture(), cnBitsAt, 7),
+        "-12 BitCount has to be 8. It has 7 bits in 1 plane(s). Save it as an 8-bit grey bitmap.");
     ExpectFailureOf(With(Capture(), cnCompressionAt, 9),
                     "-31 The compression FOCC is not supported. Save it without compression.");
     ExpectFailureOf(With(Capture(), 0, 124),
                     "-32 The header size of the Bitmap is unknown. It is no bitmap, or has another "
                     "header than the one of 40 bytes; save it as a Windows 3 bitmap.");
+}
+
+TEST_F(Qk7CalibrateFailure, SaysThatABitmapStandsOnItsHead) {
+    Bytes upsideDown = GreyBlock(7, 3);
+    upsideDown[8] = 0xFD; // -3
+    std::fill_n(upsideDown.begin() + 9, 3, 0xFF);
+    ExpectFailureOf(upsideDown,
+                    "-21 The size of the finger template is not valid. Its header tells "
+                    "7 x -3 pixels, where both have to be positive. Save it with its "
+                    "lowest line first.");
 }
 
 TEST_F(Qk7CalibrateFailure, NamesACaptureThatIsMissing) {

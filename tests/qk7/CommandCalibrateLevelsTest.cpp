@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/TestFiles.h"
 
 #include "TessarinCalibrateSDK.h"
@@ -25,7 +26,7 @@ protected:
     }
 
     StEnded Calibrate(const Arguments& more) {
-        Arguments arguments = {"calibrate", "-d", "scanner.cal", "-o", "out/"};
+        Arguments arguments = {"calibrate", "-q", "-d", "scanner.cal", "-o", "out/"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return Qk7(arguments, m_Folder.Path());
     }
@@ -51,10 +52,11 @@ TEST_F(Qk7CalibrateLevels, AreTheLibrarysAsJson) {
 
     EXPECT_EQ(ended.m_nExit, 1);
     EXPECT_EQ(ended.m_Err, "qk7 calibrate: none.bmp: No such file or directory\n");
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "calibrate");
     ASSERT_EQ(told.size(), 3U);
     EXPECT_EQ(told[0], json({{"file", "whorl.bmp"},
                              {"output", "out/whorl.bmp"},
+                             {"skipped", false},
                              {"dirt_level", Expected("whorl.bmp").first},
                              {"dry_finger_level", Expected("whorl.bmp").second}}));
     EXPECT_EQ(told[1],
@@ -82,8 +84,8 @@ TEST_F(Qk7CalibrateLevels, AreNoneWithoutADynamicCalibration) {
     EXPECT_EQ(text.m_nExit, 0);
     EXPECT_EQ(text.m_Out, "whorl.bmp: no levels, as DynamicFingerMask is off\n");
 
-    const json told =
-        json::parse(Calibrate({"--json", "-O", "dynamicfingermask=disable", "whorl.bmp"}).m_Out);
+    const json told = ResultsOf(
+        Calibrate({"--json", "-O", "dynamicfingermask=disable", "whorl.bmp"}).m_Out, "calibrate");
     EXPECT_TRUE(told[0].at("dirt_level").is_null());
     EXPECT_TRUE(told[0].at("dry_finger_level").is_null());
 }

@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/Targets.h"
 #include "qk7/TestFiles.h"
 
@@ -25,7 +26,7 @@ protected:
     }
 
     StEnded Check(const Arguments& more) {
-        Arguments arguments = {"check", "-d", "scanner.cal"};
+        Arguments arguments = {"check", "-q", "-d", "scanner.cal"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return Qk7(arguments, m_Folder.Path());
     }
@@ -60,7 +61,7 @@ TEST_F(Qk7Check, PrintsAnObjectForEachImage) {
 
     EXPECT_EQ(ended.m_nExit, 1);
     EXPECT_EQ(ended.m_Err, "qk7 check: none.bmp: No such file or directory\n");
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "check");
     ASSERT_EQ(told.size(), 3U);
     EXPECT_EQ(told[0], json({{"file", "good.bmp"}, {"efts_percent", 100.0}}));
     EXPECT_EQ(told[1],
@@ -72,7 +73,7 @@ TEST_F(Qk7Check, CountsTheDistancesOfADotThatLiesAstray) {
     Put(m_Folder / "astray.bmp", CorrectedTarget(WithDotAstray()));
 
     const double dPercent =
-        json::parse(Check({"--json", "astray.bmp"}).m_Out)[0].at("efts_percent");
+        ResultsOf(Check({"--json", "astray.bmp"}).m_Out, "check")[0].at("efts_percent");
 
     // 74 of the 2775 distances have this dot at one end, and it lies 5.9 pixels beside its place;
     // a hundredth of the longest distance is 4. Those that run nearly upright hardly change.
@@ -99,7 +100,7 @@ TEST_F(Qk7Check, SaysWhatWasFoundInPlaceOfTheTarget) {
 TEST_F(Qk7Check, TellsWhatWasFoundAsJson) {
     Put(m_Folder / "bad.bmp", CorrectedTarget(Without({37})));
 
-    const json told = json::parse(Check({"--json", "bad.bmp"}).m_Out);
+    const json told = ResultsOf(Check({"--json", "bad.bmp"}).m_Out, "check");
 
     EXPECT_EQ(told[0].at("target").at("found"), 74);
     EXPECT_EQ(told[0].at("target").at("refused")[0].at("reason"), "outside_column");

@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/Targets.h"
 #include "qk7/TestFiles.h"
 
@@ -29,7 +30,7 @@ protected:
     }
 
     StEnded Measure(const Arguments& more) {
-        Arguments arguments = {"contamination"};
+        Arguments arguments = {"contamination", "-q"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         return Qk7(arguments, m_Folder.Path());
     }
@@ -44,7 +45,7 @@ TEST_F(Qk7Contamination, TellsTheLevelsOfTheLibrary) {
 
     EXPECT_EQ(ended.m_nExit, 0);
     EXPECT_EQ(ended.m_Err, "");
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "contamination");
     ASSERT_EQ(told.size(), 2U);
     EXPECT_EQ(told[0].at("file"), "empty.bmp");
     EXPECT_EQ(told[0].at("contamination_level"), DirectContamination(Block("empty.bmp")));
@@ -83,13 +84,25 @@ TEST_F(Qk7Contamination, SaysHowABitmapHasToBeSaved) {
               "qk7 contamination: compressed.bmp: is compressed. Save it without compression.\n");
 }
 
+TEST_F(Qk7Contamination, SaysWhichDepthIsExpected) {
+    Bytes deep = GreyBlock(4, 4);
+    deep[14] = 24;
+    deep.resize(40 + 12 * 4);
+    Put(m_Folder / "deep.bmp", deep);
+
+    EXPECT_EQ(
+        Measure({"deep.bmp"}).m_Err,
+        "qk7 contamination: deep.bmp: -101 Internal error. It has 24 bits in 1 plane(s). Save "
+        "it as an 8-bit grey bitmap.\n");
+}
+
 TEST_F(Qk7Contamination, TellsFailuresAsJson) {
     Put(m_Folder / "short.bmp", ToBytes("BM"));
 
     const StEnded ended = Measure({"--json", "short.bmp"});
 
     EXPECT_EQ(ended.m_nExit, 1);
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "contamination");
     EXPECT_EQ(told[0].at("file"), "short.bmp");
     EXPECT_EQ("qk7 contamination: " + told[0].at("error").get<std::string>() + "\n", ended.m_Err);
 }

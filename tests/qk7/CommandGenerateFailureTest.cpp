@@ -5,6 +5,7 @@
 #include "qk7/ChangedBytes.h"
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/Targets.h"
 #include "qk7/TestFiles.h"
 
@@ -190,7 +191,7 @@ TEST_F(Qk7GenerateFailure, TellsTheReasonsAsJson) {
 
     EXPECT_EQ(ended.m_nExit, 1);
     EXPECT_THAT(ended.m_Err, HasSubstr("74 of 75 dots found"));
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "generate")[0];
     EXPECT_EQ(told.at("file"), "target.bmp");
     EXPECT_EQ(told.at("error"), "target.bmp: " + refusedWords);
     const json& target = told.at("target");
@@ -215,7 +216,7 @@ TEST_F(Qk7GenerateFailure, TellsOtherFailuresAsJsonToo) {
     const StEnded ended = Generate({"--json"});
 
     EXPECT_EQ(ended.m_nExit, 1);
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "generate")[0];
     EXPECT_EQ(told.size(), 2U);
     EXPECT_EQ(told.at("file"), "target.bmp");
     EXPECT_EQ("qk7 generate: " + told.at("error").get<std::string>() + "\n", ended.m_Err);
@@ -252,7 +253,7 @@ TEST_F(Qk7GenerateFailure, TellsTheDotWithWhichTheBlockWouldNotLoadAsJson) {
     const StEnded ended = Generate({"--json"});
 
     EXPECT_EQ(ended.m_nExit, 1);
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "generate")[0];
     EXPECT_EQ(told.at("file"), "target.bmp");
     EXPECT_EQ(told.at("error").get<std::string>() + "\n", "target.bmp" + unloadableWords);
     const json& dot = told.at("dot");
@@ -276,11 +277,13 @@ TEST_F(Qk7GenerateFailure, SaysHowABitmapHasToBeSaved) {
     constexpr std::size_t cnPlanesAt = 12;
     constexpr std::size_t cnBitsAt = 14;
     constexpr std::size_t cnCompressionAt = 16;
-    ExpectFailureOf(With(RawTarget(), cnPlanesAt, 2),
-                    "-11 Only grey-scale images with 8-bit color-depth are supported. Save it as "
-                    "an 8-bit grey bitmap.");
-    ExpectFailureOf(With(RawTarget(), cnBitsAt, 7),
-                    "-12 BitCount has to be 8. Save it as an 8-bit grey bitmap.");
+    ExpectFailureOf(
+        With(RawTarget(), cnPlanesAt, 2),
+        "-11 Only grey-scale images with 8-bit color-depth are supported. It has 8 bits "
+        "in 2 plane(s). Save it as an 8-bit grey bitmap.");
+    ExpectFailureOf(
+        With(RawTarget(), cnBitsAt, 7),
+        "-12 BitCount has to be 8. It has 7 bits in 1 plane(s). Save it as an 8-bit grey bitmap.");
     ExpectFailureOf(With(RawTarget(), cnCompressionAt, 9),
                     "-31 The compression FOCC is not supported. Save it without compression.");
 }

@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/Targets.h"
 #include "qk7/TestFiles.h"
 
@@ -109,7 +110,7 @@ TEST_F(Qk7Generate, TellsAboutTheDotsAsJson) {
 
     EXPECT_EQ(ended.m_nExit, 0);
     EXPECT_EQ(ended.m_Err, "");
-    json told = json::parse(ended.m_Out);
+    json told = ResultsOf(ended.m_Out, "generate")[0];
     EXPECT_EQ(told.at("dots").size(), 75U);
     for (const char* szFigures : {"dots", "plate", "expected_error"})
         EXPECT_EQ(told.erase(szFigures), 1U); // which have tests of their own

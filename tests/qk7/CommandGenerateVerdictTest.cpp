@@ -186,7 +186,7 @@ TEST_F(Qk7GenerateVerdict, TellsTheVerdictAsJson) {
 
     EXPECT_EQ(ended.m_nExit, 3);
     EXPECT_THAT(ended.m_Err, StartsWith("qk7 generate: scanner.cal: doubtful\n"));
-    const json told = json::parse(ended.m_Out);
+    const json told = ResultsOf(ended.m_Out, "generate")[0];
     EXPECT_EQ(told.at("verdict"), "doubtful");
     EXPECT_EQ(told.at("written"), false);
     ASSERT_EQ(told.at("reasons").size(), 2U);
@@ -204,7 +204,7 @@ TEST_F(Qk7GenerateVerdict, TellsTheFiguresAsJson) {
     const diagnosis::StDiagnosis expected =
         diagnosis::Diagnose(DirectlyGenerated(RawTarget()), RawTarget());
 
-    const json told = json::parse(Generate(RawTarget(), {"--json"}).m_Out);
+    const json told = ResultsOf(Generate(RawTarget(), {"--json"}).m_Out, "generate")[0];
 
     const json& dot = told.at("dots")[38];
     const diagnosis::StDotReading& reading = expected.m_aDots[38];
@@ -227,7 +227,8 @@ TEST_F(Qk7GenerateVerdict, TellsTheFiguresAsJson) {
 }
 
 TEST_F(Qk7GenerateVerdict, TellsARefusalAsJsonToo) {
-    const json told = json::parse(Generate(RawTarget(Without({38})), {"--json"}).m_Out);
+    const json told =
+        ResultsOf(Generate(RawTarget(Without({38})), {"--json"}).m_Out, "generate")[0];
 
     EXPECT_EQ(told.at("verdict"), "refused");
 }

@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/PngFiles.h"
 #include "qk7/TestFiles.h"
 
@@ -20,7 +21,7 @@ json JsonOf(const Arguments& files, int nExit = 0) {
     arguments.insert(arguments.end(), files.begin(), files.end());
     const StEnded ended = Qk7(arguments);
     EXPECT_EQ(ended.m_nExit, nExit) << ended.m_Err;
-    const json array = json::parse(ended.m_Out);
+    const json array = ResultsOf(ended.m_Out, "info");
     EXPECT_TRUE(array.is_array());
     EXPECT_EQ(array.size(), files.size());
     return array;

@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <stdexcept>
 #include <thread>
 
@@ -82,6 +83,10 @@ std::string ReadTerminal(int nMaster) {
 
 } // namespace
 
+std::string ToolPath() {
+    return std::filesystem::absolute(QK7_BINARY).string();
+}
+
 void HeedSignals() {
     for (const int nSignal : {SIGINT, SIGTERM, SIGHUP})
         std::signal(nSignal, SIG_DFL);
@@ -98,6 +103,11 @@ StEnded Qk7Under(const std::function<void()>& prepare, const Arguments& argument
     ended.m_Out = ToText(Get(outputs / "out"));
     ended.m_Err = ToText(Get(outputs / "err"));
     return ended;
+}
+
+StEnded Qk7From(const std::string& Input, const Arguments& arguments, const std::string& Folder) {
+    const auto prepare = [&] { dup2(open(Input.c_str(), O_RDONLY | O_CLOEXEC), STDIN_FILENO); };
+    return Qk7Under(prepare, arguments, Folder);
 }
 
 std::pair<int, int> Qk7AtOnce(const Arguments& one, const Arguments& other) {
@@ -150,7 +160,10 @@ StEnded Qk7Interrupted(const Arguments& arguments, int nSignal,
     while (!ready() && std::chrono::steady_clock::now() < end)
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     kill(nChild, nSignal);
-    return Wait(nChild);
+    StEnded ended = Wait(nChild);
+    ended.m_Out = ToText(Get(outputs / "out"));
+    ended.m_Err = ToText(Get(outputs / "err"));
+    return ended;
 }
 
 } // namespace TestSupport

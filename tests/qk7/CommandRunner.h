@@ -20,6 +20,9 @@ struct StEnded {
 
 using Arguments = std::vector<std::string>;
 
+/// Where the tool lies.
+std::string ToolPath();
+
 /// For a child that waits to be interrupted: a shell starts what runs in its background with
 /// interrupts ignored, and children inherit that.
 void HeedSignals();
@@ -30,6 +33,10 @@ StEnded Qk7(const Arguments& arguments, const std::string& Folder = "");
 /// The same in a process that was prepared, as by limits; the outputs are open by then.
 StEnded Qk7Under(const std::function<void()>& prepare, const Arguments& arguments,
                  const std::string& Folder = "");
+
+/// The same with standard input coming from a file.
+StEnded Qk7From(const std::string& Input, const Arguments& arguments,
+                const std::string& Folder = "");
 
 /// Two at the same time: their exit statuses.
 std::pair<int, int> Qk7AtOnce(const Arguments& one, const Arguments& other);

@@ -2,6 +2,7 @@
 
 #include "apps/qk7/Png.h"
 #include "qk7/CommandRunner.h"
+#include "qk7/Documents.h"
 #include "qk7/TestFiles.h"
 #include "sim/TargetCases.h"
 
@@ -30,7 +31,7 @@ void Simulate(const std::string& Folder, const Arguments& more) {
 }
 
 json InfoOf(const std::string& Path) {
-    return json::parse(Qk7({"info", "--json", Path}).m_Out)[0];
+    return ResultsOf(Qk7({"info", "--json", Path}).m_Out, "info")[0];
 }
 
 /// A pixel of a bitmap file, line 0 being the one that is stored first.

@@ -14,8 +14,8 @@ using namespace TestSupport;
 
 namespace {
 
-const char* szCommands[] = {"generate",     "check", "calibrate", "contamination",
-                            "precalculate", "info",  "errors",    "simulate"};
+const char* szCommands[] = {"generate", "check",  "calibrate", "contamination", "precalculate",
+                            "info",     "errors", "simulate",  "verify"};
 
 } // namespace
 
@@ -70,6 +70,11 @@ TEST(Qk7Tool, AnswersWrongUsageWithTheStatus2) {
         {"check", "-d", "x.cal"},
         {"contamination"},
         {"simulate"},
+        {"verify"},
+        {"verify", "--reference", "plate.cal", "x.cal"},
+        {"info", "--color", "perhaps", "x.cal"},
+        {"calibrate", "-d", "x.cal", "in.bmp", "-o", "out.bmp", "--format", "gif"},
+        {"calibrate", "-d", "x.cal", "in.bmp", "-o", "out.bmp", "--jobs", "65"},
         {"simulate", "-o", "out", "-c", "unknown"},
         {"simulate", "-o", "out", "-k", "unknown"},
         {"simulate", "-o", "out", "-n", "0"},
