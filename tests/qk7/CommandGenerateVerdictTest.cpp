@@ -2,6 +2,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/Documents.h"
 #include "qk7/Targets.h"
 #include "qk7/TestFiles.h"
 
