@@ -1,5 +1,7 @@
 // Stored records: the pattern as target, and steps between dots that are all alike.
 
+#include "Calibrate/RecordPlausibility.h"
+
 #include "Calibrate/DotGrids.h"
 #include "support/AllocationFailures.h"
 #include "support/LogCapture.h"
@@ -332,4 +334,15 @@ TEST(ArrayToGrid, AnswersFailedAllocations) {
         ClTestGrid Grid;
         Builder.ArrayToGrid(Data.m_aActual[0], Data.m_aTarget, Grid);
     });
+}
+
+TEST(RecordPlausibility, RefusesATargetOfAnotherNumberOfPointsOrOfNone) {
+    const auto aIdeal = ListOf(PatternPlaces());
+    auto aPlaces = PatternPlaces();
+    aPlaces.push_back(aPlaces.back());
+    const ClBuilder::PointList aNone;
+    EXPECT_NO_THROW(RecordPlausibility::CheckTarget(aIdeal, aIdeal));
+    EXPECT_THROWS(RecordPlausibility::CheckTarget(aIdeal, ListOf(aPlaces)), ClException, -39,
+                  cszTarget);
+    EXPECT_THROWS(RecordPlausibility::CheckTarget(aNone, aNone), ClException, -39, cszTarget);
 }
