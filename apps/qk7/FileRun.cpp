@@ -224,7 +224,7 @@ void AddFileOptions(CLI::App& rCommand, StFileOptions& rOptions, const std::stri
                     const std::string& Words) {
     rCommand
         .add_option(Name, rOptions.m_aArguments,
-                    Words + "; a folder stands for the pictures in it, a quoted pattern such as "
+                    Words + "; a folder stands for those in it, a quoted pattern such as "
                             "'*.png' for all that match, - for standard input")
         ->required()
         ->type_name("");

@@ -150,4 +150,8 @@ TEST(Qk7Tool, ReportsAPipeThatNobodyReads) {
     EXPECT_EQ(ended.m_nExit, 1);
     EXPECT_EQ(ended.m_nSignal, 0);
     EXPECT_EQ(ended.m_Err, "qk7 errors: standard output: Broken pipe\n");
+    const std::string file = DataPath("pictures/filters.png");
+    EXPECT_EQ(Qk7IntoClosedPipe({"info", file, file, file}).m_Err,
+              "qk7 info: standard output: Broken pipe\n")
+        << "once, and no file is begun behind it";
 }
