@@ -17,4 +17,9 @@ void PrintSeries(unsigned long nScanners, unsigned long nFirst);
 /// Where in the image the two levels come from.
 void PrintLevelSources(unsigned long nScanners, unsigned long nFirst);
 
+/// How the measures, and the library's own levels beside them, follow what the simulator knows, as
+/// rank correlations: over `nFingers` fingers on which everything differs, and over a third as
+/// many each on which dryness, pressure or dirt differs and the others are as usual.
+void PrintMeasures(unsigned long nFingers, unsigned long nFirst);
+
 } // namespace bench

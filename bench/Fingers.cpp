@@ -4,6 +4,7 @@
 //     fingers [SCANNERS [FIRST_SEED]]            a table by kind of capture; 10 scanners from 1
 //     fingers --series [SCANNERS [FIRST_SEED]]   one thing changed step by step
 //     fingers --levels [SCANNERS [FIRST_SEED]]   where in the image the levels come from
+//     fingers --measures [FINGERS [FIRST_SEED]]  how the measures follow the truth; 300 from 1001
 //     fingers --sheets FOLDER [SCANNER]          pictures; scanner 2
 //
 // The calibration data is the true geometry of each scanner, so that nothing but the dynamic
@@ -12,6 +13,7 @@
 
 #include "bench/FingerSheets.h"
 #include "bench/FingerTables.h"
+#include "bench/MeasureSheet.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,6 +29,7 @@ constexpr int cnUsage = 2;
 
 int Usage() {
     std::fprintf(stderr, "usage: fingers [--series | --levels] [SCANNERS [FIRST_SEED]]\n"
+                         "       fingers --measures [FINGERS [FIRST_SEED]]\n"
                          "       fingers --sheets FOLDER [SCANNER]\n");
     return cnUsage;
 }
@@ -40,6 +43,15 @@ int RunSheets(const Arguments& aArguments) {
     if (aArguments.size() < 2 || aArguments.size() > 3 || nScanner == 0)
         return Usage();
     bench::DrawSheets(aArguments[1], nScanner);
+    bench::DrawMeasureSheet(aArguments[1] + "/fingers-measures.png", nScanner);
+    return 0;
+}
+
+int RunMeasures(const Arguments& aArguments) {
+    const unsigned long nFingers = NumberAt(aArguments, 1, 300);
+    if (aArguments.size() > 3 || nFingers == 0)
+        return Usage();
+    bench::PrintMeasures(nFingers, NumberAt(aArguments, 2, 1001));
     return 0;
 }
 
@@ -65,8 +77,10 @@ int RunTables(const Arguments& aArguments) {
 int main(int argc, char** argv) {
     try {
         const Arguments aArguments(argv + 1, argv + argc);
-        const bool bSheets = !aArguments.empty() && aArguments[0] == "--sheets";
-        return bSheets ? RunSheets(aArguments) : RunTables(aArguments);
+        const std::string sFirst = aArguments.empty() ? "" : aArguments[0];
+        if (sFirst == "--sheets")
+            return RunSheets(aArguments);
+        return sFirst == "--measures" ? RunMeasures(aArguments) : RunTables(aArguments);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "fingers: %s\n", e.what());
         return 1;

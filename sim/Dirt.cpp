@@ -164,7 +164,22 @@ void PaintSmudge(ClPlate& Plate, ClRandom& Random) {
     });
 }
 
+int Part(double dAmount, int nAll) {
+    return static_cast<int>(dAmount * nAll + 0.5);
+}
+
 } // namespace
+
+ClDirtSettings DirtOfAmount(double dAmount) {
+    if (!(dAmount >= 0.0 && dAmount <= 1.0))
+        throw ClException("sim: an amount of dirt is not from 0 to 1", -35, false, VEK_HERE);
+    ClDirtSettings Settings;
+    Settings.m_nSpecks = Part(dAmount, 150);
+    Settings.m_nHairs = Part(dAmount, 6);
+    Settings.m_nSmudges = Part(dAmount, 9);
+    Settings.m_dSpeckSize = 0.3;
+    return Settings;
+}
 
 void PaintDirt(ClPlate& Plate, const ClDirtSettings& Settings, std::uint64_t nSeed) {
     Check(Settings);

@@ -158,6 +158,28 @@ TEST(SimDirt, IsTheSameForASeedAndDifferentForAnother) {
     EXPECT_NE(Painted(Settings, 5), Painted(Settings, 6));
 }
 
+TEST(SimDirt, GrowsWithItsAmountAndKeepsWhatWasThere) {
+    std::vector<double> aBefore = Painted(sim::DirtOfAmount(0.0), 9);
+    EXPECT_EQ(DarkArea(aBefore, 1.0), 0.0);
+    for (const double dAmount : {0.2, 0.5, 1.0}) {
+        const std::vector<double> aNow = Painted(sim::DirtOfAmount(dAmount), 9);
+        for (std::size_t n = 0; n < aNow.size(); ++n)
+            ASSERT_LE(aNow[n], aBefore[n]) << dAmount << " " << n;
+        EXPECT_GT(DarkArea(aNow, 0.8), DarkArea(aBefore, 0.8) + 0.1);
+        aBefore = aNow;
+    }
+}
+
+TEST(SimDirt, OfAnAmountIsCountedEvenly) {
+    const ClDirtSettings Settings = sim::DirtOfAmount(0.5);
+    EXPECT_EQ(Settings.m_nSpecks, 75);
+    EXPECT_EQ(Settings.m_nHairs, 3);
+    EXPECT_EQ(Settings.m_nSmudges, 5);
+    for (const double dAmount : {-0.01, 1.01, std::nan("")})
+        EXPECT_THROWS(sim::DirtOfAmount(dAmount), ClException, -35,
+                      "sim: an amount of dirt is not from 0 to 1");
+}
+
 TEST(SimDirt, RefusesSettingsOutOfRange) {
     ClPlate Plate;
     ClDirtSettings Negative;
