@@ -92,6 +92,22 @@ TEST(MeasuresProfile, FollowsTheDirection) {
     }
 }
 
+TEST(MeasuresProfile, AveragesAtRightAnglesToItself) {
+    // A trough whose bottom runs along the ridge: each value is that of its own distance from it.
+    // Grey values are whole, and interpolation lifts a trough by up to half a grey value.
+    const ClPicture Trough = Painted(60, 60, [](int x, int y) {
+        const double d = 0.6 * (x - 30) + 0.8 * (y - 30);
+        return 2.0 * d * d;
+    });
+    const ClPicture Mask = WholeMask(Trough);
+    const auto Values = ProfileAcross(Trough.View(), Mask.View(), 30, 30, {0.6, 0.8}, 10);
+    ASSERT_TRUE(Values);
+    for (int n = 0; n < 41; ++n) {
+        const double dAcross = 0.5 * n - 10.0;
+        EXPECT_NEAR((*Values)[static_cast<std::size_t>(n)], 2.0 * dAcross * dAcross, 1.0);
+    }
+}
+
 TEST(MeasuresProfile, IsNoneWhereACornerOfTheStripIsNotFinger) {
     const ClPicture Even(40, 40, 9);
     for (const int x : {10, 30})
