@@ -24,11 +24,12 @@ struct ClSubject {
     double m_dArea = 0.0;  ///< of the print, mm^2
     double m_dRight = 0.0; ///< of the middle of the print from that of the frame, mm
     double m_dDown = 0.0;
-    double m_dEvenness = 0.0; ///< darkest over brightest light of the clean platen
+    double m_dEvenness = 0.0; ///< of the uneven light
     bool m_bTaken = false;
     measures::ClFingerMeasures m_Measures;
     Measure m_dLightTaken;
     measures::ClPlatenMeasures m_Platen;
+    measures::ClPlatenMeasures m_UnevenPlaten;
     double m_dDirtLevel = 0.0;
     double m_dDryLevel = 0.0;
     double m_dContamination = 0.0;
@@ -57,20 +58,31 @@ void KnowPrint(const sim::ClCapture& Capture, ClSubject& rSubject) {
     rSubject.m_dDown = (dY / dCount - 0.5 * (Print.m_nHeight - 1)) * cdMm;
 }
 
-/// Over a grid of 1 mm.
-double EvennessOf(const sim::ClScanner& Scanner) {
+/// Darkest over brightest light of a grid over the capture.
+double EvennessOf(const sim::ClLight& Light) {
     double dLowest = 1e9;
     double dHighest = 0.0;
-    for (int y = 10; y < sim::g_nFrameHeight; y += 20)
-        for (int x = 10; x < sim::g_nFrameWidth; x += 20) {
-            const sim::ClPoint Raw = Scanner.RawFromFrame({1.0 * x, 1.0 * y});
-            const double d =
-                Scanner.Light().At((2.0 * Raw.x + 1.0) / Scanner.Settings().m_nRawWidth - 1.0,
-                                   (2.0 * Raw.y + 1.0) / Scanner.Settings().m_nRawHeight - 1.0);
+    for (int y = -9; y <= 9; ++y)
+        for (int x = -9; x <= 9; ++x) {
+            const double d = Light.At(0.1 * x, 0.1 * y);
             dLowest = std::min(dLowest, d);
             dHighest = std::max(dHighest, d);
         }
     return dLowest / dHighest;
+}
+
+/// A clean or dirty platen, as the scanner sees it.
+sim::ClRaster EmptyPlaten(const sim::ClScanner& Scanner, double dDirt) {
+    return sim::CaptureFingers(Scanner, {}, sim::DirtOfAmount(dDirt), Scanner.Seed()).m_Raw;
+}
+
+void MeasureLight(const sim::ClScanner& Scanner, const ClFingerScene& Scene, ClSubject& rSubject) {
+    sim::ClScannerSettings Settings = Scanner.Settings();
+    Settings.m_Light = Scene.m_UnevenLight;
+    const sim::ClScanner Uneven(Scanner.Seed(), Settings);
+    rSubject.m_dEvenness = EvennessOf(Uneven.Light());
+    rSubject.m_UnevenPlaten =
+        measures::MeasurePlaten(View(EmptyPlaten(Uneven, Scene.m_dDirt))).value();
 }
 
 void MeasureFinger(const ClFingerScanner& Finger, const sim::ClRaster& Raw, ClSubject& rSubject) {
@@ -86,17 +98,16 @@ void MeasureFinger(const ClFingerScanner& Finger, const sim::ClRaster& Raw, ClSu
 ClSubject SubjectOf(EVaried eVaried, unsigned long nSeed) {
     const ClFingerScanner Finger{sim::ClScanner(nSeed)};
     const ClFingerScene Scene = DrawFingerScene(eVaried, nSeed);
-    const sim::ClDirtSettings Dirt = sim::DirtOfAmount(Scene.m_dDirt);
-    const sim::ClCapture Capture =
-        sim::CaptureFingers(Finger.Scanner(), {Scene.m_Finger}, Dirt, nSeed);
-    const sim::ClRaster Empty = sim::CaptureFingers(Finger.Scanner(), {}, Dirt, nSeed).m_Raw;
+    const sim::ClCapture Capture = sim::CaptureFingers(Finger.Scanner(), {Scene.m_Finger},
+                                                       sim::DirtOfAmount(Scene.m_dDirt), nSeed);
+    const sim::ClRaster Empty = EmptyPlaten(Finger.Scanner(), Scene.m_dDirt);
     ClSubject Subject;
     Subject.m_Finger = Scene.m_Finger;
     Subject.m_dDirt = Scene.m_dDirt;
-    Subject.m_dEvenness = EvennessOf(Finger.Scanner());
     KnowPrint(Capture, Subject);
     MeasureFinger(Finger, Capture.m_Raw, Subject);
-    Subject.m_Platen = measures::MeasurePlaten(View(Finger.Warped(Empty))).value();
+    Subject.m_Platen = measures::MeasurePlaten(View(Empty)).value();
+    MeasureLight(Finger.Scanner(), Scene, Subject);
     Subject.m_dContamination = Finger.Contamination(Empty);
     return Subject;
 }
@@ -131,8 +142,10 @@ const std::vector<ClColumn>& Measured() {
         {"pressure", [](const ClSubject& s) { return s.m_Measures.m_Ridges.m_dPressure; }},
         {"light taken", [](const ClSubject& s) { return s.m_dLightTaken; }},
         {"platen: soiled share", [](const ClSubject& s) { return Measure(s.m_Platen.m_dSoiled); }},
-        {"platen: uniformity",
-         [](const ClSubject& s) { return Measure(s.m_Platen.m_dUniformity); }},
+        {"platen: soiled share, uneven light",
+         [](const ClSubject& s) { return Measure(s.m_UnevenPlaten.m_dSoiled); }},
+        {"platen: uniformity, uneven light",
+         [](const ClSubject& s) { return Measure(s.m_UnevenPlaten.m_dUniformity); }},
         {"*dirt level*", [](const ClSubject& s) { return Measure(s.m_dDirtLevel); }},
         {"*dry finger level*", [](const ClSubject& s) { return Measure(s.m_dDryLevel); }},
         {"*contamination*", [](const ClSubject& s) { return Measure(s.m_dContamination); }},

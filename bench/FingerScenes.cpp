@@ -6,7 +6,7 @@ namespace bench {
 
 namespace {
 
-enum ESubject : std::uint64_t { eSubjectScene = 91 };
+enum ESubject : std::uint64_t { eSubjectScene = 91, eSubjectLight };
 
 sim::ClFingerSettings AnyFinger(sim::ClRandom& rRandom) {
     sim::ClFingerSettings Finger;
@@ -30,6 +30,18 @@ void Shrink(sim::ClFingerSettings& rFinger, double dPlace) {
     rFinger.m_dHalfHeight = 1.42 * rFinger.m_dHalfWidth;
 }
 
+/// At most 248 at its brightest, so that nothing saturates.
+sim::ClLightSettings UnevenLight(sim::ClRandom Random) {
+    sim::ClLightSettings Light;
+    Light.m_dBright = Random.Uniform(160.0, 200.0);
+    Light.m_dTiltX = Random.Around(0.0, 0.12);
+    Light.m_dTiltY = Random.Around(0.0, 0.12);
+    Light.m_dVignette = Random.Uniform(0.0, 0.2);
+    Light.m_dTopEdge = Random.Uniform(0.0, 0.1);
+    Light.m_dCorners = Random.Uniform(0.0, 0.25);
+    return Light;
+}
+
 } // namespace
 
 ClFingerScene DrawFingerScene(EVaried eVaried, std::uint64_t nSeed) {
@@ -47,6 +59,7 @@ ClFingerScene DrawFingerScene(EVaried eVaried, std::uint64_t nSeed) {
     Scene.m_Finger.m_dDryness = IsVaried(EVaried::eDryness) && !bWet ? dMoisture : 0.0;
     Scene.m_Finger.m_dWetness = bWet ? dMoisture : 0.0;
     Scene.m_dDirt = IsVaried(EVaried::eDirt) ? dDirt : 0.1;
+    Scene.m_UnevenLight = UnevenLight(sim::ClRandom(nSeed, eSubjectLight));
     if (nSeed % 8 == 1)
         LayPartly(Scene.m_Finger, nSeed, dPlace);
     if (nSeed % 8 == 2)

@@ -16,6 +16,8 @@ enum class EVaried { eAll, eDryness, ePressure, eDirt };
 struct ClFingerScene {
     sim::ClFingerSettings m_Finger;
     double m_dDirt = 0.0; ///< amount, 0 to 1
+    /// A light more uneven than a good scanner's, for a further capture of the empty platen.
+    sim::ClLightSettings m_UnevenLight;
 };
 
 /// Where all is varied, every fourth finger is wet in place of dry.

@@ -40,12 +40,12 @@ sim::ClRaster FingerTile(const ClFingerScanner& Finger, const sim::ClFingerSetti
 }
 
 sim::ClRaster PlatenTile(const ClFingerScanner& Finger, double dDirt) {
-    const sim::ClRaster Warped = Finger.Warped(
+    const sim::ClRaster Raw =
         sim::CaptureFingers(Finger.Scanner(), {}, sim::DirtOfAmount(dDirt), Finger.Scanner().Seed())
-            .m_Raw);
+            .m_Raw;
     std::printf("dirt %.2f: soiled share %.4f\n", dDirt,
-                measures::MeasurePlaten(View(Warped))->m_dSoiled);
-    return Reduced(Warped, 2, 2);
+                measures::MeasurePlaten(View(Raw))->m_dSoiled);
+    return Reduced(Finger.Warped(Raw), 2, 2);
 }
 
 } // namespace

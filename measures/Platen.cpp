@@ -23,7 +23,7 @@ public:
     double Mean() const;
     double Lowest() const { return *std::min_element(m_aTiles.begin(), m_aTiles.end()); }
     double Highest() const { return *std::max_element(m_aTiles.begin(), m_aTiles.end()); }
-    /// At a sample; beyond the middles of the outer tiles as there.
+    /// At a sample; beyond the middles of the outer tiles as the line through the last two goes on.
     double At(int x, int y) const;
 
 private:
@@ -69,10 +69,10 @@ double ClLights::Mean() const {
 }
 
 double ClLights::At(int x, int y) const {
-    const double dColumn = std::clamp((x + 0.5) * m_dColumnsPerSample - 0.5, 0.0, cnAcross - 1.0);
-    const double dRow = std::clamp((y + 0.5) * m_dRowsPerSample - 0.5, 0.0, cnDown - 1.0);
-    const int nColumn = std::min(static_cast<int>(dColumn), cnAcross - 2);
-    const int nRow = std::min(static_cast<int>(dRow), cnDown - 2);
+    const double dColumn = (x + 0.5) * m_dColumnsPerSample - 0.5;
+    const double dRow = (y + 0.5) * m_dRowsPerSample - 0.5;
+    const int nColumn = std::clamp(static_cast<int>(dColumn), 0, cnAcross - 2);
+    const int nRow = std::clamp(static_cast<int>(dRow), 0, cnDown - 2);
     const double u = dColumn - nColumn;
     const double v = dRow - nRow;
     const double dUpper = (1.0 - u) * Tile(nColumn, nRow) + u * Tile(nColumn + 1, nRow);

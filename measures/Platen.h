@@ -10,7 +10,7 @@ namespace measures {
 
 /// The frame is divided into 8 x 12 tiles, about 2 mm each. The light of a tile is the median of
 /// its samples, which dirt on less than half of it does not move; between the middles of the tiles
-/// it is interpolated.
+/// it is interpolated, beyond the outer ones carried on in a straight line.
 struct ClPlatenMeasures {
     double m_dBrightness = 0.0; ///< mean light of the tiles, grey values, 0 to 255
     /// The light of the darkest tile over that of the brightest, 0 to 1: 1 is even.
