@@ -75,6 +75,12 @@ TEST(MeasuresLimits, NothingIsMeasurableWithoutSamples) {
     const unsigned char nSample = 0;
     const ClGreyView NoLines{&nSample, 1, 0, 1};
     EXPECT_TRUE(IsNothing(MeasureFinger(NoLines, NoLines, cdDpi)));
+    const ClPicture Picture(4, 4, 0);
+    const ClGreyView Nowhere{nullptr, 4, 4, 4};
+    EXPECT_TRUE(IsNothing(MeasureFinger(Picture.View(), Nowhere, cdDpi)));
+    EXPECT_TRUE(IsNothing(MeasureFinger(Nowhere, Picture.View(), cdDpi)));
+    EXPECT_FALSE(LightTaken(Picture.View(), Nowhere));
+    EXPECT_FALSE(LightTaken(Nowhere, Picture.View()));
 }
 
 TEST(MeasuresLimits, OneSampleHasAnAreaAndNoRidges) {

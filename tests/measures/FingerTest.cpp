@@ -134,6 +134,13 @@ TEST(MeasuresRidges, HaveTheContrastOfTheWave) {
     EXPECT_NEAR(*RidgesOf(Picture).m_dContrast, 102.0 / 255.0, 1e-9);
 }
 
+TEST(MeasuresRidges, AreReadThroughEveryFourthSampleThatHasRoomForAProfile) {
+    const ClPicture Picture = Painted(120, 60, [](int x, int) { return Ridges(x, 9.0, 4.0); });
+    // 16 samples to each side, two above and below, and two to spare for the interpolation: columns
+    // 16, 20 ... 100 and lines 4, 8 ... 52.
+    EXPECT_EQ(RidgesOf(Picture).m_nProfiles, 22U * 13U);
+}
+
 TEST(MeasuresRidges, AreNotReadBelowTwentyGreyValuesOfContrast) {
     const auto Wave = [](double dContrast) {
         return RidgesOf(Painted(120, 60, [&](int x, int) { return x / 5 % 2 * dContrast; }));

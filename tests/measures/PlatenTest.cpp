@@ -64,12 +64,25 @@ TEST(MeasuresPlaten, DirtTakesMoreThanSevenPercent) {
 }
 
 TEST(MeasuresPlaten, UnevenLightIsNoDirt) {
-    // Along a tile the light changes by more than dirt takes.
-    const ClPicture Picture =
-        Painted(160, 240, [](int x, int y) { return 90.0 + 0.6 * x + 0.25 * y; });
-    const ClPlatenMeasures Measures = Measured(Picture);
-    EXPECT_EQ(Measures.m_dSoiled, 0.0);
-    EXPECT_NEAR(Measures.m_dUniformity, (90.0 + 6.0 + 2.5) / (90.0 + 90.0 + 57.5), 0.005);
+    // Along a tile the light changes by more than dirt takes, up to the borders.
+    const ClPlatenMeasures Across =
+        Measured(Painted(160, 240, [](int x, int) { return 30.0 + 1.3 * x; }));
+    EXPECT_EQ(Across.m_dSoiled, 0.0);
+    EXPECT_NEAR(Across.m_dUniformity, (30.0 + 1.3 * 10) / (30.0 + 1.3 * 150), 0.005);
+    const ClPlatenMeasures Down =
+        Measured(Painted(160, 240, [](int, int y) { return 30.0 + 0.85 * y; }));
+    EXPECT_EQ(Down.m_dSoiled, 0.0);
+    EXPECT_NEAR(Down.m_dUniformity, (30.0 + 0.85 * 10) / (30.0 + 0.85 * 230), 0.005);
+}
+
+// The last tiles, 20 samples wide, have a light of 150, those before one of 200. Samples of 150 are
+// soiled where the light between is above 161.29, that is up to 0.774 of the way from middle to
+// middle: the first five of them.
+TEST(MeasuresPlaten, HasALightThatIsInterpolatedBetweenTheMiddlesOfTheTiles) {
+    const ClPicture Below = Painted(160, 240, [](int, int y) { return y < 220 ? 200.0 : 150.0; });
+    EXPECT_NEAR(Measured(Below).m_dSoiled, 5.0 / 240.0, 1e-12);
+    const ClPicture Right = Painted(160, 240, [](int x, int) { return x < 140 ? 200.0 : 150.0; });
+    EXPECT_NEAR(Measured(Right).m_dSoiled, 5.0 / 160.0, 1e-12);
 }
 
 TEST(MeasuresPlaten, SaturatedAndDarkSamplesAreCounted) {
