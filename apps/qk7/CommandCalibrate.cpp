@@ -8,6 +8,7 @@
 #include "apps/qk7/Console.h"
 #include "apps/qk7/FileRun.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/Measures.h"
 #include "apps/qk7/Picture.h"
 
 #include "TessarinCalibrateSDK.h"
@@ -34,6 +35,7 @@ struct StCalibrateCall {
     std::string m_Format; ///< empty for the one that the name of an output tells
     bool m_bSkipExisting = false;
     bool m_bVerbose = false;
+    bool m_bMeasures = false;
 };
 
 /// The blocks, read once for all handles.
@@ -161,16 +163,27 @@ std::string CaptureAdvice(long nNumber, const Bytes& Capture, const StScanner& S
            Pixels(Scanner.m_Source.m_nWidth, Scanner.m_Source.m_nHeight) + ".";
 }
 
-Bytes Corrected(const ClHandle& Handle, const StScanner& Scanner, const std::string& Input) {
-    const Bytes capture = ReadBlock(Input);
+Bytes Corrected(const ClHandle& Handle, const StScanner& Scanner, const std::string& Input,
+                const Bytes& Capture) {
     const std::string name = ShownName(Input, EStream::eIn);
     try {
-        return Handle.Calibrate(capture, ExpectedBytes(Scanner, capture.size()));
+        return Handle.Calibrate(Capture, ExpectedBytes(Scanner, Capture.size()));
     } catch (const ClLibraryError& error) {
-        throw ClFailure(name, error.what() + CaptureAdvice(error.Number(), capture, Scanner));
+        throw ClFailure(name, error.what() + CaptureAdvice(error.Number(), Capture, Scanner));
     } catch (const std::bad_alloc& error) {
         throw ClFailure(name, WordsOf(error));
     }
+}
+
+/// The levels are those of the capture before and after.
+void AddMeasures(ClHandle& rHandle, const StScanner& Scanner, const Bytes& Capture, StTold& rTold) {
+    rTold.m_Json["measures"] = nullptr;
+    if (!rHandle.IsEnabled("DynamicFingerMask"))
+        return;
+    const StFingerMeasures measures =
+        MeasureCapture(rHandle, Capture, ExpectedBytes(Scanner, Capture.size()));
+    rTold.m_Json["measures"] = FingerJson(measures);
+    rTold.m_Text += FingerText(measures);
 }
 
 /// A dynamic calibration leaves levels, other work leaves those of an earlier capture.
@@ -223,8 +236,13 @@ FileWork MakeWork(const StCalibrateCall& Call, const StScannerBlocks& Blocks,
         const std::string& output = aOutputs[nFile];
         if (Call.m_bSkipExisting && IsThere(output))
             return Skipped(input, output, Call.m_bVerbose);
-        WriteBlock(output, Corrected(*pHandle, scanner, input), OutputFormat(Call, output));
-        return ToldOf(*pHandle, input, output, Call.m_bVerbose);
+        const Bytes capture = ReadBlock(input);
+        WriteBlock(output, Corrected(*pHandle, scanner, input, capture),
+                   OutputFormat(Call, output));
+        StTold told = ToldOf(*pHandle, input, output, Call.m_bVerbose || Call.m_bMeasures);
+        if (Call.m_bMeasures)
+            AddMeasures(*pHandle, scanner, capture, told);
+        return told;
     };
 }
 
@@ -291,6 +309,9 @@ void AddOutputOptions(CLI::App& rCommand, StCalibrateCall& rCall) {
                       "Leave out captures whose result is there, to go on where a run stopped");
     rCommand.add_flag("-v,--verbose", rCall.m_bVerbose,
                       "Print the dirt level and the dry finger level of each capture");
+    rCommand.add_flag("--measures", rCall.m_bMeasures,
+                      "Print measures of each print as well: ridges, area, place; each capture is "
+                      "corrected three times more for them");
 }
 
 } // namespace
