@@ -203,10 +203,11 @@ TEST(LocalThresholdKernel, EqualsItsDefinitionOnPlanes) {
 }
 
 TEST(LocalThresholdKernel, EqualsItsDefinitionOnWindowsOfAnyWidth) {
-    const Lines aIn = RandomLines(4, 140, 4);
+    const Lines aIn = RandomLines(6, 140, 4);
     for (const long nSizeX : {42L, 126L, 127L, 128L, 129L, 140L}) // vectors go to 127
-        for (const long nOffset : {0L, -10L})
-            ExpectPlane(aIn, nSizeX, 3, nOffset);
+        for (const long nSizeY : {1L, 3L, 4L, 5L, 6L})
+            for (const long nOffset : {0L, -10L})
+                ExpectPlane(aIn, nSizeX, nSizeY, nOffset);
 }
 
 /// Pixels equal to the mean are below, and above with an offset of 1.
