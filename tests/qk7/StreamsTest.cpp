@@ -13,8 +13,8 @@ using qk7::Bytes;
 
 namespace {
 
-const Arguments aQuick = {"calibrate", "-O", "DynamicFingerMask=false", "-O",
-                          "GeometricCalibrate=oddLines"};
+const Arguments aQuickStart = {"calibrate", "-O", "DynamicFingerMask=false", "-O",
+                               "GeometricCalibrate=oddLines"};
 
 class Qk7Streams : public testing::Test {
 protected:
@@ -24,7 +24,7 @@ protected:
     }
 
     Arguments Quick(const Arguments& more) const {
-        Arguments arguments = aQuick;
+        Arguments arguments = aQuickStart;
         arguments.insert(arguments.end(), more.begin(), more.end());
         return arguments;
     }
@@ -43,7 +43,7 @@ protected:
 
     std::string Result() const {
         return ToText(GreyFileHeader(384, 528) +
-                      DirectlyCalibrated(Record(), Capture(), {aQuick[2], aQuick[4]}));
+                      DirectlyCalibrated(Record(), Capture(), {aQuickStart[2], aQuickStart[4]}));
     }
 
     ClTestFolder m_Folder;
