@@ -21,6 +21,12 @@ StRecord Perfect() {
     return MappedRecord([](const StPoint& p) { return p; });
 }
 
+/// Where it takes a place of the corrected image from.
+StPoint PerfectAt(const StPoint& Place) {
+    return {200.0 + 19.397 * (Place.m_dX - 160.0) / 19.685,
+            530.0 + 39.735 * (Place.m_dY - 240.0) / 19.685};
+}
+
 /// Its points with normal scatter, raw pixels.
 StRecord Scattered(double dX, double dY, std::uint64_t nSeed) {
     StRecord Record = Perfect();
@@ -78,18 +84,18 @@ TEST(DiagnosisErrorMap, ExpectsTheScatterItselfAtADot) {
     EXPECT_NEAR(Map.At(Record.m_aTarget[37]), std::hypot(dX, dY), 0.005);
 }
 
-// Over 30 records of a plane, whose true errors are known. Amid the dots there is nothing to be
+// Over 15 records of a plane, whose true errors are known. Amid the dots there is nothing to be
 // expected but them. In the corners a plane cannot be told from a trend that scatter hides: more
 // may be expected there, and not less.
 TEST(DiagnosisErrorMap, ExpectsTheErrorsThatScatterMakes) {
     const auto ratio = [](const Points& aPlaces) {
         double dExpected = 0.0;
         double dTrue = 0.0;
-        for (std::uint64_t nSeed = 1; nSeed <= 30; ++nSeed) {
+        for (std::uint64_t nSeed = 1; nSeed <= 15; ++nSeed) {
             const StRecord Record = Scattered(0.2, 0.4, nSeed);
             const StErrorMap Map = MapErrors(Record, {});
             for (const StPoint& Place : aPlaces) {
-                const StPoint Error = SplineAt(Record, Place) - SplineAt(Perfect(), Place);
+                const StPoint Error = SplineAt(Record, Place) - PerfectAt(Place);
                 dTrue +=
                     SquaredLength({Error.m_dX * 19.685 / 19.397, Error.m_dY * 19.685 / 39.735});
                 dExpected += Map.At(Place) * Map.At(Place);
@@ -99,7 +105,9 @@ TEST(DiagnosisErrorMap, ExpectsTheErrorsThatScatterMakes) {
     };
 
     EXPECT_NEAR(ratio({cMiddle, {140.0, 100.0}, {75.0, 80.0}, {250.0, 390.0}}), 1.0, 0.2);
-    EXPECT_NEAR(ratio({cCorner, {0.0, 0.0}, {0.0, 479.0}, {319.0, 0.0}}), 1.5, 0.5);
+    const double dCorners = ratio({cCorner, {0.0, 0.0}, {0.0, 479.0}, {319.0, 0.0}});
+    EXPECT_GT(dCorners, 0.9);
+    EXPECT_LT(dCorners, 1.6);
 }
 
 // A spline that falls back to a plane loses a bow outside the dots; the truth is known.

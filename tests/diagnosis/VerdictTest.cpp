@@ -76,6 +76,26 @@ TEST(DiagnosisVerdict, DoubtsNoDotOfASmoothDistortion) {
     EXPECT_TRUE(DoubtfulDots(Record).empty());
 }
 
+// In a corner the spline of the calibration, about a plane, is off by most of a pixel here. About a
+// cubic trend a wrong dot shows as what it is.
+TEST(DiagnosisVerdict, MeasuresACornerDotBesideTheDistortion) {
+    const StRecord Record = MappedRecord([](const StPoint& p) {
+        const double d = 1.0 - 0.0004 * SquaredLength(p);
+        return StPoint{d * p.m_dX, d * p.m_dY};
+    });
+    for (const std::size_t nDot : {0U, 65U})
+        for (const StPoint& By : {StPoint{1.6, 0.0}, {-1.6, 0.0}, {0.0, 3.2}, {0.0, -3.2}}) {
+            StRecord Wrong = Record;
+            Wrong.m_aFound[nDot] = Wrong.m_aFound[nDot] + By;
+            const auto aDoubtful = DoubtfulDots(Wrong);
+
+            ASSERT_EQ(aDoubtful.size(), 1U) << nDot;
+            EXPECT_EQ(aDoubtful[0].m_nDot, nDot);
+            EXPECT_NEAR(aDoubtful[0].m_Off.m_dX, By.m_dX, 0.05);
+            EXPECT_NEAR(aDoubtful[0].m_Off.m_dY, By.m_dY, 0.1);
+        }
+}
+
 TEST(DiagnosisVerdict, NamesTheDotWithItsPlaceAndHowFarItIsOff) {
     StRecord Record = Moved(38, {0.1, -15.8});
     const Reasons aReasons = DotReasons(Record, DoubtfulDots(Record));

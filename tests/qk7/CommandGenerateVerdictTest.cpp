@@ -86,7 +86,7 @@ TEST_F(Qk7GenerateVerdict, KeepsADoubtfulBlockBack) {
     EXPECT_THAT(ended.m_Out,
                 HasSubstr("\n  Clean platen and target, lay the target flat and straight"));
     EXPECT_THAT(ended.m_Out,
-                HasSubstr("\n  Nothing is written; --accept-doubtful writes it all the same.\n"));
+                HasSubstr("\n  No block is written; --accept-doubtful writes it all the same.\n"));
     EXPECT_EQ(m_Folder.Names(), (Names{"scanner.cal", "target.bmp"}));
     EXPECT_EQ(Get(m_Folder / "scanner.cal"), ToBytes("old"));
 }
