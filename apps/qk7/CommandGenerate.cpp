@@ -225,7 +225,7 @@ std::string DoubtWords(const StGenerateCall& Call, const StGenerated& Generated)
         return "";
     return "  " + RecaptureAdvice(Call) +
            (Generated.m_bWritten ? "\n  It is written all the same, as --accept-doubtful asks.\n"
-                                 : "\n  Nothing is written; --accept-doubtful writes it all the "
+                                 : "\n  No block is written; --accept-doubtful writes it all the "
                                    "same.\n");
 }
 
