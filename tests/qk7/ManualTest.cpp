@@ -20,7 +20,7 @@ namespace {
 class Qk7Documents : public testing::Test {
 protected:
     Qk7Documents() : m_App("Does things.", "qk7") {
-        CLI::App* pCommand = m_App.add_subcommand("make", "Makes it");
+        CLI::App* pCommand = m_App.add_subcommand("make", "Makes it. And tells.");
         pCommand->add_option("-o,--output", m_Text, "File - or 'none'; its\n  name")
             ->required()
             ->type_name("OUT");
@@ -65,6 +65,7 @@ TEST_F(Qk7Documents, HaveAPageForACommand) {
 
     EXPECT_THAT(page, HasSubstr(".TH QK7\\-MAKE 1 2026-01-31 \"qk7 1.2.3\" "));
     EXPECT_THAT(page, HasSubstr(".SH NAME\nqk7\\-make \\- makes it\n"));
+    EXPECT_THAT(page, HasSubstr(".SH DESCRIPTION\nMakes it. And tells.\n"));
     EXPECT_THAT(page, HasSubstr("\\fBqk7 make\\fR \\fB\\-o\\fR \\fIOUT\\fR [\\fIOPTION\\fR]... "
                                 "\\fIFILE\\fR...\n"));
     EXPECT_THAT(page, HasSubstr(".TP\n\\fIFILE\\fR\n\\&.Files\n"));

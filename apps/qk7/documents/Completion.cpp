@@ -184,8 +184,9 @@ _qk7() {
     commands=(
 )";
     for (std::size_t i = 1; i < aCommands.size(); ++i)
-        text +=
-            "        " + Quoted(aCommands[i].m_Name + ":" + ZshText(aCommands[i].m_Words)) + "\n";
+        text += "        " +
+                Quoted(aCommands[i].m_Name + ":" + ZshText(FirstClause(aCommands[i].m_Words))) +
+                "\n";
     text += "    )\n    _arguments -C \\\n";
     for (const StDescribedOption& option : aCommands[0].m_aOptions)
         for (const std::string& name : option.m_aNames)
@@ -209,7 +210,7 @@ std::string FishCompletion(const Commands& aCommands) {
     for (std::size_t i = 1; i < aCommands.size(); ++i) {
         const StDescribedCommand& command = aCommands[i];
         text += "complete -c qk7 -f -n '__fish_use_subcommand' -a " + command.m_Name + " -d " +
-                Quoted(command.m_Words) + "\n";
+                Quoted(FirstClause(command.m_Words)) + "\n";
         for (const StDescribedOption& option : command.m_aOptions)
             text += FishOption("__fish_seen_subcommand_from " + command.m_Name, option);
     }

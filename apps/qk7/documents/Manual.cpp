@@ -66,12 +66,15 @@ std::string Heading(const std::string& Page, const StManual& Manual) {
            "\" \"Calibration of the QK7\"\n";
 }
 
-/// The words of a command begin a line of their own: "Corrects captures" is "corrects captures".
-std::string NameSection(const std::string& Page, std::string words) {
+/// The first clause, as the tables of contents show it: "Corrects captures" is "corrects captures".
+std::string NameSection(const std::string& Page, const std::string& Words) {
+    std::string words = FirstClause(Words);
     words[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(words[0])));
-    if (words.back() == '.')
-        words.pop_back();
     return Section("NAME") + Roff(Page) + " \\- " + Roff(words) + "\n";
+}
+
+std::string Sentence(const std::string& Words) {
+    return Words.back() == '.' ? Words : Words + ".";
 }
 
 std::string Synopsis(const StDescribedCommand& Command) {
@@ -149,7 +152,7 @@ std::string ToolPage(const StDescribedCommand& Tool,
                        Section("DESCRIPTION") + Paragraph(g_szConventions) + Section("COMMANDS");
     for (const StDescribedCommand& command : aCommands)
         if (command.m_Name != Tool.m_Name)
-            text += Item(Bold(command.m_Name), command.m_Words);
+            text += Item(Bold(command.m_Name), FirstClause(command.m_Words));
     return text + Options(Tool) + ExitStatus() + SeeAlso(szTool, aCommands);
 }
 
@@ -165,7 +168,7 @@ std::string PageOf(const StDescribedCommand& Command,
         return ToolPage(Command, aCommands, Manual);
     const std::string page = PageName(Command);
     return Heading(page, Manual) + NameSection(page, Command.m_Words) + Synopsis(Command) +
-           Section("DESCRIPTION") + Paragraph(Command.m_Words + ".") + Options(Command) +
+           Section("DESCRIPTION") + Paragraph(Sentence(Command.m_Words)) + Options(Command) +
            ExitStatus() + Examples(Command) + SeeAlso(page, aCommands);
 }
 
