@@ -85,6 +85,18 @@ TEST(Handle, CheckComparesAllBytesOfBothGuards) {
     }
 }
 
+TEST(Handle, CheckLooksAtNoByteBesideTheGuards) {
+    StOwnHandle<> Own;
+    CalibrateHandle_t Record;
+    std::memset(&Record, 0xEE, sizeof Record);
+    std::memcpy(Record.m_acHead, "CAL", 4);
+    std::memcpy(Record.m_acTail, "LAC", 4);
+    Record.m_pProcessor = &Own.m_Processor;
+    ClIpCalibrateLumivane2* pProcessor = nullptr;
+    EXPECT_EQ(CheckHandle(&Record, &pProcessor), 0);
+    EXPECT_EQ(pProcessor, &Own.m_Processor);
+}
+
 TEST(Handle, CheckWantsAProcessor) {
     StOwnHandle<> Own;
     Own.m_Record.m_pProcessor = nullptr;
