@@ -101,7 +101,7 @@ std::string RecaptureAdvice(const StGenerateCall& Call) {
                          const ClLibraryError& Error) {
     const StTargetDiagnosis diagnosis = Diagnose(Run);
     DrawRefused(Call, diagnosis);
-    std::string message = Call.m_Target + ": " + Error.what();
+    std::string message = ShownName(Call.m_Target, EStream::eIn) + ": " + Error.what();
     if (!diagnosis.m_Words.empty())
         message += " " + diagnosis.m_Words;
     throw ClRefusedTarget(message, diagnosis, RecaptureAdvice(Call));
@@ -114,7 +114,8 @@ std::string RecaptureAdvice(const StGenerateCall& Call) {
     if (Error.Number() == QMT_ERROR_CURRUPT_DATA && !Call.m_Reference.empty())
         throw ClFailure(Call.m_Reference,
                         std::string(Error.what()) + " Its target points are not those of a plate.");
-    throw ClFailure(Call.m_Target, Error.what() + BitmapAdvice(Error.Number(), Run.m_Target));
+    throw ClFailure(ShownName(Call.m_Target, EStream::eIn),
+                    Error.what() + BitmapAdvice(Error.Number(), Run.m_Target));
 }
 
 /// The blocks that are written; without bytes those that are not.
@@ -130,13 +131,14 @@ struct StBlocks {
         std::string(": ") + Error.what() + " The calibration block derived from it does not load.";
     const auto fault = FindRecordFault(Calibration);
     if (!fault)
-        throw ClFailure(Call.m_Target + words);
+        throw ClFailure(ShownName(Call.m_Target, EStream::eIn) + words);
     if (fault->m_eList == StRecordFault::EList::eTarget && !Call.m_Reference.empty())
         throw ClUnloadableRecord(Call.m_Reference + words, *fault,
                                  "Measure the plate again, or leave --reference away; its block "
                                  "has to tell the resolution of its target points.");
     DrawRefused(Call, Diagnose(Run));
-    throw ClUnloadableRecord(Call.m_Target + words, *fault, RecaptureAdvice(Call));
+    throw ClUnloadableRecord(ShownName(Call.m_Target, EStream::eIn) + words, *fault,
+                             RecaptureAdvice(Call));
 }
 
 /// A block that was generated need not load, and one that is written has to: it is read back on a
@@ -163,7 +165,7 @@ Bytes CorrectedSecond(const StGenerateCall& Call, const StRun& Run, const Bytes&
     handle.SetOption("DynamicFingerMask=false");
     handle.SetData(Calibration);
     const StFrame frame = ReadCalibrationInfo(Calibration).m_Target;
-    return HandingBitmap(Call.m_Second, Run.m_Second, [&] {
+    return HandingBitmap(ShownName(Call.m_Second, EStream::eIn), Run.m_Second, [&] {
         return handle.Calibrate(Run.m_Second, BitmapBytes(frame.m_nWidth, frame.m_nHeight, 1));
     });
 }
@@ -177,7 +179,7 @@ StJudged Judge(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibr
                 diagnosis::CheckSecond(Calibration, CorrectedSecond(Call, Run, Calibration));
         return judged;
     } catch (const std::invalid_argument& error) {
-        throw ClFailure(Call.m_Target, error.what());
+        throw ClFailure(ShownName(Call.m_Target, EStream::eIn), error.what());
     }
 }
 
@@ -229,21 +231,28 @@ std::string DoubtWords(const StGenerateCall& Call, const StGenerated& Generated)
                                    "same.\n");
 }
 
-void Tell(const StGenerateCall& Call, const StGenerated& Generated) {
-    const std::string text =
-        TextOf(Call.m_Output, Generated.m_Judged) + DoubtWords(Call, Generated);
-    if (!Call.m_bJson) {
-        Print(text);
-        return;
-    }
+std::string TextOf(const StGenerateCall& Call, const StGenerated& Generated,
+                   const std::string& Verdict) {
+    return TextOf(ShownName(Call.m_Output, EStream::eOut), Generated.m_Judged, Verdict) +
+           DoubtWords(Call, Generated);
+}
+
+void TellInWords(const StGenerateCall& Call, const StGenerated& Generated) {
+    const EColour eColour = Generated.m_Judged.IsGood() ? EColour::eGood : EColour::eDoubtful;
+    Print(TextOf(Call, Generated, OutColoured(eColour, VerdictOf(Generated.m_Judged))));
+}
+
+void TellAsJson(const StGenerateCall& Call, const StGenerated& Generated) {
     Json json = {{"file", Call.m_Target},
                  {"calibration", Call.m_Output},
                  {"written", Generated.m_bWritten},
                  {"target", JsonOf(Generated.m_Target)}};
     json.update(JsonOf(Generated.m_Judged));
     PrintDocument("generate", json);
-    if (!Generated.m_Judged.IsGood())
-        PrintError("qk7 generate", text.substr(0, text.size() - 1));
+    if (Generated.m_Judged.IsGood())
+        return;
+    const std::string text = TextOf(Call, Generated, VerdictOf(Generated.m_Judged));
+    PrintError("qk7 generate", text.substr(0, text.size() - 1));
 }
 
 bool IsRefusal(const std::exception& Error) {
@@ -270,7 +279,10 @@ void RunGenerate(const StGenerateCall& Call) {
         TellFailure(Call, error);
         throw;
     }
-    Tell(Call, generated);
+    if (Call.m_bJson)
+        TellAsJson(Call, generated);
+    else
+        TellInWords(Call, generated);
     if (!generated.m_Judged.IsGood())
         throw CLI::RuntimeError(eDoubtful);
 }

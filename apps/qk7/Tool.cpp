@@ -55,6 +55,7 @@ const std::vector<StExitStatus>& ExitStatuses() {
         {eDone, "everything was done, and what was found is good"},
         {eFailed, "something failed, or what was found is bad; the messages tell"},
         {eWrongUsage, "the call was wrong"},
+        {eDoubtful, "a calibration is doubtful; the reasons are told"},
     };
     return statuses;
 }

@@ -160,8 +160,13 @@ diagnosis::Reasons StJudged::Reasons() const {
     return reasons;
 }
 
-std::string TextOf(const std::string& Calibration, const StJudged& Judged) {
-    std::string text = Calibration + (Judged.IsGood() ? ": good\n" : ": doubtful\n");
+std::string VerdictOf(const StJudged& Judged) {
+    return Judged.IsGood() ? "good" : "doubtful";
+}
+
+std::string TextOf(const std::string& Calibration, const StJudged& Judged,
+                   const std::string& Verdict) {
+    std::string text = Calibration + ": " + Verdict + "\n";
     for (const StReason& reason : Judged.Reasons())
         text += Sentence(reason);
     text += FigureLines(Judged.m_First);
@@ -169,7 +174,7 @@ std::string TextOf(const std::string& Calibration, const StJudged& Judged) {
 }
 
 Json JsonOf(const StJudged& Judged) {
-    Json json = {{"verdict", Judged.IsGood() ? "good" : "doubtful"},
+    Json json = {{"verdict", VerdictOf(Judged)},
                  {"reasons", ListOf(Judged.Reasons())},
                  {"dots", ListOf(Judged.m_First.m_aDots)},
                  {"plate", JsonOf(Judged.m_First.m_Plate)},

@@ -21,9 +21,13 @@ struct StJudged {
     diagnosis::Reasons Reasons() const;
 };
 
+/// "good" or "doubtful".
+std::string VerdictOf(const StJudged& Judged);
+
 /// "scanner.cal: good" with the figures, or "doubtful" with a line for each reason; ends with a
-/// line feed.
-std::string TextOf(const std::string& Calibration, const StJudged& Judged);
+/// line feed. `Verdict` is the word for it, coloured or not.
+std::string TextOf(const std::string& Calibration, const StJudged& Judged,
+                   const std::string& Verdict);
 
 /// "verdict", "reasons", "dots", "plate", "expected_error" and, where there was one, "second".
 Json JsonOf(const StJudged& Judged);

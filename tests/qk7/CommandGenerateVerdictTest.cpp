@@ -233,3 +233,31 @@ TEST_F(Qk7GenerateVerdict, TellsARefusalAsJsonToo) {
 
     EXPECT_EQ(told.at("verdict"), "refused");
 }
+
+TEST_F(Qk7GenerateVerdict, ShowsTheVerdictInItsColour) {
+    EXPECT_THAT(Generate(RawTarget(), {"--color=always"}).m_Out,
+                StartsWith("scanner.cal: \033[32mgood\033[0m\n"));
+    EXPECT_THAT(Generate(TargetWithStandIn(), {"--color=always"}).m_Out,
+                StartsWith("scanner.cal: \033[33mdoubtful\033[0m\n"));
+}
+
+// A message has no use for it.
+TEST_F(Qk7GenerateVerdict, ShowsNoColourBesideJson) {
+    const StEnded ended = Generate(TargetWithStandIn(), {"--color=always", "--json"});
+
+    EXPECT_THAT(ended.m_Err, StartsWith("\033[31mqk7 generate:\033[0m scanner.cal: doubtful\n"));
+}
+
+TEST_F(Qk7GenerateVerdict, NamesStandardStreams) {
+    Put(m_Folder / "target.bmp", RawTarget(Without({38})));
+    const StEnded refused = Qk7From((m_Folder / "target.bmp").string(),
+                                    {"generate", "-", "-o", "scanner.cal"}, m_Folder.Path());
+    EXPECT_THAT(refused.m_Err, StartsWith("qk7 generate: standard input: -600 "));
+
+    Put(m_Folder / "target.bmp", RawTarget());
+    const StEnded written =
+        Qk7From((m_Folder / "target.bmp").string(), {"generate", "-", "-o", "-"}, m_Folder.Path());
+    EXPECT_EQ(written.m_nExit, 0);
+    EXPECT_EQ(ToBytes(written.m_Out), DirectlyGenerated(RawTarget()));
+    EXPECT_THAT(written.m_Err, StartsWith("standard output: good\n"));
+}
