@@ -186,7 +186,7 @@ void Soil(ClTargetScene& Scene, ETargetCase eCase, ClRandom& Random) {
         AddHair(Scene, InnerDot(Random), 0.0, dRadius + 0.2, dHeading);
         break;
     case ETargetCase::eHairAcross:
-        AddHair(Scene, InnerDot(Random), 1.4, 1.4, dHeading);
+        AddHair(Scene, InnerDot(Random), 1.4, 1.4, dAlongRow);
         break;
     case ETargetCase::eGlareBeside:
         AddGlare(Scene, InnerDot(Random), 0.9, dHeading, 1.0);
