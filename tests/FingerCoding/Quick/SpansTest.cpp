@@ -104,6 +104,15 @@ TEST(QuickSpans, DropSmallBlobsButNotOneOfTheLastSpan) {
     });
 }
 
+TEST(QuickSpans, CountEachBlobAnew) {
+    ForEachNoise([](const Naive::Grid& Region) {
+        ClOwnSpans Spans(Region);
+        (*Spans).DropSmall(1); // none is, but all are counted
+        (*Spans).DropSmall(5);
+        ExpectGrid(Spans.Painted(), Naive::WithoutSmall(Region, 5));
+    });
+}
+
 TEST(QuickSpans, FillHolesButNotOneOfTheLastSpanOfTheGround) {
     ForEachNoise([](const Naive::Grid& Region) {
         ClOwnSpans Spans(Region);
