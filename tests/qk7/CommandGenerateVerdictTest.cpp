@@ -250,13 +250,13 @@ TEST_F(Qk7GenerateVerdict, ShowsNoColourBesideJson) {
 
 TEST_F(Qk7GenerateVerdict, NamesStandardStreams) {
     Put(m_Folder / "target.bmp", RawTarget(Without({38})));
-    const StEnded refused = Qk7From((m_Folder / "target.bmp").string(),
-                                    {"generate", "-", "-o", "scanner.cal"}, m_Folder.Path());
+    const StEnded refused =
+        Qk7From(m_Folder / "target.bmp", {"generate", "-", "-o", "scanner.cal"}, m_Folder.Path());
     EXPECT_THAT(refused.m_Err, StartsWith("qk7 generate: standard input: -600 "));
 
     Put(m_Folder / "target.bmp", RawTarget());
     const StEnded written =
-        Qk7From((m_Folder / "target.bmp").string(), {"generate", "-", "-o", "-"}, m_Folder.Path());
+        Qk7From(m_Folder / "target.bmp", {"generate", "-", "-o", "-"}, m_Folder.Path());
     EXPECT_EQ(written.m_nExit, 0);
     EXPECT_EQ(ToBytes(written.m_Out), DirectlyGenerated(RawTarget()));
     EXPECT_THAT(written.m_Err, StartsWith("standard output: good\n"));
