@@ -40,6 +40,9 @@ void RepairBitmap(std::string& rBytes, ClRandom& rRandom);
 /// The same, every second one of 64 x 64 pixels.
 void RepairCapture(std::string& rBytes, ClRandom& rRandom);
 
+/// A PNG picture: signature and checksums; or a whole one of these samples.
+void RepairPng(std::string& rBytes, ClRandom& rRandom);
+
 /// A raw image: magics, type, sizes, length.
 void RepairRawImage(std::string& rBytes, ClRandom& rRandom);
 

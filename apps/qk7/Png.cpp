@@ -301,7 +301,7 @@ public:
             png_set_IHDR(m_Png.m_pPng, m_Png.m_pInfo, Info.m_nWidth, Info.m_nHeight, 8,
                          PNG_COLOR_TYPE_GRAY, PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                          PNG_FILTER_TYPE_DEFAULT);
-            if (Info.m_nPelsX > 0 && Info.m_nPelsY > 0)
+            if (Info.m_nPelsX > 0 || Info.m_nPelsY > 0)
                 png_set_pHYs(m_Png.m_pPng, m_Png.m_pInfo, Info.m_nPelsX, Info.m_nPelsY,
                              PNG_RESOLUTION_METER);
             png_write_info(m_Png.m_pPng, m_Png.m_pInfo);

@@ -202,8 +202,7 @@ TEST(Qk7Png, GivesEveryBlockBack) {
     for (int i = 0; i < 200; ++i) {
         const int nWidth = 1 + static_cast<int>(random() % 40);
         const int nHeight = 1 + static_cast<int>(random() % 40);
-        Bytes block = WithPels(GreyBlock(nWidth, nHeight), random() >> 1, 1 + (random() >> 1));
-        block[24] |= 1; // no resolution of 0, which stands for none
+        Bytes block = WithPels(GreyBlock(nWidth, nHeight), random() >> 1, random() >> 1);
         const int nStride = (nWidth + 3) / 4 * 4;
         for (int y = 0; y < nHeight; ++y)
             for (int x = 0; x < nWidth; ++x)
@@ -211,6 +210,13 @@ TEST(Qk7Png, GivesEveryBlockBack) {
                     static_cast<unsigned char>(i % 2 == 0 ? random() : static_cast<unsigned>(x));
 
         EXPECT_EQ(BlockOfPng(PngOfBlock(block)), block) << nWidth << " x " << nHeight;
+    }
+}
+
+TEST(Qk7Png, KeepsAResolutionOfOneAxis) {
+    for (const auto& [nPelsX, nPelsY] : {std::pair(0U, 39370U), std::pair(19685U, 0U)}) {
+        const Bytes block = WithPels(GreyBlock(5, 4), nPelsX, nPelsY);
+        EXPECT_EQ(BlockOfPng(PngOfBlock(block)), block);
     }
 }
 
