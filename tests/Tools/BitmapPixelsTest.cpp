@@ -1,6 +1,7 @@
 #include "Tools/Bitmap.h"
 
 #include "support/BitmapBlocks.h"
+#include "support/BitmapStreams.h"
 #include "support/Throws.h"
 
 #include <gtest/gtest.h>
