@@ -1,4 +1,4 @@
-# What an installation holds: header, both libraries, the CMake package and the pkg-config file.
+# What an installation holds: headers, both libraries, the CMake package and the pkg-config file.
 
 include(CMakePackageConfigHelpers)
 
@@ -8,7 +8,9 @@ install(TARGETS TessarinCalibrateSDK
 install(TARGETS TessarinCalibrateSDK_static
     EXPORT TessarinCalibrateSDKTargets
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(FILES "${PROJECT_SOURCE_DIR}/include/TessarinCalibrateSDK.h"
+install(FILES
+    "${PROJECT_SOURCE_DIR}/include/TessarinCalibrateSDK.h"
+    "${PROJECT_SOURCE_DIR}/include/TessarinCalibrateSDK.hpp"
     DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
 set(TESSARIN_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/TessarinCalibrateSDK)

@@ -6,7 +6,7 @@
  *
  * In front of the shared library it is preloaded, and nothing is built anew:
  *
- *     LD_PRELOAD=./log_to_stderr.so correct_c scanner.cal capture.bmp corrected.bmp
+ *     LD_PRELOAD=./log_to_stderr.so correct scanner.cal capture.bmp corrected.bmp
  *
  * An application that links the library statically has it as one more source file.
  *
