@@ -319,7 +319,7 @@ public:
     ///
     /// @return 101.0 for a failure
     double contamination(ConstBytes capture, std::error_code& rError) {
-        double level = 101.0;
+        double level = 0.0;
         rError =
             statusCode(ContaminationDetection(m_pHandle, bytesOf(capture), capture.size(), &level));
         return level;

@@ -70,3 +70,14 @@ TEST_F(CaptureLoop, AllocatesNothingForLevelsAndOptions) {
               0);
     EXPECT_FALSE(Error);
 }
+
+TEST(Calibrator, ReleasesWhatItHolds) {
+    const long nBefore = TestSupport::LiveAllocations();
+    {
+        Calibrator First = TestSupport::Loaded();
+        Calibrator Second;
+        Second = std::move(First);
+        EXPECT_GT(TestSupport::LiveAllocations(), nBefore);
+    }
+    EXPECT_EQ(TestSupport::LiveAllocations(), nBefore);
+}

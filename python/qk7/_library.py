@@ -1,0 +1,59 @@
+"""The shared library and the types of its functions.
+
+Through ctypes the package is the same on every processor and needs no compiler to install; other
+threads of Python run while a function of the library does.
+"""
+from __future__ import annotations
+
+import ctypes
+import functools
+import os
+from typing import Any
+
+SONAME = "libTessarinCalibrateSDK.so.1"
+VARIABLE = "QK7_LIBRARY"
+
+_handle = ctypes.c_void_p
+_bytes = ctypes.c_void_p
+_size = ctypes.c_ulong
+_size_pointer = ctypes.POINTER(ctypes.c_ulong)
+_double_pointer = ctypes.POINTER(ctypes.c_double)
+
+#: Of each function what it returns and what it takes.
+SIGNATURES: dict[str, tuple[Any, list[Any]]] = {
+    "CalibrateCreate": (_handle, []),
+    "CalibrateDelete": (ctypes.c_long, [ctypes.POINTER(_handle)]),
+    "CalibrateSetOption": (ctypes.c_long, [_handle, ctypes.c_char_p]),
+    "CalibrateGetOption": (
+        ctypes.c_long, [_handle, ctypes.c_char_p, ctypes.c_char_p, _size_pointer]),
+    "GetCalibrationWarningLevels": (
+        ctypes.c_long, [_handle, _double_pointer, _double_pointer]),
+    "Calibrate": (ctypes.c_long, [_handle, _bytes, _size, _bytes, _size_pointer]),
+    "ContaminationDetection": (ctypes.c_long, [_handle, _bytes, _size, _double_pointer]),
+    "CalibrateCheckEfts": (ctypes.c_long, [_handle, _bytes, _size, _double_pointer]),
+    "CalibrateSetData": (ctypes.c_long, [_handle, _bytes, _size]),
+    "CalibrateGetData": (ctypes.c_long, [_handle, _bytes, _size_pointer]),
+    "CalibrateSetPrecalculatedData": (ctypes.c_long, [_handle, _bytes, _size]),
+    "CalibrateGetPrecalculatedData": (ctypes.c_long, [_handle, _bytes, _size_pointer]),
+    "CalibrateSetReferenceData": (ctypes.c_long, [_handle, _bytes, _size]),
+    "CalibrateGenerateData": (ctypes.c_long, [_handle, _bytes, _size]),
+    "GetErrorDescriptionIntern": (ctypes.c_char_p, [ctypes.c_long]),
+}
+
+
+@functools.lru_cache(maxsize=None)
+def library() -> ctypes.CDLL:
+    """The library, loaded when it is first asked for.
+
+    Raises OSError where it cannot be loaded, with what to do.
+    """
+    name = os.environ.get(VARIABLE) or SONAME
+    try:
+        loaded = ctypes.CDLL(name)
+    except OSError as fault:
+        raise OSError(f"the calibration library cannot be loaded: {fault}; install it, or name its "
+                      f"file in the environment variable {VARIABLE}") from fault
+    for function, (result, arguments) in SIGNATURES.items():
+        getattr(loaded, function).restype = result
+        getattr(loaded, function).argtypes = arguments
+    return loaded

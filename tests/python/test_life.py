@@ -1,0 +1,179 @@
+"""The life of a handle, and its threads."""
+import copy
+import gc
+import os
+import pickle
+import subprocess
+import sys
+import threading
+import time
+
+import numpy as np
+import pytest
+import qk7
+from qk7 import _library
+
+CALLS = [
+    lambda c: c.correct(bytes(40)), lambda c: c.correct(bytes(40), bytearray(40)),
+    lambda c: c.set_data(b""), lambda c: c.set_precalculated_data(b""),
+    lambda c: c.set_reference_data(b""), lambda c: c.generate_data(b""),
+    lambda c: c.get_data(), lambda c: c.get_precalculated_data(),
+    lambda c: c.contamination(b""), lambda c: c.check_efts(b""), lambda c: c.levels,
+    lambda c: c.set_option("MaskIsOutput=true"), lambda c: c.get_option("MaskIsOutput"),
+    lambda c: c.sensitive_mode, lambda c: c.geometry,
+]
+
+
+@pytest.fixture
+def deleted(monkeypatch):
+    """The handles that were released, while they are."""
+    library = _library.library()
+    release, handles = library.CalibrateDelete, []
+
+    def delete(pointer):
+        handles.append(pointer._obj.value)
+        return release(pointer)
+
+    monkeypatch.setattr(library, "CalibrateDelete", delete)
+    return handles
+
+
+def test_leaving_the_context_releases_the_handle(deleted):
+    with qk7.Calibrator() as calibrator:
+        assert not calibrator.closed
+        assert deleted == []
+    assert calibrator.closed
+    assert len(deleted) == 1
+
+
+def test_closing_twice_releases_once(deleted):
+    calibrator = qk7.Calibrator()
+    calibrator.close()
+    calibrator.close()
+    del calibrator
+    gc.collect()
+    assert len(deleted) == 1
+
+
+def test_forgotten_calibrator_releases_its_handle(deleted):
+    calibrator = qk7.Calibrator()
+    del calibrator
+    gc.collect()
+    assert len(deleted) == 1
+
+
+def test_calibrator_that_cannot_be_made_releases_its_handle(deleted):
+    for arguments in {"data": b"none"}, {"data": 7}, {"geometry": "round"}:
+        with pytest.raises((qk7.CalibrationError, TypeError, ValueError)):
+            qk7.Calibrator(**arguments)
+    assert len(deleted) == 3
+
+
+def test_missing_memory_is_told(monkeypatch):
+    monkeypatch.setattr(_library.library(), "CalibrateCreate", lambda: None)
+    with pytest.raises(qk7.CalibrationError) as caught:
+        qk7.Calibrator()
+    assert caught.value.number == qk7.Status.QMT_ERROR_OUT_OF_MEMORY
+
+
+@pytest.mark.parametrize("call", CALLS)
+def test_closed_calibrator_says_so(call):
+    calibrator = qk7.Calibrator()
+    calibrator.close()
+    with pytest.raises(ValueError, match="the calibrator is closed"):
+        call(calibrator)
+
+
+def test_handle_is_not_copied():
+    with qk7.Calibrator() as calibrator:
+        for way in copy.copy, copy.deepcopy, pickle.dumps:
+            with pytest.raises(TypeError):
+                way(calibrator)
+
+
+def test_end_of_the_interpreter_leaves_calls_in_peace():
+    """A thread of its own may be in a call when the interpreter ends."""
+    program = ("import threading, qk7\n"
+               "c = qk7.Calibrator()\n"
+               "big = qk7.Bitmap.blank(3000, 3000)\n"
+               "t = threading.Thread(target=lambda: [c.contamination(big) for _ in range(99)],"
+               " daemon=True)\n"
+               "t.start()\n"
+               "import time; time.sleep(0.05)\n")
+    result = subprocess.run([sys.executable, "-c", program], env=os.environ, timeout=120)
+    assert result.returncode == 0
+
+
+@pytest.mark.parametrize("call", [*CALLS, lambda c: c.close()])
+def test_second_thread_is_refused(monkeypatch, call):
+    """One thread is held within a call; what the other one calls does not reach the library."""
+    within, leave = threading.Event(), threading.Event()
+
+    def held(*_):
+        within.set()
+        assert leave.wait(60)
+        return 0
+
+    with qk7.Calibrator() as calibrator:
+        monkeypatch.setattr(_library.library(), "ContaminationDetection", held)
+        thread = threading.Thread(target=calibrator.contamination, args=(bytes(40),))
+        thread.start()
+        try:
+            assert within.wait(60)
+            with pytest.raises(qk7.InUseError, match="another thread"):
+                call(calibrator)
+        finally:
+            leave.set()
+            thread.join()
+        assert not calibrator.closed
+        assert calibrator.levels == (0.0, 0.0)
+
+
+def test_calibrator_may_be_handed_over(calibrator, capture, published):
+    images = []
+    for _ in range(2):
+        thread = threading.Thread(target=lambda: images.append(calibrator.correct(capture)))
+        thread.start()
+        thread.join()
+    assert all(np.array_equal(image.block, published.block) for image in images)
+    assert len(images) == 2
+
+
+def test_calibrators_run_in_parallel(block, capture, published):
+    def work():
+        with qk7.Calibrator(block, dynamic_finger_mask=False) as calibrator:
+            for _ in range(20):
+                image = calibrator.correct(capture)
+                good.append(np.array_equal(image.block, published.block))
+
+    good = []
+    threads = [threading.Thread(target=work) for _ in range(4)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert good == [True] * 80
+
+
+def test_other_threads_run_during_a_call():
+    """A call of some tenths of a second; another thread looks at the clock in its midst."""
+    span = []
+
+    def call():
+        span.append(time.monotonic())
+        calibrator.contamination(noise)
+        span.append(time.monotonic())
+
+    noise = qk7.Bitmap.blank(4000, 4000)
+    noise.pixels[:] = np.random.default_rng(1).integers(0, 256, noise.pixels.shape, np.uint8)
+    with qk7.Calibrator() as calibrator:
+        thread = threading.Thread(target=call)
+        ticks = []
+        thread.start()
+        while thread.is_alive():
+            ticks.append(time.monotonic())
+            time.sleep(0.001)
+        thread.join()
+    third = (span[1] - span[0]) / 3
+    assert third > 0.02, "the call is too short to tell"
+    assert any(span[0] + third < tick < span[1] - third for tick in ticks)
