@@ -12,6 +12,8 @@
 
 #include <TessarinCalibrateSDK.hpp>
 
+#include <algorithm>
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
@@ -43,10 +45,9 @@ bool check(tessarin::Calibrator& calibrator, const char* what, const Block& capt
 
 /// Runs the tool, without what it prints, and returns its exit status.
 int run(std::vector<std::string> words) {
-    std::vector<char*> arguments;
-    for (std::string& word : words)
-        arguments.push_back(word.data());
-    arguments.push_back(nullptr);
+    std::vector<char*> arguments(words.size() + 1); // the last one stays null
+    std::transform(words.begin(), words.end(), arguments.begin(),
+                   [](std::string& word) { return word.data(); });
 
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);

@@ -32,6 +32,20 @@ def test_corrected_image_owns_no_more_than_it_needs(calibrator, capture, publish
         assert block.base is None and block.size == published.block.size
 
 
+def test_size_is_learned_from_the_first_capture(calibrator, capture, published, monkeypatch):
+    library = qk7._library.library()
+    calibrate, rooms = library.Calibrate, []
+
+    def told(handle, source, source_size, target, size):
+        rooms.append(size._obj.value)
+        return calibrate(handle, source, source_size, target, size)
+
+    monkeypatch.setattr(library, "Calibrate", told)
+    for _ in range(3):
+        assert same(calibrator.correct(capture), published)
+    assert rooms == [capture.block.size, published.block.size, published.block.size]
+
+
 def test_correct_writes_into_the_bytes_given(calibrator, capture, published):
     size = published.block.size
     for out in np.full(size + 1, 77, np.uint8), bytearray(b"M" * (size + 1)), \

@@ -46,7 +46,8 @@ def test_what_is_no_block_is_refused(calibrator, other, call, fault, words):
 
 
 @pytest.mark.parametrize("out", [bytes(SIZE), memoryview(bytes(SIZE)),
-                                 np.frombuffer(bytes(SIZE), np.uint8)], ids=str)
+                                 np.frombuffer(bytes(SIZE), np.uint8)],
+                         ids=["bytes", "memoryview", "array"])
 def test_bytes_that_are_read_only_receive_nothing(calibrator, capture, out):
     with pytest.raises(ValueError, match="out: the bytes are read only"):
         calibrator.correct(capture, out)
