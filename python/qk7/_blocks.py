@@ -40,7 +40,7 @@ def _bytes_of(block: object, what: str) -> ByteArray:
                         f"{type(block).__name__}") from None
     if view.itemsize != 1 or view.ndim != 1 or not view.contiguous:
         raise ValueError(f"{what}: bytes in one piece are expected")
-    return np.frombuffer(view, np.uint8) if len(view) > 0 else np.empty(0, np.uint8)
+    return np.frombuffer(view, np.uint8)
 
 
 def as_bytes(block: BlockLike, what: str) -> ByteArray:

@@ -100,7 +100,10 @@ class Calibrator:
 
         Args:
             data: calibration block, as for set_data().
-            precalculated: precalculated block that belongs to it, for a fast start.
+            precalculated: precalculated block that belongs to it, for a fast start; sets the option
+                PrecalculatedData.
+            dynamic_finger_mask, sensitive_mode, geometry, mask_is_output: the options, as the
+                attributes of these names tell.
         """
         if precalculated is not None and data is None:
             raise ValueError("a precalculated block needs the calibration block it belongs to")
