@@ -20,7 +20,7 @@ class Place:
 
     def __init__(self, folder, root, build, environment):
         self.folder, self.root, self.build = pathlib.Path(folder), root, build
-        self.environment = environment
+        self.environment, self.python = environment, []
         for name in ("apps", "docs", "examples", "include", "tests"):
             (self.folder / name).symlink_to(root / name)
         (self.folder / "build").mkdir()
@@ -50,12 +50,11 @@ def run_transcript(block, place):
                         + "\n".join(lines))
 
 
-def framed(block, place):
+def framed(block, place, suffix):
     """A part of a program stands in a frame, which declares what the part uses."""
-    name = block.marks.get("frame")
-    if name is None:
+    if "frame" not in block.marks and re.search(r"\bmain\(", block.text):
         return block.text
-    frame = place.root / "tests/docs/frames" / name
+    frame = place.root / "tests/docs/frames" / block.marks.get("frame", "default" + suffix)
     text = frame.read_text(encoding="utf-8")
     if text.count("@BLOCK@") != 1:
         raise Fault(f"{frame} has no place for the block")
@@ -64,14 +63,14 @@ def framed(block, place):
 
 def compile_and_run(block, place, suffix, compiler):
     source = place.folder / ("block" + suffix)
-    source.write_text(framed(block, place), encoding="utf-8")
+    source.write_text(framed(block, place, suffix), encoding="utf-8")
     place.must(["bash", "-c", f"{compiler} {' '.join(WARNINGS)} {source.name} -o block "
                 "$(pkg-config --cflags --libs TessarinCalibrateSDK)"])
     place.must(["./block"])
 
 
 def run_c(block, place):
-    compile_and_run(block, place, ".c", "cc -std=c99 -D_POSIX_C_SOURCE=200809L")
+    compile_and_run(block, place, ".c", "cc -std=c99 -D_POSIX_C_SOURCE=200809L -pthread")
 
 
 def run_cpp(block, place):
@@ -79,9 +78,10 @@ def run_cpp(block, place):
 
 
 def run_python(block, place):
-    source = place.folder / "block.py"
-    source.write_text(framed(block, place), encoding="utf-8")
-    place.must([place.environment["PYTHON"], source.name])
+    """The blocks of a page are one program: each runs behind those before it."""
+    place.python.append(block.text)
+    (place.folder / "block.py").write_text("\n".join(place.python), encoding="utf-8")
+    place.must([place.environment["PYTHON"], "block.py"])
 
 
 def run_cmake(block, place):
