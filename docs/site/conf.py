@@ -6,6 +6,7 @@ but those of the reference, and the list of pages in index.md is the table of co
 
 import pathlib
 import re
+import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 PAGES = ROOT / "docs"
@@ -16,14 +17,17 @@ version = release = re.search(r"VERSION (\d+\.\d+\.\d+)",
                               (ROOT / "CMakeLists.txt").read_text(encoding="utf-8"))[1]
 html_title = f"{project} {version}"
 
-extensions = ["myst_parser", "breathe"]
+sys.path.insert(0, str(ROOT / "python"))
+extensions = ["myst_parser", "breathe", "sphinx.ext.autodoc", "sphinx.ext.napoleon"]
+autodoc_typehints = "description"
+napoleon_use_ivar = True
 breathe_projects = {"headers": str(ROOT / "build/docs/xml")}
 breathe_default_project = "headers"
+breathe_domain_by_file_pattern = {"*.h": "c"}
 primary_domain = None
 highlight_language = "none"
 myst_heading_anchors = 4
-nitpick_ignore_regex = [(r"c(pp)?:.*", r".*")]  # types of the language and names in words
-suppress_warnings = []
+nitpick_ignore_regex = [(r"c(pp)?:.*", r".*"), (r"py:.*", r".*")]  # types of the languages
 
 html_theme = "furo"
 html_show_copyright = False
@@ -31,10 +35,14 @@ html_show_sourcelink = False
 html_copy_source = False
 html_static_path = ["static"]
 html_css_files = ["site.css"]
+pygments_style = "default"
+pygments_dark_style = "github-dark"
 
 exclude_patterns = ["site"]
-if not (ROOT / "include/TessarinCalibrateSDK.hpp").exists():
-    exclude_patterns.append("cpp-reference.md")
+for needed, page in {"include/TessarinCalibrateSDK.hpp": "cpp-reference.md",
+                     "python/qk7": "python-reference.md"}.items():
+    if not (ROOT / needed).exists():
+        exclude_patterns.append(page)
 
 
 def contents(text):
@@ -74,5 +82,41 @@ def outside(match):
     return words
 
 
+def read_docstring(app, what, name, thing, options, lines):
+    """The words of a Python module are plain text: what is indented there is code."""
+    out, depth = [], 0
+    for line in lines if what == "module" else []:
+        deeper = len(line) - len(line.lstrip()) if line.strip() else depth
+        if deeper > 0 and depth == 0:
+            out += ["", "::", ""]
+        out.append(line)
+        depth = deeper
+    lines[:] = out or lines
+
+
+def leave_out_module(app, name, template, context, doctree):
+    """The theme's script is a module, which Debian's package loads as a plain one: it cannot run, and
+    from a folder no module can. What it would do is not needed."""
+    context["script_files"] = [file for file in context["script_files"]
+                               if not str(getattr(file, "filename", file)).endswith("furo.js")]
+
+
+def mend_style(app, failure):
+    """Debian's package is compiled without what follows the reader's choice of a dark screen, and
+    takes a style sheet from the root of a server that serves Debian's."""
+    path = pathlib.Path(app.outdir) / "_static/styles/furo.css"
+    if failure or not path.exists():
+        return
+    text = re.sub(r"@import url\(/javascript/[^)]*\);\n", "", path.read_text(encoding="utf-8"))
+    if "prefers-color-scheme: dark" not in text:
+        dark = re.search(r'body\[data-theme="dark"\] \{([^}]*)\}', text)[1]
+        text += "@media screen and (prefers-color-scheme: dark) {\n"
+        text += 'body:not([data-theme="light"]) {' + dark + "} }\n"
+    path.write_text(text, encoding="utf-8")
+
+
 def setup(app):
     app.connect("source-read", read_page)
+    app.connect("autodoc-process-docstring", read_docstring)
+    app.connect("html-page-context", leave_out_module, priority=900)
+    app.connect("build-finished", mend_style)

@@ -110,6 +110,6 @@ def run_json(block, place):
 
 RUNNERS = {"setup": run_shell, "sh": run_shell, "console": run_transcript, "c": run_c, "cpp": run_cpp,
            "python": run_python, "cmake": run_cmake, "json": run_json}
-# Formulas, layouts and pictures made of letters; and what the site takes from the headers.
+# Formulas, layouts and pictures made of letters; and what the site takes from the sources.
 NOT_CODE = {"text"}
-SITE = re.compile(r"\{(doxygen|auto)\w+\}")
+SITE = re.compile(r"\{(doxygen\w+|eval-rst)\}")
