@@ -54,7 +54,7 @@ def framed(block, place, suffix):
     """A part of a program stands in a frame, which declares what the part uses."""
     if "frame" not in block.marks and re.search(r"\bmain\(", block.text):
         return block.text
-    frame = place.root / "tests/docs/frames" / block.marks.get("frame", "default" + suffix)
+    frame = place.root / "tests/docs/frames" / (block.marks.get("frame", "default" + suffix) + ".in")
     text = frame.read_text(encoding="utf-8")
     if text.count("@BLOCK@") != 1:
         raise Fault(f"{frame} has no place for the block")
