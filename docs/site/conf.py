@@ -33,6 +33,7 @@ html_theme = "furo"
 html_show_copyright = False
 html_show_sourcelink = False
 html_copy_source = False
+html_show_search_summary = False  # would be fetched, which a page from a folder may not
 html_static_path = ["static"]
 html_css_files = ["site.css"]
 pygments_style = "default"
