@@ -2,8 +2,9 @@ cmake_minimum_required(VERSION 3.23)
 
 # Holds the floors of the house: a floor includes only itself and floors below it, and everything
 # is included from the source root. The diagnosis stands beside the house: it may look into all of
-# it, its headers into nothing, and no floor knows of it.
-#   cmake -DSOURCE=... -DDIAGNOSIS=... -P check_layers.cmake
+# it, its headers into nothing, and no floor knows of it. The drawings of the reports know what a
+# diagnosis tells, and nothing else.
+#   cmake -DSOURCE=... -DDIAGNOSIS=... -DREPORT=... -P check_layers.cmake
 
 get_filename_component(SOURCE "${SOURCE}" ABSOLUTE)
 
@@ -71,3 +72,19 @@ foreach(file IN LISTS files)
     endforeach()
 endforeach()
 message(STATUS "${count} files of the diagnosis keep beside them")
+
+get_filename_component(REPORT "${REPORT}" ABSOLUTE)
+file(GLOB files "${REPORT}/*.h" "${REPORT}/*.cpp")
+list(LENGTH files count)
+if(count LESS 10)
+    message(FATAL_ERROR "only ${count} files found below ${REPORT}")
+endif()
+foreach(file IN LISTS files)
+    file(STRINGS "${file}" includes REGEX "^#include \"")
+    foreach(line IN LISTS includes)
+        if(NOT line MATCHES "^#include \"(diagnosis|report)/")
+            message(SEND_ERROR "${file}: ${line}")
+        endif()
+    endforeach()
+endforeach()
+message(STATUS "${count} files of the reports keep to what is told")
