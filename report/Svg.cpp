@@ -13,7 +13,7 @@ namespace report {
 namespace {
 
 constexpr int cnDecimals = 2;
-constexpr double cdGlyphWidth = 0.58; ///< of its height, a mean over digits and small letters
+constexpr double cdGlyphWidth = 0.6; ///< of its height, a mean over digits and small letters
 
 bool IsLetter(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
@@ -215,10 +215,20 @@ void ClSvg::UprightText(const StPoint& Place, const std::string& sText, const ch
                            sText);
 }
 
+void ClSvg::Segments(const Points& aEnds, const char* szClass) {
+    std::string sPath;
+    for (std::size_t i = 1; i < aEnds.size(); i += 2)
+        if (IsFinite(aEnds[i - 1]) && IsFinite(aEnds[i]))
+            sPath += SegmentPath(aEnds[i - 1], aEnds[i]);
+    if (!sPath.empty())
+        Mark("path", szClass, Attribute("d", sPath), {});
+}
+
 void ClSvg::Image(const StBox& Box, const std::string& sSource) {
     if (IsBox(Box))
-        m_sBody += "<image" + BoxAttributes(Box) + Attribute("preserveAspectRatio", "none") +
-                   Attribute("href", Escaped(sSource)) + "/>\n";
+        m_sBody += "<image" + Attribute("class", mark::cszPicture) + BoxAttributes(Box) +
+                   Attribute("preserveAspectRatio", "none") + Attribute("href", Escaped(sSource)) +
+                   "/>\n";
 }
 
 void ClSvg::OpenGroup(const char* szClass) {

@@ -17,6 +17,7 @@ using diagnosis::StPoint;
 /// The classes of marks, each with what it means.
 namespace mark {
 constexpr const char* cszBacking = "backing";     ///< behind a picture, white in every scheme
+constexpr const char* cszPicture = "picture";     ///< a capture, paler than it is
 constexpr const char* cszOver = "over-picture";   ///< marks on a picture: colours of light paper
 constexpr const char* cszFrame = "frame";         ///< border of a capture, an image or a panel
 constexpr const char* cszRule = "rule";           ///< quiet line of a scale, behind the data
@@ -33,6 +34,7 @@ constexpr const char* cszMean = "mean";           ///< line at a mean or median:
 constexpr const char* cszMaximum = "maximum";     ///< line at a maximum: solid
 constexpr const char* cszContour = "contour";     ///< between classes of a map
 constexpr const char* cszHull = "hull";           ///< around the dots: beyond it is extrapolation
+constexpr const char* cszCasing = "casing";       ///< paper beside a line that lies on a map
 constexpr const char* cszNominal = "nominal";     ///< as it should be: dashed, quiet
 constexpr const char* cszActual = "actual";       ///< as it is: solid
 constexpr const char* cszCovered = "covered";     ///< area that a capture covers: pale
@@ -105,6 +107,8 @@ public:
               EAnchor eAnchor = EAnchor::eStart);
     /// Text that reads upward, its middle at the place.
     void UprightText(const StPoint& Place, const std::string& sText, const char* szClass);
+    /// Lines from each point of an even place to the next one, as one mark.
+    void Segments(const Points& aEnds, const char* szClass);
     /// A picture stretched to the box; `sSource` is a data URI.
     void Image(const StBox& Box, const std::string& sSource);
 

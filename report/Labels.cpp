@@ -1,0 +1,60 @@
+#include "report/Labels.h"
+
+#include <algorithm>
+#include <array>
+
+namespace report {
+
+namespace {
+
+constexpr double cdAscent = 0.8 * cdTextSize;
+constexpr double cdDescent = 0.25 * cdTextSize;
+
+bool Overlap(const StBox& a, const StBox& b) {
+    return a.m_dX < b.Right() && b.m_dX < a.Right() && a.m_dY < b.Bottom() && b.m_dY < a.Bottom();
+}
+
+bool IsWithin(const StBox& Inner, const StBox& Outer) {
+    return Inner.m_dX >= Outer.m_dX && Inner.Right() <= Outer.Right() && Inner.m_dY >= Outer.m_dY &&
+           Inner.Bottom() <= Outer.Bottom();
+}
+
+/// The boxes that a name may take, best first: right, left, above, below, then the four corners.
+std::array<StBox, 8> PlacesFor(const StPoint& Mark, double dReach, double dWidth) {
+    constexpr double dHeight = cdAscent + cdDescent;
+    const double dRight = Mark.m_dX + dReach;
+    const double dLeft = Mark.m_dX - dReach - dWidth;
+    const double dAbove = Mark.m_dY - dReach - dHeight;
+    const double dBelow = Mark.m_dY + dReach;
+    const double dAcross = Mark.m_dX - 0.5 * dWidth;
+    const double dLevel = Mark.m_dY - 0.5 * dHeight;
+    return {{{dRight, dLevel, dWidth, dHeight},
+             {dLeft, dLevel, dWidth, dHeight},
+             {dAcross, dAbove, dWidth, dHeight},
+             {dAcross, dBelow, dWidth, dHeight},
+             {dRight, dAbove, dWidth, dHeight},
+             {dRight, dBelow, dWidth, dHeight},
+             {dLeft, dAbove, dWidth, dHeight},
+             {dLeft, dBelow, dWidth, dHeight}}};
+}
+
+} // namespace
+
+bool ClLabels::IsFree(const StBox& Box) const {
+    return IsWithin(Box, m_Room) && std::none_of(m_aTaken.begin(), m_aTaken.end(),
+                                                 [&](const StBox& b) { return Overlap(b, Box); });
+}
+
+bool ClLabels::Put(ClSvg& rSvg, const StPoint& Mark, double dReach, const std::string& sName,
+                   const char* szClass) {
+    const auto aPlaces = PlacesFor(Mark, dReach, TextWidth(sName));
+    const auto place =
+        std::find_if(aPlaces.begin(), aPlaces.end(), [&](const StBox& b) { return IsFree(b); });
+    if (place == aPlaces.end())
+        return false;
+    rSvg.Text({place->Middle().m_dX, place->m_dY + cdAscent}, sName, szClass, EAnchor::eMiddle);
+    Keep(*place);
+    return true;
+}
+
+} // namespace report
