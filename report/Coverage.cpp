@@ -14,7 +14,7 @@ namespace {
 constexpr const char* cszTitle = "What of the corrected image the capture covers";
 constexpr double cdWidth = 400.0;
 constexpr double cdTop = 8.0;
-constexpr double cdPanelHeight = 330.0;
+constexpr double cdPanelHeight = 400.0;
 constexpr double cdHatch = 6.0;
 
 /// Around the corrected image, a share of its size: enough for a capture that reaches beyond it.

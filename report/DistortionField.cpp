@@ -14,8 +14,8 @@ namespace {
 constexpr const char* cszTitle = "Distortion: the corrected image's grid as it lies in the capture";
 constexpr double cdWidth = 400.0;
 constexpr double cdLeft = 46.0;
-constexpr double cdTop = 8.0;
-constexpr double cdPanelWidth = 344.0;
+constexpr double cdTop = 14.0;
+constexpr double cdPanelWidth = 338.0;
 constexpr double cdAxis = 34.0;
 constexpr double cdLongest = 0.7; ///< of a step: the largest displacement as drawn, before rounding
 constexpr double cdMostMagnification = 1000.0;

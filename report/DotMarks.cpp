@@ -59,15 +59,13 @@ void DrawDoubtful(ClSvg& rSvg, const ClPanel& Panel, const Dots& aDots, ClLabels
         if (!Dot.m_bDoubtful)
             continue;
         const StPoint Middle = Panel.At(Dot.m_At);
-        rSvg.Rect({Middle.m_dX - cdDoubtfulReach, Middle.m_dY - cdDoubtfulReach,
-                   2.0 * cdDoubtfulReach, 2.0 * cdDoubtfulReach},
-                  mark::cszDoubtful, NameOf(Dot.m_Place));
-        rLabels.Put(rSvg, Middle, cdDoubtfulReach + 3.0, NameOf(Dot.m_Place), mark::cszWarning);
+        rSvg.Rect(Around(Middle, cdDoubtfulReach), mark::cszDoubtful, NameOf(Dot.m_Place));
+        rLabels.Put(rSvg, Middle, cdDoubtfulReach + 1.5, NameOf(Dot.m_Place), mark::cszWarning);
     }
 }
 
 void DoubtfulSample(ClSvg& rSvg, const StPoint& Middle) {
-    rSvg.Rect({Middle.m_dX - 5.0, Middle.m_dY - 5.0, 10.0, 10.0}, mark::cszDoubtful);
+    rSvg.Rect(Around(Middle, 5.0), mark::cszDoubtful);
 }
 
 std::size_t CountDoubtful(const Dots& aDots) {

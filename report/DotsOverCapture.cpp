@@ -12,10 +12,13 @@ namespace {
 constexpr const char* cszTitle = "Dots found in the capture of the target";
 constexpr double cdWidth = 400.0;
 constexpr double cdLeft = 46.0;
-constexpr double cdTop = 8.0;
-constexpr double cdPanelWidth = 344.0;
+constexpr double cdTop = 14.0;
+constexpr double cdPanelWidth = 338.0;
 constexpr double cdBelow = 36.0;           ///< for the axis
 constexpr double cdRingMillimetres = 0.56; ///< outside the rim of a dot, which is 0.4 away
+
+constexpr double cdMostRing = 12.0;
+constexpr double cdMostWords = 200.0; ///< about a region
 
 class ClDrawing {
 public:
@@ -37,7 +40,9 @@ public:
     }
 
 private:
-    double Ring() const { return cdRingMillimetres * m_Panel.UnitsPerMillimetre(); }
+    double Ring() const {
+        return std::min(cdRingMillimetres * m_Panel.UnitsPerMillimetre(), cdMostRing);
+    }
 
     bool Is(ERegion eRegion) const {
         return std::any_of(m_Capture.m_aRegions.begin(), m_Capture.m_aRegions.end(),
@@ -73,15 +78,13 @@ ClLegend ClDrawing::LegendOf() const {
         Legend.Add(DoubtfulSample, "doubtful");
     if (Is(ERegion::eMissing))
         Legend.Add(
-            [](ClSvg& rSvg, const StPoint& p) {
-                rSvg.Rect({p.m_dX - 5.0, p.m_dY - 5.0, 10.0, 10.0}, mark::cszMissing);
-            },
+            [](ClSvg& rSvg, const StPoint& p) { rSvg.Rect(Around(p, 5.0), mark::cszMissing); },
             "missing");
     if (Is(ERegion::eRefused))
         Legend.Add(
             [](ClSvg& rSvg, const StPoint& p) {
                 rSvg.Cross(p, 5.0, mark::cszRefused);
-                rSvg.Rect({p.m_dX - 5.0, p.m_dY - 5.0, 10.0, 10.0}, mark::cszRefused);
+                rSvg.Rect(Around(p, 5.0), mark::cszRefused);
             },
             "refused");
     Legend.AddRemark(OutsideWords(m_Capture.m_aDots.size() - m_aDots.size(), "dot", "dots"));
@@ -102,7 +105,7 @@ std::string ClDrawing::Description() const {
 
 void ClDrawing::DrawPicture() {
     if (m_Capture.m_sPicture.empty()) {
-        m_Svg.OpenGroup("marks");
+        m_Svg.OpenGroup(mark::cszBare);
         return;
     }
     m_Svg.OpenGroup(mark::cszOver);
@@ -112,8 +115,10 @@ void ClDrawing::DrawPicture() {
 
 void ClDrawing::DrawDots() {
     DrawNet(m_Svg, m_Panel, m_aDots, Ring());
-    for (const StDot& Dot : m_aDots)
+    for (const StDot& Dot : m_aDots) {
         m_Svg.Circle(m_Panel.At(Dot.m_At), Ring(), mark::cszDot, NameOf(Dot.m_Place));
+        m_Labels.Avoid(Around(m_Panel.At(Dot.m_At), Ring()));
+    }
     for (const StRegion& Region : m_Capture.m_aRegions)
         DrawRegion(Region);
     DrawDoubtful(m_Svg, m_Panel, m_aDots, m_Labels);
@@ -142,7 +147,7 @@ void ClDrawing::DrawRegion(const StRegion& Region) {
                         {Box.Right(), Box.m_dY}},
                        mark::cszRefused);
     m_Labels.Put(m_Svg, Box.Middle(), 0.5 * std::max(Box.m_dWidth, Box.m_dHeight) + 3.0,
-                 Shortened(sWords, 30), mark::cszWarning);
+                 Fitted(sWords, cdMostWords), mark::cszWarning);
 }
 
 } // namespace

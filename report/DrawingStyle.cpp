@@ -39,11 +39,12 @@ std::string Properties(const char* StColour::*pScheme) {
 }
 
 constexpr const char* cszShapes = R"(
-svg.drawing{display:block;width:100%;max-width:33rem;height:auto;font:11px Arial,"Liberation Sans",Helvetica,sans-serif;fill:none;stroke:none}
-svg.drawing text{fill:var(--drawing-ink);font-variant-numeric:tabular-nums}
+svg.drawing{display:block;width:100%;max-width:33rem;height:auto;font:11px Arial,"Liberation Sans",Helvetica,sans-serif;fill:none;stroke:none;font-variant-numeric:tabular-nums}
+svg.drawing .text{fill:var(--drawing-ink)}
+svg.drawing .marks{fill:none}
 svg.drawing .quiet{fill:var(--drawing-quiet)}
-svg.drawing .strong{font-weight:bold}
-svg.drawing .warning{fill:var(--drawing-warning);font-weight:bold;paint-order:stroke;stroke:var(--drawing-paper);stroke-width:4px;stroke-linejoin:round}
+svg.drawing .strong{fill:var(--drawing-ink);font-weight:bold}
+svg.drawing .warning{fill:var(--drawing-warning);font-weight:bold;paint-order:stroke;stroke:var(--drawing-paper);stroke-width:3px;stroke-linejoin:round}
 svg.drawing .backing{fill:#ffffff}
 svg.drawing .picture{opacity:.62}
 svg.drawing .frame{stroke:var(--drawing-quiet);stroke-width:.8}
@@ -78,8 +79,8 @@ svg.drawing .plate{fill:var(--drawing-paper);stroke:var(--drawing-quiet);stroke-
 std::string Levels() {
     std::string sLevels;
     for (const char cLevel : {'0', '1', '2', '3', '4', '5', '6', '7'})
-        sLevels += std::string("svg.drawing .level") + cLevel + "{fill:var(--drawing-level" +
-                   cLevel + ")}\n";
+        sLevels += std::string("svg.drawing .level") + cLevel +
+                   "{shape-rendering:crispEdges;fill:var(--drawing-level" + cLevel + ")}\n";
     return sLevels;
 }
 

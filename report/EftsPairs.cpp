@@ -13,7 +13,7 @@ namespace {
 
 constexpr const char* cszTitle = "Pairs of dots whose distance is beyond the EFTS limits";
 constexpr double cdWidth = 400.0;
-constexpr StBox cRoom{30.0, 8.0, 340.0, 420.0};
+constexpr StBox cRoom{30.0, 14.0, 340.0, 420.0};
 constexpr std::size_t cnMostDrawn = 50;
 constexpr std::size_t cnMostNamed = 3;
 constexpr double cdRing = 3.5;
@@ -148,7 +148,7 @@ void ClDrawing::NameCulprits() {
                      [&](std::size_t a, std::size_t b) { return aCounts[a] > aCounts[b]; });
     for (std::size_t n = 0; n < std::min(cnMostNamed, aOrder.size()); ++n) {
         const StDot& Dot = m_Pairs.m_aDots[aOrder[n]];
-        const std::string sCount = std::to_string(aCounts[aOrder[n]]) + " pairs";
+        const std::string sCount = std::to_string(aCounts[aOrder[n]]) + " pairs fail";
         m_Labels.Put(
             m_Svg, m_Panel.At(Dot.m_At), (Dot.m_bDoubtful ? cdDoubtfulReach : cdRing) + 3.0,
             Dot.m_bDoubtful ? sCount : NameOf(Dot.m_Place) + ": " + sCount, mark::cszWarning);

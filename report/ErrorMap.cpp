@@ -16,9 +16,9 @@ using diagnosis::StErrorMap;
 
 constexpr const char* cszTitle = "Expected error of the corrected image";
 constexpr double cdWidth = 400.0;
-constexpr double cdHeight = 432.0;
-constexpr StBox cRoom{8.0, 8.0, 270.0, 414.0};
-constexpr double cdLegendLeft = 292.0;
+constexpr double cdHeight = 400.0;
+constexpr StBox cRoom{8.0, 8.0, 248.0, 386.0};
+constexpr double cdLegendLeft = 272.0;
 constexpr double cdSwatch = 18.0;
 
 /// Where a class ends and the next one begins, pixels. 0.35 is what a short distance may be off
@@ -32,6 +32,13 @@ int LevelOf(double dError) {
         return cnUnknown;
     return static_cast<int>(std::upper_bound(aLimits.begin(), aLimits.end(), dError) -
                             aLimits.begin());
+}
+
+std::string ErrorWords(double dError) {
+    constexpr double cdMost = 99.0; // more than the image has places for
+    if (!(dError >= 0.0))
+        return "none";
+    return dError > cdMost ? "> 99" : Decimal(dError, 2);
 }
 
 std::string LevelClass(int nLevel) {
@@ -113,9 +120,9 @@ private:
 
 std::string ClDrawing::Description() const {
     return "Expected error in pixels of the corrected image: root mean square amid the dots " +
-           Decimal(m_Errors.m_dInside, 2) + ", beyond them to one side " +
-           Decimal(m_Errors.m_dEdge, 2) + ", in the corners beyond them " +
-           Decimal(m_Errors.m_dCorner, 2) + ". Beyond the hull of the dots it is extrapolated.";
+           ErrorWords(m_Errors.m_dInside) + ", beyond them to one side " +
+           ErrorWords(m_Errors.m_dEdge) + ", in the corners beyond them " +
+           ErrorWords(m_Errors.m_dCorner) + ". Beyond the hull of the dots it is extrapolated.";
 }
 
 /// Neighbours of the same class are one rectangle.
@@ -167,7 +174,7 @@ void ClDrawing::DrawNumbers() {
 
 /// At the border it stands within the image.
 void ClDrawing::DrawNumber(int nColumn, int nRow) {
-    const std::string sNumber = Decimal(m_Errors.At(nColumn, nRow), 2);
+    const std::string sNumber = ErrorWords(m_Errors.At(nColumn, nRow));
     const double dHalf = 0.5 * TextWidth(sNumber) + 3.0;
     const StBox& Box = m_Panel.Box();
     const double dAcross = static_cast<double>(nColumn) / cnLastColumn;
@@ -188,26 +195,24 @@ void ClDrawing::DrawLevels() {
         m_Svg.Rect({cdLegendLeft, y, cdSwatch, cdSwatch}, LevelClass(nLevel).c_str());
         m_Svg.Text({cdLegendLeft + cdSwatch + 6.0, y + 13.0}, LevelWords(nLevel), mark::cszText);
     }
-    for (int n = 0; n <= cnLevels; ++n)
-        m_Svg.Line({cdLegendLeft, 42.0 + cdSwatch * n},
-                   {cdLegendLeft + cdSwatch, 42.0 + cdSwatch * n}, mark::cszContour);
+    for (int n = 0; n < cnLevels; ++n)
+        m_Svg.Rect({cdLegendLeft, 42.0 + cdSwatch * n, cdSwatch, cdSwatch}, mark::cszContour);
 }
 
 void ClDrawing::DrawFigures() {
     double y = 210.0;
     m_Svg.Line({cdLegendLeft, y}, {cdLegendLeft + cdSwatch, y}, mark::cszHull);
     m_Svg.Text({cdLegendLeft + cdSwatch + 6.0, y + 4.0}, "hull of the", mark::cszText);
-    m_Svg.Text({cdLegendLeft + cdSwatch + 6.0, y + 18.0}, "dots; beyond", mark::cszText);
-    m_Svg.Text({cdLegendLeft + cdSwatch + 6.0, y + 32.0}, "it extrapolated", mark::cszText);
+    m_Svg.Text({cdLegendLeft + cdSwatch + 6.0, y + 18.0}, "dots; outside", mark::cszText);
+    m_Svg.Text({cdLegendLeft + cdSwatch + 6.0, y + 32.0}, "extrapolated", mark::cszText);
     y += 62.0;
     m_Svg.Text({cdLegendLeft, y}, "root mean square", mark::cszStrong);
     for (const auto& [szZone, dError] : {std::pair("amid the dots", m_Errors.m_dInside),
                                          std::pair("to one side", m_Errors.m_dEdge),
-                                         std::pair("in the corners", m_Errors.m_dCorner)}) {
+                                         std::pair("in corners", m_Errors.m_dCorner)}) {
         y += 16.0;
-        const std::string sNumber = std::isfinite(dError) ? Decimal(dError, 2) : "none";
-        m_Svg.Text({cdLegendLeft, y}, sNumber, mark::cszText);
-        m_Svg.Text({cdLegendLeft + 34.0, y}, szZone, mark::cszQuiet);
+        m_Svg.Text({cdLegendLeft, y}, ErrorWords(dError), mark::cszText);
+        m_Svg.Text({cdLegendLeft + 38.0, y}, szZone, mark::cszQuiet);
     }
 }
 

@@ -14,6 +14,11 @@ bool Overlap(const StBox& a, const StBox& b) {
     return a.m_dX < b.Right() && b.m_dX < a.Right() && a.m_dY < b.Bottom() && b.m_dY < a.Bottom();
 }
 
+bool OverlapsAny(const StBox& Box, const std::vector<StBox>& aBoxes) {
+    return std::any_of(aBoxes.begin(), aBoxes.end(),
+                       [&](const StBox& b) { return Overlap(b, Box); });
+}
+
 bool IsWithin(const StBox& Inner, const StBox& Outer) {
     return Inner.m_dX >= Outer.m_dX && Inner.Right() <= Outer.Right() && Inner.m_dY >= Outer.m_dY &&
            Inner.Bottom() <= Outer.Bottom();
@@ -40,20 +45,26 @@ std::array<StBox, 8> PlacesFor(const StPoint& Mark, double dReach, double dWidth
 
 } // namespace
 
-bool ClLabels::IsFree(const StBox& Box) const {
-    return IsWithin(Box, m_Room) && std::none_of(m_aTaken.begin(), m_aTaken.end(),
-                                                 [&](const StBox& b) { return Overlap(b, Box); });
+bool ClLabels::MayTake(const StBox& Box) const {
+    return IsWithin(Box, m_Room) && !OverlapsAny(Box, m_aTaken);
+}
+
+bool ClLabels::IsBest(const StBox& Box) const {
+    return MayTake(Box) && !OverlapsAny(Box, m_aAvoided);
 }
 
 bool ClLabels::Put(ClSvg& rSvg, const StPoint& Mark, double dReach, const std::string& sName,
                    const char* szClass) {
     const auto aPlaces = PlacesFor(Mark, dReach, TextWidth(sName));
-    const auto place =
-        std::find_if(aPlaces.begin(), aPlaces.end(), [&](const StBox& b) { return IsFree(b); });
+    auto place =
+        std::find_if(aPlaces.begin(), aPlaces.end(), [&](const StBox& b) { return IsBest(b); });
+    if (place == aPlaces.end())
+        place = std::find_if(aPlaces.begin(), aPlaces.end(),
+                             [&](const StBox& b) { return MayTake(b); });
     if (place == aPlaces.end())
         return false;
     rSvg.Text({place->Middle().m_dX, place->m_dY + cdAscent}, sName, szClass, EAnchor::eMiddle);
-    Keep(*place);
+    m_aTaken.push_back(*place);
     return true;
 }
 

@@ -1,7 +1,5 @@
 #include "report/Legend.h"
 
-#include "report/Markup.h"
-
 #include <sstream>
 
 namespace report {
@@ -13,17 +11,13 @@ constexpr double cdSampleWidth = 18.0;
 constexpr double cdGap = 14.0;
 constexpr double cdMiddle = -4.0; ///< of small letters above their base line
 
-std::size_t MostCharacters(double dWidth) {
-    return static_cast<std::size_t>(dWidth / TextWidth("x"));
-}
-
 } // namespace
 
 std::vector<std::string> LinesOf(const std::string& sText, double dWidth) {
     std::vector<std::string> aLines;
     std::istringstream Words(sText);
     for (std::string sWord; Words >> sWord;) {
-        sWord = Shortened(sWord, MostCharacters(dWidth));
+        sWord = Fitted(sWord, dWidth);
         if (!aLines.empty() && TextWidth(aLines.back() + " " + sWord) <= dWidth)
             aLines.back() += " " + sWord;
         else

@@ -79,25 +79,34 @@ bool IsZero(std::string_view szNumber) {
 
 } // namespace
 
-std::string Escaped(std::string_view szText) {
-    std::string sEscaped;
+std::string Readable(std::string_view szText) {
+    std::string sReadable;
     while (!szText.empty()) {
         const std::size_t nLength = FirstLength(szText);
-        sEscaped += nLength == 0 ? cszReplacement : EscapedCharacter(szText.substr(0, nLength));
+        sReadable += nLength == 0 ? cszReplacement : szText.substr(0, nLength);
         szText.remove_prefix(nLength == 0 ? 1 : nLength);
     }
+    return sReadable;
+}
+
+std::string Escaped(std::string_view szText) {
+    const std::string sReadable = Readable(szText);
+    std::string sEscaped;
+    for (const char& rCharacter : sReadable)
+        sEscaped += EscapedCharacter({&rCharacter, 1});
     return sEscaped;
 }
 
 std::string Shortened(std::string_view szText, std::size_t nMost) {
+    std::string sText = Readable(szText);
     std::size_t nCharacters = 0;
     std::size_t nKept = 0; // bytes of all characters but the last that is allowed
-    for (std::size_t i = 0; i < szText.size(); ++i)
-        if (!IsContinuation(szText[i]) && ++nCharacters == nMost)
+    for (std::size_t i = 0; i < sText.size(); ++i)
+        if (!IsContinuation(sText[i]) && ++nCharacters == nMost)
             nKept = i;
-    if (nCharacters <= nMost)
-        return std::string(szText);
-    return std::string(szText.substr(0, nKept)).append(cszEllipsis);
+    if (nCharacters > nMost)
+        sText.replace(nKept, std::string::npos, cszEllipsis);
+    return sText;
 }
 
 std::string Decimal(double dValue, int nDecimals) {

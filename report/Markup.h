@@ -7,11 +7,14 @@
 
 namespace report {
 
-/// Text for the content of an element and for an attribute in double quotes. What XML cannot hold,
-/// control characters and bytes that are no UTF-8, becomes U+FFFD.
+/// A text in UTF-8 in which what XML cannot hold, control characters and bytes that are no UTF-8,
+/// has become U+FFFD.
+std::string Readable(std::string_view szText);
+
+/// The readable text for the content of an element and for an attribute in double quotes.
 std::string Escaped(std::string_view szText);
 
-/// The first characters of a text in UTF-8, the last of them an ellipsis where it has more than
+/// The first characters of the readable text, the last of them an ellipsis where it has more than
 /// `nMost`.
 std::string Shortened(std::string_view szText, std::size_t nMost);
 

@@ -10,22 +10,27 @@ namespace report {
 
 namespace {
 
+constexpr const char* cszLine = "line of the capture";
 constexpr double cdTick = 4.0;
-constexpr int cnMostColumnTicks = 5;
-constexpr int cnMostLineTicks = 8;
+constexpr double cdMostProportion = 4.0;
+constexpr double cdColumnTicks = 68.0; ///< units from one to the next, or more
+constexpr double cdLineTicks = 50.0;
 
 bool IsDensity(double d) {
     return std::isfinite(d) && d > 0.0;
 }
 
-bool HasSize(const StFrame& Frame) {
-    return Frame.m_nWidth > 0 && Frame.m_nHeight > 0 && IsDensity(Frame.m_Density.m_dX) &&
-           IsDensity(Frame.m_Density.m_dY);
-}
-
 /// Millimetres on the plate.
 StPoint SizeOf(const StFrame& Frame) {
     return {Frame.m_nWidth / Frame.m_Density.m_dX, Frame.m_nHeight / Frame.m_Density.m_dY};
+}
+
+bool HasSize(const StFrame& Frame) {
+    if (Frame.m_nWidth <= 0 || Frame.m_nHeight <= 0 || !IsDensity(Frame.m_Density.m_dX) ||
+        !IsDensity(Frame.m_Density.m_dY))
+        return false;
+    const StPoint Size = SizeOf(Frame);
+    return Size.m_dX <= cdMostProportion * Size.m_dY && Size.m_dY <= cdMostProportion * Size.m_dX;
 }
 
 } // namespace
@@ -75,19 +80,22 @@ double HeightFor(const StFrame& Frame, double dWidth) {
 void DrawRawAxes(ClSvg& rSvg, const ClPanel& Panel, const StFrame& Frame) {
     const StBox& Box = Panel.Box();
     rSvg.Rect(Box, mark::cszFrame);
-    for (const double dColumn : RoundTicks(0.0, Frame.m_nWidth - 1.0, cnMostColumnTicks)) {
+    for (const double dColumn :
+         RoundTicks(0.0, Frame.m_nWidth - 1.0, static_cast<int>(Box.m_dWidth / cdColumnTicks))) {
         const double x = Panel.At(StPoint{dColumn, 0.0}).m_dX;
         rSvg.Line({x, Box.Bottom()}, {x, Box.Bottom() + cdTick}, mark::cszAxis);
         rSvg.Text({x, Box.Bottom() + 15.0}, Decimal(dColumn, 0), mark::cszQuiet, EAnchor::eMiddle);
     }
-    for (const double dLine : RoundTicks(0.0, Frame.m_nHeight - 1.0, cnMostLineTicks)) {
+    for (const double dLine :
+         RoundTicks(0.0, Frame.m_nHeight - 1.0, static_cast<int>(Box.m_dHeight / cdLineTicks))) {
         const double y = Panel.At(StPoint{0.0, dLine}).m_dY;
         rSvg.Line({Box.m_dX - cdTick, y}, {Box.m_dX, y}, mark::cszAxis);
         rSvg.Text({Box.m_dX - 6.0, y + 4.0}, Decimal(dLine, 0), mark::cszQuiet, EAnchor::eEnd);
     }
     rSvg.Text({Box.Middle().m_dX, Box.Bottom() + 28.0}, "column of the capture", mark::cszQuiet,
               EAnchor::eMiddle);
-    rSvg.UprightText({Box.m_dX - 36.0, Box.Middle().m_dY}, "line of the capture", mark::cszQuiet);
+    if (Box.m_dHeight > TextWidth(cszLine))
+        rSvg.UprightText({Box.m_dX - 36.0, Box.Middle().m_dY}, cszLine, mark::cszQuiet);
 }
 
 } // namespace report

@@ -8,8 +8,8 @@ namespace report {
 /// in the proportions of the plate.
 class ClPanel {
 public:
-    /// A frame without size or resolution has no panel: IsDrawable() is false, nothing else may
-    /// then be asked.
+    /// A frame without size or resolution, or more than four times as wide as high or as high as
+    /// wide, has no panel: IsDrawable() is false, nothing else may then be asked.
     ClPanel(const StFrame& Frame, const StBox& Room);
 
     bool IsDrawable() const { return m_Box.m_dWidth > 0.0; }
@@ -32,7 +32,7 @@ private:
 };
 
 /// The proportions of a frame: what `nWidth` units of a drawing make in height. 0 for a frame
-/// without size or resolution, and never more than twice the width.
+/// that has no panel, and never more than twice the width.
 double HeightFor(const StFrame& Frame, double dWidth);
 
 /// Border, and ticks on the left and below with the numbers of lines and columns.

@@ -15,11 +15,13 @@ namespace {
 constexpr const char* cszTitle = "Residuals by their length";
 constexpr double cdPixel = 50.8;     ///< micrometres of a pixel of 500 dots per inch
 constexpr double cdMostLength = 1e6; ///< micrometres: no plate is larger than a metre
+constexpr double cdLeastBin = 0.01;
 constexpr int cnMostBins = 20;
 constexpr int cnMostTicks = 7;
 constexpr StBox cPanel{40.0, 42.0, 344.0, 140.0};
 constexpr double cdWidth = 400.0;
 constexpr double cdHeight = 262.0;
+constexpr double cdBetweenWords = 14.0;
 constexpr double cdPixelAxis = 36.0; ///< below the panel
 
 using Lengths = std::vector<double>;
@@ -49,8 +51,8 @@ public:
         : m_aLengths(Usable(aAll)), m_nLeftOut(aAll.size() - m_aLengths.size()),
           m_dMean(MeanOf(m_aLengths)),
           m_dMost(*std::max_element(m_aLengths.begin(), m_aLengths.end())),
-          m_dBin(RoundUp(m_dMost / (cnMostBins - 1))), m_aCounts(CountInBins()),
-          m_nMost(*std::max_element(m_aCounts.begin(), m_aCounts.end())),
+          m_dBin(m_dMost > 0.0 ? std::max(RoundUp(m_dMost / (cnMostBins - 1)), cdLeastBin) : 1.0),
+          m_aCounts(CountInBins()), m_nMost(*std::max_element(m_aCounts.begin(), m_aCounts.end())),
           m_Svg(sPrefix, cdWidth, cdHeight, cszTitle, Description()) {}
 
     std::string Draw() {
@@ -58,8 +60,7 @@ public:
         DrawBars();
         DrawAxis(1.0, cPanel.Bottom(), "length on the plate, \xC2\xB5m");
         DrawAxis(cdPixel, cPanel.Bottom() + cdPixelAxis, "the same in pixels at 500 dpi");
-        DrawFigure(m_dMean, "mean ", mark::cszMean, cPanel.m_dY - 22.0);
-        DrawFigure(m_dMost, "maximum ", mark::cszMaximum, cPanel.m_dY - 8.0);
+        DrawFigures();
         return m_Svg.Document();
     }
 
@@ -78,7 +79,8 @@ private:
     void DrawCounts();
     void DrawBars();
     void DrawAxis(double dUnit, double y, const char* szName);
-    void DrawFigure(double dValue, const char* szName, const char* szClass, double dBaseLine);
+    StBox WordsAt(double x, const std::string& sWords) const;
+    void DrawFigures();
 
     Lengths m_aLengths;
     std::size_t m_nLeftOut;
@@ -137,21 +139,34 @@ void ClDrawing::DrawAxis(double dUnit, double y, const char* szName) {
     m_Svg.Line({cPanel.m_dX, y}, {cPanel.Right(), y}, mark::cszAxis);
     for (const double d : aTicks) {
         m_Svg.Line({X(d * dUnit), y}, {X(d * dUnit), y + 4.0}, mark::cszAxis);
-        m_Svg.Text({X(d * dUnit), y + 15.0}, Decimal(d, nDecimals), mark::cszQuiet,
-                   EAnchor::eMiddle);
+        const std::string sNumber = Decimal(d, nDecimals);
+        m_Svg.Text({std::min(X(d * dUnit), cdWidth - 0.5 * TextWidth(sNumber)), y + 15.0}, sNumber,
+                   mark::cszQuiet, EAnchor::eMiddle);
     }
     m_Svg.Text({cPanel.Right(), y + 28.0}, szName, mark::cszQuiet, EAnchor::eEnd);
 }
 
-/// Its words stand above the line, on the side that has room.
-void ClDrawing::DrawFigure(double dValue, const char* szName, const char* szClass,
-                           double dBaseLine) {
-    const double x = X(dValue);
-    const std::string sText = szName + InBoth(dValue);
-    const bool bLeft = x + 4.0 + TextWidth(sText) > cdWidth;
-    m_Svg.Line({x, dBaseLine - 8.0}, {x, cPanel.Bottom()}, szClass);
-    m_Svg.Text({bLeft ? x - 4.0 : x + 4.0, dBaseLine}, sText, mark::cszStrong,
-               bLeft ? EAnchor::eEnd : EAnchor::eStart);
+/// Words about a place, as far within the drawing as they are.
+StBox ClDrawing::WordsAt(double x, const std::string& sWords) const {
+    const double dWidth = TextWidth(sWords);
+    return {std::clamp(x - 0.5 * dWidth, 0.0, std::max(0.0, cdWidth - dWidth)), 0.0, dWidth, 0.0};
+}
+
+/// The words of the maximum stand in the line above where those of the mean leave no room.
+void ClDrawing::DrawFigures() {
+    const std::string sMean = "mean " + InBoth(m_dMean);
+    const std::string sMost = "maximum " + InBoth(m_dMost);
+    const StBox Mean = WordsAt(X(m_dMean), sMean);
+    const StBox Most = WordsAt(X(m_dMost), sMost);
+    const double dBaseLine = cPanel.m_dY - 8.0;
+    const bool bAbove = Most.m_dX < Mean.Right() + cdBetweenWords;
+    const bool bCovered = X(m_dMost) < Mean.Right() + 3.0;
+    m_Svg.Line({X(m_dMean), cPanel.m_dY - 4.0}, {X(m_dMean), cPanel.Bottom()}, mark::cszMean);
+    m_Svg.Line({X(m_dMost), cPanel.m_dY - (bAbove && !bCovered ? 19.0 : 4.0)},
+               {X(m_dMost), cPanel.Bottom()}, mark::cszMaximum);
+    m_Svg.Text({Mean.Middle().m_dX, dBaseLine}, sMean, mark::cszStrong, EAnchor::eMiddle);
+    m_Svg.Text({Most.Middle().m_dX, dBaseLine - (bAbove ? 15.0 : 0.0)}, sMost, mark::cszStrong,
+               EAnchor::eMiddle);
 }
 
 } // namespace

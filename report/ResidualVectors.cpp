@@ -14,13 +14,14 @@ namespace {
 constexpr const char* cszTitle = "Residuals of the dots, each against what all others predict";
 constexpr double cdWidth = 400.0;
 constexpr double cdLeft = 46.0;
-constexpr double cdTop = 8.0;
-constexpr double cdPanelWidth = 344.0;
+constexpr double cdTop = 14.0;
+constexpr double cdPanelWidth = 338.0;
 constexpr double cdAxis = 34.0;
 constexpr double cdScaleHeight = 34.0;
-constexpr double cdPitch = 2.0;    ///< millimetres
-constexpr double cdLongest = 0.45; ///< of the pitch: the longest believed arrow, before rounding
-constexpr double cdCut = 0.95;     ///< of the pitch: no arrow is longer
+constexpr double cdPitch = 2.0;      ///< millimetres
+constexpr double cdLongest = 0.45;   ///< of the pitch: the longest believed arrow, before rounding
+constexpr double cdCut = 0.95;       ///< of the pitch: no arrow is longer
+constexpr double cdMostScale = 60.0; ///< units: the arrow of the scale
 constexpr double cdMostMagnification = 10000.0;
 
 double LengthOf(const StPoint& p) {
@@ -54,12 +55,14 @@ public:
 private:
     double ScaleTop() const { return m_Panel.Box().Bottom() + cdAxis; }
     double Cut() const { return cdCut * cdPitch * m_Panel.UnitsPerMillimetre(); }
+    StBox Room() const { return {3.0, 3.0, cdWidth - 6.0, ScaleTop() - 6.0}; }
     double Length(const StDot& Dot) const { return Micrometres(Dot.m_Residual, m_Frame.m_Density); }
     StPoint Magnified(const StDot& Dot) const {
         const StPoint Along = m_Panel.Along(Dot.m_Residual);
         return {m_dMagnify * Along.m_dX, m_dMagnify * Along.m_dY};
     }
-    bool IsCut(const StDot& Dot) const { return LengthOf(Magnified(Dot)) > Cut(); }
+    /// What of an arrow is drawn, 0 to 1.
+    double ShareDrawn(const StDot& Dot) const;
 
     double LongestBelieved() const;
     double Magnification() const;
@@ -95,11 +98,21 @@ double ClDrawing::Magnification() const {
     return RoundDown(std::clamp(cdLongest * cdPitch / dLongest, 1.0, cdMostMagnification));
 }
 
+double ClDrawing::ShareDrawn(const StDot& Dot) const {
+    const StPoint Foot = m_Panel.At(Dot.m_At);
+    const StPoint Way = Magnified(Dot);
+    const double dAcross = Way.m_dX < 0.0 ? Foot.m_dX - Room().m_dX : Room().Right() - Foot.m_dX;
+    const double dDown = Way.m_dY < 0.0 ? Foot.m_dY - Room().m_dY : Room().Bottom() - Foot.m_dY;
+    return std::min(
+        {1.0, Cut() / LengthOf(Way), dAcross / std::fabs(Way.m_dX), dDown / std::fabs(Way.m_dY)});
+}
+
 ClLegend ClDrawing::LegendOf() const {
     ClLegend Legend(cdWidth - cdLeft);
     if (CountDoubtful(m_aDots) > 0)
         Legend.Add(DoubtfulSample, "doubtful");
-    if (std::any_of(m_aDots.begin(), m_aDots.end(), [&](const StDot& d) { return IsCut(d); }))
+    if (std::any_of(m_aDots.begin(), m_aDots.end(),
+                    [&](const StDot& d) { return ShareDrawn(d) < 1.0; }))
         Legend.Add(
             [](ClSvg& rSvg, const StPoint& p) {
                 rSvg.Arrow(p - StPoint{6.0, 0.0}, p + StPoint{6.0, 0.0}, mark::cszWrong);
@@ -122,31 +135,32 @@ void ClDrawing::DrawDot(const StDot& Dot) {
                                " pixels in x, " + Decimal(Dot.m_Residual.m_dY, 2) + " in y, " +
                                Decimal(Length(Dot), 1) + " \xC2\xB5m";
     m_Svg.Circle(Foot, 1.6, mark::cszPoint, sTitle);
-    StPoint Way = Magnified(Dot);
-    const double dLength = LengthOf(Way);
-    if (!std::isfinite(dLength))
+    const StPoint Way = Magnified(Dot);
+    if (!std::isfinite(LengthOf(Way)))
         return;
-    if (IsCut(Dot))
-        Way = {Way.m_dX / dLength * Cut(), Way.m_dY / dLength * Cut()};
-    m_Svg.Arrow(Foot, Foot + Way, IsCut(Dot) ? mark::cszWrong : mark::cszVector, sTitle);
+    const double dShare = ShareDrawn(Dot);
+    m_Svg.Arrow(Foot, Foot + StPoint{dShare * Way.m_dX, dShare * Way.m_dY},
+                dShare < 1.0 ? mark::cszWrong : mark::cszVector, sTitle);
 }
 
 /// An arrow as long as a residual of a round length would have it.
 void ClDrawing::DrawScale() {
-    const double dLength = RoundDown(0.9 * cdPitch * 1000.0 / m_dMagnify); // micrometres
+    const double dMost = std::min(cdCut * cdPitch, cdMostScale / m_Panel.UnitsPerMillimetre());
+    const double dLength = RoundDown(1000.0 * dMost / m_dMagnify); // micrometres
     const double dUnits = dLength / 1000.0 * m_dMagnify * m_Panel.UnitsPerMillimetre();
     const StPoint Foot{cdLeft, ScaleTop() + 10.0};
     m_Svg.Arrow(Foot, Foot + StPoint{dUnits, 0.0}, mark::cszVector);
-    const int nDecimals = DecimalsOf(dLength);
     const StPoint Text = Foot + StPoint{dUnits + 8.0, 4.0};
     m_Svg.Text(Text,
-               Decimal(dLength, nDecimals) +
-                   " \xC2\xB5m = " + Decimal(dLength / 1000.0 * m_Frame.m_Density.m_dX, 2) +
-                   " columns = " + Decimal(dLength / 1000.0 * m_Frame.m_Density.m_dY, 2) +
-                   " lines of the capture",
+               Fitted(Decimal(dLength, DecimalsOf(dLength)) + " \xC2\xB5m: " +
+                          Decimal(dLength / 1000.0 * m_Frame.m_Density.m_dX, 2) + " columns or " +
+                          Decimal(dLength / 1000.0 * m_Frame.m_Density.m_dY, 2) + " lines",
+                      cdWidth - Text.m_dX),
                mark::cszStrong);
     m_Svg.Text(Text + StPoint{0.0, 14.0},
-               "Arrows are " + Decimal(m_dMagnify, 0) + " times as long as the residuals.",
+               m_dMagnify > 1.0
+                   ? "Residuals are drawn " + Decimal(m_dMagnify, 0) + " times as long."
+                   : "Residuals are drawn as long as they are.",
                mark::cszQuiet);
 }
 

@@ -13,6 +13,7 @@ namespace report {
 namespace {
 
 constexpr int cnDecimals = 2;
+constexpr unsigned cnWide = 0xE3U;   ///< first byte of the characters that are as wide as high
 constexpr double cdGlyphWidth = 0.6; ///< of its height, a mean over digits and small letters
 
 bool IsLetter(char c) {
@@ -110,10 +111,22 @@ std::string HeadPath(const StPoint& From, const StPoint& To) {
 } // namespace
 
 double TextWidth(std::string_view szText) {
-    const auto nCharacters = std::count_if(szText.begin(), szText.end(), [](char c) {
-        return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U;
-    });
-    return cdGlyphWidth * cdTextSize * static_cast<double>(nCharacters);
+    double dGlyphs = 0.0;
+    for (const char c : Readable(szText)) {
+        const auto nByte = static_cast<unsigned char>(c);
+        if (nByte >= cnWide)
+            dGlyphs += 2.0;
+        else if ((nByte & 0xC0U) != 0x80U)
+            dGlyphs += 1.0;
+    }
+    return cdGlyphWidth * cdTextSize * dGlyphs;
+}
+
+std::string Fitted(std::string_view szText, double dWidth) {
+    std::string sText = Readable(szText);
+    for (std::size_t n = sText.size(); n > 0 && TextWidth(sText) > dWidth; --n)
+        sText = Shortened(szText, n);
+    return sText;
 }
 
 ClSvg::ClSvg(const std::string& sPrefix, double dWidth, double dHeight, const std::string& sTitle,

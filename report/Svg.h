@@ -19,6 +19,7 @@ namespace mark {
 constexpr const char* cszBacking = "backing";     ///< behind a picture, white in every scheme
 constexpr const char* cszPicture = "picture";     ///< a capture, paler than it is
 constexpr const char* cszOver = "over-picture";   ///< marks on a picture: colours of light paper
+constexpr const char* cszBare = "marks";          ///< marks on no picture
 constexpr const char* cszFrame = "frame";         ///< border of a capture, an image or a panel
 constexpr const char* cszRule = "rule";           ///< quiet line of a scale, behind the data
 constexpr const char* cszAxis = "axis";           ///< axis and its ticks
@@ -73,6 +74,9 @@ enum class EAnchor { eStart, eMiddle, eEnd };
 /// are laid out by it.
 constexpr double cdTextSize = 11.0;
 double TextWidth(std::string_view szText);
+
+/// A text that is no wider: its end is cut where it would be.
+std::string Fitted(std::string_view szText, double dWidth);
 
 /// All coordinates are those of the view box, x to the right, y downward. Marks that have a
 /// coordinate that is no finite number are left out.

@@ -15,8 +15,7 @@ constexpr double cdWidth = 400.0;
 constexpr double cdHeight = 176.0;
 constexpr StBox cPanel{46.0, 26.0, 250.0, 118.0};
 constexpr double cdLine = 13.0; ///< between words beside the panel
-constexpr std::size_t cnMostNameLetters = 18;
-constexpr std::size_t cnMostWords = 14; ///< letters beside the panel
+constexpr double cdMostName = 120.0;
 constexpr std::size_t cnMostTold = 10;
 constexpr double cdMostValue = 1e12;
 
@@ -57,20 +56,21 @@ public:
     }
 
     std::string Draw() {
-        m_Svg.Text({4.0, 10.0}, Shortened(Title(), 56), mark::cszStrong);
+        m_Svg.Text({4.0, 10.0}, Fitted(Title(), cdWidth - 4.0), mark::cszStrong);
         DrawScale();
         SpreadWords();
         for (const StLevel& Level : m_aLevels)
             DrawLevel(Level);
+        NameOutliers();
         for (std::size_t i = 0; i < m_Trend.m_aPoints.size(); ++i)
             DrawPoint(i);
-        NameOutliers();
         return m_Svg.Document();
     }
 
 private:
     bool IsOutlier(const StTrendPoint& Point) const;
     double Radius() const { return m_Trend.m_aPoints.size() > 150 ? 1.4 : 2.4; }
+    double OutlierRadius() const { return Radius() + 2.0; }
     double X(std::size_t i) const {
         const double dCount = static_cast<double>(m_Trend.m_aPoints.size());
         return cPanel.m_dX + cPanel.m_dWidth * (static_cast<double>(i) + 0.5) / dCount;
@@ -193,20 +193,18 @@ void ClDrawing::DrawScale() {
         DrawSentence(m_Svg, cPanel, "No scanners.");
         return;
     }
-    m_Svg.Text({X(0), dBaseLine}, "1", mark::cszQuiet, EAnchor::eMiddle);
-    if (nPoints > 1)
-        m_Svg.Text({X(nPoints - 1), dBaseLine}, std::to_string(nPoints), mark::cszQuiet,
-                   EAnchor::eMiddle);
-    if (nPoints > 2)
-        m_Svg.Text({cPanel.Middle().m_dX, dBaseLine}, "scanners in order of generation",
-                   mark::cszQuiet, EAnchor::eMiddle);
+    m_Svg.Text({cPanel.Middle().m_dX, dBaseLine},
+               nPoints == 1 ? "one scanner"
+                            : "scanners in order of generation, 1 to " + std::to_string(nPoints),
+               mark::cszQuiet, EAnchor::eMiddle);
 }
 
 void ClDrawing::DrawLevel(const StLevel& Level) {
     const double y = Y(Level.m_dValue);
     m_Svg.Line({cPanel.m_dX, y}, {cPanel.Right(), y}, Level.m_szClass);
     m_Svg.Text({cPanel.Right() + 6.0, Level.m_dBaseLine},
-               Shortened(std::string(Level.m_szName) + " " + Told(Level.m_dValue), cnMostWords),
+               Fitted(std::string(Level.m_szName) + " " + Told(Level.m_dValue),
+                      cdWidth - cPanel.Right() - 6.0),
                mark::cszText);
 }
 
@@ -220,26 +218,30 @@ void ClDrawing::DrawPoint(std::size_t i) {
     const StPoint Place{X(i), Y(Point.m_dValue)};
     const std::string sTitle = Point.m_sName + ": " + Told(Point.m_dValue);
     if (IsOutlier(Point))
-        m_Svg.Diamond(Place, Radius() + 2.0, mark::cszOutlier, sTitle);
+        m_Svg.Diamond(Place, OutlierRadius(), mark::cszOutlier, sTitle);
     else
         m_Svg.Circle(Place, Radius(), mark::cszPoint, sTitle);
-    m_Labels.Keep({Place.m_dX - 1.0, Place.m_dY - 1.0, 2.0, 2.0});
 }
 
 /// The furthest from the median first: where there is room for some names only, theirs.
 void ClDrawing::NameOutliers() {
     std::vector<std::size_t> aOrder;
-    for (std::size_t i = 0; i < m_Trend.m_aPoints.size(); ++i)
-        if (IsOutlier(m_Trend.m_aPoints[i]))
+    for (std::size_t i = 0; i < m_Trend.m_aPoints.size(); ++i) {
+        const StTrendPoint& Point = m_Trend.m_aPoints[i];
+        if (IsOutlier(Point))
             aOrder.push_back(i);
+        if (IsValue(Point.m_dValue))
+            m_Labels.Avoid(
+                Around({X(i), Y(Point.m_dValue)}, IsOutlier(Point) ? OutlierRadius() : Radius()));
+    }
     const auto off = [&](std::size_t i) {
         return std::fabs(m_Trend.m_aPoints[i].m_dValue - MedianOf(m_aSorted));
     };
     std::stable_sort(aOrder.begin(), aOrder.end(),
                      [&](std::size_t a, std::size_t b) { return off(a) > off(b); });
     for (const std::size_t i : aOrder)
-        m_Labels.Put(m_Svg, {X(i), Y(m_Trend.m_aPoints[i].m_dValue)}, Radius() + 4.0,
-                     Shortened(m_Trend.m_aPoints[i].m_sName, cnMostNameLetters), mark::cszWarning);
+        m_Labels.Put(m_Svg, {X(i), Y(m_Trend.m_aPoints[i].m_dValue)}, OutlierRadius() + 2.0,
+                     Fitted(m_Trend.m_aPoints[i].m_sName, cdMostName), mark::cszWarning);
 }
 
 } // namespace
