@@ -73,6 +73,7 @@ svg.drawing .pair{stroke:var(--drawing-warning);stroke-width:.9}
 svg.drawing .point{fill:var(--drawing-mark)}
 svg.drawing .outlier{fill:var(--drawing-warning)}
 svg.drawing .absent{stroke:var(--drawing-quiet);stroke-width:1.1}
+svg.drawing .unknown{fill:var(--drawing-paper)}
 svg.drawing .plate{fill:var(--drawing-paper);stroke:var(--drawing-quiet);stroke-width:.5}
 )";
 

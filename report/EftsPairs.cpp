@@ -102,10 +102,13 @@ std::string ClDrawing::Summary() const {
                    ? "No distances were judged."
                    : "All " + std::to_string(m_Pairs.m_nAll) +
                          " distances between the dots are within the limits: " + sPercent + ".";
-    std::string sWords = Count(nFailing, "distance", "distances") + " of " +
-                         std::to_string(m_Pairs.m_nAll) + (nFailing == 1 ? " is" : " are") +
-                         " beyond the limits; " + sPercent + " are within.";
-    if (m_aWorst.size() < nFailing)
+    std::string sWords =
+        (nFailing == 1 ? "One distance" : std::to_string(nFailing) + " distances") + " of " +
+        std::to_string(m_Pairs.m_nAll) + (nFailing == 1 ? " is" : " are") + " beyond the limits; " +
+        sPercent + " are within.";
+    if (m_aWorst.size() == 1 && nFailing > 1)
+        sWords += " Drawn is the worst one.";
+    else if (m_aWorst.size() < nFailing)
         sWords += " Drawn are the worst " + std::to_string(m_aWorst.size()) + ".";
     return sWords;
 }

@@ -42,7 +42,7 @@ std::string ErrorWords(double dError) {
 }
 
 std::string LevelClass(int nLevel) {
-    return nLevel == cnUnknown ? mark::cszMissing : mark::cszLevel + std::to_string(nLevel);
+    return nLevel == cnUnknown ? mark::cszUnknown : mark::cszLevel + std::to_string(nLevel);
 }
 
 std::string LevelWords(int nLevel) {

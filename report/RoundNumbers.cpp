@@ -20,6 +20,15 @@ double PowerBelow(double dValue) {
     return std::pow(10.0, std::floor(std::log10(dValue)));
 }
 
+/// In steps.
+double FirstTick(double dLow, double dStep) {
+    return std::ceil(dLow / dStep - cdGrain);
+}
+
+double CountOfTicks(double dLow, double dHigh, double dStep) {
+    return std::floor(dHigh / dStep + cdGrain) - FirstTick(dLow, dStep) + 1.0;
+}
+
 } // namespace
 
 double RoundDown(double dValue) {
@@ -46,12 +55,12 @@ std::vector<double> RoundTicks(double dLow, double dHigh, int nMost) {
         return {};
     if (dLow == dHigh || nMost < 2)
         return {dLow};
-    const double dStep = RoundUp(dHigh / (nMost - 1) - dLow / (nMost - 1));
+    double dStep = RoundUp(dHigh / nMost - dLow / nMost);
+    while (CountOfTicks(dLow, dHigh, dStep) > nMost)
+        dStep = RoundUp(1.5 * dStep);
     std::vector<double> aTicks;
-    const double dFirst = std::ceil(dLow / dStep - cdGrain);
-    const double dLast = std::floor(dHigh / dStep + cdGrain);
-    for (int i = 0; dFirst + i <= dLast && i < nMost; ++i)
-        aTicks.push_back((dFirst + i) * dStep);
+    for (int i = 0; i < static_cast<int>(CountOfTicks(dLow, dHigh, dStep)); ++i)
+        aTicks.push_back((FirstTick(dLow, dStep) + i) * dStep);
     return aTicks;
 }
 

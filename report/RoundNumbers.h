@@ -9,8 +9,9 @@ namespace report {
 double RoundDown(double dValue);
 double RoundUp(double dValue);
 
-/// At most `nMost` multiples, three or more, of a round number from `dLow` to `dHigh`, ends
-/// included. None for ends that are not finite; the one end where both are the same.
+/// The multiples of the smallest round number that has at most `nMost` from `dLow` to `dHigh`, ends
+/// included. None for ends that are not finite; the lower end alone where both are the same or one
+/// number is all there may be.
 std::vector<double> RoundTicks(double dLow, double dHigh, int nMost);
 
 /// The decimals that tell such a step apart from the next: 0 for 1 and above, 1 for 0.5; at most 9.

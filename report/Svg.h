@@ -47,6 +47,7 @@ constexpr const char* cszOutlier = "outlier";     ///< one to look at: a filled 
 constexpr const char* cszAbsent = "absent";       ///< no value: a cross on the axis
 constexpr const char* cszLimit = "limit";         ///< line at a limit: short dashes
 constexpr const char* cszPlate = "plate";         ///< opaque ground of a number that lies on a map
+constexpr const char* cszUnknown = "unknown";     ///< place of a map that has no value: bare
 constexpr const char* cszLevel = "level"; ///< first part of "level0" to "level7", few to much
 
 // Texts
