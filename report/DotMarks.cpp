@@ -60,7 +60,7 @@ void DrawDoubtful(ClSvg& rSvg, const ClPanel& Panel, const Dots& aDots, ClLabels
             continue;
         const StPoint Middle = Panel.At(Dot.m_At);
         rSvg.Rect(Around(Middle, cdDoubtfulReach), mark::cszDoubtful, NameOf(Dot.m_Place));
-        rLabels.Put(rSvg, Middle, cdDoubtfulReach + 1.5, NameOf(Dot.m_Place), mark::cszWarning);
+        rLabels.Put(rSvg, Middle, cdDoubtfulReach + 2.5, NameOf(Dot.m_Place), mark::cszWarning);
     }
 }
 

@@ -17,6 +17,7 @@ constexpr double cdPanelWidth = 338.0;
 constexpr double cdBelow = 36.0;           ///< for the axis
 constexpr double cdRingMillimetres = 0.56; ///< outside the rim of a dot, which is 0.4 away
 
+constexpr double cdOfRing = 0.8; ///< what names avoid: a square of nearly its area
 constexpr double cdMostRing = 12.0;
 constexpr double cdMostWords = 200.0; ///< about a region
 
@@ -117,7 +118,7 @@ void ClDrawing::DrawDots() {
     DrawNet(m_Svg, m_Panel, m_aDots, Ring());
     for (const StDot& Dot : m_aDots) {
         m_Svg.Circle(m_Panel.At(Dot.m_At), Ring(), mark::cszDot, NameOf(Dot.m_Place));
-        m_Labels.Avoid(Around(m_Panel.At(Dot.m_At), Ring()));
+        m_Labels.Avoid(Around(m_Panel.At(Dot.m_At), cdOfRing * Ring()));
     }
     for (const StRegion& Region : m_Capture.m_aRegions)
         DrawRegion(Region);

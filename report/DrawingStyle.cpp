@@ -57,7 +57,7 @@ svg.drawing .missing{stroke:var(--drawing-warning);stroke-width:1.4;stroke-dasha
 svg.drawing .refused{stroke:var(--drawing-warning);stroke-width:1.2}
 svg.drawing .vector{stroke:var(--drawing-mark);stroke-width:1.3;stroke-linecap:round}
 svg.drawing .vector-wrong{stroke:var(--drawing-warning);stroke-width:2.4;stroke-linecap:round}
-svg.drawing .bar{fill:var(--drawing-mark);stroke:var(--drawing-paper);stroke-width:.8}
+svg.drawing .bar{fill:var(--drawing-pale);stroke:var(--drawing-mark);stroke-width:1}
 svg.drawing .mean{stroke:var(--drawing-ink);stroke-width:1.2;stroke-dasharray:7 3}
 svg.drawing .maximum{stroke:var(--drawing-ink);stroke-width:1.2}
 svg.drawing .limit{stroke:var(--drawing-limit);stroke-width:1.4;stroke-dasharray:2 2.5}

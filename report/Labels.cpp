@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <numeric>
 
 namespace report {
 
@@ -12,6 +13,12 @@ constexpr double cdDescent = 0.25 * cdTextSize;
 
 bool Overlap(const StBox& a, const StBox& b) {
     return a.m_dX < b.Right() && b.m_dX < a.Right() && a.m_dY < b.Bottom() && b.m_dY < a.Bottom();
+}
+
+double CommonArea(const StBox& a, const StBox& b) {
+    const double dWidth = std::min(a.Right(), b.Right()) - std::max(a.m_dX, b.m_dX);
+    const double dHeight = std::min(a.Bottom(), b.Bottom()) - std::max(a.m_dY, b.m_dY);
+    return std::max(0.0, dWidth) * std::max(0.0, dHeight);
 }
 
 bool OverlapsAny(const StBox& Box, const std::vector<StBox>& aBoxes) {
@@ -49,18 +56,19 @@ bool ClLabels::MayTake(const StBox& Box) const {
     return IsWithin(Box, m_Room) && !OverlapsAny(Box, m_aTaken);
 }
 
-bool ClLabels::IsBest(const StBox& Box) const {
-    return MayTake(Box) && !OverlapsAny(Box, m_aAvoided);
+/// Area of what is to be avoided.
+double ClLabels::Covered(const StBox& Box) const {
+    return std::accumulate(m_aAvoided.begin(), m_aAvoided.end(), 0.0,
+                           [&](double dSum, const StBox& b) { return dSum + CommonArea(b, Box); });
 }
 
 bool ClLabels::Put(ClSvg& rSvg, const StPoint& Mark, double dReach, const std::string& sName,
                    const char* szClass) {
     const auto aPlaces = PlacesFor(Mark, dReach, TextWidth(sName));
-    auto place =
-        std::find_if(aPlaces.begin(), aPlaces.end(), [&](const StBox& b) { return IsBest(b); });
-    if (place == aPlaces.end())
-        place = std::find_if(aPlaces.begin(), aPlaces.end(),
-                             [&](const StBox& b) { return MayTake(b); });
+    auto place = aPlaces.end();
+    for (auto next = aPlaces.begin(); next != aPlaces.end(); ++next)
+        if (MayTake(*next) && (place == aPlaces.end() || Covered(*next) < Covered(*place)))
+            place = next;
     if (place == aPlaces.end())
         return false;
     rSvg.Text({place->Middle().m_dX, place->m_dY + cdAscent}, sName, szClass, EAnchor::eMiddle);

@@ -17,7 +17,7 @@ public:
     /// Names stay within `Room`.
     explicit ClLabels(const StBox& Room) : m_Room(Room) {}
 
-    /// Keeps names away from there, where there is room elsewhere.
+    /// Keeps names away from there, as far as there is room elsewhere.
     void Avoid(const StBox& Box) { m_aAvoided.push_back(Box); }
 
     /// Beside, above or below a mark that reaches `dReach` units to each side of its middle; false,
@@ -27,7 +27,7 @@ public:
 
 private:
     bool MayTake(const StBox& Box) const;
-    bool IsBest(const StBox& Box) const;
+    double Covered(const StBox& Box) const;
 
     StBox m_Room;
     std::vector<StBox> m_aTaken;

@@ -21,6 +21,7 @@ constexpr int cnMostTicks = 7;
 constexpr StBox cPanel{40.0, 42.0, 344.0, 140.0};
 constexpr double cdWidth = 400.0;
 constexpr double cdHeight = 262.0;
+constexpr double cdBorder = 6.0; ///< between words and the border: bold ones are wider
 constexpr double cdBetweenWords = 14.0;
 constexpr double cdPixelAxis = 36.0; ///< below the panel
 
@@ -149,7 +150,8 @@ void ClDrawing::DrawAxis(double dUnit, double y, const char* szName) {
 /// Words about a place, as far within the drawing as they are.
 StBox ClDrawing::WordsAt(double x, const std::string& sWords) const {
     const double dWidth = TextWidth(sWords);
-    return {std::clamp(x - 0.5 * dWidth, 0.0, std::max(0.0, cdWidth - dWidth)), 0.0, dWidth, 0.0};
+    const double dMost = std::max(cdBorder, cdWidth - cdBorder - dWidth);
+    return {std::clamp(x - 0.5 * dWidth, cdBorder, dMost), 0.0, dWidth, 0.0};
 }
 
 /// The words of the maximum stand in the line above where those of the mean leave no room.

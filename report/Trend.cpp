@@ -240,7 +240,7 @@ void ClDrawing::NameOutliers() {
     std::stable_sort(aOrder.begin(), aOrder.end(),
                      [&](std::size_t a, std::size_t b) { return off(a) > off(b); });
     for (const std::size_t i : aOrder)
-        m_Labels.Put(m_Svg, {X(i), Y(m_Trend.m_aPoints[i].m_dValue)}, OutlierRadius() + 2.0,
+        m_Labels.Put(m_Svg, {X(i), Y(m_Trend.m_aPoints[i].m_dValue)}, OutlierRadius() + 3.5,
                      Fitted(m_Trend.m_aPoints[i].m_sName, cdMostName), mark::cszWarning);
 }
 
