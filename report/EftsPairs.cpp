@@ -41,8 +41,10 @@ public:
         m_Svg.Rect(m_Panel.Box(), mark::cszFrame);
         for (auto pair = m_aWorst.rbegin(); pair != m_aWorst.rend(); ++pair)
             DrawPair(*pair);
-        for (const StDot& Dot : DotsWithin(m_Panel, m_Pairs.m_aDots))
+        for (const StDot& Dot : DotsWithin(m_Panel, m_Pairs.m_aDots)) {
             m_Svg.Circle(m_Panel.At(Dot.m_At), cdRing, mark::cszDot, NameOf(Dot.m_Place));
+            m_Labels.Avoid(Around(m_Panel.At(Dot.m_At), cdRing));
+        }
         DrawDoubtful(m_Svg, m_Panel, DotsWithin(m_Panel, m_Pairs.m_aDots), m_Labels);
         NameCulprits();
         if (m_Pairs.m_aDots.empty())

@@ -42,8 +42,12 @@ StCaptureView FourDots() {
             {}};
 }
 
+/// Not numbers where the path has fewer than two ends.
 std::vector<double> PathOf(const ClDrawingReader& Drawing, const std::string& sClass) {
-    return Numbers(Drawing.First(sClass), "d");
+    std::vector<double> aNumbers = Numbers(Drawing.First(sClass), "d");
+    if (aNumbers.size() < 4)
+        aNumbers.resize(4, std::nan(""));
+    return aNumbers;
 }
 
 } // namespace
@@ -128,6 +132,23 @@ TEST(ReportDotsOverCapture, BoxesWhatIsMissingAndWhatIsRefused) {
     ExpectSound(DrawDotsOverCapture(View, "dots"), "dots");
 }
 
+// Of 30 columns and 20 lines, 10 and 5 are outside on either side.
+TEST(ReportDotsOverCapture, CutsBoxesToTheCapture) {
+    StCaptureView View = FourDots();
+    View.m_aRegions = {{ERegion::eMissing, {-10.0, -5.0, 30.0, 20.0}, ""},
+                       {ERegion::eMissing, {149.0, 385.0, 30.0, 20.0}, ""}};
+    const ClDrawingReader Drawing(DrawDotsOverCapture(View, "dots"));
+    const auto aBoxes = Drawing.OfClass("missing");
+    EXPECT_NEAR(Number(aBoxes[0], "x"), 46.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[0], "y"), 14.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[0], "width"), 40.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[0], "height"), 15.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[1], "x"), 46.0 + 298.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[1], "y"), 14.0 + 385.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[1], "width"), 40.0, 0.006);
+    EXPECT_NEAR(Number(aBoxes[1], "height"), 15.0, 0.006);
+}
+
 TEST(ReportDotsOverCapture, PutsThePictureBelowTheMarks) {
     StCaptureView View = FourDots();
     View.m_sPicture = "data:image/png;base64,AA==";
@@ -202,6 +223,16 @@ TEST(ReportResidualVectors, CutsDoubtfulOnesAndNamesThem) {
     EXPECT_THAT(Drawing.Texts(), Contains("column 3, row 1"));
     EXPECT_THAT(Drawing.Texts(), Contains("thick: longer than drawn"));
     EXPECT_THAT(Drawing.Texts(), Contains("Residuals are drawn 10 times as long."));
+}
+
+// From 377 on 38 units would lead to 415; the drawing ends at 400, and 3 are left beside it.
+TEST(ReportResidualVectors, CutsArrowsThatLeadOutOfTheDrawing) {
+    const Dots aDots{DotAt(1, 1, {40.0, 100.0}, {0.3, -0.8}),
+                     DotAt(7, 1, {165.0, 100.0}, {2.0, 0.0}, true)};
+    const ClDrawingReader Drawing(DrawResidualVectors(cCapture, aDots, "vectors"));
+    const auto aArrow = PathOf(Drawing, "vector-wrong");
+    EXPECT_NEAR(aArrow[0], 377.0, 0.006);
+    EXPECT_NEAR(aArrow[2], 397.0, 0.006);
 }
 
 TEST(ReportResidualVectors, DrawsResidualsThatAreNone) {

@@ -119,6 +119,7 @@ TEST(ReportErrorMap, DrawsTheHullOfTheDots) {
     const ClDrawingReader Drawing(DrawErrorMap(View, "map"));
     const auto aHull = Numbers(Drawing.OfClass("hull", "polygon").at(0), "points");
     EXPECT_THAT(aHull, testing::ElementsAre(18.5, 18.5, 208.5, 18.5, 208.5, 308.5, 18.5, 308.5));
+    EXPECT_EQ(Numbers(Drawing.First("casing"), "points"), aHull); // below it, wider
     View.m_aDots.resize(2);
     EXPECT_TRUE(ClDrawingReader(DrawErrorMap(View, "map")).OfClass("hull", "polygon").empty());
 }

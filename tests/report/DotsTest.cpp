@@ -79,17 +79,17 @@ TEST(ReportCaptureOutline, IsWhereTheMappingMeetsTheBorder) {
     const Mapping rawOf = [](const StPoint& p) {
         return StPoint{2.0 * (p.m_dX + 10.0), 4.0 * (p.m_dY - 30.0)};
     };
-    const StFrame Capture{201, 401, {20.0, 40.0}, false};
+    const StFrame Capture{200, 400, {20.0, 40.0}, false};
     const StFrame Corrected{100, 200, {10.0, 10.0}, false};
     const Points aOutline = CaptureOutline(rawOf, Capture, Corrected);
     ASSERT_EQ(aOutline.size(), 96U);
-    const Points aCorners{{-10.0, 30.0}, {90.0, 30.0}, {90.0, 130.0}, {-10.0, 130.0}};
+    const Points aCorners{{-10.0, 30.0}, {89.5, 30.0}, {89.5, 129.75}, {-10.0, 129.75}};
     for (std::size_t i = 0; i < 4; ++i) {
         EXPECT_NEAR(aOutline[24 * i].m_dX, aCorners[i].m_dX, 0.01);
         EXPECT_NEAR(aOutline[24 * i].m_dY, aCorners[i].m_dY, 0.01);
     }
-    // Columns 0 to 90 of 100, lines 30 to 130 of 200: 91 x 101 pixels.
-    EXPECT_DOUBLE_EQ(CoveredPercent(rawOf, Capture, Corrected), 100.0 * 91.0 * 101.0 / 20000.0);
+    // Columns 0 to 89 of 100, lines 30 to 129 of 200: 90 x 100 pixels.
+    EXPECT_DOUBLE_EQ(CoveredPercent(rawOf, Capture, Corrected), 45.0);
 }
 
 TEST(ReportCaptureOutline, IsFoundThroughABend) {

@@ -57,6 +57,12 @@ TEST(ReportClip, CutsAPolygonToABox) {
     EXPECT_DOUBLE_EQ(dArea, 1.5);
 }
 
+TEST(ReportClip, CutsAtEverySide) {
+    ExpectPoints(
+        Clipped({{-9.0, -9.0}, {9.0, -9.0}, {9.0, 9.0}, {-9.0, 9.0}}, {1.0, 2.0, 3.0, 4.0}),
+        {{4.0, 2.0}, {4.0, 6.0}, {1.0, 6.0}, {1.0, 2.0}});
+}
+
 TEST(ReportClip, KeepsWhatIsInsideAndNothingOfWhatIsNot) {
     const Points aInside{{1.0, 1.0}, {2.0, 1.0}, {1.0, 2.0}};
     ExpectPoints(Clipped(aInside, {0.0, 0.0, 3.0, 3.0}), aInside);
