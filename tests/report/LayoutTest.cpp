@@ -27,7 +27,8 @@ TEST(ReportLabels, StandToTheRightWhereThereIsRoom) {
     ClSvg Svg = Sheet();
     ClLabels Labels(Svg.View());
     EXPECT_TRUE(Labels.Put(Svg, {50.0, 50.0}, 5.0, "ab", "warning"));
-    const auto Text = ClDrawingReader(Svg.Document()).Text("ab");
+    const ClDrawingReader Drawing(Svg.Document());
+    const auto Text = Drawing.Text("ab");
     EXPECT_DOUBLE_EQ(Number(Text, "x"), 61.6);
     EXPECT_STREQ(Text.attribute("text-anchor").value(), "middle");
 }
