@@ -54,7 +54,9 @@ Points Clipped(Points aPolygon, const StBox& Box) {
 
 Points Hatching(const StBox& Box, double dStep) {
     Points aEnds;
-    for (double d = dStep; d < Box.m_dWidth + Box.m_dHeight; d += dStep) {
+    const int nLines = static_cast<int>(std::ceil((Box.m_dWidth + Box.m_dHeight) / dStep)) - 1;
+    for (int n = 1; n <= nLines; ++n) {
+        const double d = n * dStep;
         const double dLeft = std::max(0.0, d - Box.m_dHeight);
         const double dTop = std::max(0.0, d - Box.m_dWidth);
         aEnds.push_back({Box.m_dX + dLeft, Box.m_dY + d - dLeft});
