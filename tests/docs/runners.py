@@ -36,6 +36,7 @@ class Place:
         if done.returncode != 0:
             shown = command[-1] if command[0] == "bash" else " ".join(map(str, command))
             raise Fault(f"status {done.returncode} of:\n{shown}\n{done.stdout}")
+        return done.stdout
 
 
 def run_shell(block, place):
@@ -48,6 +49,16 @@ def run_transcript(block, place):
         if not transcript.matches(lines, done.stdout):
             raise Fault(f"$ {command}\nprints\n{done.stdout}(status {done.returncode}) in place of\n"
                         + "\n".join(lines))
+
+
+# A statement that prints, and a comment behind it: what it prints.
+PRINTS = re.compile(r"^\s*(?:print\(|std::c(?:out|err) ).*(?:\)  +#|; //) (.+)$", re.MULTILINE)
+
+
+def must_print(block, output):
+    for text in PRINTS.findall(block.text):
+        if text not in output.splitlines():
+            raise Fault(f"prints\n{output}without the line\n{text}")
 
 
 def framed(block, place, suffix):
@@ -66,7 +77,7 @@ def compile_and_run(block, place, suffix, compiler):
     source.write_text(framed(block, place, suffix), encoding="utf-8")
     place.must(["bash", "-c", f"{compiler} {' '.join(WARNINGS)} {source.name} -o block "
                 "$(pkg-config --cflags --libs TessarinCalibrateSDK)"])
-    place.must(["./block"])
+    must_print(block, place.must(["./block"]))
 
 
 def run_c(block, place):
@@ -81,7 +92,7 @@ def run_python(block, place):
     """The blocks of a page are one program: each runs behind those before it."""
     place.python.append(block.text)
     (place.folder / "block.py").write_text("\n".join(place.python), encoding="utf-8")
-    place.must([place.environment["PYTHON"], "block.py"])
+    must_print(block, place.must([place.environment["PYTHON"], "block.py"]))
 
 
 def run_cmake(block, place):
