@@ -3,6 +3,7 @@
 #include "Calibrate/CalibrateGeometricData.h"
 #include "Tools/MemStream.h"
 #include "sim/BitmapBlock.h"
+#include "tests/support/OwnedHandle.h"
 
 #include <TessarinCalibrateSDK.h>
 
@@ -42,23 +43,11 @@ namespace bench {
 
 namespace {
 
+using TestSupport::ClOwnedHandle;
+
 void Require(long nStatus) {
-    if (nStatus != QMT_SUCCESS)
-        throw std::runtime_error(std::to_string(nStatus) + " " +
-                                 CalibrateGetErrorDescription(nStatus) + " (" + LastWords() + ")");
+    TestSupport::RequireSuccess(nStatus, " (" + LastWords() + ")");
 }
-
-class ClHandle {
-public:
-    ClHandle() : m_pHandle(CalibrateCreate()) {}
-    ~ClHandle() { CalibrateDelete(&m_pHandle); }
-    ClHandle(const ClHandle&) = delete;
-    ClHandle& operator=(const ClHandle&) = delete;
-    operator void*() const { return m_pHandle; }
-
-private:
-    void* m_pHandle;
-};
 
 Bytes DataOf(void* handle) {
     unsigned long nSize = 0;
@@ -92,7 +81,7 @@ std::string LastWords() {
 
 ClGeneration Generate(const sim::ClRaster& Raw) {
     Bytes aCapture = sim::BitmapBlock(Raw);
-    const ClHandle Handle;
+    const ClOwnedHandle Handle;
     ClGeneration Result;
     g_sLastWords.clear();
     Result.m_nStatus = CalibrateGenerateData(Handle, aCapture.data(), aCapture.size());
@@ -106,7 +95,7 @@ ClGeneration Generate(const sim::ClRaster& Raw) {
 
 bool Loads(const Bytes& aCalibration) {
     Bytes aData = aCalibration;
-    const ClHandle Handle;
+    const ClOwnedHandle Handle;
     // Where the points are judged, no table is needed.
     Require(CalibrateSetOption(Handle, "PrecalculatedData=true"));
     return CalibrateSetData(Handle, aData.data(), aData.size()) == QMT_SUCCESS;
@@ -117,7 +106,7 @@ Bytes Correct(const Bytes& aCalibration, const sim::ClRaster& Raw) {
     Bytes aCapture = sim::BitmapBlock(Raw);
     Bytes aOut(cnPixelsAt + sim::g_nFrameWidth * sim::g_nFrameHeight);
     unsigned long nSize = aOut.size();
-    const ClHandle Handle;
+    const ClOwnedHandle Handle;
     Require(CalibrateSetOption(Handle, "DynamicFingerMask=false"));
     Require(CalibrateSetData(Handle, aData.data(), aData.size()));
     Require(Calibrate(Handle, aCapture.data(), aCapture.size(), aOut.data(), &nSize));
@@ -127,7 +116,7 @@ Bytes Correct(const Bytes& aCalibration, const sim::ClRaster& Raw) {
 double CheckEfts(const Bytes& aCalibration, const Bytes& aCorrected) {
     Bytes aData = aCalibration;
     Bytes aImage = aCorrected;
-    const ClHandle Handle;
+    const ClOwnedHandle Handle;
     double dResult = 0.0;
     // The check needs the points, not the table.
     Require(CalibrateSetOption(Handle, "PrecalculatedData=true"));

@@ -3,10 +3,10 @@
 #include "diagnosis/DotShape.h"
 #include "diagnosis/ErrorMap.h"
 #include "diagnosis/LocatedDots.h"
+#include "diagnosis/Words.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace diagnosis {
 
@@ -80,13 +80,6 @@ void CountPairs(const StLocated& Located, StSecond& rSecond) {
         ++rSecond.m_aDots[i].m_nFailedPairs;
         ++rSecond.m_aDots[j].m_nFailedPairs;
     }
-}
-
-template <class... Numbers>
-std::string Words(const char* szFormat, Numbers... numbers) {
-    char szText[256];
-    std::snprintf(szText, sizeof szText, szFormat, numbers...);
-    return szText;
 }
 
 void JudgeScale(StSecond& rSecond) {

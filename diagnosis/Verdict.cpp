@@ -1,11 +1,11 @@
 #include "diagnosis/Verdict.h"
 
 #include "diagnosis/LeftOut.h"
+#include "diagnosis/Words.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdio>
 
 namespace diagnosis {
 
@@ -13,13 +13,6 @@ namespace {
 
 /// What optics do to a whole image is no fault of a dot.
 constexpr int cnCubic = 3;
-
-template <class... Numbers>
-std::string Words(const char* szFormat, Numbers... numbers) {
-    char szText[256];
-    std::snprintf(szText, sizeof szText, szFormat, numbers...);
-    return szText;
-}
 
 /// Without the sign of what is none.
 double Tenths(double dValue) {

@@ -1,8 +1,9 @@
 #include "apps/qk7/VerdictReport.h"
 
+#include "diagnosis/Words.h"
+
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 
 namespace qk7 {
 
@@ -15,13 +16,7 @@ using diagnosis::StErrorMap;
 using diagnosis::StPoint;
 using diagnosis::StReason;
 using diagnosis::StSecond;
-
-template <class... Numbers>
-std::string Words(const char* szFormat, Numbers... numbers) {
-    char szText[256];
-    std::snprintf(szText, sizeof szText, szFormat, numbers...);
-    return szText;
-}
+using diagnosis::Words;
 
 /// The largest of all dots, without sign.
 StPoint MostLeftOut(const StDiagnosis& Diagnosis) {
