@@ -1,25 +1,16 @@
 /// `qk7 generate`: derives the calibration block of a scanner from a capture of the dot target, and
 /// tells whether it can be believed.
 
-#include "apps/qk7/Advice.h"
-#include "apps/qk7/BitmapInfo.h"
-#include "apps/qk7/BlockInfo.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
+#include "apps/qk7/Derivation.h"
 #include "apps/qk7/Document.h"
-#include "apps/qk7/Handle.h"
 #include "apps/qk7/Picture.h"
-#include "apps/qk7/RecordFault.h"
-#include "apps/qk7/TargetReport.h"
-#include "apps/qk7/VerdictReport.h"
-
-#include "TessarinCalibrateSDK.h"
 
 #include <CLI/CLI.hpp>
 
 #include <filesystem>
 #include <memory>
-#include <stdexcept>
 
 namespace qk7 {
 
@@ -58,27 +49,14 @@ void CheckOutputs(const StGenerateCall& Call) {
     }
 }
 
-/// The files of a call, and what has become of them.
-struct StRun {
-    Bytes m_Target;
-    Bytes m_Reference;
-    Bytes m_Second;
-    ClHandle m_Handle;
-};
-
-void ReadFiles(const StGenerateCall& Call, StRun& rRun) {
-    rRun.m_Target = ReadBlock(Call.m_Target);
-    if (!Call.m_Second.empty())
-        rRun.m_Second = ReadBlock(Call.m_Second);
-    if (Call.m_Reference.empty())
-        return;
-    rRun.m_Reference = ReadFile(Call.m_Reference);
-    Handing(EHanded::eCalibration, Call.m_Reference,
-            [&] { rRun.m_Handle.SetReferenceData(rRun.m_Reference); });
-}
-
-StTargetDiagnosis Diagnose(const StRun& Run) {
-    return DiagnoseTarget(ETargetImage::eRaw, Run.m_Target, Run.m_Reference);
+StDerivation DerivationOf(const StGenerateCall& Call) {
+    StDerivation derivation;
+    derivation.m_Target = PictureSource(Call.m_Target);
+    derivation.m_Second = PictureSource(Call.m_Second);
+    derivation.m_Reference = FileSource(Call.m_Reference);
+    if (Call.m_DebugImage.empty())
+        derivation.m_Hint = "--debug-image FILE shows what was found";
+    return derivation;
 }
 
 /// The picture of a target that was refused must not hide why it was.
@@ -91,95 +69,15 @@ void DrawRefused(const StGenerateCall& Call, const StTargetDiagnosis& Diagnosis)
     }
 }
 
-std::string RecaptureAdvice(const StGenerateCall& Call) {
-    return "Clean platen and target, lay the target flat and straight, and capture it again" +
-           std::string(Call.m_DebugImage.empty() ? "; --debug-image FILE shows what was found."
-                                                 : ".");
-}
-
-[[noreturn]] void Refuse(const StGenerateCall& Call, const StRun& Run,
-                         const ClLibraryError& Error) {
-    const StTargetDiagnosis diagnosis = Diagnose(Run);
-    DrawRefused(Call, diagnosis);
-    std::string message = ShownName(Call.m_Target, EStream::eIn) + ": " + Error.what();
-    if (!diagnosis.m_Words.empty())
-        message += " " + diagnosis.m_Words;
-    throw ClRefusedTarget(message, diagnosis, RecaptureAdvice(Call));
-}
-
-[[noreturn]] void Fail(const StGenerateCall& Call, const StRun& Run, const ClLibraryError& Error) {
-    if (Error.Number() == QMT_ERROR_CALIBRATE_FAILED_TO_GENERATE)
-        Refuse(Call, Run, Error);
-    // Of all that is handed over only the points of a reference can be corrupt here.
-    if (Error.Number() == QMT_ERROR_CURRUPT_DATA && !Call.m_Reference.empty())
-        throw ClFailure(Call.m_Reference,
-                        std::string(Error.what()) + " Its target points are not those of a plate.");
-    throw ClFailure(ShownName(Call.m_Target, EStream::eIn),
-                    Error.what() + BitmapAdvice(Error.Number(), Run.m_Target));
-}
-
-/// The blocks that are written; without bytes those that are not.
-struct StBlocks {
-    Bytes m_Calibration;
-    Bytes m_Precalculated;
-};
-
-/// Names the file whose fault it is, and the dot.
-[[noreturn]] void FailToLoad(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibration,
-                             const ClLibraryError& Error) {
-    const std::string words =
-        std::string(": ") + Error.what() + " The calibration block derived from it does not load.";
-    const auto fault = FindRecordFault(Calibration);
-    if (!fault)
-        throw ClFailure(ShownName(Call.m_Target, EStream::eIn) + words);
-    if (fault->m_eList == StRecordFault::EList::eTarget && !Call.m_Reference.empty())
-        throw ClUnloadableRecord(Call.m_Reference + words, *fault,
-                                 "Measure the plate again, or leave --reference away; its block "
-                                 "has to tell the resolution of its target points.");
-    DrawRefused(Call, Diagnose(Run));
-    throw ClUnloadableRecord(ShownName(Call.m_Target, EStream::eIn) + words, *fault,
-                             RecaptureAdvice(Call));
-}
-
-/// A block that was generated need not load, and one that is written has to: it is read back on a
-/// handle of its own. The table comes from there too, since a block holds coordinates rounded to
-/// 32-bit floats: results are then the same with the precalculated block and without it.
-StBlocks LoadableBlocks(const StGenerateCall& Call, const StRun& Run) {
-    StBlocks blocks;
-    blocks.m_Calibration = Run.m_Handle.Data();
+StBlocks DeriveOrDraw(const StGenerateCall& Call, const StDerivation& Derivation) {
     try {
-        ClHandle handle;
-        handle.SetData(blocks.m_Calibration);
-        if (!Call.m_Precalculated.empty())
-            blocks.m_Precalculated =
-                handle.PrecalculatedData(ExpectedPrecalculatedBytes(blocks.m_Calibration));
-    } catch (const ClLibraryError& error) {
-        FailToLoad(Call, Run, blocks.m_Calibration, error);
-    }
-    return blocks;
-}
-
-/// The second capture, corrected with the calibration.
-Bytes CorrectedSecond(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibration) {
-    ClHandle handle;
-    handle.SetOption("DynamicFingerMask=false");
-    handle.SetData(Calibration);
-    const StFrame frame = ReadCalibrationInfo(Calibration).m_Target;
-    return HandingBitmap(ShownName(Call.m_Second, EStream::eIn), Run.m_Second, [&] {
-        return handle.Calibrate(Run.m_Second, BitmapBytes(frame.m_nWidth, frame.m_nHeight, 1));
-    });
-}
-
-StJudged Judge(const StGenerateCall& Call, const StRun& Run, const Bytes& Calibration) {
-    try {
-        StJudged judged;
-        judged.m_First = diagnosis::Diagnose(Calibration, Run.m_Target);
-        if (!Call.m_Second.empty())
-            judged.m_Second =
-                diagnosis::CheckSecond(Calibration, CorrectedSecond(Call, Run, Calibration));
-        return judged;
-    } catch (const std::invalid_argument& error) {
-        throw ClFailure(ShownName(Call.m_Target, EStream::eIn), error.what());
+        return Derive(Derivation, !Call.m_Precalculated.empty());
+    } catch (const ClRefusedTarget& refused) {
+        DrawRefused(Call, refused.Diagnosis());
+        throw;
+    } catch (const ClUnloadableRecord& unloadable) {
+        DrawRefused(Call, unloadable.Diagnosis());
+        throw;
     }
 }
 
@@ -205,18 +103,12 @@ StGenerated Generate(const StGenerateCall& Call) {
     CheckOutputs(Call);
     ClaimStreams({Call.m_Target, Call.m_Reference, Call.m_Second},
                  {Call.m_Output, Call.m_Precalculated, Call.m_DebugImage}, Call.m_bJson);
-    StRun run;
-    ReadFiles(Call, run);
-    try {
-        run.m_Handle.GenerateData(run.m_Target);
-    } catch (const ClLibraryError& error) {
-        Fail(Call, run, error);
-    }
-    const StBlocks blocks = LoadableBlocks(Call, run);
+    const StDerivation derivation = DerivationOf(Call);
+    const StBlocks blocks = DeriveOrDraw(Call, derivation);
     StGenerated generated;
-    generated.m_Judged = Judge(Call, run, blocks.m_Calibration);
+    generated.m_Judged = Judge(derivation, blocks.m_Calibration);
     if (Call.m_bJson || !Call.m_DebugImage.empty())
-        generated.m_Target = Diagnose(run);
+        generated.m_Target = Diagnose(derivation);
     WriteOutputs(Call, blocks, generated);
     return generated;
 }
@@ -225,7 +117,8 @@ StGenerated Generate(const StGenerateCall& Call) {
 std::string DoubtWords(const StGenerateCall& Call, const StGenerated& Generated) {
     if (Generated.m_Judged.IsGood())
         return "";
-    return "  " + RecaptureAdvice(Call) +
+    return "  " + DoubtAdvice(Generated.m_Judged.Reasons()) +
+           (Call.m_DebugImage.empty() ? "; --debug-image FILE shows what was found." : ".") +
            (Generated.m_bWritten ? "\n  It is written all the same, as --accept-doubtful asks.\n"
                                  : "\n  No block is written; --accept-doubtful writes it all the "
                                    "same.\n");

@@ -145,8 +145,10 @@ ClRefusedTarget::ClRefusedTarget(const std::string& Message, const StTargetDiagn
       m_Diagnosis(Diagnosis) {}
 
 ClUnloadableRecord::ClUnloadableRecord(const std::string& Message, const StRecordFault& Fault,
+                                       const StTargetDiagnosis& Diagnosis,
                                        const std::string& Advice)
-    : ClFailure(Message + TextOf(Fault) + "\n  " + Advice), m_Message(Message), m_Fault(Fault) {}
+    : ClFailure(Message + TextOf(Fault) + "\n  " + Advice), m_Message(Message), m_Fault(Fault),
+      m_Diagnosis(Diagnosis) {}
 
 Json FailureJson(const std::string& Path, const std::exception& Error) {
     if (const auto* pRefused = dynamic_cast<const ClRefusedTarget*>(&Error))

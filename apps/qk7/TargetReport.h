@@ -40,16 +40,19 @@ private:
 /// A calibration that was generated and would not load. what() is `Message`, the fault, `Advice`.
 class ClUnloadableRecord : public ClFailure {
 public:
+    /// `Diagnosis` is that of the target.
     ClUnloadableRecord(const std::string& Message, const StRecordFault& Fault,
-                       const std::string& Advice);
+                       const StTargetDiagnosis& Diagnosis, const std::string& Advice);
 
     const StRecordFault& Fault() const { return m_Fault; }
+    const StTargetDiagnosis& Diagnosis() const { return m_Diagnosis; }
     /// Without fault and advice.
     const std::string& Message() const { return m_Message; }
 
 private:
     std::string m_Message;
     StRecordFault m_Fault;
+    StTargetDiagnosis m_Diagnosis;
 };
 
 /// "file" and "error"; "target" of a `ClRefusedTarget`, "dot" with "column", "row" and its place in

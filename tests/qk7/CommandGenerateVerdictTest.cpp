@@ -17,6 +17,7 @@ using nlohmann::json;
 using qk7::Bytes;
 using testing::ContainsRegex;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 namespace {
@@ -126,6 +127,10 @@ TEST_F(Qk7GenerateVerdict, DoubtsAPlateOfAnotherPitch) {
         ContainsRegex("\n  The pattern is (2.[0-3]|1.[7-9]) percent larger in x and (2.[0-3]"
                       "|1.[7-9]) percent larger in y than the nominal resolution has it: "));
     EXPECT_EQ(Generate(ScaledTarget(1.005), {}).m_nExit, 0);
+    EXPECT_THAT(ended.m_Out,
+                HasSubstr("\n  Check the pitch of the plate, which has to be 2 mm or that "
+                          "of --reference, and the resolution of the scanner;"));
+    EXPECT_THAT(ended.m_Out, Not(HasSubstr("Clean platen")));
 }
 
 TEST_F(Qk7GenerateVerdict, ConfirmsByASecondCapture) {
