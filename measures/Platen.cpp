@@ -1,5 +1,7 @@
 #include "measures/Platen.h"
 
+#include "measures/Tiles.h"
+
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -9,8 +11,6 @@ namespace measures {
 
 namespace {
 
-constexpr int cnAcross = 8;
-constexpr int cnDown = 12;
 constexpr double cdLeastLight = 0.93; ///< of a clean sample; noise takes one or two percent
 constexpr int cnDark = 85;
 constexpr int cnSaturated = 255;
@@ -28,39 +28,30 @@ public:
 
 private:
     double Tile(int nColumn, int nRow) const {
-        return m_aTiles[static_cast<std::size_t>(nRow * cnAcross + nColumn)];
+        return m_aTiles[static_cast<std::size_t>(nRow * cnTilesAcross + nColumn)];
     }
 
-    std::array<double, static_cast<std::size_t>(cnAcross* cnDown)> m_aTiles;
+    std::array<double, static_cast<std::size_t>(cnTiles)> m_aTiles;
     double m_dColumnsPerSample;
     double m_dRowsPerSample;
 };
 
-double Median(const ClGreyView& Image, int nLeft, int nTop, int nRight, int nBottom) {
+double Median(const ClGreyView& Image, const ClTile& Tile) {
     std::vector<unsigned char> aSamples;
-    for (int y = nTop; y < nBottom; ++y)
-        for (int x = nLeft; x < nRight; ++x)
+    for (int y = Tile.m_nTop; y < Tile.m_nBottom; ++y)
+        for (int x = Tile.m_nLeft; x < Tile.m_nRight; ++x)
             aSamples.push_back(Image.At(x, y));
     const auto itMiddle = aSamples.begin() + static_cast<std::ptrdiff_t>(aSamples.size() / 2);
     std::nth_element(aSamples.begin(), itMiddle, aSamples.end());
     return *itMiddle;
 }
 
-/// The first of `nSize` samples of a tile, in 64 bits for wide images.
-int Border(int nTile, int nTiles, int nSize) {
-    return static_cast<int>(static_cast<long long>(nTile) * nSize / nTiles);
-}
-
 ClLights::ClLights(const ClGreyView& Image)
-    : m_dColumnsPerSample(static_cast<double>(cnAcross) / Image.m_nWidth),
-      m_dRowsPerSample(static_cast<double>(cnDown) / Image.m_nHeight) {
-    for (int nRow = 0; nRow < cnDown; ++nRow)
-        for (int nColumn = 0; nColumn < cnAcross; ++nColumn)
-            m_aTiles[static_cast<std::size_t>(nRow * cnAcross + nColumn)] =
-                Median(Image, Border(nColumn, cnAcross, Image.m_nWidth),
-                       Border(nRow, cnDown, Image.m_nHeight),
-                       Border(nColumn + 1, cnAcross, Image.m_nWidth),
-                       Border(nRow + 1, cnDown, Image.m_nHeight));
+    : m_dColumnsPerSample(static_cast<double>(cnTilesAcross) / Image.m_nWidth),
+      m_dRowsPerSample(static_cast<double>(cnTilesDown) / Image.m_nHeight) {
+    for (int n = 0; n < cnTiles; ++n)
+        m_aTiles[static_cast<std::size_t>(n)] =
+            Median(Image, TileOf(n, Image.m_nWidth, Image.m_nHeight));
 }
 
 double ClLights::Mean() const {
@@ -71,8 +62,8 @@ double ClLights::Mean() const {
 double ClLights::At(int x, int y) const {
     const double dColumn = (x + 0.5) * m_dColumnsPerSample - 0.5;
     const double dRow = (y + 0.5) * m_dRowsPerSample - 0.5;
-    const int nColumn = std::clamp(static_cast<int>(dColumn), 0, cnAcross - 2);
-    const int nRow = std::clamp(static_cast<int>(dRow), 0, cnDown - 2);
+    const int nColumn = std::clamp(static_cast<int>(dColumn), 0, cnTilesAcross - 2);
+    const int nRow = std::clamp(static_cast<int>(dRow), 0, cnTilesDown - 2);
     const double u = dColumn - nColumn;
     const double v = dRow - nRow;
     const double dUpper = (1.0 - u) * Tile(nColumn, nRow) + u * Tile(nColumn + 1, nRow);
@@ -93,7 +84,7 @@ double ShareOf(const ClGreyView& Image, TpHas Has) {
 } // namespace
 
 std::optional<ClPlatenMeasures> MeasurePlaten(const ClGreyView& Empty) {
-    if (Empty.IsEmpty() || Empty.m_nWidth < cnAcross || Empty.m_nHeight < cnDown)
+    if (Empty.IsEmpty() || Empty.m_nWidth < cnTilesAcross || Empty.m_nHeight < cnTilesDown)
         return std::nullopt;
     const ClLights Lights(Empty);
     if (!(Lights.Highest() > 0.0))
@@ -106,6 +97,7 @@ std::optional<ClPlatenMeasures> MeasurePlaten(const ClGreyView& Empty) {
     Measures.m_dDark = ShareOf(Empty, [&](int x, int y) { return Empty.At(x, y) < cnDark; });
     Measures.m_dSoiled = ShareOf(
         Empty, [&](int x, int y) { return Empty.At(x, y) < cdLeastLight * Lights.At(x, y); });
+    Measures.m_Noise = MeasureNoise(Empty);
     return Measures;
 }
 

@@ -2,7 +2,7 @@
 
 /// What a capture of the empty platen shows: its light, and what lies on it.
 
-#include "measures/GreyView.h"
+#include "measures/Noise.h"
 
 #include <optional>
 
@@ -19,6 +19,7 @@ struct ClPlatenMeasures {
     double m_dDark = 0.0;      ///< share of the samples that are below 85, 0 to 1
     /// Share of the samples that lack more than 7 percent of the light of their place, 0 to 1.
     double m_dSoiled = 0.0;
+    std::optional<ClNoise> m_Noise;
 };
 
 /// Of a raw capture, or of one that was warped only: the dynamic calibration makes an empty platen

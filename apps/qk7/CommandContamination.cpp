@@ -74,8 +74,8 @@ void AddContamination(CLI::App& rApp) {
         "contamination", "Measures on captures of the empty platen how dirty the sensor is");
     const auto pCall = std::make_shared<StContaminationCall>();
     pCommand->add_flag("--measures", pCall->m_bMeasures,
-                       "Print the platen's brightness, how uniform its light is, and which share "
-                       "of it is soiled");
+                       "Print the platen's brightness, how uniform its light is, which share of it "
+                       "is soiled, and the noise");
     AddJobsOption(*pCommand, pCall->m_Files);
     AddFileOptions(*pCommand, pCall->m_Files, "CAPTURE", "Raw captures of the empty platen");
     pCommand->callback([pCall] { RunContamination(*pCall); });

@@ -99,6 +99,14 @@ Measure Percent(const Measure& Share) {
     return Share ? Measure(100.0 * *Share) : std::nullopt;
 }
 
+Measure PixelNoise(const measures::ClPlatenMeasures& Platen) {
+    return Platen.m_Noise ? Measure(Platen.m_Noise->m_dPixel) : std::nullopt;
+}
+
+Measure LineNoise(const measures::ClPlatenMeasures& Platen) {
+    return Platen.m_Noise ? Measure(Platen.m_Noise->m_dLine) : std::nullopt;
+}
+
 std::string PrintText(const measures::ClFingerMeasures& Print) {
     return "  print: area " + Words(Print.m_dArea, 1, " mm2") + ", offset to the right " +
            Words(Print.m_dOffsetX, 2, " mm") + ", down " + Words(Print.m_dOffsetY, 2, " mm") +
@@ -162,11 +170,10 @@ nlohmann::ordered_json FingerJson(const StFingerMeasures& Measures) {
 nlohmann::ordered_json PlatenJson(const std::optional<measures::ClPlatenMeasures>& Measures) {
     if (!Measures)
         return nullptr;
-    return {{"brightness", Measures->m_dBrightness},
-            {"uniformity", Measures->m_dUniformity},
-            {"saturated_share", Measures->m_dSaturated},
-            {"dark_share", Measures->m_dDark},
-            {"soiled_share", Measures->m_dSoiled}};
+    return {{"brightness", Measures->m_dBrightness},     {"uniformity", Measures->m_dUniformity},
+            {"saturated_share", Measures->m_dSaturated}, {"dark_share", Measures->m_dDark},
+            {"soiled_share", Measures->m_dSoiled},       {"noise", Number(PixelNoise(*Measures))},
+            {"line_noise", Number(LineNoise(*Measures))}};
 }
 
 std::string FingerText(const StFingerMeasures& Measures) {
@@ -183,7 +190,9 @@ std::string PlatenText(const std::optional<measures::ClPlatenMeasures>& Measures
            Words(Measures->m_dUniformity, 3, "") + ", soiled " +
            Words(Percent(Measures->m_dSoiled), 3, " percent") + ", saturated " +
            Words(Percent(Measures->m_dSaturated), 1, " percent") + ", dark " +
-           Words(Percent(Measures->m_dDark), 1, " percent") + "\n";
+           Words(Percent(Measures->m_dDark), 1, " percent") + ", noise " +
+           Words(PixelNoise(*Measures), 2, "") + ", of lines " +
+           Words(LineNoise(*Measures), 2, "") + "\n";
 }
 
 } // namespace qk7
