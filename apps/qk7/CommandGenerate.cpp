@@ -9,14 +9,11 @@
 
 #include <CLI/CLI.hpp>
 
-#include <filesystem>
 #include <memory>
 
 namespace qk7 {
 
 namespace {
-
-namespace fs = std::filesystem;
 
 struct StGenerateCall {
     std::string m_Target;
@@ -29,12 +26,6 @@ struct StGenerateCall {
     bool m_bJson = false;
 };
 
-bool AreSame(const std::string& a, const std::string& b) {
-    std::error_code ignored;
-    return fs::path(a).lexically_normal() == fs::path(b).lexically_normal() ||
-           fs::equivalent(a, b, ignored);
-}
-
 /// No output replaces an input or another output.
 void CheckOutputs(const StGenerateCall& Call) {
     std::vector<std::string> taken = {Call.m_Target};
@@ -43,7 +34,7 @@ void CheckOutputs(const StGenerateCall& Call) {
             taken.push_back(input);
     for (const std::string& output : {Call.m_Output, Call.m_Precalculated, Call.m_DebugImage}) {
         for (const std::string& other : taken)
-            if (!output.empty() && !IsStream(output) && AreSame(output, other))
+            if (!output.empty() && !IsStream(output) && IsSameFile(output, other))
                 throw ClWrongUsage(output + " is named twice; give another output");
         taken.push_back(output);
     }

@@ -1,7 +1,9 @@
-/// `qk7 simulate`: the files of a simulated scanner, to try the other commands on.
+/// `qk7 simulate`: the files of a simulated scanner, or of a production line of them, to try the
+/// other commands on.
 
 #include "apps/qk7/Choices.h"
 #include "apps/qk7/Commands.h"
+#include "apps/qk7/Console.h"
 #include "apps/qk7/Document.h"
 #include "apps/qk7/File.h"
 #include "apps/qk7/Picture.h"
@@ -27,6 +29,8 @@ namespace {
 struct StSimulateCall {
     std::uint64_t m_nSeed = 1;
     unsigned int m_nCount = 1;
+    unsigned int m_nScanners = 0; ///< 0 for one, whose files lie in the folder itself
+    unsigned int m_nSpoilt = 0;
     std::vector<std::string> m_aKinds = {"loop"};
     std::vector<std::string> m_aCases;
     std::string m_Output;
@@ -35,8 +39,8 @@ struct StSimulateCall {
     bool m_bJson = false;
 };
 
-std::string PathIn(const StSimulateCall& Call, const std::string& Name) {
-    return (std::filesystem::path(Call.m_Output) / Name).string();
+std::string PathIn(const std::string& Folder, const std::string& Name) {
+    return (std::filesystem::path(Folder) / Name).string();
 }
 
 /// One capture to make.
@@ -157,51 +161,133 @@ Json JsonOf(const StOrder& Order, const sim::ClCapture& Capture) {
     return json;
 }
 
-Json WriteCaptures(const sim::ClScanner& Scanner, const StSimulateCall& Call) {
-    const std::vector<StOrder> orders = OrdersOf(Call);
-    ClProgress progress(orders.size());
+/// A scanner whose files are written to a folder.
+struct StSimulated {
+    std::string m_Folder;
+    std::uint64_t m_nSeed;
+    std::vector<StOrder> m_aOrders;
+};
+
+Json WriteCaptures(const sim::ClScanner& Scanner, const StSimulated& Simulated,
+                   ClProgress& rProgress) {
     Json truths = Json::array();
-    for (const StOrder& order : orders) {
-        progress.Begin(order.m_File);
+    for (const StOrder& order : Simulated.m_aOrders) {
+        rProgress.Begin(PathIn(Simulated.m_Folder, order.m_File));
         const sim::ClCapture capture = order.m_Make(Scanner);
-        WriteBlock(PathIn(Call, order.m_File), sim::BitmapBlock(capture.m_Raw));
+        WriteBlock(PathIn(Simulated.m_Folder, order.m_File), sim::BitmapBlock(capture.m_Raw));
         truths.push_back(JsonOf(order, capture));
-        progress.Done();
+        rProgress.Done();
     }
     return truths;
 }
 
-void WriteTruth(const StSimulateCall& Call, const sim::ClScanner& Scanner, const Json& Captures) {
-    const Json truth = {{"scanner", JsonOf(Scanner)}, {"captures", Captures}};
-    const std::string text = Dump(truth);
-    const Bytes bytes(text.begin(), text.end());
-    WriteFile(PathIn(Call, "truth.json"), {&bytes});
+void WriteTruth(const StSimulated& Simulated, const sim::ClScanner& Scanner, const Json& Captures) {
+    WriteText(PathIn(Simulated.m_Folder, "truth.json"),
+              Dump({{"scanner", JsonOf(Scanner)}, {"captures", Captures}}));
 }
 
 /// The calibration block and the captures, with their paths.
-Json ResultsOf(const StSimulateCall& Call, const Json& Captures) {
-    Json results = Json::array({{{"file", PathIn(Call, "scanner.cal")}, {"kind", "calibration"}}});
+void AddResults(const StSimulated& Simulated, const Json& Captures, Json& rResults) {
+    rResults.push_back(
+        {{"file", PathIn(Simulated.m_Folder, "scanner.cal")}, {"kind", "calibration"}});
     for (const Json& capture : Captures) {
-        Json result = {{"file", PathIn(Call, capture["file"])},
+        Json result = {{"file", PathIn(Simulated.m_Folder, capture["file"])},
                        {"kind", capture["kind"]},
                        {"seed", capture["seed"]}};
         if (capture.contains("case"))
             result["case"] = capture["case"];
-        results.push_back(result);
+        rResults.push_back(result);
     }
-    return results;
+}
+
+/// The target, laid anew.
+StOrder SecondOrder(const std::string& Format) {
+    constexpr std::uint64_t nSeed = 2;
+    return {"second." + Format, "target", std::nullopt, nSeed, [](const sim::ClScanner& scanner) {
+                return sim::CaptureKind(scanner, sim::EKind::eTarget, nSeed);
+            }};
+}
+
+/// Five ways to spoil a target: two are refused, three accepted and wrong.
+const std::vector<std::string>& SpoiltCases() {
+    static const std::vector<std::string> cases = {"hidden_dot", "missing_dot", "wide_pitch",
+                                                   "stand_in_far", "glare_spot"};
+    return cases;
+}
+
+/// Two targets, the empty platen, and the kinds that were asked for.
+std::vector<StOrder> LineOrders(const StSimulateCall& Call, const std::string& Case) {
+    std::vector<StOrder> orders;
+    const StNaming single = {1, Call.m_Format};
+    if (Case.empty())
+        AddKind(orders, "target", single);
+    else
+        AddCase(orders, Case, single);
+    orders.front().m_File = "target." + Call.m_Format;
+    orders.push_back(SecondOrder(Call.m_Format));
+    AddKind(orders, "empty", single);
+    for (const std::string& kind : EachOnce(Call.m_aKinds, {"target", "ruled", "empty"}))
+        AddKind(orders, kind, {Call.m_nCount, Call.m_Format});
+    return orders;
+}
+
+/// The spoilt ones lie evenly among the others: number n of them behind n - 1/2 of all parts.
+std::string CaseOf(const StSimulateCall& Call, std::uint64_t nScanner) {
+    for (std::uint64_t n = 0; n < Call.m_nSpoilt; ++n)
+        if ((2 * n + 1) * Call.m_nScanners / (2 * Call.m_nSpoilt) == nScanner)
+            return SpoiltCases()[n % SpoiltCases().size()];
+    return "";
+}
+
+/// "007" of 120.
+std::string LineFolder(const StSimulateCall& Call, unsigned int nScanner) {
+    const std::string number = std::to_string(nScanner + 1);
+    const std::size_t nDigits = std::max<std::size_t>(2, std::to_string(Call.m_nScanners).size());
+    return PathIn(Call.m_Output, std::string(nDigits - number.size(), '0') + number);
+}
+
+std::vector<StSimulated> ScannersOf(const StSimulateCall& Call) {
+    if (Call.m_nScanners == 0)
+        return {{Call.m_Output, Call.m_nSeed, OrdersOf(Call)}};
+    std::vector<StSimulated> scanners;
+    for (unsigned int n = 0; n < Call.m_nScanners; ++n)
+        scanners.push_back(
+            {LineFolder(Call, n), Call.m_nSeed + n, LineOrders(Call, CaseOf(Call, n))});
+    return scanners;
+}
+
+void WriteScanner(const StSimulateCall& Call, const StSimulated& Simulated, ClProgress& rProgress,
+                  Json& rResults) {
+    const sim::ClScanner scanner(Simulated.m_nSeed);
+    MakeDirectory(Simulated.m_Folder);
+    const Bytes record = sim::RecordBlock(scanner);
+    WriteFile(PathIn(Simulated.m_Folder, "scanner.cal"), {&record});
+    const Json captures = WriteCaptures(scanner, Simulated, rProgress);
+    if (Call.m_bTruth)
+        WriteTruth(Simulated, scanner, captures);
+    AddResults(Simulated, captures, rResults);
+}
+
+void CheckLine(const StSimulateCall& Call) {
+    if (Call.m_nSpoilt > Call.m_nScanners)
+        throw ClWrongUsage("--spoilt " + std::to_string(Call.m_nSpoilt) +
+                           " is more than --scanners " + std::to_string(Call.m_nScanners));
+    if (Call.m_nScanners > 0 && !Call.m_aCases.empty())
+        throw ClWrongUsage("--case is for one scanner; --spoilt spoils some of --scanners");
 }
 
 void RunSimulate(const StSimulateCall& Call) {
-    const sim::ClScanner scanner(Call.m_nSeed);
-    MakeDirectory(Call.m_Output);
-    const Bytes record = sim::RecordBlock(scanner);
-    WriteFile(PathIn(Call, "scanner.cal"), {&record});
-    const Json captures = WriteCaptures(scanner, Call);
-    if (Call.m_bTruth)
-        WriteTruth(Call, scanner, captures);
+    CheckLine(Call);
+    const std::vector<StSimulated> scanners = ScannersOf(Call);
+    std::size_t nCaptures = 0;
+    for (const StSimulated& scanner : scanners)
+        nCaptures += scanner.m_aOrders.size();
+    ClProgress progress(nCaptures);
+    Json results = Json::array();
+    for (const StSimulated& scanner : scanners)
+        WriteScanner(Call, scanner, progress, results);
     if (Call.m_bJson)
-        PrintDocument("simulate", ResultsOf(Call, captures));
+        PrintDocument("simulate", results);
 }
 
 template <class Entries>
@@ -251,6 +337,19 @@ void AddSimulate(CLI::App& rApp) {
         ->check(CLI::Range(1, 10000).description(""))
         ->type_name("N")
         ->capture_default_str();
+    pCommand
+        ->add_option(
+            "--scanners", pCall->m_nScanners,
+            "Simulate a production line: so many scanners, each in a folder 01, 02, ... with "
+            "target, second target, empty platen and the further kinds, for \"qk7 report "
+            "--batch\"; up to 1000")
+        ->check(CLI::Range(1, 1000).description(""))
+        ->type_name("N");
+    pCommand
+        ->add_option("--spoilt", pCall->m_nSpoilt,
+                     "So many of the scanners have a target that is spoilt, in turn: hidden_dot, "
+                     "missing_dot, wide_pitch, stand_in_far, glare_spot")
+        ->type_name("N");
     pCommand->add_option("--format", pCall->m_Format, "Format of the captures: bmp or png")
         ->check(OneOf({"bmp", "png"}))
         ->type_name("FORMAT")

@@ -17,6 +17,7 @@ void AddErrors(CLI::App& rApp);
 void AddGenerate(CLI::App& rApp);
 void AddInfo(CLI::App& rApp);
 void AddPrecalculate(CLI::App& rApp);
+void AddReport(CLI::App& rApp);
 void AddSimulate(CLI::App& rApp);
 void AddVerify(CLI::App& rApp);
 

@@ -9,6 +9,7 @@
 #include "TessarinCalibrateSDK.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 namespace qk7 {
@@ -78,6 +79,10 @@ bool IsAboutPlate(const diagnosis::StReason& Reason) {
 
 const char* const g_szRecapture =
     "Clean platen and target, lay the target flat and straight, and capture it again";
+
+std::string FileNameOf(const std::string& Path) {
+    return IsStream(Path) ? "standard input" : std::filesystem::path(Path).filename().string();
+}
 
 StSource PictureSource(const std::string& Path) {
     return {Path, Path.empty() ? Bytes() : ReadBlock(Path)};

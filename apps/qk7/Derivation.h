@@ -19,6 +19,9 @@ struct StSource {
     std::string Name() const { return ShownName(m_Path, EStream::eIn); }
 };
 
+/// The last part of a path, or "standard input".
+std::string FileNameOf(const std::string& Path);
+
 /// A picture file as a bitmap block; nothing without a name.
 StSource PictureSource(const std::string& Path);
 /// Another file; nothing without a name.

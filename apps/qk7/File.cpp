@@ -238,6 +238,19 @@ void WriteFile(const std::string& Path, std::initializer_list<const Bytes*> Part
     file.Commit();
 }
 
+void WriteText(const std::string& Path, const std::string& Text) {
+    ClOutputFile file(Path);
+    file.Write(Text.data(), Text.size());
+    file.Commit();
+}
+
+bool IsSameFile(const std::string& a, const std::string& b) {
+    std::error_code ignored;
+    return std::filesystem::path(a).lexically_normal() ==
+               std::filesystem::path(b).lexically_normal() ||
+           std::filesystem::equivalent(a, b, ignored);
+}
+
 void MakeDirectory(const std::string& Path) {
     namespace fs = std::filesystem;
     std::error_code error;

@@ -83,6 +83,12 @@ private:
 /// All parts, one behind the other, committed.
 void WriteFile(const std::string& Path, std::initializer_list<const Bytes*> Parts);
 
+/// A whole text, committed.
+void WriteText(const std::string& Path, const std::string& Text);
+
+/// Whether two paths lead, or would lead, to the same file.
+bool IsSameFile(const std::string& a, const std::string& b);
+
 /// Makes a directory and those above it, where they are missing. Throws `ClFailure`.
 void MakeDirectory(const std::string& Path);
 

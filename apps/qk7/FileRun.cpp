@@ -46,12 +46,15 @@ struct StOutcome {
 struct StCounts {
     std::size_t m_nDone = 0;
     std::size_t m_nLeftOut = 0;
+    std::size_t m_nDoubtful = 0;
     std::size_t m_nBad = 0;
     std::size_t m_nFailed = 0;
 };
 
 std::string SummaryOf(const StFileRun& Run, const StCounts& Counts, const StPace& Pace) {
     std::string text = std::to_string(Counts.m_nDone) + " " + Run.m_Done;
+    if (Counts.m_nDoubtful > 0)
+        text += ", " + std::to_string(Counts.m_nDoubtful) + " doubtful";
     if (Counts.m_nBad > 0)
         text += ", " + std::to_string(Counts.m_nBad) + " bad";
     if (Counts.m_nLeftOut > 0)
@@ -166,9 +169,10 @@ private:
     }
 
     void Tell(const StTold& Told) {
-        ++(Told.m_bBad       ? m_Counts.m_nBad
-           : Told.m_bLeftOut ? m_Counts.m_nLeftOut
-                             : m_Counts.m_nDone);
+        ++(Told.m_bBad        ? m_Counts.m_nBad
+           : Told.m_bDoubtful ? m_Counts.m_nDoubtful
+           : Told.m_bLeftOut  ? m_Counts.m_nLeftOut
+                              : m_Counts.m_nDone);
         m_Results.push_back(Told.m_Json);
         if (m_Run.m_eForm != EForm::eText || Told.m_Text.empty())
             return;
@@ -202,6 +206,8 @@ private:
             PrintNote("qk7 " + m_Run.m_Command, SummaryOf(m_Run, m_Counts, m_Progress.Pace()));
         if (m_Counts.m_nFailed + m_Counts.m_nBad > 0)
             throw CLI::RuntimeError(eFailed);
+        if (m_Counts.m_nDoubtful > 0)
+            throw CLI::RuntimeError(eDoubtful);
     }
 
     const StFileRun& m_Run;

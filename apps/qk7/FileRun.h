@@ -40,8 +40,9 @@ enum class EForm { eSilent, eText, eJson };
 struct StTold {
     std::string m_Text;
     Json m_Json;
-    bool m_bLeftOut = false; ///< there was nothing to do
-    bool m_bBad = false;     ///< the work was done, and what it found is bad
+    bool m_bLeftOut = false;  ///< there was nothing to do
+    bool m_bBad = false;      ///< the work was done, and what it found is bad
+    bool m_bDoubtful = false; ///< the same, and what it found is doubtful
 };
 
 /// Does the file of this number. Throws what went wrong with it.
@@ -55,7 +56,8 @@ struct StFileRun {
 };
 
 /// Does the files: `first` in the calling thread, and what `makeWork` makes in further ones, each
-/// in its thread. Ends with the status for failures when a file failed or was bad.
+/// in its thread. Ends with the status for failures when a file failed or was bad, else with that
+/// for doubt when one was doubtful.
 void DoFiles(const StFileRun& Run, const StFileOptions& Options, const std::vector<StInput>& aFiles,
              const FileWork& first, const std::function<FileWork()>& makeWork);
 /// Does them one after the other.

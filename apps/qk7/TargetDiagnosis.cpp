@@ -97,15 +97,17 @@ void PutLargestFirst(StRefusal& rRefusal) {
                      [](const StRegion& a, const StRegion& b) { return a.m_dArea > b.m_dArea; });
 }
 
+StRegion RegionOf(const Dot& Candidate) {
+    return {Candidate.m_vPos.x, Candidate.m_vPos.y, Candidate.m_dArea, Candidate.m_dEccentricity};
+}
+
 void NoteRefusals(const Builder& Limits, const Builder::DotGrid& Grid, StTargetDiagnosis& rOut) {
     auto reasons = Reasons(Limits);
     for (unsigned long i = 0; i < Grid.Entries(); ++i) {
         const Dot& dot = *Grid[i];
         const std::uint32_t nStatus = StatusOf(dot);
         if (nStatus != Dot::eClean)
-            reasons.at(nStatus - 1)
-                .m_aRegions.push_back(
-                    {dot.m_vPos.x, dot.m_vPos.y, dot.m_dArea, dot.m_dEccentricity});
+            reasons.at(nStatus - 1).m_aRegions.push_back(RegionOf(dot));
     }
     PutLargestFirst(reasons[Dot::eAreaTooSmall - 1]);
     for (StRefusal& reason : reasons)
@@ -118,6 +120,12 @@ std::size_t CountAccepted(const Builder::DotGrid& Grid) {
     for (unsigned long i = 0; i < Grid.Entries(); ++i)
         nCount += Grid[i]->m_bValid && StatusOf(*Grid[i]) == Dot::eClean ? 1 : 0;
     return nCount;
+}
+
+void NoteFound(const Builder::DotGrid& Grid, StTargetDiagnosis& rOut) {
+    for (unsigned long i = 0; i < Grid.Entries(); ++i)
+        if (Grid[i]->m_bValid)
+            rOut.m_aFound.push_back(RegionOf(*Grid[i]));
 }
 
 std::vector<StPlace> PlacesOf(const Builder::DotGrid& Grid) {
@@ -196,6 +204,7 @@ StTargetDiagnosis Diagnose(ClImage& rImage, ClCalibrateGeometricData* pReference
     const auto onDots = [&out](Builder& rModel, const Builder::DotGrid& Grid) {
         const std::vector<StPlace> dots = PlacesOf(Grid);
         out.m_nFound = dots.size();
+        NoteFound(Grid, out);
         out.m_nAccepted = CountAccepted(Grid);
         NoteRefusals(rModel, Grid, out);
         NoteGaps(rModel, dots, out);

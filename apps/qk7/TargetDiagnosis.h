@@ -39,9 +39,10 @@ struct StGap {
 };
 
 struct StTargetDiagnosis {
-    std::string m_Words;      ///< why the dots were not accepted; empty when they were
-    std::size_t m_nDots = 0;  ///< dots of the pattern
-    std::size_t m_nFound = 0; ///< dots in a grid at the pattern's pitch
+    std::string m_Words;            ///< why the dots were not accepted; empty when they were
+    std::size_t m_nDots = 0;        ///< dots of the pattern
+    std::size_t m_nFound = 0;       ///< dots in a grid at the pattern's pitch
+    std::vector<StRegion> m_aFound; ///< those
     /// Of those found, the ones that stood where the pattern's next dot was expected. Behind a
     /// missing dot the order is disturbed, and dots of the next columns are not accepted.
     std::size_t m_nAccepted = 0;

@@ -86,13 +86,6 @@ std::string RefusedText(const StTargetDiagnosis& Diagnosis) {
     return text;
 }
 
-/// "\n  The dot at (195, 551), column 4, row 7 of the pattern: 103.9 lines to the dot ...".
-std::string TextOf(const StRecordFault& Fault) {
-    return "\n  The dot at " + Place(Fault.m_At.m_dX, Fault.m_At.m_dY) + ", column " +
-           std::to_string(Fault.m_nColumn) + ", row " + std::to_string(Fault.m_nRow) +
-           " of the pattern: " + Fault.m_Words + ".";
-}
-
 Json JsonOf(const StRecordFault& Fault) {
     return {{"column", Fault.m_nColumn},
             {"row", Fault.m_nRow},
@@ -125,6 +118,12 @@ std::string TextOf(const StTargetDiagnosis& Diagnosis) {
     return text + "." + TextOf(Diagnosis.m_aGaps) + "\n  " + RefusedText(Diagnosis);
 }
 
+std::string SentenceOf(const StRecordFault& Fault) {
+    return "The dot at " + Place(Fault.m_At.m_dX, Fault.m_At.m_dY) + ", column " +
+           std::to_string(Fault.m_nColumn) + ", row " + std::to_string(Fault.m_nRow) +
+           " of the pattern: " + Fault.m_Words + ".";
+}
+
 Json JsonOf(const StTargetDiagnosis& Diagnosis) {
     Json json = {{"dots", Diagnosis.m_nDots},
                  {"found", Diagnosis.m_nFound},
@@ -142,13 +141,13 @@ Json JsonOf(const StTargetDiagnosis& Diagnosis) {
 ClRefusedTarget::ClRefusedTarget(const std::string& Message, const StTargetDiagnosis& Diagnosis,
                                  const std::string& Advice)
     : ClFailure(Message + TextOf(Diagnosis) + "\n  " + Advice), m_Message(Message),
-      m_Diagnosis(Diagnosis) {}
+      m_Advice(Advice), m_Diagnosis(Diagnosis) {}
 
 ClUnloadableRecord::ClUnloadableRecord(const std::string& Message, const StRecordFault& Fault,
                                        const StTargetDiagnosis& Diagnosis,
                                        const std::string& Advice)
-    : ClFailure(Message + TextOf(Fault) + "\n  " + Advice), m_Message(Message), m_Fault(Fault),
-      m_Diagnosis(Diagnosis) {}
+    : ClFailure(Message + "\n  " + SentenceOf(Fault) + "\n  " + Advice), m_Message(Message),
+      m_Advice(Advice), m_Fault(Fault), m_Diagnosis(Diagnosis) {}
 
 Json FailureJson(const std::string& Path, const std::exception& Error) {
     if (const auto* pRefused = dynamic_cast<const ClRefusedTarget*>(&Error))
@@ -158,7 +157,8 @@ Json FailureJson(const std::string& Path, const std::exception& Error) {
     if (const auto* pUnloadable = dynamic_cast<const ClUnloadableRecord*>(&Error))
         return {{"file", Path},
                 {"error", pUnloadable->Message()},
-                {"dot", JsonOf(pUnloadable->Fault())}};
+                {"dot", JsonOf(pUnloadable->Fault())},
+                {"target", JsonOf(pUnloadable->Diagnosis())}};
     return {{"file", Path}, {"error", WordsOf(Error)}};
 }
 

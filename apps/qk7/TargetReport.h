@@ -17,6 +17,9 @@ namespace qk7 {
 /// "\n  74 of 75 dots found." They name a few places for each reason.
 std::string TextOf(const StTargetDiagnosis& Diagnosis);
 
+/// "The dot at (195, 551), column 4, row 7 of the pattern: 103.9 lines to the dot ...".
+std::string SentenceOf(const StRecordFault& Fault);
+
 /// "dots", "found", "accepted", "missing" with places, "refused" with a count and up to 100 regions
 /// for each reason.
 nlohmann::ordered_json JsonOf(const StTargetDiagnosis& Diagnosis);
@@ -31,9 +34,11 @@ public:
     const StTargetDiagnosis& Diagnosis() const { return m_Diagnosis; }
     /// Without the diagnosis.
     const std::string& Message() const { return m_Message; }
+    const std::string& Advice() const { return m_Advice; }
 
 private:
     std::string m_Message;
+    std::string m_Advice;
     StTargetDiagnosis m_Diagnosis;
 };
 
@@ -48,15 +53,17 @@ public:
     const StTargetDiagnosis& Diagnosis() const { return m_Diagnosis; }
     /// Without fault and advice.
     const std::string& Message() const { return m_Message; }
+    const std::string& Advice() const { return m_Advice; }
 
 private:
     std::string m_Message;
+    std::string m_Advice;
     StRecordFault m_Fault;
     StTargetDiagnosis m_Diagnosis;
 };
 
-/// "file" and "error"; "target" of a `ClRefusedTarget`, "dot" with "column", "row" and its place in
-/// the capture of a `ClUnloadableRecord`.
+/// "file" and "error"; "target" of a `ClRefusedTarget` and of a `ClUnloadableRecord`, and of the
+/// latter "dot" with "column", "row" and its place in the capture.
 nlohmann::ordered_json FailureJson(const std::string& Path, const std::exception& Error);
 
 } // namespace qk7

@@ -63,6 +63,7 @@ const std::vector<StExitStatus>& ExitStatuses() {
 void BuildTool(CLI::App& rApp) {
     rApp.set_version_flag("--version", "qk7 " QK7_VERSION);
     AddGenerate(rApp);
+    AddReport(rApp);
     AddCheck(rApp);
     AddCalibrate(rApp);
     AddContamination(rApp);

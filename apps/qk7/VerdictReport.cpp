@@ -51,13 +51,6 @@ std::string SecondLine(const StSecond& Second) {
                  Second.m_dMax, Second.m_dPercent, Second.m_dScale);
 }
 
-std::string Sentence(const StReason& Reason) {
-    std::string words = Reason.m_Words;
-    words[0] =
-        static_cast<char>(words[0] >= 'a' && words[0] <= 'z' ? words[0] - 'a' + 'A' : words[0]);
-    return "  " + words + ".\n";
-}
-
 Json Pair(const StPoint& Point) {
     return {Point.m_dX, Point.m_dY};
 }
@@ -155,6 +148,13 @@ diagnosis::Reasons StJudged::Reasons() const {
     return reasons;
 }
 
+std::string SentenceOf(const StReason& Reason) {
+    std::string words = Reason.m_Words;
+    words[0] =
+        static_cast<char>(words[0] >= 'a' && words[0] <= 'z' ? words[0] - 'a' + 'A' : words[0]);
+    return words + ".";
+}
+
 std::string VerdictOf(const StJudged& Judged) {
     return Judged.IsGood() ? "good" : "doubtful";
 }
@@ -163,7 +163,7 @@ std::string TextOf(const std::string& Calibration, const StJudged& Judged,
                    const std::string& Verdict) {
     std::string text = Calibration + ": " + Verdict + "\n";
     for (const StReason& reason : Judged.Reasons())
-        text += Sentence(reason);
+        text += "  " + SentenceOf(reason) + "\n";
     text += FigureLines(Judged.m_First);
     return Judged.m_Second ? text + SecondLine(*Judged.m_Second) : text;
 }

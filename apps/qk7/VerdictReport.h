@@ -21,6 +21,9 @@ struct StJudged {
     diagnosis::Reasons Reasons() const;
 };
 
+/// The words of a reason, with a capital letter and a full stop.
+std::string SentenceOf(const diagnosis::StReason& Reason);
+
 /// "good" or "doubtful".
 std::string VerdictOf(const StJudged& Judged);
 

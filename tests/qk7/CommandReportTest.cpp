@@ -1,0 +1,188 @@
+/// `qk7 report`: the page of one scanner. That its numbers are those of the other commands, and
+/// that it is sound HTML, check_pages holds.
+
+#include "qk7/CommandRunner.h"
+#include "qk7/Direct.h"
+#include "qk7/Documents.h"
+#include "qk7/Targets.h"
+#include "qk7/TestFiles.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+using namespace TestSupport;
+using nlohmann::json;
+using qk7::Bytes;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+using Names = std::set<std::string>;
+
+/// The target at another pitch.
+Bytes TargetOfPitch(double dScale) {
+    sim::ClTargetSettings target;
+    target.m_dScale = dScale;
+    return RawTarget(target);
+}
+
+class Qk7Report : public testing::Test {
+protected:
+    StEnded Report(const Bytes& Target, const Arguments& more = {}) {
+        Put(m_Folder / "target.bmp", Target);
+        Arguments arguments = {"report", "target.bmp", "-o", "page.html"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return Qk7(arguments, m_Folder.Path());
+    }
+    std::string Page() { return ToText(Get(m_Folder / "page.html")); }
+
+    ClTestFolder m_Folder;
+};
+
+} // namespace
+
+TEST_F(Qk7Report, TellsThatACalibrationIsGood) {
+    const StEnded ended = Report(RawTarget());
+
+    EXPECT_EQ(ended.m_nExit, 0) << ended.m_Err;
+    EXPECT_EQ(ended.m_Out, "page.html: good\n");
+    EXPECT_THAT(Page(), HasSubstr("<title>target.bmp: good</title>"));
+    EXPECT_THAT(Page(), HasSubstr("A second one, laid anew, tells more."));
+    EXPECT_THAT(Page(), Not(HasSubstr("What to do")));
+    EXPECT_EQ(m_Folder.Names(), (Names{"page.html", "target.bmp"}));
+}
+
+TEST_F(Qk7Report, TellsWhyACalibrationIsDoubtfulAndWhatToDo) {
+    const StEnded ended = Report(TargetOfPitch(1.02));
+
+    EXPECT_EQ(ended.m_nExit, 3);
+    EXPECT_THAT(ended.m_Out, StartsWith("page.html: doubtful\n  The pattern is "));
+    EXPECT_THAT(Page(), HasSubstr("<title>target.bmp: doubtful</title>"));
+    EXPECT_THAT(Page(), HasSubstr("<li>The pattern is "));
+    EXPECT_THAT(Page(), HasSubstr("<strong>What to do:</strong> Check the pitch of the plate"));
+    EXPECT_THAT(Page(), HasSubstr("beyond the limit"));
+}
+
+TEST_F(Qk7Report, TellsWhatWasFoundOfATargetThatIsRefused) {
+    Put(m_Folder / "empty.bmp", EmptyPlaten());
+    const StEnded ended =
+        Report(RawTarget(Without({30})), {"--empty", "empty.bmp", "--finger", "empty.bmp"});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_THAT(ended.m_Out, StartsWith("page.html: refused\n  -600 The calibration failed"));
+    EXPECT_EQ(ended.m_Err, "");
+    const std::string page = Page();
+    EXPECT_THAT(page, HasSubstr("data-figure=\"generate/target/found\" data-value=\"74\""));
+    EXPECT_THAT(page, HasSubstr("column 3, row 10"));
+    EXPECT_THAT(page, HasSubstr("data-figure=\"contamination/platen/noise\""));
+    EXPECT_THAT(page, HasSubstr("It is not corrected: there is no calibration."));
+    EXPECT_THAT(page, Not(HasSubstr("Main figures")));
+}
+
+TEST_F(Qk7Report, TellsOfABlockThatDoesNotLoad) {
+    const StEnded ended = Report(RawTarget(), {"--calibration", "wrong.cal"});
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_THAT(ended.m_Err, HasSubstr("wrong.cal: No such file"));
+
+    Put(m_Folder / "wrong.cal", CalibrationWithDotMoved(38, 0.0F, 40.0F));
+    const StEnded refused = Report(RawTarget(), {"--calibration", "wrong.cal"});
+    EXPECT_EQ(refused.m_nExit, 1);
+    EXPECT_THAT(refused.m_Out, StartsWith("page.html: refused\n  -39 The input is corrupt"));
+    EXPECT_THAT(Page(), HasSubstr("column 4, row 7 of the pattern"));
+    EXPECT_THAT(Page(), HasSubstr("Derive the calibration anew."));
+}
+
+TEST_F(Qk7Report, JudgesAStoredBlockInPlaceOfADerivedOne) {
+    Put(m_Folder / "moved.cal", CalibrationWithDotMoved(38, 0.0F, 9.0F));
+    const StEnded ended = Report(RawTarget(), {"--calibration", "moved.cal"});
+
+    EXPECT_EQ(ended.m_nExit, 3);
+    EXPECT_THAT(ended.m_Out, HasSubstr("column 4, row 7 of the pattern"));
+    EXPECT_THAT(Page(), HasSubstr("<dt>Calibration</dt><dd>moved.cal</dd>"));
+}
+
+TEST_F(Qk7Report, LeavesNoHalfPageWhereAnInputFails) {
+    Put(m_Folder / "page.html", ToBytes("old"));
+    Put(m_Folder / "text.bmp", ToBytes("no picture"));
+    for (const Arguments& more :
+         {Arguments{"--finger", "none.bmp"}, Arguments{"--empty", "text.bmp"},
+          Arguments{"--second", "text.bmp"}, Arguments{"--finger", "*.png"}}) {
+        const StEnded ended = Report(RawTarget(), more);
+        EXPECT_EQ(ended.m_nExit, 1) << more[1];
+        EXPECT_THAT(ended.m_Err, HasSubstr(more[1]));
+        EXPECT_EQ(Page(), "old") << more[1];
+    }
+    EXPECT_EQ(m_Folder.Names(), (Names{"page.html", "target.bmp", "text.bmp"}));
+}
+
+TEST_F(Qk7Report, ToldFingersThatTheLibraryRefusesDoNotChangeTheVerdict) {
+    Put(m_Folder / "small.bmp", GreyBlock(300, 300));
+    const StEnded ended = Report(RawTarget(), {"--finger", "small.bmp"});
+
+    EXPECT_EQ(ended.m_nExit, 0) << ended.m_Err;
+    EXPECT_THAT(Page(), HasSubstr("The library does not correct it: -14 "));
+}
+
+TEST_F(Qk7Report, WritesThePageToStandardOutput) {
+    Put(m_Folder / "target.bmp", RawTarget());
+    const StEnded ended = Qk7({"report", "target.bmp", "-o", "-"}, m_Folder.Path());
+
+    EXPECT_EQ(ended.m_nExit, 0);
+    EXPECT_THAT(ended.m_Out, StartsWith("<!DOCTYPE html>"));
+    EXPECT_EQ(ended.m_Err, "standard output: good\n");
+}
+
+TEST_F(Qk7Report, EscapesNames) {
+    const std::string name = "<b>&\".bmp";
+    Put(m_Folder / name, RawTarget());
+    const StEnded ended =
+        Qk7({"report", name, "--title", "<i>&\"", "-o", "page.html"}, m_Folder.Path());
+
+    EXPECT_EQ(ended.m_nExit, 0) << ended.m_Err;
+    EXPECT_THAT(Page(), HasSubstr("<h1>&lt;i&gt;&amp;&quot;</h1>"));
+    EXPECT_THAT(Page(), HasSubstr("<dd>&lt;b&gt;&amp;&quot;.bmp</dd>"));
+    EXPECT_THAT(Page(), Not(HasSubstr("<i>")));
+    EXPECT_THAT(Page(), Not(HasSubstr("<b>")));
+}
+
+TEST_F(Qk7Report, IsTheSameEachTime) {
+    Report(RawTarget());
+    const std::string first = Page();
+    Report(RawTarget());
+    EXPECT_EQ(Page(), first);
+}
+
+TEST_F(Qk7Report, RefusesCallsThatMakeNoSense) {
+    Put(m_Folder / "target.bmp", RawTarget());
+    const auto words = [&](const Arguments& arguments) {
+        const StEnded ended = Qk7(arguments, m_Folder.Path());
+        EXPECT_EQ(ended.m_nExit, 2);
+        return ended.m_Err;
+    };
+    EXPECT_THAT(words({"report", "-o", "x.html"}), HasSubstr("name a capture of the target"));
+    EXPECT_THAT(words({"report", "target.bmp", "--batch", ".", "-o", "x"}),
+                HasSubstr("--batch takes all files from its folders"));
+    EXPECT_THAT(words({"report", "target.bmp", "-o", "target.bmp"}), HasSubstr("is an input"));
+    EXPECT_THAT(
+        words({"report", "target.bmp", "--reference", "a", "--calibration", "b", "-o", "x"}),
+        HasSubstr("--reference is for a calibration that is derived"));
+    EXPECT_THAT(words({"report", "--batch", ".", "-o", "-"}), HasSubstr("name a folder"));
+    EXPECT_THAT(words({"report", "target.bmp", "-o", "-", "--json"}), HasSubstr("JSON"));
+}
+
+TEST_F(Qk7Report, PrintsVerdictAndFiguresAsJson) {
+    Put(m_Folder / "empty.bmp", EmptyPlaten());
+    const StEnded ended = Report(TargetOfPitch(1.02), {"--json", "--empty", "empty.bmp"});
+
+    EXPECT_EQ(ended.m_nExit, 3);
+    const json result = ResultsOf(ended.m_Out, "report").at(0);
+    EXPECT_EQ(result["verdict"], "doubtful");
+    EXPECT_EQ(result["reasons"].size(), 1U);
+    EXPECT_NEAR(result["figures"]["generate/plate/middle/scale/0"].get<double>(), 1.02, 0.002);
+    EXPECT_EQ(result["platen"]["file"], "empty.bmp");
+    EXPECT_EQ(result["platen"]["figures"]["contamination/contamination_level"],
+              DirectContamination(EmptyPlaten()));
+}
