@@ -19,6 +19,7 @@ struct StFrame {
     int m_nHeight = 0;
     StDensity m_Density;    ///< pixels per millimetre
     bool m_bUpward = false; ///< line 0 is the lowest: as bitmaps whose last line is the highest
+    const char* m_szWhat = "capture"; ///< for the words at its axes
 };
 
 struct StDot {

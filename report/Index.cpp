@@ -175,10 +175,10 @@ std::string HeadMarkup(const char* szFile, const char* szName, const char* szCur
 
 std::string CellMarkup(const StEntry& Entry, const StFigure& Figure, bool bOutlier) {
     const std::optional<double> dValue = ValueOf(Entry.m_Values, Figure.m_szId);
+    if (!dValue)
+        return "<td class=\"empty\">\u2013</td>";
     const std::string sCell =
         std::string("<td class=\"number\" data-column=\"") + Escaped(Figure.m_szName) + "\">";
-    if (!dValue)
-        return sCell + "<span class=\"none\">\u2013</span></td>";
     const std::string sNumber = NumberMarkup(Figure.m_szId, *dValue, Shown(Figure, *dValue));
     const char* szWhy = !IsWithin(Figure, *dValue) ? "beyond the limit" : "outlier";
     if (IsWithin(Figure, *dValue) && !bOutlier)

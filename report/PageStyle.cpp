@@ -82,7 +82,7 @@ tbody th { font-weight: 400; }
 .number { font-variant-numeric: tabular-nums; }
 td.number { white-space: nowrap; }
 td[data-column="Value"] { font-weight: 650; }
-.not, .none { color: var(--page-quiet); font-weight: 400; }
+.not, .none, .empty { color: var(--page-quiet); font-weight: 400; }
 .beyond { display: block; color: var(--page-doubtful); font-size: .8125rem; }
 .many { font-size: .875rem; }
 .many td, .many th { padding-top: .1875rem; padding-bottom: .1875rem; }
@@ -129,6 +129,10 @@ constexpr const char* g_szNarrow = R"(@media screen and (max-width: 60rem) {
   .figures tr > *, .limited tr > * { width: 100%; }
   td.number { white-space: normal; }
   .index .why { display: inline; }
+  .index .empty { display: none; }
+  .index thead { position: static; width: auto; height: auto; clip-path: none; white-space: normal; }
+  .index thead tr { display: flex; flex-wrap: wrap; gap: .125rem 1rem; }
+  .index thead th { width: auto; border: 0; }
   td.number::before { content: attr(data-column) ": "; color: var(--page-quiet); font-weight: 400; }
   .beyond { display: inline; }
 }

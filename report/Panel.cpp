@@ -10,7 +10,6 @@ namespace report {
 
 namespace {
 
-constexpr const char* cszLine = "line of the capture";
 constexpr double cdTick = 4.0;
 constexpr double cdMostProportion = 4.0;
 constexpr double cdColumnTicks = 68.0; ///< units from one to the next, or more
@@ -92,10 +91,11 @@ void DrawRawAxes(ClSvg& rSvg, const ClPanel& Panel, const StFrame& Frame) {
         rSvg.Line({Box.m_dX - cdTick, y}, {Box.m_dX, y}, mark::cszAxis);
         rSvg.Text({Box.m_dX - 6.0, y + 4.0}, Decimal(dLine, 0), mark::cszQuiet, EAnchor::eEnd);
     }
-    rSvg.Text({Box.Middle().m_dX, Box.Bottom() + 28.0}, "column of the capture", mark::cszQuiet,
-              EAnchor::eMiddle);
-    if (Box.m_dHeight > TextWidth(cszLine))
-        rSvg.UprightText({Box.m_dX - 36.0, Box.Middle().m_dY}, cszLine, mark::cszQuiet);
+    rSvg.Text({Box.Middle().m_dX, Box.Bottom() + 28.0},
+              std::string("column of the ") + Frame.m_szWhat, mark::cszQuiet, EAnchor::eMiddle);
+    const std::string sLine = std::string("line of the ") + Frame.m_szWhat;
+    if (Box.m_dHeight > TextWidth(sLine))
+        rSvg.UprightText({Box.m_dX - 36.0, Box.Middle().m_dY}, sLine, mark::cszQuiet);
 }
 
 } // namespace report

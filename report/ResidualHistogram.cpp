@@ -149,7 +149,8 @@ void ClDrawing::DrawAxis(double dUnit, double y, const char* szName) {
 
 /// Words about a place, as far within the drawing as they are.
 StBox ClDrawing::WordsAt(double x, const std::string& sWords) const {
-    const double dWidth = TextWidth(sWords);
+    constexpr double cdBold = 1.15; // letters as wide as of usual ones
+    const double dWidth = cdBold * TextWidth(sWords);
     const double dMost = std::max(cdBorder, cdWidth - cdBorder - dWidth);
     return {std::clamp(x - 0.5 * dWidth, cdBorder, dMost), 0.0, dWidth, 0.0};
 }

@@ -79,7 +79,8 @@ void NoteGaps(const StTargetDiagnosis& Target, const report::StFrame& Frame,
 }
 
 report::StFrame CorrectedFrame(const diagnosis::StRecord& Record, bool bUpward) {
-    return {Record.m_nTargetWidth, Record.m_nTargetHeight, Record.m_Target, bUpward};
+    return {Record.m_nTargetWidth, Record.m_nTargetHeight, Record.m_Target, bUpward,
+            "corrected image"};
 }
 
 /// Places 2 mm apart, as the dots are, over the whole corrected image.
