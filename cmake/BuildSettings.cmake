@@ -26,9 +26,14 @@ endif()
 set(TESSARIN_BATCH 8 CACHE STRING
     "Sources of a test program, or of the tool, compiled as one: 1 compiles each by itself, 0 all at once")
 
+set(TESSARIN_QUICK_OPTIONS -O0)
+if(CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE") # needs optimisation, and complains in every source
+    list(APPEND TESSARIN_QUICK_OPTIONS -U_FORTIFY_SOURCE)
+endif()
+
 # What is added to this directory from here on is built to be built quickly.
 macro(tessarin_build_quickly)
-    add_compile_options(-O0)
+    add_compile_options(${TESSARIN_QUICK_OPTIONS})
     if(NOT TESSARIN_BATCH EQUAL 1)
         set(CMAKE_UNITY_BUILD ON)
         set(CMAKE_UNITY_BUILD_BATCH_SIZE ${TESSARIN_BATCH})

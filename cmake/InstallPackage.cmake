@@ -40,11 +40,9 @@ install(CODE "
 install(FILES "${PROJECT_BINARY_DIR}/TessarinCalibrateSDK.pc"
     DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-set(CPACK_GENERATOR DEB TGZ)
+# An archive for systems without a package of their own; those of Debian are in packaging/debian.
+set(CPACK_GENERATOR TGZ)
 set(CPACK_PACKAGE_NAME libtessarincalibratesdk)
 set(CPACK_PACKAGE_CONTACT "The QK7 calibration team <qk7@example.org>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_DEBIAN_PACKAGE_SECTION libs)
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 include(CPack)
