@@ -35,7 +35,7 @@ foreach(symbol IN LISTS listed)
 endforeach()
 
 file(STRINGS "${DEBIAN}/changelog" newest LIMIT_COUNT 1)
-if(NOT newest MATCHES "^tessarincalibratesdk \\(([0-9.]+)-0qk7\\.[0-9]+\\) ")
+if(NOT newest MATCHES "^tessarincalibratesdk \\(([0-9.]+)-0team[0-9]+\\) ")
     message(SEND_ERROR "no entry of the usual form: ${newest}")
 elseif(NOT CMAKE_MATCH_1 VERSION_EQUAL VERSION)
     message(SEND_ERROR "the newest entry is of ${CMAKE_MATCH_1}, the project has ${VERSION}")
