@@ -26,8 +26,8 @@ StEntry Entry(const std::string& sName, EState eState, double dScale, double dNo
 }
 
 std::vector<StEntry> Line() {
-    return {Entry("a", EState::eGood, 1.0005),     Entry("b", EState::eDoubtful, 1.02),
-            Entry("c", EState::eGood, 0.9991),     Entry("d", EState::eRefused, 0.0),
+    return {Entry("a", EState::eGood, 1.0005),    Entry("b", EState::eDoubtful, 1.02),
+            Entry("c", EState::eGood, 0.9991),    Entry("d", EState::eRefused, 0.0),
             Entry("e", EState::eGood, 1.0, 2.5),  Entry("f", EState::eFailed, 0.0),
             Entry("g", EState::eGood, 1.0, 1.01), Entry("h", EState::eGood, 1.0, 1.02),
             Entry("i", EState::eGood, 1.0, 0.99), Entry("j", EState::eGood, 1.0, 0.98)};
