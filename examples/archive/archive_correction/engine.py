@@ -26,7 +26,7 @@ def cluster(scheduler: Optional[str], workers: int, threads: int) -> Iterator[An
         if scheduler is None:
             local = distributed.LocalCluster(
                 n_workers=workers, threads_per_worker=threads, processes=True,
-                dashboard_address=None, silence_logs=50)
+                dashboard_address=":0", silence_logs=50)
             address = {"address": ends.enter_context(local)}
         elif "://" in scheduler:
             address = {"address": scheduler}

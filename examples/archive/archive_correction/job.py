@@ -12,6 +12,7 @@ again.
 """
 from __future__ import annotations
 
+import contextlib
 import functools
 import hashlib
 import os
@@ -22,12 +23,12 @@ from collections.abc import Callable, Iterator, Sequence
 from typing import Any, NamedTuple, Optional
 
 from archive_correction.engine import Run
-from archive_correction.entry import Entry, judged
+from archive_correction.entry import Entry, fault_of_name, judged
 from archive_correction.forms import open_archive
 from archive_correction.journal import Journal
 from archive_correction.manifest import write_manifest
 from archive_correction.outcome import Outcome, refused
-from archive_correction.station import ASIDE, Order, Task, correct_batch
+from archive_correction.station import ASIDE, IMAGES, Order, Task, correct_batch
 from archive_correction.tables import digest_of
 
 _MOST_BYTES_OF_A_BLOCK = 1 << 20
@@ -130,14 +131,26 @@ class Job:
                 self._told(refused(entry, entry.fault))
 
     def _find_kept(self) -> None:
-        """What failed is tried again: a block may have been missing, a disk may have been away."""
+        """What failed is tried again: a block may have been missing, a disk may have been away. An
+        image whose capture or block is no longer the same goes.
+        """
         positions = {entry.name: position for position, entry in enumerate(self._entries)
                      if not entry.fault}
+        stale: set[str] = set()
         for place, outcome in self._journal.known():
             position = positions.get(outcome.capture)
+            holds = position is not None and self._holds(position, outcome)
             if position is not None:
-                self._places[position] = place if self._holds(position, outcome) else _NOT_DONE
+                self._places[position] = place if holds else _NOT_DONE
+            (stale.discard if holds else stale.add)(outcome.capture)
         self._kept = len(self._entries) - self._places.count(_NOT_DONE)
+        self._remove(stale)
+
+    def _remove(self, captures: set[str]) -> None:
+        for capture in captures:
+            if not fault_of_name(capture):
+                with contextlib.suppress(FileNotFoundError, NotADirectoryError):
+                    os.remove(os.path.join(self._plan.order.output, IMAGES, capture))
 
     def _holds(self, position: int, outcome: Outcome) -> bool:
         entry = self._entries[position]

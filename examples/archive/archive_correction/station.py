@@ -87,10 +87,10 @@ class Station:
         """JobFault where the worker lacks what it needs."""
         self._order = order
         try:
-            qk7.words(0)  # loads the library
+            self._with_options().close()
             self._archive = open_archive(order.archive)
             self._tables = TableCache(order.cache)
-        except (OSError, ValueError) as fault:
+        except (OSError, ValueError, qk7.CalibrationError) as fault:
             raise JobFault(str(fault)) from fault
         self._pool = HandlePool(self._started, order.handles)
 
@@ -119,11 +119,17 @@ class Station:
 
     def _loaded(self, block: bytes, table: qk7.ByteArray) -> qk7.Calibrator:
         with contextlib.ExitStack() as undone:
+            calibrator = undone.enter_context(self._with_options())
+            calibrator.set_data(block)
+            calibrator.set_precalculated_data(table)
+            undone.pop_all()
+        return calibrator
+
+    def _with_options(self) -> qk7.Calibrator:
+        with contextlib.ExitStack() as undone:
             calibrator = undone.enter_context(qk7.Calibrator())
             for option in (*self._order.options, "PrecalculatedData=true"):
                 calibrator.set_option(option)
-            calibrator.set_data(block)
-            calibrator.set_precalculated_data(table)
             undone.pop_all()
         return calibrator
 
