@@ -238,6 +238,11 @@ def test_bad_line_of_csv_is_told_by_its_number_and_the_others_are_read(tmp_path,
     assert [entry.fault[:7] for entry in told] == ["", "line 3:", ""]
 
 
+def test_row_of_another_length_is_told_so(tmp_path):
+    told = listed(tmp_path / "a.csv", "note,scanner,capture,sha256\n1,a,x\n").entries()
+    assert told[0].fault == "line 2: 4 cells are expected, not 3"
+
+
 def test_bytes_that_are_no_utf8_are_told(tmp_path):
     told = listed(tmp_path / "a.jsonl", b"\xff\xfe\n" + line().encode()).entries()
     assert [entry.fault[:7] for entry in told] == ["line 1:", ""]

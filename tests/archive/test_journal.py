@@ -9,7 +9,7 @@ from archive_correction.journal import Journal
 from archive_correction.manifest import COLUMNS, write_manifest
 from archive_correction.outcome import Outcome, refused
 
-GOOD = Outcome("a/x.bmp", "a", "stamp", "block", "sum", "", "images/a/x.bmp", 7, "sum2", 0.1, 1 / 3)
+GOOD = Outcome("a/x.bmp", "a", "stamp", "block", "sum", "", "images/a/x.bmp", 7, "sum2", 0.0, 1 / 3)
 BAD = refused(Entry("a/\udcff\u00fc,\n.bmp", "a"), "is no \"bitmap\" file")
 
 
@@ -99,7 +99,7 @@ def test_manifest_of_json_lines_tells_numbers_in_full_and_nothing_as_null(tmp_pa
     lines = open(write_manifest(str(tmp_path), "jsonl", [GOOD, BAD])).read().splitlines()
     good, bad = map(json.loads, lines)
     assert list(good) == list(bad) == list(COLUMNS)
-    assert (good["dirt_level"], good["dry_finger_level"], good["error"]) == (0.1, 1 / 3, None)
+    assert (good["dirt_level"], good["dry_finger_level"], good["error"]) == (0.0, 1 / 3, None)
     assert (bad["capture"], bad["output"], bad["dirt_level"], bad["error"]) == \
         (BAD.capture, None, None, BAD.error)
 

@@ -8,7 +8,7 @@ from collections.abc import Sequence
 from archive_correction.entry import MOST_BYTES, Entry, in_folder_of_scanner
 
 _ENCRYPTED = 1
-_FAULTS = (zipfile.BadZipFile, zlib.error, NotImplementedError, RuntimeError, EOFError)
+_FAULTS = (zipfile.BadZipFile, zlib.error, RuntimeError, EOFError)
 
 
 def _entry(info: zipfile.ZipInfo) -> Entry:
