@@ -40,7 +40,7 @@ def images(folder):
 @pytest.mark.skipif("QK7" not in os.environ, reason="QK7 has to name the tool")
 def test_commands_of_the_document_work(programs, tmp_path):
     blocks = commands()
-    assert len(blocks) == 8
+    assert len(blocks) == 9
     work = tmp_path / "work"
     work.mkdir()
     script = PRELUDE + CITATION + "".join(filter(can_run, blocks))
@@ -53,3 +53,5 @@ def test_commands_of_the_document_work(programs, tmp_path):
     by_tool = images(work / "corrected")
     assert len(by_tool) == (4 if shutil.which("parallel") else 2)
     assert by_tool.items() <= made.items()
+    cost = done.stdout.decode().splitlines()[-1]
+    assert f"prints\n\n    {cost}\n" in DOCUMENT.read_text()

@@ -1,6 +1,6 @@
 """Handles, lent to one thread at a time, and no more of them than are worth their memory.
 
-A handle is expensive to hold (some 15 MB) and cheap to use again, and a worker meets the scanners of
+A handle is expensive to hold (some 14 MB) and cheap to use again, and a worker meets the scanners of
 an archive in turns. So idle ones stay, and where there is no room the one that was used longest ago
 goes. Threads that correct captures of one scanner at the same time get a handle each.
 """
