@@ -8,6 +8,7 @@ import signal
 import subprocess
 import sys
 import threading
+import zipfile
 
 import pytest
 import qk7
@@ -65,8 +66,20 @@ def test_tree_is_corrected(run, plan, whole):
 
 
 def test_zip_is_corrected_to_the_same(run, whole, zipped):
-    assert run(archive=zipped).corrected == 60
+    assert run(archive=zipped, batch=7).corrected == 60
     whole()
+
+
+def test_zip_that_was_replaced_is_read_anew_by_workers_that_knew_the_former_one(run, plan, tree, tmp_path):
+    path = tmp_path / "captures.zip"
+    for number in "02", "04":
+        with zipfile.ZipFile(path, "w") as file:
+            for padding in range(int(number)):
+                file.writestr(f"padding{padding}", b"")
+            file.write(tree / f"loop/{number}.bmp", "loop/x.bmp")
+        assert run(archive=path)[:3] == (1, 0, 0)
+        [line] = lines(plan)
+        assert line["sha256"] == hashlib.sha256((tree / f"loop/{number}.bmp").read_bytes()).hexdigest()
 
 
 def write_list(path, tree, change=lambda number, fields: fields):
