@@ -70,16 +70,20 @@ def test_zip_is_corrected_to_the_same(run, whole, zipped):
     whole()
 
 
+def write_zip(path, captures):
+    """Captures under numbers in their order."""
+    with zipfile.ZipFile(path, "w") as file:
+        for number, capture in enumerate(captures):
+            file.write(capture, f"loop/{number:02}.bmp")
+
+
 def test_zip_that_was_replaced_is_read_anew_by_workers_that_knew_the_former_one(run, plan, tree, tmp_path):
-    path = tmp_path / "captures.zip"
-    for number in "02", "04":
-        with zipfile.ZipFile(path, "w") as file:
-            for padding in range(int(number)):
-                file.writestr(f"padding{padding}", b"")
-            file.write(tree / f"loop/{number}.bmp", "loop/x.bmp")
-        assert run(archive=path)[:3] == (1, 0, 0)
-        [line] = lines(plan)
-        assert line["sha256"] == hashlib.sha256((tree / f"loop/{number}.bmp").read_bytes()).hexdigest()
+    captures = sorted((tree / "loop").rglob("*.bmp"))
+    for order in captures, captures[::-1]:
+        write_zip(tmp_path / "captures.zip", order)
+        assert run(archive=tmp_path / "captures.zip", batch=1)[:3] == (20, 0, 0)
+        assert [line["sha256"] for line in lines(plan)] == \
+            [hashlib.sha256(capture.read_bytes()).hexdigest() for capture in order]
 
 
 def write_list(path, tree, change=lambda number, fields: fields):
