@@ -1,4 +1,4 @@
-"""The commands of docs/archives.md: run as they stand, one after the other, in a folder of their own."""
+"""The commands of docs/archives.md: run as they stand, in their order, in a folder of their own."""
 import os
 import pathlib
 import re

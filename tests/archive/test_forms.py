@@ -208,8 +208,10 @@ def line(**fields):
 
 def test_manifests_of_both_forms_tell_the_same(tmp_path):
     expected = [Entry("a/x, y.bmp", "a", DIGEST, DIGEST), Entry("z.bmp", "b", DIGEST, DIGEST)]
-    rows = f'note,capture,sha256,scanner\r\n1,"a/x, y.bmp",{DIGEST.upper()},a\r\n\r\n,z.bmp,{DIGEST},b\r\n'
-    lines = line(capture="a/x, y.bmp", sha256=DIGEST.upper()) + "\n" + line(capture="z.bmp", scanner="b")
+    rows = (f'note,capture,sha256,scanner\r\n1,"a/x, y.bmp",{DIGEST.upper()},a\r\n\r\n'
+            f',z.bmp,{DIGEST},b\r\n')
+    lines = (line(capture="a/x, y.bmp", sha256=DIGEST.upper()) + "\n"
+             + line(capture="z.bmp", scanner="b"))
     assert listed(tmp_path / "a.csv", "\ufeff" + rows).entries() == expected
     assert listed(tmp_path / "a.jsonl", "\ufeff" + lines).entries() == expected
     assert listed(tmp_path / "b.csv", rows.rstrip()).entries() == expected
@@ -221,10 +223,10 @@ def test_captures_lie_beside_the_manifest(small):
     assert archive.read(archive.entries()[0]) == b"content"
 
 
-@pytest.mark.parametrize("bad", ["no json", "[]", "7", "{", 3000 * "[", line(capture=7), line(capture=None),
-                                 line(capture=""), line(scanner=["a"]), line(sha256="12"),
-                                 line(sha256=64 * "g"), line(sha256=""), "{}", "NaN",
-                                 line(capture=20000 * "x")])
+@pytest.mark.parametrize("bad", ["no json", "[]", "7", "{", 3000 * "[", line(capture=7),
+                                 line(capture=None), line(capture=""), line(scanner=["a"]),
+                                 line(sha256="12"), line(sha256=64 * "g"), line(sha256=""), "{}",
+                                 "NaN", line(capture=20000 * "x")])
 def test_bad_line_of_json_is_told_by_its_number_and_the_others_are_read(tmp_path, bad):
     told = listed(tmp_path / "a.jsonl", line() + bad.rstrip("\n") + "\n" + line(capture="y")).entries()
     assert [entry.fault[:7] for entry in told] == ["", "line 2:", ""]

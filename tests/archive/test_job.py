@@ -77,7 +77,7 @@ def write_zip(path, captures):
             file.write(capture, f"loop/{number:02}.bmp")
 
 
-def test_zip_that_was_replaced_is_read_anew_by_workers_that_knew_the_former_one(run, plan, tree, tmp_path):
+def test_zip_that_was_replaced_is_read_anew_by_workers_that_knew_it(run, plan, tree, tmp_path):
     captures = sorted((tree / "loop").rglob("*.bmp"))
     for order in captures, captures[::-1]:
         write_zip(tmp_path / "captures.zip", order)
@@ -112,7 +112,8 @@ def test_manifest_has_the_order_of_the_list(run, plan, copied):
     reverse = (copied / "list.jsonl").read_text().splitlines()[::-1]
     (copied / "list.jsonl").write_text("\n".join(reverse))
     run(archive=copied / "list.jsonl", batch=7)
-    assert [line["capture"] for line in lines(plan)] == [json.loads(line)["capture"] for line in reverse]
+    assert [line["capture"] for line in lines(plan)] == \
+        [json.loads(line)["capture"] for line in reverse]
 
 
 # Workers that die

@@ -81,9 +81,11 @@ def test_other_options_in_the_same_folder_stop_the_job(call):
     assert "other options" in told
 
 
-@pytest.mark.parametrize("words", [[], ["a"], ["a", "-s", "b"], ["a", "-s", "b", "-o", "c", "--batch", "0"],
-                                   ["a", "-s", "b", "-o", "c", "--workers", "x"],
-                                   ["a", "-s", "b", "-o", "c", "--manifest", "xml"]])
+WHOLE = ["a", "-s", "b", "-o", "c"]
+
+
+@pytest.mark.parametrize("words", [[], ["a"], ["a", "-s", "b"], [*WHOLE, "--batch", "0"],
+                                   [*WHOLE, "--workers", "x"], [*WHOLE, "--manifest", "xml"]])
 def test_wrong_usage_is_told(words):
     with pytest.raises(SystemExit) as ended:
         program.main(words)

@@ -84,7 +84,8 @@ def raw(tree):
 
 @pytest.mark.parametrize("cut, words", [
     (0, "is no bitmap file"), (13, "is no bitmap file"), (14, "fewer than the header"),
-    (53, "fewer than the header"), (54, "are a block of"), (200_000, "are a block of"), (-1, "are a block of")])
+    (53, "fewer than the header"), (54, "are a block of"), (200_000, "are a block of"),
+    (-1, "are a block of")])
 def test_capture_that_is_cut_off_is_refused(correct, own, tree, cut, words):
     outcome = correct(X, order=own(raw(tree)[:cut]))
     assert words in outcome.error and outcome.output == ""
@@ -121,7 +122,8 @@ def test_capture_that_is_not_there_is_refused_without_the_path(correct):
 
 def test_bad_block_refuses_the_captures_of_its_scanner(correct, entry):
     outcome = correct(entry, block=b"no block")
-    assert outcome.error == f"the calibration block of the scanner: CalibrateSetData: -40 {qk7.words(-40)}"
+    assert outcome.error == \
+        f"the calibration block of the scanner: CalibrateSetData: -40 {qk7.words(-40)}"
 
 
 def test_bad_captures_leave_good_ones_of_the_batch_alone(order, block, tree):
