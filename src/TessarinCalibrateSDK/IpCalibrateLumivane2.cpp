@@ -71,15 +71,21 @@ void ClIpCalibrateLumivane2::CheckGrey(const ClImage& image) const {
 
 // One capture
 
+void ClIpCalibrateLumivane2::StKept::ClearLineEnds() {
+    for (ClImage* pImage : {&m_Warped, &m_Result})
+        pImage->FillAligment(0);
+}
+
 long ClIpCalibrateLumivane2::Process() {
     VekLFLog(Vek::eLogTrace, "ClIpCalibrateQK7::Process() Enter");
     if (m_pInImage == nullptr || m_pOutImage == nullptr)
         throw ClExTessarin(QMT_ERROR_PARAM_IS_MISSING, VEK_HERE);
     CheckGrey(*m_pInImage);
+    m_Kept.ClearLineEnds();
     if (m_pOutImage->Data() == nullptr)
         m_pOutImage->Swap(m_Kept.m_Result);
 
-    ClImage& corrected = m_eGeometricMode == eGeometricOff ? m_Kept.m_Copy : m_Kept.m_Warped;
+    ClImage& corrected = m_Kept.m_Warped;
     CorrectGeometry(corrected);
     m_DynamicCalibration.m_pInImage = &corrected;
     if (m_bDynamicFingerMask)

@@ -96,10 +96,12 @@ public:
         ClImage m_Capture;
         ClImage m_Sharpened;
         ClImage m_Warped;
-        ClImage m_Copy;        ///< of a capture that is not warped: a warp would keep its line ends
         ClImage m_NotAskedFor; ///< the corrected image where the mask is the output
         ClIpQK7FunctionalityCheck m_FunctionalityCheck;
         ClImage m_Result; ///< taken by the next output that comes without pixels
+
+        /// Line ends as new images have them: what works in here leaves them as they are.
+        void ClearLineEnds();
     };
     StKept m_Kept;
 

@@ -3,7 +3,9 @@
 #include "api/Api.h"
 #include "support/GuardedMemory.h"
 #include "support/Records.h"
+#include "support/TestData.h"
 
+#include <algorithm>
 #include <thread>
 
 using TestSupport::Bytes;
@@ -265,6 +267,26 @@ TEST(Calibrate, WithSplinesGivesNothingOfAnEarlierCapture) {
     Handle.Set("GeometricCalibrate=ThinPlateSpline");
     EXPECT_EQ(Handle.Corrected(Capture(48, 132)), aExpected);
     EXPECT_EQ(Bytes(aExpected.end() - 3, aExpected.end()), Bytes(3, 0)); // the line end
+}
+
+// An image without finger is white to the line ends, one with a finger is not.
+TEST(Calibrate, GivesNothingOfAnEarlierImage) {
+    const Bytes aFinger = TestSupport::DataBlock("dynamic/dry_raw.bmp");
+    ASSERT_EQ(Width(aFinger) % 4, 2);
+    Bytes aEmpty = aFinger;
+    std::fill(aEmpty.begin() + 40 + 1024, aEmpty.end(), 0xFF);
+    for (const char* szOutput : {"MaskIsOutput=false", "MaskIsOutput=true"}) {
+        ClApiHandle New;
+        ClApiHandle Used;
+        for (ClApiHandle* pHandle : {&New, &Used}) {
+            EXPECT_EQ(pHandle->SetData(TestSupport::DataFile("dynamic/dry.cal")), 0);
+            for (const char* szOption :
+                 {"GeometricCalibrate=oddLines", "DynamicFingerMask=true", szOutput})
+                pHandle->Set(szOption);
+        }
+        EXPECT_EQ(Used.Corrected(aEmpty).back(), 0xFF);
+        EXPECT_EQ(Used.Corrected(aFinger), New.Corrected(aFinger)) << szOutput;
+    }
 }
 
 TEST(Calibrate, WithSplinesTakesNothingButTheScannersSize) {

@@ -25,9 +25,10 @@ StRecord OfOtherSize() {
     return Record;
 }
 
-/// Large enough for a finger.
+/// Large enough for a finger where every other line is left out, with line ends, and with images of
+/// the same size in both modes.
 StRecord OfLargerSize() {
-    return PlausibleRecord(48, 80, 24, 32, cnPels);
+    return PlausibleRecord(77, 190, 77, 95, cnPels);
 }
 
 StRecord OfAnotherScanner() {
@@ -319,9 +320,9 @@ using Painter = unsigned char (*)(double u, double v);
 
 /// Ridges on a finger in the middle, dark on bright. `u` and `v` go from -1 to 1.
 unsigned char Finger(double u, double v) {
-    if (u * u + v * v > 0.5)
+    if (u * u + v * v > 0.7)
         return 220;
-    return static_cast<int>(12.0 * u + 18.0 * v + 40.0) % 2 == 0 ? 70 : 170;
+    return static_cast<int>(7.0 * u + 4.0 * v + 40.0) % 2 == 0 ? 70 : 170;
 }
 
 /// A platen with a dark blot and a shadow.
@@ -396,7 +397,7 @@ Bytes SpoiltCapture(ClChoices& rChoices, Bytes aBlock) {
 Bytes AnyCapture(ClChoices& rChoices, const StSize& Size) {
     static const StSize caOther[] = {{1, 1}, {7, 1}, {1, 7}, {5, 4}, {10, 9}, {33, 20}};
     static const int canDepths[] = {1, 4, 16, 24, 32};
-    const bool bUsable = Size.m_nWidth - 1 < 64 && Size.m_nHeight - 1 < 80; // not 0
+    const bool bUsable = Size.m_nWidth - 1 < 80 && Size.m_nHeight - 1 < 200; // not 0
     const StSize Used = bUsable && !rChoices.OneIn(8) ? Size : rChoices.Of(caOther);
     const int nBits = rChoices.OneIn(32) ? rChoices.Of(canDepths) : 8;
     Bytes aBlock = CaptureOf(rChoices, Used, nBits);
