@@ -54,4 +54,4 @@ def test_commands_of_the_document_work(programs, tmp_path):
     assert len(by_tool) == (4 if shutil.which("parallel") else 2)
     assert by_tool.items() <= made.items()
     cost = done.stdout.decode().splitlines()[-1]
-    assert f"prints\n\n    {cost}\n" in DOCUMENT.read_text()
+    assert f"prints\n\n```text\n{cost}\n```\n" in DOCUMENT.read_text()
