@@ -11,8 +11,9 @@ using Examples = std::vector<StExample>;
 const std::vector<std::pair<std::string, Examples>>& AllExamples() {
     static const std::vector<std::pair<std::string, Examples>> all = {
         {"simulate",
-         {{"qk7 simulate --seed 7 --kind whorl --kind empty -o scanner",
-           "the target, a finger and the empty platen, as a simulated scanner captures them"},
+         {{"qk7 simulate --seed 7 --kind whorl --kind empty --case laid -o scanner",
+           "the target, a finger and the empty platen, as a simulated scanner captures them, and "
+           "the target once more, laid anew"},
           {"qk7 simulate --seed 7 --kind loop --count 4 --format png -o captures",
            "four captures of loops by the same scanner, as PNG"},
           {"qk7 simulate --scanners 3 -o line",
@@ -21,7 +22,9 @@ const std::vector<std::pair<std::string, Examples>>& AllExamples() {
          {{"qk7 generate scanner/target.bmp -o scanner.cal --precalculated scanner.pre",
            "the calibration of the scanner, with the table for fast starts"},
           {"qk7 generate scanner/target.bmp -o scanner.cal --debug-image grid.png",
-           "the same, and a picture of the dots that were found"}}},
+           "the same, and a picture of the dots that were found"},
+          {"qk7 generate scanner/target.bmp -o scanner.cal --second scanner/target_laid.bmp",
+           "the same, tried on a second capture for which the target was laid anew"}}},
         {"precalculate",
          {{"qk7 precalculate -d scanner.cal -o scanner.pre",
            "the table of a calibration block that is there"}}},
