@@ -14,7 +14,7 @@ import numpy as np
 
 from qk7._bitmap import Bitmap
 from qk7._blocks import BlockLike, ByteArray, as_bytes, as_writable_bytes
-from qk7._library import library
+from qk7._library import shared_library
 from qk7._status import CalibrationError, Status, require
 
 
@@ -41,7 +41,7 @@ class InUseError(RuntimeError):
 
 
 def _delete(handle: int) -> None:
-    library().CalibrateDelete(ctypes.byref(ctypes.c_void_p(handle)))
+    shared_library().CalibrateDelete(ctypes.byref(ctypes.c_void_p(handle)))
 
 
 def _address(array: ByteArray) -> int:
@@ -107,7 +107,7 @@ class Calibrator:
         """
         if precalculated is not None and data is None:
             raise ValueError("a precalculated block needs the calibration block it belongs to")
-        handle: Optional[int] = library().CalibrateCreate()
+        handle: Optional[int] = shared_library().CalibrateCreate()
         if handle is None:
             raise CalibrationError(Status.QMT_ERROR_OUT_OF_MEMORY, "CalibrateCreate")
         self._handle: Optional[int] = handle
@@ -160,7 +160,7 @@ class Calibrator:
         if "\0" in option:
             raise ValueError("option: a text without zeros is expected")
         with self._open() as handle:
-            require(library().CalibrateSetOption(handle, option.encode()), "CalibrateSetOption")
+            require(shared_library().CalibrateSetOption(handle, option.encode()), "CalibrateSetOption")
 
     def get_option(self, key: str) -> str:
         """The value of an option: "Enabled", "Disabled" or that of the geometry."""
@@ -168,7 +168,7 @@ class Calibrator:
             raise ValueError("key: a text without zeros is expected")
         size = ctypes.c_ulong(0)
         with self._open() as handle:
-            get = library().CalibrateGetOption
+            get = shared_library().CalibrateGetOption
             status: int = get(handle, key.encode(), None, ctypes.byref(size))
             if status != Status.QMT_ERROR_TEMPLATE_SIZE:
                 raise CalibrationError(status, "CalibrateGetOption")
@@ -262,8 +262,8 @@ class Calibrator:
     @staticmethod
     def _calibrate(handle: int, source: ByteArray, target: ByteArray) -> tuple[int, int]:
         size = ctypes.c_ulong(target.size)
-        status = library().Calibrate(handle, _address(source), source.size, _address(target),
-                                     ctypes.byref(size))
+        status = shared_library().Calibrate(handle, _address(source), source.size, _address(target),
+                                            ctypes.byref(size))
         return status, size.value
 
     @property
@@ -271,8 +271,8 @@ class Calibrator:
         """The levels of the last capture that was corrected with dynamic_finger_mask."""
         dirt, dry_finger = ctypes.c_double(), ctypes.c_double()
         with self._open() as handle:
-            require(library().GetCalibrationWarningLevels(handle, ctypes.byref(dirt),
-                                                          ctypes.byref(dry_finger)),
+            require(shared_library().GetCalibrationWarningLevels(handle, ctypes.byref(dirt),
+                                                                 ctypes.byref(dry_finger)),
                     "GetCalibrationWarningLevels")
         return Levels(dirt.value, dry_finger.value)
 
@@ -293,10 +293,10 @@ class Calibrator:
     def _set(self, function: str, block: BlockLike) -> None:
         source = as_bytes(block, "block")
         with self._open() as handle:
-            require(getattr(library(), function)(handle, _address(source), source.size), function)
+            require(getattr(shared_library(), function)(handle, _address(source), source.size), function)
 
     def _get(self, function: str) -> ByteArray:
-        get = getattr(library(), function)
+        get = getattr(shared_library(), function)
         size = ctypes.c_ulong(0)
         with self._open() as handle:
             status: int = get(handle, None, ctypes.byref(size))
@@ -310,8 +310,8 @@ class Calibrator:
         source = as_bytes(block, "block")
         result = ctypes.c_double()
         with self._open() as handle:
-            require(getattr(library(), function)(handle, _address(source), source.size,
-                                                 ctypes.byref(result)), function)
+            require(getattr(shared_library(), function)(handle, _address(source), source.size,
+                                                        ctypes.byref(result)), function)
         return result.value
 
     # One thread at a time.

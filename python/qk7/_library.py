@@ -42,7 +42,7 @@ SIGNATURES: dict[str, tuple[Any, list[Any]]] = {
 
 
 @functools.lru_cache(maxsize=None)
-def library() -> ctypes.CDLL:
+def shared_library() -> ctypes.CDLL:
     """The library, loaded when it is first asked for.
 
     Raises OSError where it cannot be loaded, with what to do.

@@ -4,7 +4,7 @@ from __future__ import annotations
 import enum
 from typing import Optional
 
-from qk7._library import library
+from qk7._library import shared_library
 
 
 class Status(enum.IntEnum):
@@ -89,9 +89,10 @@ class Status(enum.IntEnum):
     #: An image operator was handed a null or empty image.
     QMT_ERROR_BAD_POINTER = -701
 
+
 def words(number: int) -> str:
     """The library's own words for a status; "Unknown error code." for a number that is none."""
-    text: bytes = library().GetErrorDescriptionIntern(number)
+    text: bytes = shared_library().GetErrorDescriptionIntern(number)
     return text.decode()
 
 

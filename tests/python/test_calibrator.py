@@ -33,7 +33,7 @@ def test_corrected_image_owns_no_more_than_it_needs(calibrator, capture, publish
 
 
 def test_size_is_learned_from_the_first_capture(calibrator, capture, published, monkeypatch):
-    library = qk7._library.library()
+    library = qk7._library.shared_library()
     calibrate, rooms = library.Calibrate, []
 
     def told(handle, source, source_size, target, size):

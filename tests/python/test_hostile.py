@@ -89,7 +89,7 @@ def test_arrays_are_handed_over_where_they_lie(calibrator, capture, monkeypatch)
         seen.append((source, source_size, target, size._obj.value))
         return -2
 
-    monkeypatch.setattr(qk7._library.library(), "Calibrate", calibrate)
+    monkeypatch.setattr(qk7._library.shared_library(), "Calibrate", calibrate)
     out = np.empty(123, np.uint8)
     with pytest.raises(qk7.CalibrationError):
         calibrator.correct(capture.block, out)

@@ -27,7 +27,7 @@ CALLS = [
 @pytest.fixture
 def deleted(monkeypatch):
     """The handles that were released, while they are."""
-    library = _library.library()
+    library = _library.shared_library()
     release, handles = library.CalibrateDelete, []
 
     def delete(pointer):
@@ -71,7 +71,7 @@ def test_calibrator_that_cannot_be_made_releases_its_handle(deleted):
 
 
 def test_missing_memory_is_told(monkeypatch):
-    monkeypatch.setattr(_library.library(), "CalibrateCreate", lambda: None)
+    monkeypatch.setattr(_library.shared_library(), "CalibrateCreate", lambda: None)
     with pytest.raises(qk7.CalibrationError) as caught:
         qk7.Calibrator()
     assert caught.value.number == qk7.Status.QMT_ERROR_OUT_OF_MEMORY
@@ -95,7 +95,7 @@ def test_handle_is_not_copied():
 PROGRAM = """
 import threading, qk7, qk7._library
 
-qk7._library.library().CalibrateDelete = lambda pointer: print("released", flush=True)
+qk7._library.shared_library().CalibrateDelete = lambda pointer: print("released", flush=True)
 calibrator = qk7.Calibrator()
 large = qk7.Bitmap.blank(3000, 3000)
 begun = threading.Event()
@@ -128,7 +128,7 @@ def test_second_thread_is_refused(monkeypatch, call):
         return 0
 
     with qk7.Calibrator() as calibrator:
-        monkeypatch.setattr(_library.library(), "ContaminationDetection", held)
+        monkeypatch.setattr(_library.shared_library(), "ContaminationDetection", held)
         thread = threading.Thread(target=calibrator.contamination, args=(bytes(40),))
         thread.start()
         try:

@@ -75,4 +75,4 @@ def test_numbers_that_are_none_have_no_name():
 def test_library_that_is_not_there_is_told_with_what_to_do(monkeypatch):
     monkeypatch.setenv("QK7_LIBRARY", "/nowhere/lib.so")
     with pytest.raises(OSError, match="/nowhere/lib.so.*QK7_LIBRARY"):
-        _library.library.__wrapped__()
+        _library.shared_library.__wrapped__()
