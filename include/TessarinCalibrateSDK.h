@@ -178,16 +178,16 @@ TESSARIN_CALIBRATE_API long CalibrateDelete(void** handle);
  * to case and by their beginning: text behind a key or behind a value is tolerated, and blanks
  * behind the equals sign are skipped. Options may be set at any time; they act from the next call.
  *
- *   DynamicFingerMask   true | enable, false | disable   default true. Even out the light, find
+ *   DynamicFingerMask   true | enable, false | disable;  default true. Even out the light, find
  *                       the finger and whiten the rest.
- *   SensitiveMode       true | enable, false | disable   default false. Accept faint fingers.
- *   GeometricCalibrate  ThinPlateSpline | true | enable, oddLines | false | disable, off
+ *   SensitiveMode       true | enable, false | disable;  default false. Accept faint fingers.
+ *   GeometricCalibrate  ThinPlateSpline | true | enable, oddLines | false | disable, off;
  *                       default ThinPlateSpline. How the geometry is corrected. oddLines keeps
  *                       every second line; off needs DynamicFingerMask=false.
- *   MaskIsOutput        true | enable, false | disable   default false. Return the finger mask
+ *   MaskIsOutput        true | enable, false | disable;  default false. Return the finger mask
  *                       (0 finger, 255 background) in place of the image; acts with
  *                       DynamicFingerMask only.
- *   PrecalculatedData   true | enable, false | disable   default false. CalibrateSetData() leaves
+ *   PrecalculatedData   true | enable, false | disable;  default false. CalibrateSetData() leaves
  *                       the warp table to CalibrateSetPrecalculatedData().
  *
  * @param option null-terminated text
