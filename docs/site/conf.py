@@ -20,6 +20,7 @@ html_title = f"{project} {version}"
 sys.path.insert(0, str(ROOT / "python"))
 extensions = ["myst_parser", "breathe", "sphinx.ext.autodoc", "sphinx.ext.napoleon"]
 autodoc_typehints = "description"
+autodoc_typehints_description_target = "documented_params"
 napoleon_use_ivar = True
 breathe_projects = {"headers": str(ROOT / "build/docs/xml")}
 breathe_default_project = "headers"

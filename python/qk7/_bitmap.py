@@ -152,7 +152,7 @@ class Bitmap:
 
     @property
     def picture(self) -> ByteArray:
-        """The same as viewers of bitmap files show it: the line stored first is the lowest."""
+        """The same as viewers of bitmap files show it, with the line stored first as the lowest."""
         return self.pixels[::-1]
 
     def __repr__(self) -> str:

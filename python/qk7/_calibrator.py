@@ -208,11 +208,11 @@ class Calibrator:
         self._set("CalibrateGenerateData", capture)
 
     def get_data(self) -> ByteArray:
-        """The calibration block, to keep with the scanner: shape (bytes,), a little more than 1 KiB."""
+        """The calibration block of shape (bytes,), a little more than 1 KiB, to keep with the scanner."""
         return self._get("CalibrateGetData")
 
     def get_precalculated_data(self) -> ByteArray:
-        """The precalculated block: shape (bytes,), about 5.3 MiB."""
+        """The precalculated block of shape (bytes,), about 5.3 MiB."""
         return self._get("CalibrateGetPrecalculatedData")
 
     # Images.
@@ -226,7 +226,7 @@ class Calibrator:
                 of the capture. Bytes behind the block stay as they are.
 
         Returns:
-            The corrected image: 320 x 480 pixels at 500 dots per inch as a rule. With `out` it is a
+            The corrected image, 320 x 480 pixels at 500 dots per inch as a rule. With `out` it is a
             view of its beginning.
 
         Raises:
