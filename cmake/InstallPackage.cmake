@@ -43,6 +43,7 @@ install(FILES "${PROJECT_BINARY_DIR}/TessarinCalibrateSDK.pc"
 # An archive for systems without a package of their own; those of Debian are in packaging/debian.
 set(CPACK_GENERATOR TGZ)
 set(CPACK_PACKAGE_NAME libtessarincalibratesdk)
+set(CPACK_SYSTEM_NAME "${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR}")
 set(CPACK_PACKAGE_CONTACT "The QK7 calibration team <qk7@example.org>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 include(CPack)
