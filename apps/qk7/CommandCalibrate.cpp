@@ -260,7 +260,7 @@ void RunCalibrate(const StCalibrateCall& Call) {
     const StScannerBlocks blocks = ReadBlocks(Call);
     const auto makeWork = [&] { return MakeWork(Call, blocks, inputs.m_aFiles, outputs); };
     // The blocks are judged before a folder is made.
-    FileWork first = makeWork();
+    const FileWork first = makeWork();
     if (IsFolder(Call, inputs))
         MakeFolders(Call.m_Output, outputs);
     StFileRun run;
@@ -269,7 +269,7 @@ void RunCalibrate(const StCalibrateCall& Call) {
     run.m_Done = "made";
     if (inputs.m_aFiles.size() > 1)
         run.m_LastWords = "interrupted; what is there is whole, --skip-existing goes on from it";
-    DoFiles(run, Call.m_Files, inputs.m_aFiles, std::move(first), makeWork);
+    DoFiles(run, Call.m_Files, inputs.m_aFiles, first, makeWork);
 }
 
 void AddScannerOptions(CLI::App& rCommand, StCalibrateCall& rCall) {

@@ -38,6 +38,7 @@ std::size_t JobsOf(const StFileOptions& Options, std::size_t nFiles) {
     return std::min<std::size_t>({nWanted, cnMostJobs, nFiles});
 }
 
+// As StTold. NOLINTNEXTLINE(bugprone-exception-escape)
 struct StOutcome {
     StTold m_Told;
     std::exception_ptr m_pFailure; ///< null when it did not fail

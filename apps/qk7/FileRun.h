@@ -37,6 +37,7 @@ void AddJobsOption(CLI::App& rCommand, StFileOptions& rOptions);
 enum class EForm { eSilent, eText, eJson };
 
 /// What is told of a file that did not fail.
+// A tree of Json takes memory when it ends. NOLINTNEXTLINE(bugprone-exception-escape)
 struct StTold {
     std::string m_Text;
     Json m_Json;
