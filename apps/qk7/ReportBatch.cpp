@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 namespace qk7 {
 
@@ -22,21 +23,24 @@ bool BeginsWith(const std::string& Name, const std::string& Front) {
     return Name.compare(0, Front.size(), Front) == 0;
 }
 
+/// Takes out the pictures that begin with a word.
+std::vector<std::string> TakeOut(const std::string& Word, std::vector<StInput>& rPictures) {
+    std::vector<std::string> taken;
+    const auto isTaken = [&](const StInput& picture) { return BeginsWith(picture.m_Name, Word); };
+    for (const StInput& picture : rPictures)
+        if (isTaken(picture))
+            taken.push_back(picture.m_Path);
+    rPictures.erase(std::remove_if(rPictures.begin(), rPictures.end(), isTaken), rPictures.end());
+    return taken;
+}
+
 /// Takes out those that begin with a word, and gives the one among them that counts.
-std::string TakeOut(const std::string& Word, const std::string& Folder,
+std::string TakeOne(const std::string& Word, const std::string& Folder,
                     std::vector<StInput>& rPictures) {
+    const std::vector<std::string> begun = TakeOut(Word, rPictures);
     std::vector<std::string> named;
-    std::vector<std::string> begun;
-    for (const StInput& picture : rPictures) {
-        if (fs::path(picture.m_Path).stem() == Word)
-            named.push_back(picture.m_Path);
-        else if (BeginsWith(picture.m_Name, Word))
-            begun.push_back(picture.m_Path);
-    }
-    rPictures.erase(
-        std::remove_if(rPictures.begin(), rPictures.end(),
-                       [&](const StInput& picture) { return BeginsWith(picture.m_Name, Word); }),
-        rPictures.end());
+    std::copy_if(begun.begin(), begun.end(), std::back_inserter(named),
+                 [&](const std::string& path) { return fs::path(path).stem() == Word; });
     const std::vector<std::string>& candidates = named.empty() ? begun : named;
     if (candidates.size() > 1)
         throw ClFailure(Folder, "has several pictures of one kind: " + FileNameOf(candidates[0]) +
@@ -164,13 +168,13 @@ StScannerFiles FilesInFolder(const std::string& Folder) {
     if (!pictures.empty() && !pictures[0].m_Fault.empty())
         throw ClFailure(Folder, "has no pictures (.bmp, .dib, .png).");
     StScannerFiles files;
-    files.m_Target = TakeOut("target", Folder, pictures);
+    files.m_Target = TakeOne("target", Folder, pictures);
     if (files.m_Target.empty())
         throw ClFailure(Folder, "has no capture of the target; its name has to begin with "
                                 "\"target\".");
-    files.m_Second = TakeOut("second", Folder, pictures);
-    files.m_Empty = TakeOut("empty", Folder, pictures);
-    TakeOut("ruled", Folder, pictures);
+    files.m_Second = TakeOne("second", Folder, pictures);
+    files.m_Empty = TakeOne("empty", Folder, pictures);
+    TakeOut("ruled", pictures);
     for (const StInput& picture : pictures)
         files.m_aFingers.push_back(picture.m_Path);
     std::error_code ignored;
