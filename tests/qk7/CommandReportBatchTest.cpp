@@ -88,6 +88,24 @@ TEST_F(Qk7ReportBatch, AScannerThatFailsStopsNoOther) {
     EXPECT_THAT(Page("index.html"), HasSubstr("<th scope=\"row\">none</th>"));
 }
 
+TEST_F(Qk7ReportBatch, TellsScannersInTheOrderOfTheirNames) {
+    for (const char* szName : {"m", "b", "10", "z", "9", "a", "x", "k"})
+        Add(std::string(szName) + "/target.bmp", ToBytes("no picture"));
+    const std::vector<std::string> names = {"10", "9", "a", "b", "k", "m", "one", "two", "x", "z"};
+
+    std::vector<std::string> told;
+    for (const json& result : ResultsOf(Batch({"--json"}).m_Out, "report"))
+        told.push_back(fs::path(result["file"].get<std::string>()).filename().string());
+    EXPECT_EQ(told, names);
+
+    const std::string index = Page("index-name.html");
+    std::size_t nAt = 0;
+    for (const std::string& name : names) {
+        nAt = index.find("<tr data-scanner=\"" + name + "\">", nAt);
+        ASSERT_NE(nAt, std::string::npos) << name;
+    }
+}
+
 TEST_F(Qk7ReportBatch, IsTheSameWhateverTheNumberOfThreads) {
     Add("three/target.bmp", RawTarget(Without({3})));
     const StEnded one = Batch({"--jobs", "1", "--quiet"});
