@@ -8,6 +8,7 @@
 #include "apps/qk7/File.h"
 #include "apps/qk7/Picture.h"
 #include "apps/qk7/Progress.h"
+#include "apps/qk7/SpoiltTargets.h"
 
 #include "sim/BitmapBlock.h"
 #include "sim/Capture.h"
@@ -208,13 +209,6 @@ StOrder SecondOrder(const std::string& Format) {
             }};
 }
 
-/// Five ways to spoil a target: two are refused, three accepted and wrong.
-const std::vector<std::string>& SpoiltCases() {
-    static const std::vector<std::string> cases = {"hidden_dot", "missing_dot", "wide_pitch",
-                                                   "stand_in_far", "glare_spot"};
-    return cases;
-}
-
 /// Two targets, the empty platen, and the kinds that were asked for.
 std::vector<StOrder> LineOrders(const StSimulateCall& Call, const std::string& Case) {
     std::vector<StOrder> orders;
@@ -231,14 +225,6 @@ std::vector<StOrder> LineOrders(const StSimulateCall& Call, const std::string& C
     return orders;
 }
 
-/// The spoilt ones lie evenly among the others: number n of them behind n - 1/2 of all parts.
-std::string CaseOf(const StSimulateCall& Call, std::uint64_t nScanner) {
-    for (std::uint64_t n = 0; n < Call.m_nSpoilt; ++n)
-        if ((2 * n + 1) * Call.m_nScanners / (2 * Call.m_nSpoilt) == nScanner)
-            return SpoiltCases()[n % SpoiltCases().size()];
-    return "";
-}
-
 /// "007" of 120.
 std::string LineFolder(const StSimulateCall& Call, unsigned int nScanner) {
     const std::string number = std::to_string(nScanner + 1);
@@ -249,10 +235,11 @@ std::string LineFolder(const StSimulateCall& Call, unsigned int nScanner) {
 std::vector<StSimulated> ScannersOf(const StSimulateCall& Call) {
     if (Call.m_nScanners == 0)
         return {{Call.m_Output, Call.m_nSeed, OrdersOf(Call)}};
+    const StLine line = {Call.m_nScanners, Call.m_nSpoilt};
     std::vector<StSimulated> scanners;
     for (unsigned int n = 0; n < Call.m_nScanners; ++n)
         scanners.push_back(
-            {LineFolder(Call, n), Call.m_nSeed + n, LineOrders(Call, CaseOf(Call, n))});
+            {LineFolder(Call, n), Call.m_nSeed + n, LineOrders(Call, SpoiltCase(line, n))});
     return scanners;
 }
 
