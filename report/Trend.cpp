@@ -13,8 +13,8 @@ namespace {
 
 constexpr double cdWidth = 400.0;
 constexpr double cdHeight = 176.0;
-constexpr StBox cPanel{46.0, 26.0, 250.0, 118.0};
-constexpr double cdLine = 13.0; ///< between words beside the panel
+constexpr StBox cPanel{46.0, 26.0, 240.0, 118.0}; // beside it 16 letters: "at least 0.9900"
+constexpr double cdLine = 13.0;                   ///< between words beside the panel
 constexpr double cdMostName = 120.0;
 constexpr std::size_t cnMostTold = 10;
 constexpr double cdMostValue = 1e12;

@@ -2,6 +2,8 @@
 
 #include "report/DrawingReader.h"
 #include "report/DrawingStyle.h"
+#include "report/Markup.h"
+#include "report/PageFigures.h"
 #include "report/ResidualHistogram.h"
 #include "report/Trend.h"
 
@@ -120,12 +122,12 @@ TEST(ReportResidualHistogram, DrawsResidualsThatAreAllTheSame) {
 }
 
 // Values from 4 to 8 and 0.06 of their span to each side: from 3.76 to 8.24, 118 units, the
-// lowest at 144. Four scanners share 250 units from 46 on.
+// lowest at 144. Four scanners share 240 units from 46 on.
 TEST(ReportTrend, DrawsValuesInTheirOrder) {
     const ClDrawingReader Drawing(DrawTrend(TrendOf({6.0, 4.0, 8.0, 5.0}), "trend"));
     const auto aPoints = Drawing.OfClass("point");
     ASSERT_EQ(aPoints.size(), 4U);
-    EXPECT_NEAR(Number(aPoints[1], "cx"), 46.0 + 250.0 * 1.5 / 4.0, 0.006);
+    EXPECT_NEAR(Number(aPoints[1], "cx"), 46.0 + 240.0 * 1.5 / 4.0, 0.006);
     EXPECT_NEAR(Number(aPoints[1], "cy"), 144.0 - 118.0 * 0.24 / 4.48, 0.006);
     EXPECT_NEAR(Number(aPoints[2], "cy"), 144.0 - 118.0 * 4.24 / 4.48, 0.006);
     EXPECT_EQ(Tip(aPoints[1]), "scanner 2: 4.0");
@@ -155,6 +157,23 @@ TEST(ReportTrend, NamesWhatIsBeyondALimitOrFlagged) {
     EXPECT_EQ(Drawing.Description(),
               "6 scanners in order of generation; values from 4.0 to 8.0, limit: at least 4.5, "
               "limit: at most 8.0, median 6.0; outliers: scanner 2 4.0, scanner 5 6.5.");
+}
+
+TEST(ReportTrend, HasRoomForTheLimitsOfEveryFigure) {
+    for (const StFigure& Figure : Figures()) {
+        StTrend Trend = TrendOf({0.5, 2.0});
+        Trend.m_nDecimals = Figure.m_nDecimals;
+        Trend.m_dLower = Figure.m_dLower;
+        Trend.m_dUpper = Figure.m_dUpper;
+        const auto aTexts = ClDrawingReader(DrawTrend(Trend, "trend")).Texts();
+        const auto told = [&](double dLimit) { return Decimal(dLimit, Figure.m_nDecimals); };
+        if (Figure.m_dLower) {
+            EXPECT_THAT(aTexts, Contains("at least " + told(*Figure.m_dLower)));
+        }
+        if (Figure.m_dUpper) {
+            EXPECT_THAT(aTexts, Contains("at most " + told(*Figure.m_dUpper)));
+        }
+    }
 }
 
 TEST(ReportTrend, KeepsWordsApartWhereLinesAreClose) {
