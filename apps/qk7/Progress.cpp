@@ -48,7 +48,7 @@ std::size_t CharacterBytes(const std::string& Text, std::size_t nAt) {
 /// A character as it is shown: what would move the cursor, and what is no character, is replaced.
 std::string Shown(const std::string& Character) {
     const unsigned char n = static_cast<unsigned char>(Character[0]);
-    const bool bControl = n < 0x20 || n == 0x7F || Character.rfind("\xC2", 0) == 0;
+    const bool bControl = n < 0x20 || n == 0x7F || n == 0xC2;
     return bControl || (Character.size() == 1 && n >= 0x80) ? "?" : Character;
 }
 
