@@ -150,6 +150,8 @@ constexpr const char* g_szPaper = R"(@page { size: A4; margin: 16mm 15mm; }
   thead { display: table-header-group; }
   p { orphans: 3; widows: 3; }
   nav { display: none; }
+  details::details-content { content-visibility: visible; }
+  summary { color: inherit; list-style: none; }
   a { color: inherit; text-decoration: none; }
   figure.plot svg { max-width: 82mm; }
   figure.picture img { max-width: 42mm; }
