@@ -98,12 +98,20 @@ Json ReasonsJson(const report::StScanner& Scanner) {
     return json;
 }
 
-/// Those of the list of figures, by their ids.
+bool IsOwn(const std::string& Name) {
+    const std::string front = "report/";
+    return Name.compare(0, front.size(), front) == 0;
+}
+
+/// Those of the list of figures, and what no other command tells, by their names.
 Json FiguresJson(const report::Values& Known) {
     Json json = Json::object();
     for (const report::StFigure& figure : report::Figures())
         if (const auto value = report::ValueOf(Known, figure.m_szId))
             json[figure.m_szId] = *value;
+    for (const auto& [name, value] : Known)
+        if (IsOwn(name))
+            json[name] = value;
     return json;
 }
 
