@@ -19,6 +19,7 @@ Points LeaveOneOut(const StRecord& Record) {
 
 std::vector<std::size_t> IndicesOf(const std::vector<StDotOff>& aDots) {
     std::vector<std::size_t> aIndices;
+    aIndices.reserve(aDots.size());
     for (const StDotOff& Dot : aDots)
         aIndices.push_back(Dot.m_nDot);
     return aIndices;
