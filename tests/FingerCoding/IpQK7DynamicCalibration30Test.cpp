@@ -250,6 +250,17 @@ TEST(IpQK7DynamicCalibration30, RejectsACaptureFromADirtLevelOf2000On) {
     EXPECT_GT(run.Dry(), 0.0); // the finger was found
 }
 
+/// Written over itself a capture goes the plain way.
+TEST(IpQK7DynamicCalibration30, RejectsFromADirtLevelOf2000OnOverTheCapture) {
+    ClTestImage image = Speckled(5);
+    ClIpQK7DynamicCalibration30 calibration;
+    calibration.m_pInImage = &image;
+    calibration.m_pOutImage = &image;
+    EXPECT_EQ(calibration.Apply(), 0);
+    EXPECT_EQ(calibration.m_dDirtWarningLevel, 100.0);
+    EXPECT_TRUE(IsWhite(image));
+}
+
 /// A seventh of the surroundings of every pixel of the speck is no background then.
 TEST(IpQK7DynamicCalibration30, MeasuresNoDirtBesideSaturatedPixels) {
     ClTestImage bright = SpeckledBeside(254);
