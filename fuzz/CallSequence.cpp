@@ -19,6 +19,7 @@ Fuzz::ClMilestone s_Measured("an accuracy is measured");
 Fuzz::ClMilestone s_Corrected("a capture is corrected");
 Fuzz::ClMilestone s_Table("a table is loaded");
 Fuzz::ClMilestone s_Missing("a call lacks memory");
+Fuzz::ClMilestone s_QuickFinger("a finger is found the quick way");
 
 class ClHardObserver : public Calls::ClObserver {
 public:
@@ -32,6 +33,7 @@ public:
         if (nStatus == 0)
             Succeed();
     }
+    void OnQuickFinger() override { s_QuickFinger.Reach(); }
     void OnBroken(const std::string& Promise) override { Fuzz::Require(false, Promise.c_str()); }
 
 private:

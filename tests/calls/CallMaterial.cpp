@@ -14,6 +14,8 @@ using TestSupport::StPoint;
 namespace {
 
 constexpr std::uint32_t cnPels = 2461; ///< small, so that the pattern is small
+constexpr std::uint32_t cnQuickPels = 9000;
+constexpr StSize cQuickSize = {69, 186};
 
 StRecord Good() {
     return PlausibleRecord(20, 24, 8, 10, cnPels);
@@ -87,6 +89,9 @@ const std::vector<Bytes>& UsualRecords() {
         RecordBlock(OfOtherSize()),
         RecordBlock(OfAnotherScanner()),
         RecordBlock(OfLargerSize()),
+        QuickScanner(),
+        QuickScanner(), // more often, because few captures show a finger
+        QuickScanner(),
         RecordBlock(WithTwinPoints(Good())),
         RecordBlock(LargeWithTwinPoints()),
         RecordBlock(OfThreePlanes()),
@@ -192,6 +197,14 @@ Bytes LongerRecord(ClChoices& rChoices) {
 }
 
 } // namespace
+
+Bytes QuickScanner() {
+    StRecord Record = PlausibleRecord(cQuickSize.m_nWidth, cQuickSize.m_nHeight,
+                                      cQuickSize.m_nWidth, cQuickSize.m_nHeight / 2, cnQuickPels);
+    Record.m_nSourcePelsX = cnQuickPels;
+    Record.m_nSourcePelsY = 2 * cnQuickPels;
+    return RecordBlock(Record);
+}
 
 Bytes AnyRecordBlock(ClChoices& rChoices) {
     switch (rChoices.Below(16)) {
@@ -325,6 +338,16 @@ unsigned char Finger(double u, double v) {
     return static_cast<int>(7.0 * u + 4.0 * v + 40.0) % 2 == 0 ? 70 : 170;
 }
 
+/// The same to one side, so that far from it there is a background, which is how a finger is
+/// told from dirt.
+unsigned char FingerAtTheSide(double u, double v) {
+    const double dX = u + 0.5;
+    const double dY = v + 0.5;
+    if (dX * dX + dY * dY > 0.6)
+        return 220;
+    return static_cast<int>(12.0 * u + 11.0 * v + 40.0) % 2 == 0 ? 70 : 170;
+}
+
 /// A platen with a dark blot and a shadow.
 unsigned char DirtyPlaten(double u, double v) {
     const double dX = u - 0.3;
@@ -345,18 +368,18 @@ void Paint(Painter pPainter, const StSize& Size, Bytes& rPixels) {
 }
 
 Bytes AnyPixels(ClChoices& rChoices, const StSize& Size, int nBits) {
-    static const Painter capPainters[] = {Finger, DirtyPlaten, CleanPlaten};
+    static const Painter capPainters[] = {Finger, FingerAtTheSide, DirtyPlaten, CleanPlaten};
     const auto First = NoisePool().begin() + rChoices.Below(16) * 64;
     Bytes aPixels(First,
                   First + static_cast<std::ptrdiff_t>(
                               TestSupport::WordsStride(nBits, Size.m_nWidth) * Size.m_nHeight));
-    if (nBits == 8 && rChoices.OneIn(2))
+    if (nBits == 8 && !rChoices.OneIn(4))
         Paint(rChoices.Of(capPainters), Size, aPixels);
     return aPixels;
 }
 
 /// A block with two palette entries: small, and read like one with all of them.
-Bytes CaptureOf(ClChoices& rChoices, const StSize& Size, int nBits) {
+Bytes CaptureOf(const StSize& Size, int nBits, const Bytes& aPixels) {
     StHead Head;
     Head.m_nWidth = Size.m_nWidth;
     Head.m_nHeight = Size.m_nHeight;
@@ -366,7 +389,7 @@ Bytes CaptureOf(ClChoices& rChoices, const StSize& Size, int nBits) {
     Head.m_nPelsY = 4967;
     Bytes aBlock = TestSupport::HeaderBytes(Head);
     aBlock.resize(aBlock.size() + 4 * Head.m_nClrUsed);
-    TestSupport::Append(aBlock, AnyPixels(rChoices, Size, nBits));
+    TestSupport::Append(aBlock, aPixels);
     return aBlock;
 }
 
@@ -400,8 +423,14 @@ Bytes AnyCapture(ClChoices& rChoices, const StSize& Size) {
     const bool bUsable = Size.m_nWidth - 1 < 80 && Size.m_nHeight - 1 < 200; // not 0
     const StSize Used = bUsable && !rChoices.OneIn(8) ? Size : rChoices.Of(caOther);
     const int nBits = rChoices.OneIn(32) ? rChoices.Of(canDepths) : 8;
-    Bytes aBlock = CaptureOf(rChoices, Used, nBits);
+    Bytes aBlock = CaptureOf(Used, nBits, AnyPixels(rChoices, Used, nBits));
     return rChoices.OneIn(16) ? SpoiltCapture(rChoices, std::move(aBlock)) : aBlock;
+}
+
+Bytes QuickFinger() {
+    Bytes aPixels(TestSupport::WordsStride(8, cQuickSize.m_nWidth) * cQuickSize.m_nHeight);
+    Paint(FingerAtTheSide, cQuickSize, aPixels);
+    return CaptureOf(cQuickSize, 8, aPixels);
 }
 
 const Bytes& TargetCapture() {

@@ -29,6 +29,11 @@ Bytes AnyTableBlock(ClChoices& rChoices, const Digest& aHash, const StSize& Sour
 /// A capture of any kind; of this size where it is a good one.
 Bytes AnyCapture(ClChoices& rChoices, const StSize& Size);
 
+/// The calibration block of a scanner, and a finger on it, that are as small as the dynamic step
+/// calibrates the quick way. Images are of one size in both modes, and their lines have ends.
+Bytes QuickScanner();
+Bytes QuickFinger();
+
 /// Painted targets: as a scanner takes them, and as they are when corrected.
 const Bytes& TargetCapture();
 const Bytes& CorrectedTarget();

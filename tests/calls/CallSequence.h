@@ -35,6 +35,8 @@ public:
                         const char* /*szText*/) {}
     /// An answer to it, and whether an allocation was made to fail on the way.
     virtual void OnAnswer(long /*nStatus*/, bool /*bFault*/) {}
+    /// The dynamic step has found a finger in an image that it calibrates the quick way.
+    virtual void OnQuickFinger() {}
     /// A promise does not hold.
     virtual void OnBroken(const std::string& Promise) = 0;
 };

@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::size_t cnRoomForResults = 300000; ///< a result of a whole scanner and more
 constexpr std::size_t cnPixelsAt = 40 + 1024;
+constexpr std::size_t cnMostEntries = 8000; ///< of a table that is prepared twice: a millisecond
 
 StSize SourceOf(const StTable& Sizes) {
     return {Sizes.m_nSourceWidth, Sizes.m_nSourceHeight};
@@ -101,6 +102,23 @@ bool IsBackgroundRight(const StTable& Table, const Bytes& aOut) {
                 aOut[cnPixelsAt + y * LineBytes(Table.m_nTargetWidth) + x] != Table.m_nBackground)
                 return false;
     return true;
+}
+
+/// Whether the dynamic step calibrates images like this one the quick way.
+bool IsOrdinary(const StForecast& Forecast) {
+    const auto Side = [](std::uint32_t n) { return n >= 53 && n <= 2048; };
+    const auto Pels = [](std::uint32_t n) { return n >= 9000 && n <= 40000; };
+    return Side(Forecast.m_nWidth) && Side(Forecast.m_nHeight) && Pels(Forecast.m_nPelsX) &&
+           Pels(Forecast.m_nPelsY);
+}
+
+/// What has no finger is white, image and mask.
+bool HasFinger(const StForecast& Forecast, const Bytes& aOut) {
+    for (std::uint32_t y = 0; y < Forecast.m_nHeight; ++y)
+        for (std::uint32_t x = 0; x < Forecast.m_nWidth; ++x)
+            if (aOut[cnPixelsAt + y * LineBytes(Forecast.m_nWidth) + x] != 255)
+                return true;
+    return false;
 }
 
 bool ArePixelsSame(const Bytes& aIn, const Bytes& aOut) {
@@ -192,8 +210,11 @@ void ClCallSequence::CheckResult(StSlot& rSlot, const StForecast& Forecast, cons
     Expect(IsHeaderRight(Forecast, aOut), "gives an 8-bit block of the right size");
     Expect(IsPaletteGrey(aOut), "gives a grey palette");
     Expect(IsResolutionRight(Forecast, aOut), "gives the resolution of the mode");
-    if (Model.m_Options.m_bDynamicFingerMask)
+    if (Model.m_Options.m_bDynamicFingerMask) {
+        if (IsOrdinary(Forecast) && HasFinger(Forecast, aOut))
+            m_rObserver.OnQuickFinger();
         return;
+    }
     if (Model.m_Options.m_eGeometry == EGeometry::eOff)
         Expect(ArePixelsSame(aIn, aOut), "gives the capture unchanged");
     if (Model.m_Options.m_eGeometry == EGeometry::eSpline && Model.Warp() == EWarp::eLoaded)
@@ -205,7 +226,7 @@ bool ClCallSequence::IsTwinWanted(const StSlot& Slot) {
     const ClHandleModel& Model = Slot.m_Model;
     const bool bPrepares =
         Model.m_Options.m_eGeometry == EGeometry::eSpline && Model.Warp() != EWarp::eLoaded;
-    if (bPrepares && Model.Data()->TableEntries() > 2000)
+    if (bPrepares && Model.Data()->TableEntries() > cnMostEntries)
         return false;
     return Model.m_Options.m_bDynamicFingerMask || m_rChoices.OneIn(bPrepares ? 64 : 8);
 }

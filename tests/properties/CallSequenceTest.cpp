@@ -20,6 +20,7 @@ constexpr long cnSteps = 2500;
 constexpr long cnSteps = 25000; // 200,000 in all
 #endif
 constexpr long cnStepsAtNight = 125000;
+constexpr long cnStepsToAFinger = 25000; // that the quick way finds: one in some 2000 steps
 
 std::string ListOf(const std::vector<long>& anSteps) {
     std::string Text;
@@ -42,6 +43,8 @@ void RunSeed(int nSeed, long nSteps) {
     const StRunEnd End = RunSteps(nSeed, anSteps, ETold::eFailures);
     if (End.m_bFailed)
         TellShort(nSeed, End);
+    EXPECT_TRUE(End.m_bFailed || nSteps < cnStepsToAFinger || End.m_nQuickFingers > 0)
+        << "no step of seed " << nSeed << " found a finger the quick way";
 }
 
 class CallSequence : public testing::TestWithParam<int> {};

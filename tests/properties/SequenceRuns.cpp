@@ -21,6 +21,7 @@ namespace {
 /// What the process of a run leaves behind.
 struct StNotes {
     long m_nStep;
+    long m_nQuickFingers;
     bool m_bBroken;
     char m_szWhat[400];
 };
@@ -61,6 +62,7 @@ public:
             std::fprintf(stderr, "    answers %ld%s\n", nStatus,
                          bFault ? ", an allocation having failed" : "");
     }
+    void OnQuickFinger() override { ++m_rNotes.m_nQuickFingers; }
     void OnBroken(const std::string& Promise) override {
         std::snprintf(m_rNotes.m_szWhat, sizeof m_rNotes.m_szWhat, "%s", Promise.c_str());
         m_rNotes.m_bBroken = true;
@@ -103,12 +105,12 @@ StRunEnd RunSteps(int nSeed, const std::vector<long>& anSteps, ETold eTold) {
         Run(nSeed, anSteps, eTold, *Notes);
     int nStatus = 1;
     if (nChild < 0 || waitpid(nChild, &nStatus, 0) != nChild)
-        return {true, 0, "no process to run in"};
+        return {true, 0, 0, "no process to run in"};
     if (Notes->m_bBroken)
-        return {true, Notes->m_nStep, Notes->m_szWhat};
+        return {true, Notes->m_nStep, Notes->m_nQuickFingers, Notes->m_szWhat};
     if (nStatus != 0)
-        return {true, Notes->m_nStep, EndOf(nStatus)};
-    return {};
+        return {true, Notes->m_nStep, Notes->m_nQuickFingers, EndOf(nStatus)};
+    return {false, Notes->m_nStep, Notes->m_nQuickFingers, ""};
 }
 
 std::vector<long> ShrunkSteps(int nSeed, const StRunEnd& End) {

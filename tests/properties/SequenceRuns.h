@@ -11,8 +11,9 @@ namespace Properties {
 /// How a run ended.
 struct StRunEnd {
     bool m_bFailed = false;
-    long m_nStep = 0;   ///< that was made last
-    std::string m_What; ///< the first promise that was broken, or how the process ended
+    long m_nStep = 0;         ///< that was made last
+    long m_nQuickFingers = 0; ///< that the dynamic step has found the quick way
+    std::string m_What;       ///< the first promise that was broken, or how the process ended
 
     bool IsSame(const StRunEnd& Other) const {
         return m_bFailed == Other.m_bFailed && m_What == Other.m_What;
