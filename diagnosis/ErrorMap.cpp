@@ -162,7 +162,8 @@ StPoint StErrorMap::PlaceOf(int nColumn, int nRow) const {
 }
 
 double StErrorMap::At(int nColumn, int nRow) const {
-    return m_aErrors[static_cast<std::size_t>(nRow) * cnColumns + static_cast<std::size_t>(nColumn)];
+    return m_aErrors[static_cast<std::size_t>(nRow) * cnColumns +
+                     static_cast<std::size_t>(nColumn)];
 }
 
 double StErrorMap::At(const StPoint& Place) const {

@@ -43,7 +43,7 @@ bool IsMeasurable(double dDpi) {
 }
 
 int Samples(double dMm, double dDpi) {
-    return static_cast<int>(dMm * dDpi / cdMmPerInch + 0.5);
+    return static_cast<int>(std::lround(dMm * dDpi / cdMmPerInch));
 }
 
 double Mean(const std::vector<double>& aValues) {

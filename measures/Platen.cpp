@@ -28,7 +28,8 @@ public:
 
 private:
     double Tile(int nColumn, int nRow) const {
-        return m_aTiles[static_cast<std::size_t>(nRow * cnTilesAcross + nColumn)];
+        return m_aTiles[static_cast<std::size_t>(nRow) * cnTilesAcross +
+                        static_cast<std::size_t>(nColumn)];
     }
 
     std::array<double, static_cast<std::size_t>(cnTiles)> m_aTiles;

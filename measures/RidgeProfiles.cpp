@@ -21,7 +21,7 @@ bool IsInside(const ClGreyView& Mask, const ClStep& p) {
     const double y = std::floor(p.y);
     if (!(x >= 0.0 && y >= 0.0 && x + 2.0 <= Mask.m_nWidth - 1 && y + 2.0 <= Mask.m_nHeight - 1))
         return false;
-    return IsFinger(Mask, static_cast<int>(p.x + 0.5), static_cast<int>(p.y + 0.5));
+    return IsFinger(Mask, static_cast<int>(std::lround(p.x)), static_cast<int>(std::lround(p.y)));
 }
 
 /// A rectangle whose corners are inside the frame is inside of it as a whole.
