@@ -139,7 +139,7 @@ std::string Address(const std::string& sFile) {
 }
 
 std::string NameMarkup(const StEntry& Entry) {
-    const std::string sName = Escaped(Entry.m_sName);
+    std::string sName = Escaped(Entry.m_sName);
     if (Entry.m_sPage.empty())
         return sName;
     return "<a href=\"" + Address(Entry.m_sPage) + "\">" + sName + "</a>";

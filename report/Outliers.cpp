@@ -36,6 +36,7 @@ std::vector<bool> Outliers(const std::vector<double>& aValues, double dGrain) {
         return aOut;
     const double dMedian = MedianOf(aFinite);
     std::vector<double> aDistances;
+    aDistances.reserve(aFinite.size());
     for (const double d : aFinite)
         aDistances.push_back(std::fabs(d - dMedian));
     const double dDeviation = std::max(cdPerMedian * MedianOf(aDistances), dGrain);
