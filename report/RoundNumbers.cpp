@@ -58,8 +58,10 @@ std::vector<double> RoundTicks(double dLow, double dHigh, int nMost) {
     double dStep = RoundUp(dHigh / nMost - dLow / nMost);
     while (CountOfTicks(dLow, dHigh, dStep) > nMost)
         dStep = RoundUp(1.5 * dStep);
+    const int nTicks = static_cast<int>(CountOfTicks(dLow, dHigh, dStep));
     std::vector<double> aTicks;
-    for (int i = 0; i < static_cast<int>(CountOfTicks(dLow, dHigh, dStep)); ++i)
+    aTicks.reserve(static_cast<std::size_t>(nTicks));
+    for (int i = 0; i < nTicks; ++i)
         aTicks.push_back((FirstTick(dLow, dStep) + i) * dStep);
     return aTicks;
 }

@@ -117,9 +117,11 @@ public:
         run.m_eForm = m_Batch.m_Files.m_bJson ? EForm::eJson : EForm::eText;
         run.m_Done = "good";
         run.m_LastWords = "interrupted; pages that are there are whole, the index is not made";
-        const FileWork work = [this](std::size_t nFolder) { return Report(nFolder); };
+        const auto makeWork = [this]() -> FileWork {
+            return [this](std::size_t nFolder) { return Report(nFolder); };
+        };
         try {
-            DoFiles(run, m_Batch.m_Files, m_aFolders, work, [&] { return work; });
+            DoFiles(run, m_Batch.m_Files, m_aFolders, makeWork(), makeWork);
         } catch (const CLI::RuntimeError&) {
             WriteIndex();
             throw;

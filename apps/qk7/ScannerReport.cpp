@@ -163,7 +163,7 @@ void AddNumbers(const std::string& Name, const Json& Value, report::Values& rVal
     if (!Value.is_structured())
         return;
     for (const auto& [key, value] : Value.items())
-        AddNumbers(Name + "/" + key, value, rValues);
+        AddNumbers(std::string(Name).append("/").append(key), value, rValues);
 }
 
 } // namespace qk7

@@ -134,6 +134,7 @@ std::string Examples(const StDescribedCommand& Command) {
 /// All pages but this one.
 std::string SeeAlso(const std::string& Page, const std::vector<StDescribedCommand>& aCommands) {
     std::vector<std::string> names;
+    names.reserve(aCommands.size());
     for (const StDescribedCommand& command : aCommands)
         names.push_back(PageName(command));
     names.erase(std::remove(names.begin(), names.end(), Page), names.end());
