@@ -165,7 +165,7 @@ void PaintSmudge(ClPlate& Plate, ClRandom& Random) {
 }
 
 int Part(double dAmount, int nAll) {
-    return static_cast<int>(dAmount * nAll + 0.5);
+    return static_cast<int>(std::lround(dAmount * nAll));
 }
 
 } // namespace
