@@ -24,6 +24,7 @@ public:
             ExpectTwins(Quick, Plain);
         m_nMasks += bTaken && !IsWhite(Plain.m_Mask) ? 1 : 0;
         m_nFingers += bTaken && !IsWhite(Plain.m_Out) ? 1 : 0;
+        m_nBetween += bTaken && Plain.m_dDry > 0.0 && Plain.m_dDry < 100.0 ? 1 : 0;
         return bTaken;
     }
     void CompareBothModes(ClImage& rCapture) {
@@ -37,6 +38,7 @@ public:
     int m_nLeft = 0;
     int m_nMasks = 0;   ///< found
     int m_nFingers = 0; ///< and kept
+    int m_nBetween = 0; ///< neither moist nor as dry as can be
 
 private:
     Quick::ClDynamicCalibration m_Quick;
@@ -141,24 +143,45 @@ TEST(QuickDynamicCalibration, IsThePlainSequenceOnDotsInASaturatedCapture) {
     EXPECT_GT(Pair.m_nMasks, 0);
 }
 
+TEST(QuickDynamicCalibration, IsThePlainSequenceWhereTheRangeIsEmptyOrTurnedRound) {
+    ClPair Pair;
+    for (const int nHalfWidth : {15, 20, 25, 30}) {
+        SCOPED_TRACE(nHalfWidth);
+        const auto isInside = [=](int x, int y, int nHalfHeight) {
+            return std::abs(x - 200) < nHalfWidth && std::abs(y - 200) < nHalfHeight;
+        };
+        ClTestImage TurnedRound = Painted(400, 400, [&](int x, int y) { // it begins above its end
+            const int nPrint = y % 9 < 4 ? 60 + x % 40 : 160;
+            return isInside(x, y, 40) ? nPrint : 255;
+        });
+        Pair.CompareBothModes(TurnedRound);
+        ClTestImage Empty = Painted(300, 400, [&](int x, int y) { // it has one value
+            return isInside(x, y, 200) && y % 9 < 4 ? 60 : 255;
+        });
+        Pair.CompareBothModes(Empty);
+    }
+    EXPECT_EQ(Pair.m_nLeft, 0);
+    EXPECT_GT(Pair.m_nMasks, 4);
+}
+
 TEST(QuickDynamicCalibration, IsThePlainSequenceWhereAFingerIsSmearedBesideItsRidges) {
     ClPair Pair;
     for (const int nSmear : {0, 10, 25, 40}) {
         SCOPED_TRACE(nSmear);
-        for (const int nSlope : {2, 3, 5}) { // without an edge at its end, which were a ridge
-            ClTestImage Capture = Painted(320, 300, [=](int x, int y) {
-                const int nPlaten = 232 + (x + y) % 5;
-                if (y < 60 || y > 230 || x < 60)
-                    return nPlaten;
-                if (x < 140)
-                    return y % 9 < 4 ? 30 : 190;
-                return std::min(nSmear + std::max(x - 170, 0) * nSlope, nPlaten);
-            });
-            Pair.CompareBothModes(Capture);
-        }
+        for (const int nSlope : {2, 3, 5}) // without an edge at its end, which were a ridge
+            for (const bool bMirrored : {false, true}) {
+                ClTestImage Capture = Painted(400, 300, [=](int nColumn, int y) {
+                    const int x = bMirrored ? 399 - nColumn : nColumn;
+                    if (x < 200)
+                        return y % 9 < 4 ? 30 : 150;
+                    return std::min(nSmear + std::max(x - 220, 0) * nSlope, 232 + (x + y) % 5);
+                });
+                Pair.CompareBothModes(Capture);
+            }
     }
     EXPECT_EQ(Pair.m_nLeft, 0);
-    EXPECT_GT(Pair.m_nMasks, 6); // too dirty to be kept, but not to be measured
+    EXPECT_EQ(Pair.m_nMasks, Pair.m_nTaken); // too dirty to be kept, but not to be measured
+    EXPECT_EQ(Pair.m_nBetween, Pair.m_nTaken);
 }
 
 TEST(QuickDynamicCalibration, LeavesSmallCapturesAndStrangeOnesToThePlainSequence) {
