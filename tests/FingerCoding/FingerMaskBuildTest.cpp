@@ -280,7 +280,7 @@ TEST(FingerMaskBuild, SeeksTheFingerInImagesOfAFewPixels) {
             EXPECT_EQ(whole.m_nResult, 0);
             EXPECT_EQ(whole.m_Out.Width(), nWidth);
             EXPECT_EQ(whole.m_Out.Height(), nHeight);
-            EXPECT_TRUE(IsWhite(whole.m_Out));
+            EXPECT_TRUE(IsWhiteWithPadding(whole.m_Out));
             EXPECT_EQ(whole.Dirt(), 100.0);
             EXPECT_EQ(whole.Dry(), 0.0);
             ExpectSameImage(image, before);

@@ -52,7 +52,7 @@ ClTestImage SpeckledBeside(int nValue) {
 
 void ExpectRejected(const StDynamicRun& Run) {
     EXPECT_EQ(Run.m_nResult, 0);
-    EXPECT_TRUE(IsWhite(Run.m_Out));
+    EXPECT_TRUE(IsWhiteWithPadding(Run.m_Out));
     EXPECT_EQ(Run.Dirt(), 100.0);
 }
 
@@ -60,7 +60,7 @@ void ExpectRejected(const StDynamicRun& Run) {
 void ExpectWithoutFinger(const StDynamicRun& Run) {
     ExpectRejected(Run);
     EXPECT_EQ(Run.Dry(), 0.0);
-    EXPECT_TRUE(IsWhite(Run.m_Mask));
+    EXPECT_TRUE(IsWhiteWithPadding(Run.m_Mask));
 }
 
 } // namespace
@@ -258,7 +258,7 @@ TEST(IpQK7DynamicCalibration30, RejectsFromADirtLevelOf2000OnOverTheCapture) {
     calibration.m_pOutImage = &image;
     EXPECT_EQ(calibration.Apply(), 0);
     EXPECT_EQ(calibration.m_dDirtWarningLevel, 100.0);
-    EXPECT_TRUE(IsWhite(image));
+    EXPECT_TRUE(IsWhiteWithPadding(image));
 }
 
 /// A seventh of the surroundings of every pixel of the speck is no background then.

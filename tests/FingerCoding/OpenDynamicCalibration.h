@@ -56,7 +56,7 @@ inline ClTestImage WarpedCapture(const std::string& Kind) {
 }
 
 /// Whether every byte of the buffer, padding included, is 255.
-inline bool IsWhite(const ClImage& Image) {
+inline bool IsWhiteWithPadding(const ClImage& Image) {
     for (std::size_t i = 0; i < Image.SizeBytes(); ++i)
         if (Image.Data()[i] != 255)
             return false;

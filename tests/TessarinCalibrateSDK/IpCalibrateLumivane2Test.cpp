@@ -8,6 +8,7 @@
 #include "TessarinCalibrateSDK/Trace.h"
 #include "Tools/FpImage.h"
 #include "support/AllocationFailures.h"
+#include "support/Images.h"
 #include "support/Records.h"
 #include "support/Throws.h"
 
@@ -19,6 +20,7 @@ using TestSupport::ClLogCapture;
 using TestSupport::cszMissing;
 using TestSupport::cszPlanes;
 using TestSupport::cszSingular;
+using TestSupport::IsWhite;
 using TestSupport::Lines;
 using TestSupport::PlausibleRecord;
 using TestSupport::Trace;
@@ -317,14 +319,6 @@ struct StDynamic : StReady {
 
     const ClIpQK7DynamicCalibration30& Step() const { return m_Engine.m_DynamicCalibration; }
 };
-
-bool IsWhite(const ClImage& Image) {
-    for (int y = 0; y < Image.Height(); ++y)
-        for (int x = 0; x < Image.Width(); ++x)
-            if (Image.LineData(y)[x] != 255)
-                return false;
-    return Image.Width() > 0;
-}
 
 } // namespace
 

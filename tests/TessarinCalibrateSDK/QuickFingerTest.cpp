@@ -31,14 +31,6 @@ void Correct(EMode eMode, bool bSensitive, bool bDynamic, ClImage& rOut) {
     ASSERT_EQ(Own.m_Processor.Process(), 0);
 }
 
-bool IsWhite(const TestSupport::Rows& aRows) {
-    for (const auto& aRow : aRows)
-        for (const int nValue : aRow)
-            if (nValue != 255)
-                return false;
-    return true;
-}
-
 } // namespace
 
 TEST(CallMaterial, HasAFingerThatGoesTheQuickWay) {
@@ -54,7 +46,7 @@ TEST(CallMaterial, HasAFingerThatGoesTheQuickWay) {
             ClImage Out;
             ASSERT_TRUE(Quick::ClDynamicCalibration().Run(Corrected, bSensitive, &Out, nullptr))
                 << eMode << ", sensitive " << bSensitive;
-            EXPECT_FALSE(IsWhite(TestSupport::Pixels(Out))) << eMode;
+            EXPECT_FALSE(TestSupport::IsWhite(Out)) << eMode;
             EXPECT_EQ(TestSupport::Pixels(Out), TestSupport::Pixels(Expected)) << eMode;
         }
 }

@@ -231,6 +231,15 @@ inline void ExpectSameImage(const ClImage& Actual, const ClImage& Expected) {
     EXPECT_EQ(RealPixels(Actual), RealPixels(Expected));
 }
 
+/// An image of 8 bits and one plane that has pixels, all of which are 255.
+inline bool IsWhite(const ClImage& Image) {
+    for (int y = 0; y < Image.Height(); ++y)
+        for (int x = 0; x < Image.Width(); ++x)
+            if (Image.LineData(y)[x] != 255)
+                return false;
+    return Image.Width() > 0 && Image.Height() > 0;
+}
+
 /// The image is empty: no type, no geometry, no buffer.
 inline void ExpectEmptyImage(const ClImage& Image) {
     EXPECT_EQ(Image.DataType(), ClImage::eTypeUnknown);
