@@ -13,6 +13,7 @@
 
 #include "Tools/Exception.h"
 #include "Tools/LoggingFacility.h"
+#include "Tools/PlainArithmetic.h"
 
 #include <exception>
 #include <tuple>
@@ -65,6 +66,7 @@ long LeaveWith(const StTexts& Texts, const std::exception& e);
 template <class Work, class OnFailure>
 long Run(const StTexts& Texts, Work work, OnFailure onFailure) {
     try {
+        const Vek::ClPlainArithmetic plain;
         return Leave(Texts, work());
     } catch (const ClException& e) {
         onFailure();
