@@ -21,7 +21,7 @@
  *
  * - Status. A function that returns long answers QMT_SUCCESS (0) or one of the negative numbers
  *   below. CalibrateGetErrorDescription() has the words. Nothing is thrown across this interface,
- *   with one exception that CalibrateCreate() tells.
+ *   but for what CalibrateCreate() and the conversions of text tell.
  * - Failures that no list names. QMT_ERROR_INTERNAL also answers any C++ exception that is none of
  *   the library's, and QMT_FATAL_ERROR_TERMINATION_NECESSARY whatever else is thrown, as a
  *   VekLFLog() of the application may do. Nothing is put in order behind the latter: calibration
@@ -470,7 +470,9 @@ TESSARIN_CALIBRATE_API const wchar_t* GetErrorDescriptionInternW(long code);
 
 /**
  * Receives every line of the library's trace. The version in the library drops its arguments. A
- * replacement must not fail and may be called from every thread that calls the library.
+ * replacement must not fail and may be called from every thread that calls the library. It must not
+ * use the handle in whose call it is called, and asks for the words of a status by
+ * GetErrorDescriptionIntern(): CalibrateGetErrorDescription() leaves a line itself.
  *
  * @param level  7 for the trace and for expected outcomes, 3 for failures
  * @param format as for printf, without a line end
