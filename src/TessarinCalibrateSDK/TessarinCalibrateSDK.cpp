@@ -194,14 +194,15 @@ void* CalibrateCreate(void) {
                  "CalibrateCreate() leaving: Couldn't create calibration CalibrateHandle_t!");
         return nullptr;
     }
-    pRecord->m_pProcessor = Construct<ClIpCalibrateLumivane2>();
-    if (pRecord->m_pProcessor == nullptr) {
+    std::unique_ptr<ClIpCalibrateLumivane2> pProcessor(Construct<ClIpCalibrateLumivane2>());
+    if (pProcessor == nullptr) {
         VekLFLog(Vek::eLogError, "CalibrateCreate() leaving: Couldn't create calibration object!");
         return nullptr;
     }
     std::memcpy(pRecord->m_acHead, cacHead, sizeof cacHead);
     std::memcpy(pRecord->m_acTail, cacTail, sizeof cacTail);
-    VekLFLog(Vek::eLogTrace, "CalibrateCreate() Leaving");
+    VekLFLog(Vek::eLogTrace, "CalibrateCreate() Leaving"); // may end the thread
+    pRecord->m_pProcessor = pProcessor.release();
     return pRecord.release();
 }
 

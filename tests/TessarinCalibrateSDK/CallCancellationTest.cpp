@@ -3,6 +3,7 @@
 
 #include "TessarinCalibrateSDK/CallFrame.h"
 #include "TessarinCalibrateSDK/TracedCalls.h"
+#include "support/AllocationCount.h"
 
 #include <gtest/gtest.h>
 
@@ -117,6 +118,46 @@ TEST_P(CallCancellation, LeavesAHandleThatTakesDataAgain) {
                             pBench->m_aOut.data(), &pBench->m_nOut),
                   0);
     EXPECT_EQ(rBench.m_aOut, Fresh.m_aOut);
+}
+
+namespace {
+
+/// A thread that makes a handle and ends itself at a line of that.
+struct StEndingCreation {
+    const char* m_szLine;
+    long m_nLeft = -1; ///< allocations that nobody released
+};
+
+struct StCountLeft {
+    long& m_rLeft;
+    long m_nBefore = TestSupport::LiveAllocations();
+    ~StCountLeft() { m_rLeft = TestSupport::LiveAllocations() - m_nBefore; }
+};
+
+void* CreateAndEnd(void* pArgument) {
+    auto& rCreation = *static_cast<StEndingCreation*>(pArgument);
+    const StCountLeft Count{rCreation.m_nLeft};
+    ClLogCapture Log;
+    Log.m_OnLine = [&](const TestSupport::StLogLine& Line) {
+        if (Line.m_Text == rCreation.m_szLine)
+            ExitThread();
+    };
+    CalibrateCreate();
+    return nullptr;
+}
+
+} // namespace
+
+TEST(CallCancellationOfCreate, LeavesNothingOfAHandleThatNobodyGets) {
+    for (const char* szLine : {"CalibrateCreate() Enter", "CalibrateCreate() Leaving"}) {
+        StEndingCreation Creation{szLine};
+        pthread_t Thread;
+        void* pAnswer = nullptr;
+        ASSERT_EQ(pthread_create(&Thread, nullptr, CreateAndEnd, &Creation), 0);
+        ASSERT_EQ(pthread_join(Thread, &pAnswer), 0);
+        EXPECT_EQ(pAnswer, &cEnded) << szLine;
+        EXPECT_EQ(Creation.m_nLeft, 0) << szLine;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, CallCancellation, testing::ValuesIn(FramedCalls()),
