@@ -73,6 +73,18 @@ bool CannotBeForced(int nErrno) {
 
 } // namespace
 
+void OccupyStandardStreams() {
+    // A new one has the lowest number that is free.
+    while (true) {
+        const int nFile = open("/", O_PATH);
+        if (nFile >= 0 && nFile <= STDERR_FILENO)
+            continue;
+        if (nFile >= 0)
+            close(nFile);
+        return;
+    }
+}
+
 std::string SystemWords(int nErrno) {
     return std::generic_category().message(nErrno);
 }

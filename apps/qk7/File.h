@@ -96,6 +96,11 @@ void MakeDirectory(const std::string& Path);
 /// a broken pipe and a reached size limit into failures of the write. For main().
 void GuardAgainstSignals();
 
+/// Takes the places of standard input, output and error that are closed, by what can be neither
+/// read nor written. Otherwise the next file to be opened got the place, and what is printed would
+/// get into an output. For main(), before anything is opened.
+void OccupyStandardStreams();
+
 /// The system's words for an error number.
 std::string SystemWords(int nErrno);
 

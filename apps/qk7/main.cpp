@@ -87,6 +87,7 @@ int Tool(int nArguments, char** aArguments) {
 } // namespace
 
 int main(int nArguments, char** aArguments) {
+    qk7::OccupyStandardStreams();
     qk7::GuardAgainstSignals();
     try {
         return Tool(nArguments, aArguments);

@@ -340,3 +340,23 @@ TEST(Qk7MakeDirectory, NamesTheFileInItsPlace) {
     EXPECT_EQ(WordsOf([&] { MakeDirectory(folder / "a"); }),
               folder / "a" + ": cannot be made a directory: Not a directory");
 }
+
+TEST(Qk7StandardStreams, ThatAreClosedDoNotLeadIntoAnOutput) {
+    const ClTestFolder folder;
+
+    const int nStatus = StatusOfChild([&] {
+        for (const int nFile : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            close(nFile);
+        OccupyStandardStreams();
+        ClOutputFile file(folder / "out");
+        file.Write("whole", 5);
+        char c = 0;
+        for (const int nFile : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+            if (write(nFile, "told", 4) >= 0 || read(nFile, &c, 1) >= 0)
+                throw ClFailure("it was written or read");
+        file.Commit();
+    });
+
+    EXPECT_EQ(nStatus, 0);
+    EXPECT_EQ(Get(folder / "out"), ToBytes("whole"));
+}

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 using namespace TestSupport;
 using qk7::Bytes;
 
@@ -114,4 +116,20 @@ TEST_F(Qk7Streams, AreGivenOnceEach) {
     ExpectWrong(Quick({"-d", "scanner.cal", "-", "in.bmp", "-o", "out"}),
                 "standard input has no name for a file in out; correct it by a call of its own, "
                 "with -o FILE");
+}
+
+TEST_F(Qk7Streams, ThatAreClosedAreNoFilesOfTheTool) {
+    const auto closeInput = [] { close(STDIN_FILENO); };
+    EXPECT_EQ(Qk7Under(closeInput, {"info", "-q", "in.bmp", "-"}, m_Folder.Path()).m_Err,
+              "qk7 info: standard input: Bad file descriptor\n")
+        << "the first file must not become standard input";
+    const auto closeOutputs = [] {
+        close(STDOUT_FILENO);
+        close(STDERR_FILENO);
+    };
+    const StEnded ended =
+        Qk7Under(closeOutputs, Quick({"-d", "scanner.cal", "-v", "in.bmp", "-o", "out.bmp"}),
+                 m_Folder.Path());
+    EXPECT_EQ(ended.m_nExit, 1) << "its words are not told";
+    EXPECT_EQ(ToText(Get(m_Folder / "out.bmp")), Result());
 }
