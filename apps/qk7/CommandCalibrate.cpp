@@ -246,17 +246,19 @@ FileWork MakeWork(const StCalibrateCall& Call, const StScannerBlocks& Blocks,
     };
 }
 
-void Claim(const StCalibrateCall& Call, const StInputs& Inputs) {
+void Claim(const StCalibrateCall& Call, const StInputs& Inputs,
+           const std::vector<std::string>& aOutputs) {
     std::vector<std::string> read = PathsOf(Inputs);
     read.insert(read.end(), {Call.m_Data, Call.m_Precalculated});
     ClaimStreams(read, {Call.m_Output}, Call.m_Files.m_bJson);
+    CheckInputsStay(read, aOutputs);
 }
 
 void RunCalibrate(const StCalibrateCall& Call) {
     const StInputs inputs = ExpandInputs(Call.m_Files.m_aArguments,
                                          {Call.m_Files.m_bRecursive, true, false, Call.m_Output});
     const std::vector<std::string> outputs = PlanOutputs(Call, inputs);
-    Claim(Call, inputs);
+    Claim(Call, inputs, outputs);
     const StScannerBlocks blocks = ReadBlocks(Call);
     const auto makeWork = [&] { return MakeWork(Call, blocks, inputs.m_aFiles, outputs); };
     // The blocks are judged before a folder is made.

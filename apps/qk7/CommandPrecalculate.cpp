@@ -6,6 +6,7 @@
 #include "apps/qk7/Console.h"
 #include "apps/qk7/Document.h"
 #include "apps/qk7/Handle.h"
+#include "apps/qk7/Inputs.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,6 +24,7 @@ struct StPrecalculateCall {
 
 void RunPrecalculate(const StPrecalculateCall& Call) {
     ClaimStreams({Call.m_Data}, {Call.m_Output}, Call.m_bJson);
+    CheckInputsStay({Call.m_Data}, {Call.m_Output});
     const Bytes calibration = ReadFile(Call.m_Data);
     ClHandle handle;
     const Bytes table = Handing(EHanded::eCalibration, ShownName(Call.m_Data, EStream::eIn), [&] {

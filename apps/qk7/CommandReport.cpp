@@ -33,13 +33,13 @@ void CheckCall(const StReportCall& Call) {
     if (!Call.m_Batch.m_Folder.empty() && HasScannerOptions(scanner))
         throw ClWrongUsage("--batch takes all files from its folders; name no others");
     if (Call.m_Batch.m_Folder.empty() && scanner.m_Target.empty())
-        throw ClWrongUsage("name a capture of the target, or a folder by --batch");
+        throw ClWrongUsage(scanner.m_aFingers.empty()
+                               ? "name a capture of the target, or a folder by --batch"
+                               : "name a capture of the target in front of --finger, which takes "
+                                 "all names behind it");
     if (!scanner.m_Calibration.empty() && !scanner.m_Reference.empty())
         throw ClWrongUsage("--reference is for a calibration that is derived; leave it away with "
                            "--calibration");
-    for (const std::string& path : PathsOf(scanner))
-        if (!path.empty() && !IsStream(path) && IsSameFile(path, Call.m_Output))
-            throw ClWrongUsage(path + " is an input; give another output");
 }
 
 /// Patterns and folders stand for their files, as in other commands.
@@ -63,6 +63,7 @@ int StatusOfVerdict(report::EVerdict eVerdict) {
 report::StScanner WriteReport(const StReportCall& Call) {
     StScannerFiles files = Call.m_Scanner;
     files.m_aFingers = FingersOf(files.m_aFingers);
+    CheckInputsStay(PathsOf(files), {Call.m_Output});
     report::StScanner scanner = GatherScanner(files);
     WriteText(Call.m_Output, report::PageOf(scanner));
     return scanner;
@@ -83,6 +84,8 @@ void ReportOne(const StReportCall& Call) {
     report::StScanner scanner;
     try {
         scanner = WriteReport(Call);
+    } catch (const ClWrongUsage&) {
+        throw;
     } catch (const std::exception& error) {
         if (Call.m_Batch.m_Files.m_bJson)
             PrintDocument("report", FailureJson(Call.m_Scanner.m_Target, error));

@@ -1,14 +1,19 @@
 #include "apps/qk7/Inputs.h"
 
+#include "apps/qk7/Console.h"
 #include "apps/qk7/File.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <new>
+#include <optional>
+#include <set>
+#include <utility>
 
 #include <glob.h>
 #include <strings.h>
+#include <sys/stat.h>
 
 namespace qk7 {
 
@@ -145,6 +150,16 @@ void AddMatches(const std::string& Pattern, const StInputRules& Rules, StInputs&
         rInputs.m_aFiles.push_back({Pattern, "", "No file has this name or matches this pattern."});
 }
 
+/// What a file is, by whatever name; none for what is no regular file, or is not there.
+using Identity = std::optional<std::pair<dev_t, ino_t>>;
+
+Identity IdentityOf(const std::string& Path) {
+    struct stat status {};
+    if (IsStream(Path) || stat(Path.c_str(), &status) != 0 || !S_ISREG(status.st_mode))
+        return std::nullopt;
+    return std::make_pair(status.st_dev, status.st_ino);
+}
+
 } // namespace
 
 StInputs ExpandInputs(const std::vector<std::string>& aArguments, const StInputRules& Rules) {
@@ -164,6 +179,18 @@ std::vector<std::string> PathsOf(const StInputs& Inputs) {
     for (const StInput& file : Inputs.m_aFiles)
         paths.push_back(file.m_Path);
     return paths;
+}
+
+void CheckInputsStay(const std::vector<std::string>& aInputs,
+                     const std::vector<std::string>& aOutputs) {
+    std::set<Identity> inputs;
+    for (const std::string& input : aInputs)
+        inputs.insert(IdentityOf(input));
+    for (const std::string& output : aOutputs) {
+        const Identity identity = IdentityOf(output);
+        if (identity && inputs.count(identity) > 0)
+            throw ClWrongUsage(output + " is an input; give another output");
+    }
 }
 
 } // namespace qk7

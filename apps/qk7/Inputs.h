@@ -36,4 +36,9 @@ StInputs ExpandInputs(const std::vector<std::string>& aArguments, const StInputR
 
 std::vector<std::string> PathsOf(const StInputs& Inputs);
 
+/// Finds an output that would take the place of a file that is read, whatever the two names are.
+/// Empty names and streams count as none. Throws `ClWrongUsage`.
+void CheckInputsStay(const std::vector<std::string>& aInputs,
+                     const std::vector<std::string>& aOutputs);
+
 } // namespace qk7

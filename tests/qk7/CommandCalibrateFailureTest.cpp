@@ -191,3 +191,27 @@ TEST_F(Qk7CalibrateFailure, RefusesToReplaceACapture) {
                   "./a.bmp is its own input; give another output");
     EXPECT_EQ(Get(m_Folder / "a.bmp"), Capture());
 }
+
+TEST_F(Qk7CalibrateFailure, RefusesToReplaceItsBlocks) {
+    std::filesystem::create_symlink("scanner.cal", m_Folder / "link.cal");
+    ExpectFailure({"calibrate", "-d", "scanner.cal", "a.bmp", "-o", "scanner.cal"}, 2,
+                  "scanner.cal is an input; give another output");
+    ExpectFailure({"calibrate", "-d", "scanner.cal", "a.bmp", "-o", "link.cal"}, 2,
+                  "link.cal is an input; give another output");
+    Put(m_Folder / "scanner.pre", DirectlyPrecalculated(Record()));
+    ExpectFailure({"calibrate", "-d", "scanner.cal", "--precalculated", "scanner.pre", "a.bmp",
+                   "-o", "./scanner.pre"},
+                  2, "./scanner.pre is an input; give another output");
+    EXPECT_EQ(Get(m_Folder / "scanner.cal"), Record());
+}
+
+TEST_F(Qk7CalibrateFailure, RefusesToReplaceACaptureByTheResultOfAnother) {
+    std::filesystem::create_directories(m_Folder / "in/sub");
+    std::filesystem::create_directories(m_Folder / "out/sub");
+    for (const char* szName : {"in/sub/a.bmp", "out/sub/a.bmp"})
+        Put(m_Folder / szName, Capture());
+
+    ExpectFailure({"calibrate", "-d", "scanner.cal", "-r", "in", "out/sub", "-o", "out"}, 2,
+                  "out/sub/a.bmp is an input; give another output");
+    EXPECT_EQ(Get(m_Folder / "out/sub/a.bmp"), Capture());
+}

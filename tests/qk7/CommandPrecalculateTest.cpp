@@ -56,3 +56,16 @@ TEST(Qk7Precalculate, NamesFilesThatCannotBeReadOrWritten) {
     EXPECT_EQ(ended.m_Err,
               "qk7 precalculate: /dev/full: cannot be written: No space left on device\n");
 }
+
+TEST(Qk7Precalculate, RefusesToReplaceItsBlock) {
+    const ClTestFolder folder;
+    Put(folder / "scanner.cal", Record());
+
+    const StEnded ended =
+        Qk7({"precalculate", "-d", "scanner.cal", "-o", "./scanner.cal", "--json"}, folder.Path());
+
+    EXPECT_EQ(ended.m_nExit, 2);
+    EXPECT_EQ(ended.m_Out, "");
+    EXPECT_EQ(ended.m_Err, "qk7 precalculate: ./scanner.cal is an input; give another output\n");
+    EXPECT_EQ(Get(folder / "scanner.cal"), Record());
+}

@@ -165,7 +165,13 @@ TEST_F(Qk7Report, RefusesCallsThatMakeNoSense) {
     EXPECT_THAT(words({"report", "-o", "x.html"}), HasSubstr("name a capture of the target"));
     EXPECT_THAT(words({"report", "target.bmp", "--batch", ".", "-o", "x"}),
                 HasSubstr("--batch takes all files from its folders"));
+    EXPECT_THAT(words({"report", "--finger", "a.bmp", "target.bmp", "-o", "x"}),
+                HasSubstr("in front of --finger"));
     EXPECT_THAT(words({"report", "target.bmp", "-o", "target.bmp"}), HasSubstr("is an input"));
+    Put(m_Folder / "finger.bmp", Capture());
+    EXPECT_THAT(words({"report", "target.bmp", "--finger", "f*.bmp", "-o", "finger.bmp"}),
+                HasSubstr("finger.bmp is an input"));
+    EXPECT_EQ(Get(m_Folder / "finger.bmp"), Capture());
     EXPECT_THAT(
         words({"report", "target.bmp", "--reference", "a", "--calibration", "b", "-o", "x"}),
         HasSubstr("--reference is for a calibration that is derived"));
