@@ -15,6 +15,11 @@ namespace qk7 {
 
 namespace {
 
+constexpr const char* cszRed = "\033[31m";
+constexpr const char* cszYellow = "\033[33m";
+constexpr const char* cszGreen = "\033[32m";
+constexpr const char* cszPlain = "\033[0m";
+
 EColours g_eColours = EColours::eAuto;
 bool g_bOutputIsTaken = false;
 
@@ -31,10 +36,30 @@ std::string Coloured(EColour eColour, const std::string& Text, int nFile) {
         (g_eColours == EColours::eAuto && isatty(nFile) != 0 && AreColoursWelcome());
     if (!bColoured)
         return Text;
-    const char* szColour = eColour == EColour::eBad        ? "\033[31m"
-                           : eColour == EColour::eDoubtful ? "\033[33m"
-                                                           : "\033[32m";
-    return szColour + Text + "\033[0m";
+    const char* szColour = eColour == EColour::eBad        ? cszRed
+                           : eColour == EColour::eDoubtful ? cszYellow
+                                                           : cszGreen;
+    return szColour + Text + cszPlain;
+}
+
+/// The length of a colour's sequence; 0 where none begins.
+std::size_t ColourLength(const std::string& Text, std::size_t nAt) {
+    for (const std::string sequence : {cszRed, cszYellow, cszGreen, cszPlain})
+        if (Text.compare(nAt, sequence.size(), sequence) == 0)
+            return sequence.size();
+    return 0;
+}
+
+/// A text that has its colours already.
+std::string HarmlessInColours(const std::string& Text) {
+    std::string shown;
+    std::size_t nTold = 0;
+    for (std::size_t i = 0; i < Text.size(); ++i)
+        if (const std::size_t nColour = ColourLength(Text, i)) {
+            shown += Harmless(Text.substr(nTold, i - nTold)) + Text.substr(i, nColour);
+            nTold = i + nColour;
+        }
+    return shown + Harmless(Text.substr(nTold));
 }
 
 std::size_t Streams(const std::vector<std::string>& aPaths) {
@@ -74,7 +99,8 @@ void ClaimStreams(const std::vector<std::string>& aInputs, const std::vector<std
 
 void Print(const std::string& Text) {
     std::FILE* pFile = g_bOutputIsTaken ? stderr : stdout;
-    const bool bWritten = std::fwrite(Text.data(), 1, Text.size(), pFile) == Text.size();
+    const std::string shown = isatty(fileno(pFile)) != 0 ? HarmlessInColours(Text) : Text;
+    const bool bWritten = std::fwrite(shown.data(), 1, shown.size(), pFile) == shown.size();
     if (!bWritten || std::fflush(pFile) != 0)
         throw ClFailure(g_bOutputIsTaken ? "standard error" : "standard output",
                         SystemWords(errno));
@@ -100,11 +126,16 @@ std::string WordsOf(const std::exception& Error) {
     return Error.what() != nullptr ? Error.what() : "failed without words";
 }
 
-std::string Harmless(std::string Text) {
-    for (char& c : Text)
-        if ((static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7F)
-            c = '?';
-    return Text;
+std::string Harmless(const std::string& Text) {
+    std::string harmless;
+    for (std::size_t i = 0; i < Text.size(); ++i) {
+        const auto n = static_cast<unsigned char>(Text[i]);
+        const auto nNext = static_cast<unsigned char>(i + 1 < Text.size() ? Text[i + 1] : 0);
+        const bool bLong = n == 0xC2 && nNext >= 0x80 && nNext < 0xA0; // U+0080 to U+009F
+        harmless += (n < 0x20 && n != '\n') || n == 0x7F || bLong ? '?' : Text[i];
+        i += bLong ? 1 : 0;
+    }
+    return harmless;
 }
 
 } // namespace qk7

@@ -34,8 +34,8 @@ std::string ErrColoured(EColour eColour, const std::string& Text);
 void ClaimStreams(const std::vector<std::string>& aInputs, const std::vector<std::string>& aOutputs,
                   bool bJson);
 
-/// Writes a whole text to standard output, or to standard error where that is taken. Throws
-/// `ClFailure` when it is closed or full.
+/// Writes a whole text to standard output, or to standard error where that is taken; to a terminal
+/// without control characters but those of colours. Throws `ClFailure` when it is closed or full.
 void Print(const std::string& Text);
 
 /// One line on standard error: "qk7 calibrate: message".
@@ -50,6 +50,6 @@ std::string Hundredths(double dValue);
 std::string WordsOf(const std::exception& Error);
 
 /// The text without control characters, which could drive a terminal; line feeds stay.
-std::string Harmless(std::string Text);
+std::string Harmless(const std::string& Text);
 
 } // namespace qk7

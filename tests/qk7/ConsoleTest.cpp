@@ -4,6 +4,7 @@
 
 #include "qk7/CommandRunner.h"
 #include "qk7/Direct.h"
+#include "qk7/TestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -50,6 +51,27 @@ TEST(Qk7Colours, AreAsTheOptionSays) {
 
 TEST(Qk7Messages, DoNotDriveATerminal) {
     EXPECT_EQ(qk7::Harmless("a\033[2Jb\rc\x7F\nd"), "a?[2Jb?c?\nd");
+    EXPECT_EQ(qk7::Harmless("\xC2\x80.\xC2\x9F.\xC2\xA0.\xC3\x80\xC2"), "?.?.\xC2\xA0.\xC3\x80\xC2")
+        << "some terminals take U+009B for the beginning of a command";
     EXPECT_NE(Qk7AtTerminal({"info", "a\033c"}).m_Err.find(" a?c: No such file"),
               std::string::npos);
+}
+
+TEST(Qk7Messages, OfResultsDoNotDriveATerminal) {
+    const ClTestFolder folder;
+    Put(folder / "a\033c\033[32m.bmp", Capture());
+    const Arguments shown = {"calibrate",
+                             "-d",
+                             RecordPath(),
+                             "-O",
+                             "GeometricCalibrate=off",
+                             "-O",
+                             "DynamicFingerMask=false",
+                             "-v",
+                             folder / "a\033c\033[32m.bmp",
+                             "-o",
+                             "-"};
+
+    EXPECT_NE(Qk7AtTerminal(shown).m_Err.find("/a?c\033[32m.bmp: no levels"), std::string::npos)
+        << "a colour does no harm";
 }
