@@ -1,5 +1,6 @@
 /// `qk7 errors`: the status numbers of the library with their names and words.
 
+#include "apps/qk7/Arguments.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
 #include "apps/qk7/Document.h"
@@ -109,7 +110,9 @@ void AddErrors(CLI::App& rApp) {
     CLI::App* pCommand =
         rApp.add_subcommand("errors", "Lists the status numbers with their names and words");
     const auto pCall = std::make_shared<StErrorsCall>();
-    pCommand->add_option("NUMBER", pCall->m_nWanted, "One number, such as -14")->type_name("");
+    pCommand->add_option("NUMBER", pCall->m_nWanted, "One number, such as -14")
+        ->transform(WholeOrNegative())
+        ->type_name("");
     pCommand->add_flag("--json", pCall->m_bJson, "Print a JSON document with an object for each");
     pCommand->callback([pCall] { RunErrors(*pCall); });
 }

@@ -1,6 +1,7 @@
 /// `qk7 simulate`: the files of a simulated scanner, or of a production line of them, to try the
 /// other commands on.
 
+#include "apps/qk7/Arguments.h"
 #include "apps/qk7/Choices.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
@@ -300,6 +301,7 @@ void AddSimulate(CLI::App& rApp) {
         "simulate", "Writes the captures and the calibration block of a simulated scanner");
     const auto pCall = std::make_shared<StSimulateCall>();
     pCommand->add_option("-s,--seed", pCall->m_nSeed, "Number of the scanner")
+        ->transform(Whole())
         ->type_name("N")
         ->capture_default_str();
     pCommand
@@ -321,6 +323,7 @@ void AddSimulate(CLI::App& rApp) {
     pCommand
         ->add_option("-n,--count", pCall->m_nCount,
                      "Captures of each further kind and case, up to 10000")
+        ->transform(Whole())
         ->check(CLI::Range(1, 10000).description(""))
         ->type_name("N")
         ->capture_default_str();
@@ -330,12 +333,14 @@ void AddSimulate(CLI::App& rApp) {
             "Simulate a production line: so many scanners, each in a folder 01, 02, ... with "
             "target, second target, empty platen and the further kinds, for \"qk7 report "
             "--batch\"; up to 1000")
+        ->transform(Whole())
         ->check(CLI::Range(1, 1000).description(""))
         ->type_name("N");
     pCommand
         ->add_option("--spoilt", pCall->m_nSpoilt,
                      "So many of the scanners have a target that is spoilt, in turn: hidden_dot, "
                      "missing_dot, wide_pitch, stand_in_far, glare_spot")
+        ->transform(Whole())
         ->type_name("N");
     pCommand->add_option("--format", pCall->m_Format, "Format of the captures: bmp or png")
         ->check(OneOf({"bmp", "png"}))

@@ -1,5 +1,6 @@
 #include "apps/qk7/FileRun.h"
 
+#include "apps/qk7/Arguments.h"
 #include "apps/qk7/Console.h"
 #include "apps/qk7/File.h"
 #include "apps/qk7/Progress.h"
@@ -247,6 +248,7 @@ void AddJobsOption(CLI::App& rCommand, StFileOptions& rOptions) {
     rCommand
         .add_option("-j,--jobs", rOptions.m_nJobs,
                     "Files to work on at the same time; 0 for one on each processor")
+        ->transform(Whole())
         ->check(CLI::Range(0U, cnMostJobs).description(""))
         ->type_name("N")
         ->capture_default_str();

@@ -1,5 +1,6 @@
 #include "apps/qk7/Tool.h"
 
+#include "apps/qk7/Arguments.h"
 #include "apps/qk7/Choices.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
@@ -41,6 +42,12 @@ std::string HelpOf(const std::vector<StExample>& aExamples) {
     return help;
 }
 
+void TakeValuesAsWritten(CLI::App& rCommand) {
+    for (CLI::Option* pOption : rCommand.get_options())
+        if (pOption->get_items_expected_min() > 0)
+            pOption->transform(AsWritten());
+}
+
 } // namespace
 
 const char* const g_szSummary = "Calibration of the images of the QK7 fingerprint scanner.";
@@ -76,6 +83,7 @@ void BuildTool(CLI::App& rApp) {
     rApp.footer(CommonHelp());
     for (CLI::App* pCommand : rApp.get_subcommands({})) {
         AddColours(*pCommand);
+        TakeValuesAsWritten(*pCommand);
         pCommand->footer(HelpOf(ExamplesOf(pCommand->get_name())));
     }
 }

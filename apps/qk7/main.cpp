@@ -2,6 +2,7 @@
 /// It works by the library's public header alone; only why a target or a record was refused it
 /// finds out by looking inside.
 
+#include "apps/qk7/Arguments.h"
 #include "apps/qk7/Console.h"
 #include "apps/qk7/Document.h"
 #include "apps/qk7/File.h"
@@ -40,7 +41,7 @@ int EndOfParsing(const CLI::App& App, const CLI::ParseError& End) {
         qk7::Print(output.str());
         return qk7::eDone;
     }
-    std::string words = errors.str();
+    std::string words = qk7::WithoutMarks(errors.str());
     words.erase(words.find_last_not_of('\n') + 1);
     qk7::PrintError(NameOf(App), words);
     return qk7::eWrongUsage;
@@ -48,7 +49,7 @@ int EndOfParsing(const CLI::App& App, const CLI::ParseError& End) {
 
 int Run(CLI::App& rApp, int nArguments, char** aArguments) {
     try {
-        rApp.parse(nArguments, aArguments);
+        rApp.parse(qk7::ForParser(nArguments, aArguments));
         return qk7::eDone;
     } catch (const CLI::RuntimeError& end) {
         return end.get_exit_code();
