@@ -71,6 +71,13 @@ Bytes Generated(const StDerivation& Derivation) {
                              RefusalAdvice(Derivation));
 }
 
+/// No two captures have the same noise.
+void CheckSecondIsAnother(const StDerivation& Derivation) {
+    if (Derivation.m_Second.m_Bytes == Derivation.m_Target.m_Bytes)
+        throw ClFailure(Derivation.m_Second.Name(), "is the first capture again, which confirms "
+                                                    "nothing. Lay the target anew and capture it.");
+}
+
 bool IsAboutPlate(const diagnosis::StReason& Reason) {
     return Reason.m_eReason == EReason::eScale || Reason.m_eReason == EReason::eShear;
 }
@@ -111,9 +118,11 @@ StJudged Judge(const StDerivation& Derivation, const Bytes& Calibration) {
     try {
         StJudged judged;
         judged.m_First = diagnosis::Diagnose(Calibration, Derivation.m_Target.m_Bytes);
-        if (Derivation.m_Second.IsThere())
+        if (Derivation.m_Second.IsThere()) {
+            CheckSecondIsAnother(Derivation);
             judged.m_Second =
                 diagnosis::CheckSecond(Calibration, CorrectedSecond(Derivation, Calibration));
+        }
         return judged;
     } catch (const std::invalid_argument& error) {
         throw ClFailure(Derivation.m_Target.Name(), error.what());

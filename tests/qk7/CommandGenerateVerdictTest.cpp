@@ -175,6 +175,20 @@ TEST_F(Qk7GenerateVerdict, FailsWithASecondCaptureThatIsNone) {
     EXPECT_EQ(m_Folder.Names(), (Names{"second.bmp", "target.bmp"}));
 }
 
+TEST_F(Qk7GenerateVerdict, TakesNoCaptureForItsOwnSecondOne) {
+    Put(m_Folder / "copy.bmp", RawTarget());
+
+    for (const std::string second : {"target.bmp", "copy.bmp"}) {
+        const StEnded ended = Generate(RawTarget(), {"--second", second});
+
+        EXPECT_EQ(ended.m_nExit, 1);
+        EXPECT_EQ(ended.m_Err, "qk7 generate: " + second +
+                                   ": is the first capture again, which confirms nothing. Lay the "
+                                   "target anew and capture it.\n");
+        EXPECT_EQ(m_Folder.Names(), (Names{"copy.bmp", "target.bmp"}));
+    }
+}
+
 TEST_F(Qk7GenerateVerdict, OverwritesNoSecondCapture) {
     Put(m_Folder / "second.bmp", TargetLaidAnew());
 
