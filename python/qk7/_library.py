@@ -45,15 +45,15 @@ SIGNATURES: dict[str, tuple[Any, list[Any]]] = {
 def shared_library() -> ctypes.CDLL:
     """The library, loaded when it is first asked for.
 
-    Raises OSError where it cannot be loaded, with what to do.
+    Raises OSError where it cannot be loaded or is another one, with what to do.
     """
     name = os.environ.get(VARIABLE) or SONAME
     try:
         loaded = ctypes.CDLL(name)
-    except OSError as fault:
+        for function, (result, arguments) in SIGNATURES.items():
+            getattr(loaded, function).restype = result
+            getattr(loaded, function).argtypes = arguments
+    except (OSError, AttributeError) as fault:  # AttributeError: it has no such function
         raise OSError(f"the calibration library cannot be loaded: {fault}; install it, or name its "
                       f"file in the environment variable {VARIABLE}") from fault
-    for function, (result, arguments) in SIGNATURES.items():
-        getattr(loaded, function).restype = result
-        getattr(loaded, function).argtypes = arguments
     return loaded

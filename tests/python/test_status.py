@@ -76,3 +76,9 @@ def test_library_that_is_not_there_is_told_with_what_to_do(monkeypatch):
     monkeypatch.setenv("QK7_LIBRARY", "/nowhere/lib.so")
     with pytest.raises(OSError, match="/nowhere/lib.so.*QK7_LIBRARY"):
         _library.shared_library.__wrapped__()
+
+
+def test_library_that_is_another_one_is_told_with_what_to_do(monkeypatch):
+    monkeypatch.setenv("QK7_LIBRARY", "libm.so.6")
+    with pytest.raises(OSError, match="CalibrateCreate.*QK7_LIBRARY"):
+        _library.shared_library.__wrapped__()
