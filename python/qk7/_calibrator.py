@@ -1,14 +1,13 @@
 """The handle of a scanner."""
 from __future__ import annotations
 
-import contextlib
 import ctypes
 import enum
 import threading
 import weakref
-from collections.abc import Iterator
+from collections.abc import Callable
 from types import TracebackType
-from typing import NamedTuple, NoReturn, Optional, Union, overload
+from typing import NamedTuple, NoReturn, Optional, TypeVar, Union, overload
 
 import numpy as np
 
@@ -16,6 +15,9 @@ from qk7._bitmap import Bitmap
 from qk7._blocks import BlockLike, ByteArray, as_bytes, as_writable_bytes
 from qk7._library import shared_library
 from qk7._status import CalibrationError, Status, require
+
+
+Result = TypeVar("Result")
 
 
 class Geometry(enum.Enum):
@@ -66,6 +68,8 @@ class _Switch:
         return self if owner is None else owner.get_option(self._key) == "Enabled"
 
     def __set__(self, owner: Calibrator, enable: bool) -> None:
+        if isinstance(enable, str):  # "disable" would enable it
+            raise TypeError(f"{self._key}: True or False is expected, not the text {enable!r}")
         owner.set_option(f"{self._key}={'enable' if enable else 'disable'}")
 
 
@@ -111,7 +115,8 @@ class Calibrator:
         if handle is None:
             raise CalibrationError(Status.QMT_ERROR_OUT_OF_MEMORY, "CalibrateCreate")
         self._handle: Optional[int] = handle
-        self._busy = threading.Lock()
+        self._guard = threading.RLock()  # of the turn, and held for no longer than to look at it
+        self._turn: Optional[object] = None
         self._room = 0
         self._release = weakref.finalize(self, _delete, handle)
         self._release.atexit = False  # a thread may still be in a call then
@@ -135,9 +140,11 @@ class Calibrator:
 
     def close(self) -> None:
         """Releases the handle; a second time does nothing."""
-        with self._mine():
-            self._handle = None
-            self._release()
+        self._alone(self._close)
+
+    def _close(self) -> None:
+        self._handle = None
+        self._release()
 
     @property
     def closed(self) -> bool:
@@ -159,21 +166,25 @@ class Calibrator:
         """Sets one option from a text "Key=value", as CalibrateSetOption() takes it."""
         if "\0" in option:
             raise ValueError("option: a text without zeros is expected")
-        with self._open() as handle:
-            require(shared_library().CalibrateSetOption(handle, option.encode()), "CalibrateSetOption")
+        text = option.encode()
+        self._with_handle(lambda handle: require(
+            shared_library().CalibrateSetOption(handle, text), "CalibrateSetOption"))
 
     def get_option(self, key: str) -> str:
         """The value of an option: "Enabled", "Disabled" or that of the geometry."""
         if "\0" in key:
             raise ValueError("key: a text without zeros is expected")
+        return self._with_handle(lambda handle: self._option(handle, key.encode()))
+
+    @staticmethod
+    def _option(handle: int, key: bytes) -> str:
+        get = shared_library().CalibrateGetOption
         size = ctypes.c_ulong(0)
-        with self._open() as handle:
-            get = shared_library().CalibrateGetOption
-            status: int = get(handle, key.encode(), None, ctypes.byref(size))
-            if status != Status.QMT_ERROR_TEMPLATE_SIZE:
-                raise CalibrationError(status, "CalibrateGetOption")
-            value = ctypes.create_string_buffer(size.value)
-            require(get(handle, key.encode(), value, ctypes.byref(size)), "CalibrateGetOption")
+        status: int = get(handle, key, None, ctypes.byref(size))
+        if status != Status.QMT_ERROR_TEMPLATE_SIZE:
+            raise CalibrationError(status, "CalibrateGetOption")
+        value = ctypes.create_string_buffer(size.value)
+        require(get(handle, key, value, ctypes.byref(size)), "CalibrateGetOption")
         return value.value.decode()
 
     @property
@@ -227,36 +238,34 @@ class Calibrator:
 
         Returns:
             The corrected image, 320 x 480 pixels at 500 dots per inch as a rule. With `out` it is a
-            view of its beginning.
+            view of its beginning; a Bitmap of another size that was given there shows nothing of use.
 
         Raises:
             CalibrationError: with `needed` set where `out` is too small. Nothing is written then.
         """
         source = as_bytes(capture, "capture")
         if out is None:
-            return Bitmap(self._correct(source))
+            return Bitmap(self._with_handle(lambda handle: self._correct(handle, source)))
         target = as_writable_bytes(out, "out")
         if np.shares_memory(source, target):
             raise ValueError("out: other bytes than those of the capture are expected")
-        with self._open() as handle:
-            status, size = self._calibrate(handle, source, target)
+        status, size = self._with_handle(lambda handle: self._calibrate(handle, source, target))
         if status == Status.QMT_ERROR_TEMPLATE_SIZE and size > target.size:
             raise CalibrationError(status, "Calibrate", size)
         require(status, "Calibrate")
         return Bitmap(target[:size])
 
-    def _correct(self, source: ByteArray) -> ByteArray:
+    def _correct(self, handle: int, source: ByteArray) -> ByteArray:
         """The first capture is given as much room as it has itself, all others what the last needed:
         to ask for the size costs a whole calibration.
         """
-        with self._open() as handle:
-            target = np.empty(self._room or source.size, np.uint8)
+        target = np.empty(self._room or source.size, np.uint8)
+        status, size = self._calibrate(handle, source, target)
+        if status == Status.QMT_ERROR_TEMPLATE_SIZE and size > target.size:
+            target = np.empty(size, np.uint8)
             status, size = self._calibrate(handle, source, target)
-            if status == Status.QMT_ERROR_TEMPLATE_SIZE and size > target.size:
-                target = np.empty(size, np.uint8)
-                status, size = self._calibrate(handle, source, target)
-            require(status, "Calibrate")
-            self._room = size
+        require(status, "Calibrate")
+        self._room = size
         return target if size == target.size else target[:size].copy()
 
     @staticmethod
@@ -270,10 +279,10 @@ class Calibrator:
     def levels(self) -> Levels:
         """The levels of the last capture that was corrected with dynamic_finger_mask."""
         dirt, dry_finger = ctypes.c_double(), ctypes.c_double()
-        with self._open() as handle:
-            require(shared_library().GetCalibrationWarningLevels(handle, ctypes.byref(dirt),
-                                                                 ctypes.byref(dry_finger)),
-                    "GetCalibrationWarningLevels")
+        self._with_handle(lambda handle: require(
+            shared_library().GetCalibrationWarningLevels(handle, ctypes.byref(dirt),
+                                                         ctypes.byref(dry_finger)),
+            "GetCalibrationWarningLevels"))
         return Levels(dirt.value, dry_finger.value)
 
     def contamination(self, capture: BlockLike) -> float:
@@ -292,42 +301,55 @@ class Calibrator:
 
     def _set(self, function: str, block: BlockLike) -> None:
         source = as_bytes(block, "block")
-        with self._open() as handle:
-            require(getattr(shared_library(), function)(handle, _address(source), source.size), function)
+        call = getattr(shared_library(), function)
+        self._with_handle(lambda handle: require(
+            call(handle, _address(source), source.size), function))
 
     def _get(self, function: str) -> ByteArray:
+        return self._with_handle(lambda handle: self._got(handle, function))
+
+    @staticmethod
+    def _got(handle: int, function: str) -> ByteArray:
         get = getattr(shared_library(), function)
         size = ctypes.c_ulong(0)
-        with self._open() as handle:
-            status: int = get(handle, None, ctypes.byref(size))
-            if status != Status.QMT_ERROR_TEMPLATE_SIZE:
-                raise CalibrationError(status, function)
-            block = np.empty(size.value, np.uint8)
-            require(get(handle, _address(block), ctypes.byref(size)), function)
+        status: int = get(handle, None, ctypes.byref(size))
+        if status != Status.QMT_ERROR_TEMPLATE_SIZE:
+            raise CalibrationError(status, function)
+        block = np.empty(size.value, np.uint8)
+        require(get(handle, _address(block), ctypes.byref(size)), function)
         return block
 
     def _measure(self, function: str, block: BlockLike) -> float:
         source = as_bytes(block, "block")
+        call = getattr(shared_library(), function)
         result = ctypes.c_double()
-        with self._open() as handle:
-            require(getattr(shared_library(), function)(handle, _address(source), source.size,
-                                                        ctypes.byref(result)), function)
+        self._with_handle(lambda handle: require(
+            call(handle, _address(source), source.size, ctypes.byref(result)), function))
         return result.value
 
     # One thread at a time.
 
-    @contextlib.contextmanager
-    def _mine(self) -> Iterator[None]:
-        if not self._busy.acquire(blocking=False):
-            raise InUseError("the calibrator is in use: another thread is in a call of it")
+    def _alone(self, work: Callable[[], Result]) -> Result:
+        """What an interrupt leaves half done, such as Ctrl-C, must not stay in use for good. So the
+        end asks who has the turn, in statements without calls, which no interrupt comes between;
+        with the lock alone one could come between taking it and the beginning of a `try`.
+        """
+        turn = object()
         try:
-            yield
+            with self._guard:
+                if self._turn is None:
+                    self._turn = turn
+            if self._turn is not turn:
+                raise InUseError("the calibrator is in use: another thread is in a call of it")
+            return work()
         finally:
-            self._busy.release()
+            if self._turn is turn:
+                self._turn = None
 
-    @contextlib.contextmanager
-    def _open(self) -> Iterator[int]:
-        with self._mine():
-            if self._handle is None:
-                raise ValueError("the calibrator is closed")
-            yield self._handle
+    def _with_handle(self, work: Callable[[int], Result]) -> Result:
+        return self._alone(lambda: work(self._opened()))
+
+    def _opened(self) -> int:
+        if self._handle is None:
+            raise ValueError("the calibrator is closed")
+        return self._handle

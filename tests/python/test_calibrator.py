@@ -186,6 +186,18 @@ def test_options_are_taken_as_texts():
             assert caught.value.number == qk7.Status.QMT_ERROR_PARAM_IS_MISSING
 
 
+def test_texts_are_no_switches():
+    with qk7.Calibrator() as calibrator:
+        for text in "disable", "false", "":
+            with pytest.raises(TypeError, match="SensitiveMode: True or False"):
+                calibrator.sensitive_mode = text
+        with pytest.raises(TypeError, match="not the text 'Disabled'"):
+            qk7.Calibrator(mask_is_output=calibrator.get_option("MaskIsOutput"))
+        assert calibrator.sensitive_mode is False
+        calibrator.sensitive_mode = np.bool_(True)
+        assert calibrator.sensitive_mode is True
+
+
 def test_texts_with_zeros_are_not_cut_off():
     with qk7.Calibrator() as calibrator:
         with pytest.raises(ValueError, match="without zeros"):

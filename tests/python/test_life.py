@@ -3,6 +3,7 @@ import copy
 import gc
 import os
 import pickle
+import signal
 import subprocess
 import sys
 import threading
@@ -140,6 +141,40 @@ def test_second_thread_is_refused(monkeypatch, call):
             thread.join()
         assert not calibrator.closed
         assert calibrator.levels == (0.0, 0.0)
+
+
+class Interrupt(Exception):
+    """What Ctrl-C is, by a clock."""
+
+
+@pytest.fixture
+def interrupted():
+    """Calls a function again and again until an interrupt comes, some microseconds later."""
+    def interrupt(*_):
+        raise Interrupt
+
+    def calling(call, microseconds):
+        try:
+            signal.setitimer(signal.ITIMER_REAL, microseconds * 1e-6)
+            while True:
+                call()
+        except Interrupt as fault:
+            return fault
+
+    former = signal.signal(signal.SIGALRM, interrupt)
+    yield calling
+    signal.signal(signal.SIGALRM, former)
+
+
+@pytest.mark.parametrize("call", [lambda c: c.levels, lambda c: c.set_option("MaskIsOutput=true"),
+                                  lambda c: c.sensitive_mode])
+def test_interrupt_at_any_moment_leaves_no_calibrator_in_use(interrupted, call):
+    """The interrupts are kept, as shells keep the last one: what they refer to lives on."""
+    kept = []
+    with qk7.Calibrator() as calibrator:
+        for number in range(1000):
+            kept.append(interrupted(lambda: call(calibrator), 30 + number % 97))
+            assert calibrator.levels == (0.0, 0.0)
 
 
 def test_calibrator_may_be_handed_over(calibrator, capture, published):
