@@ -109,7 +109,8 @@ def test_tree_that_is_not_there_is_an_error(tmp_path):
 def test_tree_holds_what_lies_in_it(small):
     archive = Tree(str(small))
     assert archive.holds(str(small / "out")) and archive.holds(str(small))
-    assert not archive.holds(str(small) + "-out") and not archive.holds(str(small.parent))
+    assert archive.holds(str(small.parent)), "images could take the place of captures"
+    assert not archive.holds(str(small) + "-out") and not archive.holds(str(small.parent / "out"))
 
 
 # Zip archives
@@ -140,6 +141,18 @@ def test_member_that_is_damaged_is_told(tmp_path):
     path.write_bytes(content)
     with pytest.raises(ValueError, match="CRC"):
         Zip(str(path)).read(Entry("a/x.bmp", "a"))
+
+
+@pytest.mark.parametrize("method", [zipfile.ZIP_DEFLATED, zipfile.ZIP_BZIP2, zipfile.ZIP_LZMA])
+def test_member_whose_packed_bytes_are_damaged_is_told(tmp_path, method):
+    path = tmp_path / "a.zip"
+    write_zip(path, [("a/x.bmp", os.urandom(1000)), ("a/y.bmp", b"good")], compression=method)
+    content = path.read_bytes()
+    path.write_bytes(content[:300] + 4 * b"\xff" + content[304:])
+    archive = Zip(str(path))
+    with pytest.raises((OSError, ValueError)):
+        archive.read(Entry("a/x.bmp", "a"))
+    assert archive.read(Entry("a/y.bmp", "a")) == b"good"
 
 
 def test_member_larger_than_any_capture_is_refused_before_it_is_unpacked(tmp_path, monkeypatch):
@@ -259,6 +272,15 @@ def test_line_without_end_does_not_fill_the_memory(tmp_path):
 def test_csv_without_its_columns_is_an_error(tmp_path, header):
     with pytest.raises(ValueError, match="has to name scanner, capture, sha256"):
         listed(tmp_path / "a.csv", header + "\n").entries()
+
+
+def test_list_holds_the_folders_that_its_captures_lie_in(tmp_path):
+    (tmp_path / "list.jsonl").write_text(
+        json.dumps({"scanner": "a", "capture": "images/x.bmp", "sha256": 64 * "0"}))
+    archive = Listed(str(tmp_path / "list.jsonl"))
+    assert archive.holds(str(tmp_path / "images")) and archive.holds(str(tmp_path))
+    assert archive.holds(str(tmp_path.parent))
+    assert not archive.holds(str(tmp_path / "out/images")) and not archive.holds(str(tmp_path) + "-out")
 
 
 def test_names_of_a_manifest_that_lead_out_are_refused(tmp_path):

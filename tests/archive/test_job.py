@@ -312,6 +312,38 @@ def test_results_in_the_archive_are_refused(run, plan, copied):
         run_job(plan._replace(order=order), None)
 
 
+def test_captures_never_become_their_own_results(plan, copied):
+    """Results are images/NAME in their folder, and the archive is that folder's images."""
+    archive = copied.rename(copied.parent / "images")
+    write_list(archive / "list.jsonl", archive)
+    before = (archive / "loop/00.bmp").read_bytes()
+    for path in archive, archive / "list.jsonl":
+        order = plan.order._replace(archive=str(path), output=str(archive.parent))
+        with pytest.raises(ValueError, match="take their place"):
+            run_job(plan._replace(order=order), None)
+    assert (archive / "loop/00.bmp").read_bytes() == before
+
+
+@pytest.mark.parametrize("name", ["manifest.jsonl", "manifest.csv", "journal.jsonl"])
+def test_list_never_becomes_a_list_of_results(plan, copied, name):
+    (copied / name).write_bytes(b"scanner,capture,sha256")
+    order = plan.order._replace(archive=str(copied / name), output=str(copied))
+    with pytest.raises(ValueError, match="the results would take its place"):
+        run_job(plan._replace(order=order), None)
+    assert (copied / name).read_bytes() == b"scanner,capture,sha256"
+
+
+def test_archive_that_is_empty_all_at_once_leaves_the_results_alone(run, plan, tmp_path, whole):
+    """As the folder is that a file system was mounted at."""
+    (tmp_path / "empty").mkdir()
+    assert run(archive=tmp_path / "empty")[:3] == (0, 0, 0)
+    run()
+    with pytest.raises(ValueError, match="has no captures any more"):
+        run(archive=tmp_path / "empty")
+    assert run()[:3] == (0, 60, 0)
+    whole()
+
+
 def test_folder_that_workers_cannot_write_to_stops_the_job(run, plan):
     os.makedirs(plan.order.output)
     with open(os.path.join(plan.order.output, "images"), "w"):

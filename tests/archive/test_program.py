@@ -67,6 +67,19 @@ def test_archive_that_is_not_there_stops_the_job(call, name, tmp_path):
     assert "No such file" in told
 
 
+@pytest.mark.parametrize("fault, words", [(ModuleNotFoundError("No module named 'a'"), "named 'a'\n"),
+                                          (MemoryError(), "MemoryError\n"),
+                                          (AssertionError("strange"), "AssertionError: strange\n")])
+def test_whatever_stops_the_job_is_no_refused_capture(call, monkeypatch, fault, words):
+    def run_job(*_):
+        raise fault
+
+    monkeypatch.setattr(program, "run_job", run_job)
+    status, told = call()
+    assert status == program.STOPPED
+    assert told.endswith(words)
+
+
 def test_option_that_is_none_stops_the_job_before_captures_are_refused(call, tmp_path):
     status, told = call("--option", "None=true")
     assert status == program.STOPPED

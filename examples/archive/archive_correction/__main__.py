@@ -5,6 +5,7 @@ import argparse
 import os
 import sys
 import time
+import traceback
 from collections.abc import Sequence
 from typing import Optional
 
@@ -100,10 +101,12 @@ def main(arguments: Optional[Sequence[str]] = None) -> int:
     call = _parser().parse_args(arguments)
     try:
         return _run(call)
-    except (OSError, ValueError, JobFault) as fault:
+    except (OSError, ValueError, ImportError, JobFault) as fault:  # ImportError: that of a worker, too
         _say(f"archive_correction: {fault}")
     except KeyboardInterrupt:
         _say("archive_correction: interrupted; the same command goes on from here")
+    except Exception:  # Python's own status, 1, would tell of captures that are refused
+        traceback.print_exc()
     return STOPPED
 
 

@@ -42,7 +42,7 @@ class Archive(Protocol):
         """The bytes of a capture. OSError or ValueError where it cannot be read."""
 
     def holds(self, folder: str) -> bool:
-        """Whether a folder of results would be read as a part of the archive."""
+        """Whether images in a folder would be taken for captures, or take the place of some."""
 
 
 def _fault_of_part(part: str) -> str:

@@ -26,10 +26,12 @@ from archive_correction.engine import Run
 from archive_correction.entry import Entry, fault_of_name, judged
 from archive_correction.forms import open_archive
 from archive_correction.journal import Journal
-from archive_correction.manifest import write_manifest
+from archive_correction.manifest import FORMS, write_manifest
 from archive_correction.outcome import Outcome, refused
 from archive_correction.station import ASIDE, IMAGES, Order, Task, correct_batch
 from archive_correction.tables import digest_of
+
+JOURNAL = "journal.jsonl"
 
 _MOST_BYTES_OF_A_BLOCK = 1 << 20
 _NOT_DONE = -1
@@ -132,8 +134,11 @@ class Job:
 
     def _find_kept(self) -> None:
         """What failed is tried again: a block may have been missing, a disk may have been away. An
-        image whose capture or block is no longer the same goes.
+        image whose capture or block is no longer the same, or no longer there, goes.
         """
+        if not self._entries and any(self._journal.known()):
+            raise ValueError(f"{self._plan.order.archive}: has no captures any more, and the images of "
+                             "all that it had would go; is it mounted?")
         positions = {entry.name: position for position, entry in enumerate(self._entries)
                      if not entry.fault}
         stale: set[str] = set()
@@ -199,6 +204,17 @@ class Job:
         return Summary(len(self._entries) - self._kept - failed, self._kept, failed, path)
 
 
+def _require_apart(archive: str, output: str) -> None:
+    """ValueError where results would take the place of what they are made of."""
+    images = os.path.join(output, IMAGES)
+    if open_archive(archive).holds(images):
+        raise ValueError(f"{images}: lies in the archive, or the archive in it, and images would be "
+                         "taken for captures or take their place")
+    lists = [JOURNAL, *("manifest." + form for form in FORMS)]
+    if os.path.realpath(archive) in [os.path.realpath(os.path.join(output, name)) for name in lists]:
+        raise ValueError(f"{archive}: the results would take its place")
+
+
 def run_job(plan: Plan, client: Any,
             told: Optional[Callable[[Outcome], None]] = None) -> Summary:
     """Corrects an archive, or what is left of it.
@@ -207,8 +223,7 @@ def run_job(plan: Plan, client: Any,
     JobFault where it cannot go on.
     """
     output = plan.order.output
-    if open_archive(plan.order.archive).holds(output):
-        raise ValueError(f"{output}: lies in the archive, and its images would be taken for captures")
+    _require_apart(plan.order.archive, output)
     os.makedirs(output, exist_ok=True)
-    with Journal(os.path.join(output, "journal.jsonl"), plan.order.options) as journal:
+    with Journal(os.path.join(output, JOURNAL), plan.order.options) as journal:
         return Job(plan, journal, told or (lambda outcome: None)).run(client)

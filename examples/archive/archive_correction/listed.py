@@ -13,7 +13,7 @@ from collections.abc import Iterator, Sequence
 from typing import IO, Optional
 
 from archive_correction.entry import Entry
-from archive_correction.tree import read_regular
+from archive_correction.tree import is_below, read_regular
 
 COLUMNS = ("scanner", "capture", "sha256")
 
@@ -120,5 +120,10 @@ class Listed:
         return read_regular(os.path.join(self._root, entry.name))
 
     def holds(self, folder: str) -> bool:
-        del folder
-        return False
+        """A folder may lie beside the captures: the list names those that count."""
+        if is_below(self._root, folder):
+            return True
+        if not is_below(folder, self._root):
+            return False
+        start = os.path.relpath(os.path.realpath(folder), os.path.realpath(self._root)) + "/"
+        return any(entry.name.startswith(start) for entry in self.entries())

@@ -54,4 +54,4 @@ class Tree:
         return read_regular(os.path.join(self._root, entry.name))
 
     def holds(self, folder: str) -> bool:
-        return is_below(folder, self._root)
+        return is_below(folder, self._root) or is_below(self._root, folder)

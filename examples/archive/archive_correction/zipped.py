@@ -1,6 +1,7 @@
 """A zip archive that has a folder for each scanner, named by its id."""
 from __future__ import annotations
 
+import lzma
 import zipfile
 import zlib
 from collections.abc import Sequence
@@ -8,7 +9,7 @@ from collections.abc import Sequence
 from archive_correction.entry import MOST_BYTES, Entry, in_folder_of_scanner
 
 _ENCRYPTED = 1
-_FAULTS = (zipfile.BadZipFile, zlib.error, RuntimeError, EOFError)
+_FAULTS = (zipfile.BadZipFile, zlib.error, lzma.LZMAError, RuntimeError, EOFError)
 
 
 def _entry(info: zipfile.ZipInfo) -> Entry:
