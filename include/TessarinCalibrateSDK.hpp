@@ -120,7 +120,9 @@ public:
 } // namespace detail
 
 /// The category of the library's statuses. Codes are equal when their categories are one object:
-/// it is the same in all parts of a process, whatever their default visibility.
+/// it is the same in all parts of a process that are linked with each other, whatever their default
+/// visibility. A plugin that is opened with RTLD_LOCAL may have one of its own: compare values
+/// there.
 TESSARIN_CALIBRATE_API inline const std::error_category& category() noexcept {
     static const detail::StatusCategory instance;
     return instance;
