@@ -6,7 +6,7 @@ from typing import NamedTuple
 
 import numpy as np
 
-from qk7._blocks import BlockLike, ByteArray, Path, as_bytes
+from qk7._blocks import BlockLike, ByteArray, Path, as_bytes, replace
 
 _FILE_HEADER = struct.Struct("<2sIHHI")
 _INFO_HEADER = struct.Struct("<IiiHHIIiiII")
@@ -115,9 +115,7 @@ class Bitmap:
         """Writes the block as a bitmap file, behind the header that those have."""
         header = _FILE_HEADER.pack(b"BM", _FILE_HEADER.size + self._block.size, 0, 0,
                                    _FILE_HEADER.size + self._offset)
-        with open(path, "wb") as file:
-            file.write(header)
-            file.write(self._block.data)
+        replace(path, header, self._block)
 
     @property
     def block(self) -> ByteArray:

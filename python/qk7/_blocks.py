@@ -62,6 +62,15 @@ def as_writable_bytes(block: BlockLike, what: str) -> ByteArray:
     return array
 
 
+def replace(path: Path, header: bytes, block: ByteArray) -> None:
+    """Writes a file anew. The block may be a mapping of that very file, and is taken out before the
+    file is emptied.
+    """
+    content = header + block.tobytes()
+    with open(path, "wb") as file:
+        file.write(content)
+
+
 def read_block(path: Path) -> ByteArray:
     """Reads a calibration block or a precalculated block: all bytes of a file.
 
@@ -73,6 +82,4 @@ def read_block(path: Path) -> ByteArray:
 
 def write_block(path: Path, block: BlockLike) -> None:
     """Writes a block as it is; see Bitmap.write() for bitmap files."""
-    content = as_bytes(block, "block")
-    with open(path, "wb") as file:
-        file.write(content.data)
+    replace(path, b"", as_bytes(block, "block"))
