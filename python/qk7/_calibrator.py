@@ -238,7 +238,7 @@ class Calibrator:
 
         Returns:
             The corrected image, 320 x 480 pixels at 500 dots per inch as a rule. With `out` it is a
-            view of its beginning; a Bitmap of another size that was given there shows nothing of use.
+            view of its beginning; a Bitmap of another size given there shows nothing of use then.
 
         Raises:
             CalibrationError: with `needed` set where `out` is too small. Nothing is written then.

@@ -333,15 +333,21 @@ def test_list_never_becomes_a_list_of_results(plan, copied, name):
     assert (copied / name).read_bytes() == b"scanner,capture,sha256"
 
 
-def test_archive_that_is_empty_all_at_once_leaves_the_results_alone(run, plan, tmp_path, whole):
+@pytest.mark.parametrize("missing", ["archive", "scanners"])
+def test_folder_that_is_empty_all_at_once_leaves_the_results_alone(run, tmp_path, whole, missing):
     """As the folder is that a file system was mounted at."""
     (tmp_path / "empty").mkdir()
-    assert run(archive=tmp_path / "empty")[:3] == (0, 0, 0)
+    assert run(**{missing: str(tmp_path / "empty")}).corrected == 0
     run()
-    with pytest.raises(ValueError, match="has no captures any more"):
-        run(archive=tmp_path / "empty")
+    with pytest.raises(ValueError, match="no capture can be corrected"):
+        run(**{missing: str(tmp_path / "empty")})
     assert run()[:3] == (0, 60, 0)
     whole()
+
+
+def test_folder_of_blocks_that_is_not_there_stops_the_job(run, tmp_path):
+    with pytest.raises(FileNotFoundError):
+        run(scanners=str(tmp_path / "none"))
 
 
 def test_folder_that_workers_cannot_write_to_stops_the_job(run, plan):

@@ -62,7 +62,8 @@ class Summary(NamedTuple):
 
 
 def read_blocks(folder: str, scanners: set[str]) -> dict[str, bytes]:
-    """The calibration blocks of those scanners that have one."""
+    """The calibration blocks of those scanners that have one. OSError where there is no folder."""
+    os.stat(folder)
     blocks = {}
     for scanner in scanners:
         try:
@@ -136,11 +137,12 @@ class Job:
         """What failed is tried again: a block may have been missing, a disk may have been away. An
         image whose capture or block is no longer the same, or no longer there, goes.
         """
-        if not self._entries and any(self._journal.known()):
-            raise ValueError(f"{self._plan.order.archive}: has no captures any more, and the images of "
-                             "all that it had would go; is it mounted?")
         positions = {entry.name: position for position, entry in enumerate(self._entries)
                      if not entry.fault}
+        if not positions and any(not outcome.error for _, outcome in self._journal.known()):
+            raise ValueError(f"{self._plan.order.archive}, {self._plan.scanners}: no capture can be "
+                             "corrected any more, and all images would go; are both folders what "
+                             "they were?")
         stale: set[str] = set()
         for place, outcome in self._journal.known():
             position = positions.get(outcome.capture)
