@@ -255,6 +255,11 @@ StTrend TrendOf(const Entries& aEntries, const StFigure& Figure) {
 
 void AddTrends(ClPage& rPage, const StIndex& Index) {
     rPage.Section("trends", "Trends");
+    if (std::all_of(Index.m_aEntries.begin(), Index.m_aEntries.end(),
+                    [](const StEntry& Entry) { return Entry.m_Values.empty(); })) {
+        rPage.Paragraph("No scanner has figures.");
+        return;
+    }
     rPage.Paragraph("Each figure over the scanners in the order of their names. An outlier lies "
                     "further from the median than five robust standard deviations.");
     rPage.OpenGallery("trends");

@@ -99,6 +99,13 @@ TEST(ReportIndex, IsAPageOfNothingToo) {
     EXPECT_THAT(Html({}, "index.html"), Not(HasSubstr("<svg")));
 }
 
+TEST(ReportIndex, PromisesNoTrendsWhereEveryScannerFailed) {
+    const std::string sNone = Html({Entry("a", EState::eFailed, 0.0)}, "index.html");
+    EXPECT_THAT(sNone, HasSubstr("No scanner has figures."));
+    EXPECT_THAT(sNone, Not(HasSubstr("Each figure over the scanners")));
+    EXPECT_THAT(Html(Line(), "index.html"), HasSubstr("Each figure over the scanners"));
+}
+
 TEST(ReportIndex, TellsItsFilesInAdvance) {
     std::vector<std::string> aFiles;
     for (const StIndexPage& Page : IndexPages(Line(), "1"))
