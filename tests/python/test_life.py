@@ -155,10 +155,12 @@ def interrupted():
 
     def calling(call, microseconds):
         try:
-            signal.setitimer(signal.ITIMER_REAL, microseconds * 1e-6)
+            # Once more, a second later: one that comes within a finalizer is swallowed.
+            signal.setitimer(signal.ITIMER_REAL, microseconds * 1e-6, 1)
             while True:
                 call()
         except Interrupt as fault:
+            signal.setitimer(signal.ITIMER_REAL, 0)
             return fault
 
     former = signal.signal(signal.SIGALRM, interrupt)
