@@ -307,6 +307,42 @@ TEST(IpCalibrateLumivane2, InputIsUnchanged) {
     }
 }
 
+// Kept images
+
+namespace {
+
+/// An image of an earlier capture, with line ends that no output may show.
+void Spoil(ClImage& rImage) {
+    rImage.NewWithType(ClImage::eUInt8, 45, 66, 1, 2000, 2000);
+    std::memset(rImage.Data(), 0x55, rImage.SizeBytes());
+}
+
+} // namespace
+
+TEST(IpCalibrateLumivane2, EarlierImagesAreNotSeenBehindLines) {
+    StReady Ready(Engine::eOddLines);
+    Ready.m_In.NewWithType(ClImage::eUInt8, 45, 132, 1, 2000, 4001);
+    FillNoise(Ready.m_In);
+    Spoil(Ready.m_Engine.m_Kept.m_Warped);
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    ASSERT_EQ(Ready.m_Out.LineStrideBytes(), 48);
+    for (int y = 0; y < 66; ++y)
+        for (int x = 45; x < 48; ++x)
+            ASSERT_EQ(Ready.m_Out.LineData(y)[x], 0) << x << ", " << y;
+}
+
+TEST(IpCalibrateLumivane2, OutputWithoutPixelsTakesTheMemoryThatIsKept) {
+    StReady Ready(Engine::eOddLines);
+    Ready.m_In.NewWithType(ClImage::eUInt8, 45, 132, 1, 2000, 4001);
+    Spoil(Ready.m_Engine.m_Kept.m_Result);
+    const unsigned char* pKept = Ready.m_Engine.m_Kept.m_Result.Data();
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    EXPECT_EQ(Ready.m_Out.Data(), pKept);
+    Spoil(Ready.m_Engine.m_Kept.m_Result);
+    ASSERT_EQ(Ready.m_Engine.Apply(), 0);
+    EXPECT_EQ(Ready.m_Out.Data(), pKept) << "it has memory of its own now";
+}
+
 // The dynamic step. A capture of one grey value shows no finger: image and mask are white.
 
 namespace {
