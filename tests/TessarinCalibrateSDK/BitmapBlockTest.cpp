@@ -233,6 +233,13 @@ TEST(BitmapBlock, AttachLeavesCompressedAndColouredBlocksToTheProcessor) {
     EXPECT_EQ(Attached(Block(Head(0, 8, 24)), Colour), 0);
 }
 
+TEST(BitmapBlock, AttachTakesASinglePixel) {
+    ClImage Image;
+    EXPECT_EQ(Attached(Block(Head(1, 1, 8)), Image), 0);
+    EXPECT_EQ(Image.Width(), 1);
+    EXPECT_EQ(Image.Height(), 1);
+}
+
 TEST(BitmapBlock, AttachRefusesAnAreaWithoutPixels) {
     for (const StHead& Shape : {Head(0, 8, 8), Head(8, 0, 8), Head(0, 0, 8), Head(-8, -1, 8),
                                 Head(-1, -1, 8), Head(-1, -8, 8)}) {
