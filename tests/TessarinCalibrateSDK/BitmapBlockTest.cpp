@@ -98,6 +98,8 @@ TEST(BitmapBlock, SizesThatOverflow32BitsAreNone) {
     EXPECT_EQ(Size(Head(INT_MIN, 1, 8)), 0u);
     EXPECT_EQ(Size(Head(65536, 32767, 8)), 40u + 1024 + 2147418112u);
     EXPECT_EQ(Size(Head(65536, 32768, 8)), 0u); // pixels
+    EXPECT_EQ(Size(Head(65536, -32768, 8)), 40u + 1024 + 2147483648u);
+    EXPECT_EQ(Size(Head(65536, -32769, 8)), 0u);
     EXPECT_EQ(Size(Head(65536, INT_MAX, 8)), 0u);
     EXPECT_EQ(Size(Head(65536, INT_MIN, 8)), 0u);
     EXPECT_EQ(Size(Head(INT_MAX, INT_MAX, 32)), 0u); // not even 64 bits hold it
