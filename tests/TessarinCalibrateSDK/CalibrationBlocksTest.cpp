@@ -99,11 +99,16 @@ TEST(CalibrationBlocks, ReadSetsTheRescalerToTheTargetsResolution) {
 
 TEST(CalibrationBlocks, ReadLeavesTheTableToAPrecalculatedBlock) {
     Engine Tested;
+    ClImage Earlier;
+    Tested.m_GeometricBicubic.m_pInImage = &Earlier;
+    Tested.m_GeometricBicubic.m_pOutImage = &Earlier;
     Tested.m_bPrecalculatedData = true;
     Read(Tested, RecordBlock(PlausibleRecord()));
     EXPECT_TRUE(Tested.IsInitialized());
     EXPECT_FALSE(Tested.m_GeometricBicubic.HasTable());
     EXPECT_EQ(Tested.m_GeometricBicubic.m_pData, &Tested.m_CalibrationData);
+    EXPECT_EQ(Tested.m_GeometricBicubic.m_pInImage, nullptr);
+    EXPECT_EQ(Tested.m_GeometricBicubic.m_pOutImage, nullptr);
 }
 
 TEST(CalibrationBlocks, ReadDropsTheOldTable) {

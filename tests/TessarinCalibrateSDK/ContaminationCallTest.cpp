@@ -1,6 +1,7 @@
 // ContaminationDetection() from within: its lines, missing memory, and the engine that it leaves
 // alone.
 
+#include "FingerCoding/TimerMarks.h"
 #include "TessarinCalibrateSDK/Captures.h"
 #include "TessarinCalibrateSDK/OwnHandle.h"
 #include "TessarinCalibrateSDK/Trace.h"
@@ -87,6 +88,16 @@ TEST(ContaminationCall, LeavesTheEngineAlone) {
     EXPECT_EQ(Own.m_Processor.m_pInImage, &image);
     EXPECT_EQ(Own.m_Processor.m_pOutImage, &image);
     EXPECT_FALSE(Own.m_Processor.IsInitialized());
+}
+
+TEST(ContaminationCall, IsTimed) {
+    StOwnHandle<> Own;
+    Bytes aBlock = Capture(60, 60);
+    double dLevel = 0.0;
+    const TestSupport::ClTimerMarks Marks;
+    LinesOf(Own.Handle(), aBlock, dLevel, 0);
+    ASSERT_FALSE(Marks.m_aRuns.empty());
+    EXPECT_EQ(Marks.m_aRuns.back(), "ClIpQK7FunctionalityCheck");
 }
 
 TEST(ContaminationCall, SurvivesMissingMemory) {
