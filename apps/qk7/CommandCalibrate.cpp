@@ -68,19 +68,12 @@ std::string OutputIn(const StCalibrateCall& Call, const StInput& Input) {
     return output.string();
 }
 
-/// Two results under one name, or a result in the place of its capture, are found before anything
-/// is written.
-void CheckOutputs(const std::vector<StInput>& aInputs, const std::vector<std::string>& aOutputs) {
+/// Two results under one name are found before anything is written.
+void CheckNamesOnce(const std::vector<std::string>& aOutputs) {
     std::set<std::string> seen;
-    for (std::size_t i = 0; i < aOutputs.size(); ++i) {
-        std::error_code ignored;
-        if (aOutputs[i].empty() || IsStream(aOutputs[i]))
-            continue;
-        if (!seen.insert(aOutputs[i]).second)
-            throw ClWrongUsage(aOutputs[i] + " would be written twice; rename one of the inputs");
-        if (fs::equivalent(aInputs[i].m_Path, aOutputs[i], ignored))
-            throw ClWrongUsage(aOutputs[i] + " is its own input; give another output");
-    }
+    for (const std::string& output : aOutputs)
+        if (!output.empty() && !IsStream(output) && !seen.insert(output).second)
+            throw ClWrongUsage(output + " would be written twice; rename one of the inputs");
 }
 
 /// An output for each input, empty for one that is none.
@@ -93,7 +86,7 @@ std::vector<std::string> PlanOutputs(const StCalibrateCall& Call, const StInputs
         outputs.push_back(!input.m_Fault.empty() ? ""
                           : bFolder              ? OutputIn(Call, input)
                                                  : Call.m_Output);
-    CheckOutputs(Inputs.m_aFiles, outputs);
+    CheckNamesOnce(outputs);
     return outputs;
 }
 

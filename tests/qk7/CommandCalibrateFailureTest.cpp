@@ -186,9 +186,9 @@ TEST_F(Qk7CalibrateFailure, RefusesToWriteTwoResultsUnderOneName) {
 
 TEST_F(Qk7CalibrateFailure, RefusesToReplaceACapture) {
     ExpectFailure({"calibrate", "-d", "scanner.cal", "a.bmp", "-o", "./a.bmp"}, 2,
-                  "./a.bmp is its own input; give another output");
+                  "./a.bmp is an input; give another output");
     ExpectFailure({"calibrate", "-d", "scanner.cal", "a.bmp", "-o", "."}, 2,
-                  "./a.bmp is its own input; give another output");
+                  "./a.bmp is an input; give another output");
     EXPECT_EQ(Get(m_Folder / "a.bmp"), Capture());
 }
 
