@@ -12,7 +12,8 @@ set(CMAKE_C_STANDARD 99)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+# In a larger project the type is that project's to choose.
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
@@ -30,6 +31,10 @@ set(TESSARIN_QUICK_OPTIONS -O0)
 if(CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE") # needs optimisation, and complains in every source
     list(APPEND TESSARIN_QUICK_OPTIONS -U_FORTIFY_SOURCE)
 endif()
+
+# Files of the library have names of their own that others have, too: only what is told below to be
+# compiled in batches is written for it, whatever the caller or a larger project asks for.
+set(CMAKE_UNITY_BUILD OFF)
 
 # What is added to this directory from here on is built to be built quickly.
 macro(tessarin_build_quickly)
