@@ -82,15 +82,15 @@ void CountPairs(const StLocated& Located, StSecond& rSecond) {
     }
 }
 
-void JudgeScale(StSecond& rSecond) {
+void JudgeScale(const std::string& sCapture, StSecond& rSecond) {
     if (std::fabs(rSecond.m_dScale - 1.0) < cdSecondScale)
         return;
     rSecond.m_aReasons.push_back(
         {EReason::eSecond, cnDots,
-         Words("the second capture shows the pattern %.1f percent too %s: one of the two plates "
-               "has another pitch",
-               100.0 * std::fabs(rSecond.m_dScale - 1.0),
-               rSecond.m_dScale < 1.0 ? "small" : "large")});
+         sCapture + Words(" shows the pattern %.1f percent too %s: one of the two plates has "
+                          "another pitch",
+                          100.0 * std::fabs(rSecond.m_dScale - 1.0),
+                          rSecond.m_dScale < 1.0 ? "small" : "large")});
 }
 
 /// How far a dot is off, as a share of how far it may be.
@@ -98,7 +98,7 @@ double ShareOfTrusted(const StSecondDot& Dot) {
     return std::sqrt(SquaredLength(Dot.m_Off)) / Dot.m_dTrusted;
 }
 
-void JudgeDots(StSecond& rSecond) {
+void JudgeDots(const std::string& sCapture, StSecond& rSecond) {
     const auto& aDots = rSecond.m_aDots;
     const auto nOff = std::count_if(aDots.begin(), aDots.end(), [](const StSecondDot& Dot) {
         return !(ShareOfTrusted(Dot) < 1.0);
@@ -111,16 +111,18 @@ void JudgeDots(StSecond& rSecond) {
         });
     rSecond.m_aReasons.push_back(
         {EReason::eSecond, static_cast<std::size_t>(worst - aDots.begin()),
-         Words("the second capture has %d of its dots off their places, most the one at (%.0f, "
-               "%.0f) of the corrected image, column %d, row %d, by %.1f pixels; %.1f are trusted",
-               static_cast<int>(nOff), worst->m_Found.m_dX, worst->m_Found.m_dY,
-               worst->m_Place.m_nColumn, worst->m_Place.m_nRow,
-               std::sqrt(SquaredLength(worst->m_Off)), worst->m_dTrusted)});
+         sCapture +
+             Words(" has %d of its dots off their places, most the one at (%.0f, %.0f) of the "
+                   "corrected image, column %d, row %d, by %.1f pixels; %.1f are trusted",
+                   static_cast<int>(nOff), worst->m_Found.m_dX, worst->m_Found.m_dY,
+                   worst->m_Place.m_nColumn, worst->m_Place.m_nRow,
+                   std::sqrt(SquaredLength(worst->m_Off)), worst->m_dTrusted)});
 }
 
 } // namespace
 
-StSecond CheckSecond(const Bytes& Calibration, const Bytes& Corrected) {
+StSecond CheckSecond(const Bytes& Calibration, const Bytes& Corrected,
+                     const std::string& sCapture) {
     const StRecord Record = ReadRecord(Calibration);
     const StGrey Image = ReadGrey(Corrected);
     StSecond Second;
@@ -129,8 +131,8 @@ StSecond CheckSecond(const Bytes& Calibration, const Bytes& Corrected) {
     if (!Second.m_bFound) {
         Second.m_aReasons.push_back(
             {EReason::eSecond, cnDots,
-             "the second capture, corrected, does not show the target: it was laid badly, or the "
-             "calibration is wrong"});
+             sCapture + ", corrected, does not show the target: it was laid badly, or the "
+                        "calibration is wrong"});
         return Second;
     }
     Points aCentres;
@@ -140,9 +142,9 @@ StSecond CheckSecond(const Bytes& Calibration, const Bytes& Corrected) {
     }
     Place(Record, aCentres, Second);
     CountPairs(Located, Second);
-    JudgeScale(Second);
+    JudgeScale(sCapture, Second);
     if (Second.m_aReasons.empty())
-        JudgeDots(Second);
+        JudgeDots(sCapture, Second);
     return Second;
 }
 

@@ -7,6 +7,7 @@
 #include "diagnosis/Verdict.h"
 
 #include <optional>
+#include <string>
 
 namespace diagnosis {
 
@@ -39,7 +40,9 @@ struct StSecond {
 };
 
 /// `Corrected` is the second capture as a bitmap block, corrected with the calibration, without
-/// finger mask. Throws std::invalid_argument for blocks that are none.
-StSecond CheckSecond(const Bytes& Calibration, const Bytes& Corrected);
+/// finger mask; the words call it `sCapture`. Throws std::invalid_argument for blocks that are
+/// none.
+StSecond CheckSecond(const Bytes& Calibration, const Bytes& Corrected,
+                     const std::string& sCapture = "the second capture");
 
 } // namespace diagnosis

@@ -34,6 +34,7 @@ struct StInputFile {
 
 /// What only a calibration that loads has.
 struct StCalibrated {
+    bool m_bStored = false; ///< not derived from this target, and its dots found in another capture
     diagnosis::StDiagnosis m_Diagnosis;
     std::optional<diagnosis::StSecond> m_Second;
     Points m_aTarget; ///< where the dots belong, pixels of the corrected image

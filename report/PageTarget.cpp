@@ -23,32 +23,47 @@ StCell PairCell(const std::string& sId, const StPoint& Pair, int nDecimals) {
                       NumberMarkup(sId + "/1", Pair.m_dY, nDecimals));
 }
 
-void AddDotRow(ClPage& rPage, std::size_t nDot, const diagnosis::StDotReading& Dot) {
+/// What grey values say of a dot holds for the capture that it was found in.
+void AddDotRow(ClPage& rPage, bool bGrey, std::size_t nDot, const diagnosis::StDotReading& Dot) {
     const auto number = [&](const char* szField, double dValue, int nDecimals) {
         return NumberCell(NumberMarkup(Path(nDot, szField), dValue, nDecimals));
     };
-    rPage.Row({PlaceCell(Dot.m_Place), PairCell(Path(nDot, "at"), Dot.m_Found, 1),
-               PairCell(Path(nDot, "leave_one_out"), Dot.m_LeaveOneOut, 2),
-               PairCell(Path(nDot, "off"), Dot.m_Off, 2),
-               PairCell(Path(nDot, "grey_off"), Dot.m_GreyOff, 2),
-               number("contrast", Dot.m_dContrast, 2), number("diameter_mm", Dot.m_dDiameter, 3),
-               number("roundness", Dot.m_dRoundness, 2)});
+    Cells aCells = {PlaceCell(Dot.m_Place), PairCell(Path(nDot, "at"), Dot.m_Found, 1),
+                    PairCell(Path(nDot, "leave_one_out"), Dot.m_LeaveOneOut, 2),
+                    PairCell(Path(nDot, "off"), Dot.m_Off, 2)};
+    if (bGrey)
+        aCells.insert(aCells.end(), {PairCell(Path(nDot, "grey_off"), Dot.m_GreyOff, 2),
+                                     number("contrast", Dot.m_dContrast, 2),
+                                     number("diameter_mm", Dot.m_dDiameter, 3),
+                                     number("roundness", Dot.m_dRoundness, 2)});
+    rPage.Row(aCells);
 }
 
-void AddDotTable(ClPage& rPage, const diagnosis::StDiagnosis& Diagnosis) {
+void OpenDotTable(ClPage& rPage, bool bGrey) {
+    std::vector<std::string> aHeads = {"Dot", "Found at", "Residual", "Off"};
+    if (bGrey)
+        aHeads.insert(aHeads.end(), {"Grey centre", "Contrast", "Diameter", "Roundness"});
+    rPage.OpenTable(bGrey ? "Places and differences in raw pixels, x and y; the diameter in mm"
+                          : "Places and differences in raw pixels, x and y, as the stored "
+                            "calibration has them",
+                    aHeads, "many");
+}
+
+void AddDotTable(ClPage& rPage, const StCalibrated& Calibrated) {
+    const auto& aDots = Calibrated.m_Diagnosis.m_aDots;
+    const bool bGrey = !Calibrated.m_bStored;
     rPage.OpenDetails("All 75 dots in numbers");
-    rPage.OpenTable(
-        "Places and differences in raw pixels, x and y; the diameter in mm",
-        {"Dot", "Found at", "Residual", "Off", "Grey centre", "Contrast", "Diameter", "Roundness"},
-        "many");
-    for (std::size_t i = 0; i < Diagnosis.m_aDots.size(); ++i)
-        AddDotRow(rPage, i, Diagnosis.m_aDots[i]);
+    OpenDotTable(rPage, bGrey);
+    for (std::size_t i = 0; i < aDots.size(); ++i)
+        AddDotRow(rPage, bGrey, i, aDots[i]);
     rPage.CloseTable();
     rPage.Paragraph(
-        "Residual: found less what the spline through the other 74 predicts. Off: found "
-        "less what the dots that are not doubtful predict about a smooth distortion; "
-        "the verdict goes by it. Grey centre: the centre by grey values less the one "
-        "found; large where something dark touches the dot.");
+        std::string("Residual: found less what the spline through the other 74 predicts. Off: "
+                    "found less what the dots that are not doubtful predict about a smooth "
+                    "distortion; the verdict goes by it.") +
+        (bGrey ? " Grey centre: the centre by grey values less the one found; large where "
+                 "something dark touches the dot."
+               : ""));
     rPage.CloseDetails();
 }
 
@@ -83,8 +98,9 @@ StCaptureView ViewOf(const StScanner& Scanner) {
     View.m_Frame = Scanner.m_CaptureFrame;
     View.m_sPicture = Scanner.m_Capture.m_sSource;
     View.m_aRegions = Scanner.m_Finds.m_aRegions;
-    View.m_aDots =
-        Scanner.m_Calibrated ? DotsOf(Scanner.m_Calibrated->m_Diagnosis) : Scanner.m_Finds.m_aDots;
+    View.m_aDots = Scanner.m_Calibrated && !Scanner.m_Calibrated->m_bStored
+                       ? DotsOf(Scanner.m_Calibrated->m_Diagnosis)
+                       : Scanner.m_Finds.m_aDots;
     return View;
 }
 
@@ -151,7 +167,7 @@ void AddTarget(ClPage& rPage, const StScanner& Scanner) {
     rPage.Markup("</div>\n");
     rPage.CloseGallery();
     if (Scanner.m_Calibrated)
-        AddDotTable(rPage, Scanner.m_Calibrated->m_Diagnosis);
+        AddDotTable(rPage, *Scanner.m_Calibrated);
 }
 
 } // namespace report

@@ -101,13 +101,6 @@ report::StWarpGrid GridOf(const diagnosis::ClMapping& Mapping, const report::StF
     return grid;
 }
 
-Bytes CorrectedTarget(const StDerivation& Derivation, const StBlocks& Blocks) {
-    ClHandle handle;
-    handle.SetOption("DynamicFingerMask=false");
-    handle.SetData(Blocks.m_Calibration);
-    return handle.Calibrate(Derivation.m_Target.m_Bytes, Derivation.m_Target.m_Bytes.size());
-}
-
 double Distance(const diagnosis::Points& aPoints, std::size_t i, std::size_t j) {
     return std::sqrt(diagnosis::SquaredLength(aPoints[i] - aPoints[j]));
 }
@@ -131,7 +124,7 @@ report::StEftsPairs PairsOf(const diagnosis::StLocated& Located, const diagnosis
 /// The library's own percentage; nothing where it does not find the target.
 void NoteEfts(const StDerivation& Derivation, const StBlocks& Blocks,
               const diagnosis::StRecord& Record, report::StScanner& rScanner) {
-    const Bytes corrected = CorrectedTarget(Derivation, Blocks);
+    const Bytes corrected = Corrected(Derivation.m_Target, Blocks.m_Calibration);
     ClHandle handle;
     handle.SetOption("PrecalculatedData=true"); // no warp table is needed
     handle.SetData(Blocks.m_Calibration);
@@ -221,6 +214,7 @@ void NoteJudged(const StDerivation& Derivation, const StBlocks& Blocks, const St
     report::StCalibrated calibrated;
     calibrated.m_Diagnosis = Judged.m_First;
     calibrated.m_Second = Judged.m_Second;
+    calibrated.m_bStored = Judged.m_Target.has_value();
     calibrated.m_aTarget = record.m_aTarget;
     calibrated.m_Corrected = CorrectedFrame(record, rCapture.m_bUpward);
     calibrated.m_aOutline = report::CaptureOutline(mapping, rCapture, calibrated.m_Corrected);

@@ -78,6 +78,28 @@ void CheckSecondIsAnother(const StDerivation& Derivation) {
                                                     "nothing. Lay the target anew and capture it.");
 }
 
+/// The calibration by its dots and, where there is one, the second capture.
+StJudged JudgedByDots(const StDerivation& Derivation, const Bytes& Calibration) {
+    StJudged judged;
+    judged.m_First = diagnosis::Diagnose(Calibration, Derivation.m_Target.m_Bytes);
+    if (Derivation.m_Second.IsThere()) {
+        judged.m_Second =
+            diagnosis::CheckSecond(Calibration, Corrected(Derivation.m_Second, Calibration));
+        CheckSecondIsAnother(Derivation);
+    }
+    return judged;
+}
+
+/// A block that cannot be judged does not tell its name.
+template <class Work>
+StJudged NamingTarget(const StDerivation& Derivation, Work work) {
+    try {
+        return work();
+    } catch (const std::invalid_argument& error) {
+        throw ClFailure(Derivation.m_Target.Name(), error.what());
+    }
+}
+
 bool IsAboutPlate(const diagnosis::StReason& Reason) {
     return Reason.m_eReason == EReason::eScale || Reason.m_eReason == EReason::eShear;
 }
@@ -115,28 +137,25 @@ StBlocks Derive(const StDerivation& Derivation, bool bPrecalculated) {
 }
 
 StJudged Judge(const StDerivation& Derivation, const Bytes& Calibration) {
-    try {
-        StJudged judged;
-        judged.m_First = diagnosis::Diagnose(Calibration, Derivation.m_Target.m_Bytes);
-        if (Derivation.m_Second.IsThere()) {
-            CheckSecondIsAnother(Derivation);
-            judged.m_Second =
-                diagnosis::CheckSecond(Calibration, CorrectedSecond(Derivation, Calibration));
-        }
-        return judged;
-    } catch (const std::invalid_argument& error) {
-        throw ClFailure(Derivation.m_Target.Name(), error.what());
-    }
+    return NamingTarget(Derivation, [&] { return JudgedByDots(Derivation, Calibration); });
 }
 
-Bytes CorrectedSecond(const StDerivation& Derivation, const Bytes& Calibration) {
+StJudged JudgeStored(const StDerivation& Derivation, const Bytes& Calibration) {
+    return NamingTarget(Derivation, [&] {
+        StJudged judged = JudgedByDots(Derivation, Calibration);
+        judged.m_Target = diagnosis::CheckSecond(
+            Calibration, Corrected(Derivation.m_Target, Calibration), "the capture");
+        return judged;
+    });
+}
+
+Bytes Corrected(const StSource& Capture, const Bytes& Calibration) {
     ClHandle handle;
     handle.SetOption("DynamicFingerMask=false");
     handle.SetData(Calibration);
     const StFrame frame = ReadCalibrationInfo(Calibration).m_Target;
-    return HandingBitmap(Derivation.m_Second.Name(), Derivation.m_Second.m_Bytes, [&] {
-        return handle.Calibrate(Derivation.m_Second.m_Bytes,
-                                BitmapBytes(frame.m_nWidth, frame.m_nHeight, 1));
+    return HandingBitmap(Capture.Name(), Capture.m_Bytes, [&] {
+        return handle.Calibrate(Capture.m_Bytes, BitmapBytes(frame.m_nWidth, frame.m_nHeight, 1));
     });
 }
 

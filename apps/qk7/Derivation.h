@@ -46,12 +46,16 @@ struct StBlocks {
 /// `ClUnloadableRecord`, or `ClFailure` where a file is to blame.
 StBlocks Derive(const StDerivation& Derivation, bool bPrecalculated);
 
-/// The calibration against its target and, where there is one, the second capture. Throws
-/// `ClFailure`.
+/// The calibration against the target that it was derived from and, where there is one, the second
+/// capture. Throws `ClFailure`.
 StJudged Judge(const StDerivation& Derivation, const Bytes& Calibration);
+/// The same of a stored calibration: what its own dots say is nothing of this target, which has to
+/// come out as the pattern, corrected, as the second capture has to.
+StJudged JudgeStored(const StDerivation& Derivation, const Bytes& Calibration);
 
-/// The second capture, corrected with the calibration.
-Bytes CorrectedSecond(const StDerivation& Derivation, const Bytes& Calibration);
+/// A capture of the target, corrected with the calibration, without finger mask. Throws `ClFailure`
+/// with its name.
+Bytes Corrected(const StSource& Capture, const Bytes& Calibration);
 
 /// The dots of the target once more, in the open.
 StTargetDiagnosis Diagnose(const StDerivation& Derivation);

@@ -79,7 +79,8 @@ std::optional<StBlocks> JudgeInto(const StScannerFiles& Files, const StDerivatio
     try {
         const StBlocks blocks = BlocksOf(Files, Derivation);
         NoteTarget(Diagnose(Derivation), rScanner);
-        NoteJudged(Derivation, blocks, Judge(Derivation, blocks.m_Calibration), rScanner);
+        const auto judge = Files.m_Calibration.empty() ? Judge : JudgeStored;
+        NoteJudged(Derivation, blocks, judge(Derivation, blocks.m_Calibration), rScanner);
         return blocks;
     } catch (const ClRefusedTarget& refused) {
         NoteRefusal({WithoutName(refused.Message(), Files)}, refused.Advice(), refused.Diagnosis(),

@@ -143,8 +143,10 @@ bool StJudged::IsGood() const {
 
 diagnosis::Reasons StJudged::Reasons() const {
     diagnosis::Reasons reasons = m_First.m_aReasons;
-    if (m_Second)
-        reasons.insert(reasons.end(), m_Second->m_aReasons.begin(), m_Second->m_aReasons.end());
+    for (const auto* pCorrected : {&m_Target, &m_Second})
+        if (*pCorrected)
+            reasons.insert(reasons.end(), (*pCorrected)->m_aReasons.begin(),
+                           (*pCorrected)->m_aReasons.end());
     return reasons;
 }
 

@@ -11,13 +11,15 @@
 
 namespace qk7 {
 
-/// A calibration that was derived, and what is known about it.
+/// A calibration, and what is known about it.
 struct StJudged {
     diagnosis::StDiagnosis m_First;
+    /// Of a stored calibration, whose dots are those of another capture: the target, corrected.
+    std::optional<diagnosis::StSecond> m_Target;
     std::optional<diagnosis::StSecond> m_Second;
 
     bool IsGood() const;
-    /// Of both.
+    /// Of all of them.
     diagnosis::Reasons Reasons() const;
 };
 

@@ -104,6 +104,41 @@ TEST_F(Qk7Report, JudgesAStoredBlockInPlaceOfADerivedOne) {
     EXPECT_THAT(Page(), HasSubstr("<dt>Calibration</dt><dd>moved.cal</dd>"));
 }
 
+TEST_F(Qk7Report, JudgesAStoredBlockByWhereItPutsTheTarget) {
+    Put(m_Folder / "scanner.cal", TrueCalibration());
+    const auto told = [&](const Bytes& Target, int nExit) {
+        const StEnded ended = Report(Target, {"--calibration", "scanner.cal"});
+        EXPECT_EQ(ended.m_nExit, nExit) << ended.m_Err;
+        return ended.m_Out;
+    };
+    EXPECT_EQ(told(RawTarget(), 0), "page.html: good\n");
+    EXPECT_THAT(told(TargetOfPitch(1.02), 3),
+                HasSubstr("\n  The capture shows the pattern 2.0 percent too large"));
+    EXPECT_THAT(told(EmptyPlaten(), 3),
+                HasSubstr("\n  The capture, corrected, does not show the target"));
+}
+
+// A dot of a stored block stands where another capture had it: neither the rings around the dots of
+// this one nor the measures of their grey values can be taken from there.
+TEST_F(Qk7Report, ShowsTheDotsOfTheCaptureBesideAStoredBlock) {
+    Put(m_Folder / "scanner.cal", TrueCalibration());
+    Report(EmptyPlaten(), {"--calibration", "scanner.cal"});
+    EXPECT_THAT(Page(), HasSubstr("No dots were found"));
+    EXPECT_THAT(Page(), HasSubstr("as the stored calibration has them"));
+    EXPECT_THAT(Page(), Not(HasSubstr("generate/dots/0/roundness")));
+
+    Report(RawTarget());
+    EXPECT_THAT(Page(), HasSubstr("generate/dots/0/roundness"));
+}
+
+TEST_F(Qk7Report, NamesACaptureThatTheStoredBlockIsNotFor) {
+    Put(m_Folder / "scanner.cal", TrueCalibration());
+    const StEnded ended = Report(GreyBlock(300, 300), {"--calibration", "scanner.cal"});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_THAT(ended.m_Err, StartsWith("qk7 report: target.bmp: -14 "));
+}
+
 TEST_F(Qk7Report, LeavesNoHalfPageWhereAnInputFails) {
     Put(m_Folder / "page.html", ToBytes("old"));
     Put(m_Folder / "text.bmp", ToBytes("no picture"));
