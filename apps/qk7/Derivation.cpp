@@ -71,9 +71,16 @@ Bytes Generated(const StDerivation& Derivation) {
                              RefusalAdvice(Derivation));
 }
 
+/// Whatever their headers say: the first capture, saved once more, may tell another resolution.
+bool IsSameImage(const Bytes& One, const Bytes& Other) {
+    const diagnosis::StGrey one = diagnosis::ReadGrey(One);
+    const diagnosis::StGrey other = diagnosis::ReadGrey(Other);
+    return one.m_nWidth == other.m_nWidth && one.m_aSamples == other.m_aSamples;
+}
+
 /// No two captures have the same noise.
 void CheckSecondIsAnother(const StDerivation& Derivation) {
-    if (Derivation.m_Second.m_Bytes == Derivation.m_Target.m_Bytes)
+    if (IsSameImage(Derivation.m_Second.m_Bytes, Derivation.m_Target.m_Bytes))
         throw ClFailure(Derivation.m_Second.Name(), "is the first capture again, which confirms "
                                                     "nothing. Lay the target anew and capture it.");
 }

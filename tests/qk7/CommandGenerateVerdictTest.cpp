@@ -12,6 +12,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstdint>
+
 using namespace TestSupport;
 using nlohmann::json;
 using qk7::Bytes;
@@ -177,15 +180,19 @@ TEST_F(Qk7GenerateVerdict, FailsWithASecondCaptureThatIsNone) {
 
 TEST_F(Qk7GenerateVerdict, TakesNoCaptureForItsOwnSecondOne) {
     Put(m_Folder / "copy.bmp", RawTarget());
+    Bytes saved = RawTarget();
+    constexpr std::size_t nPelsAt = 24;
+    std::fill_n(saved.begin() + nPelsAt, 8, std::uint8_t{0}); // as by a program that tells none
+    Put(m_Folder / "saved.bmp", saved);
 
-    for (const std::string second : {"target.bmp", "copy.bmp"}) {
+    for (const std::string second : {"target.bmp", "copy.bmp", "saved.bmp"}) {
         const StEnded ended = Generate(RawTarget(), {"--second", second});
 
         EXPECT_EQ(ended.m_nExit, 1);
         EXPECT_EQ(ended.m_Err, "qk7 generate: " + second +
                                    ": is the first capture again, which confirms nothing. Lay the "
                                    "target anew and capture it.\n");
-        EXPECT_EQ(m_Folder.Names(), (Names{"copy.bmp", "target.bmp"}));
+        EXPECT_EQ(m_Folder.Names(), (Names{"copy.bmp", "saved.bmp", "target.bmp"}));
     }
 }
 
