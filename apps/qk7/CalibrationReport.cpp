@@ -18,7 +18,6 @@ namespace qk7 {
 
 namespace {
 
-constexpr double cdMillimetresInMetre = 1000.0;
 constexpr double cdDotMillimetres = 0.8;
 constexpr double cdBoxPerRegion = 1.6; ///< how much wider a box is than what it marks
 /// Refused regions below this share of a dot's smallest area are grains; drawings leave them out.
@@ -187,14 +186,13 @@ report::StPicture PictureOf(const StSource& Source) {
 void NoteCapture(const StSource& Capture, report::StScanner& rScanner) {
     rScanner.m_Capture = PictureOf(Capture);
     const StBitmapInfo info = ReadBitmapInfo(Capture.m_Bytes);
-    rScanner.m_CaptureFrame = {
-        info.m_nWidth,
-        std::abs(info.m_nHeight),
-        {info.m_nPelsX / cdMillimetresInMetre, info.m_nPelsY / cdMillimetresInMetre},
-        info.m_nHeight > 0};
+    rScanner.m_CaptureFrame.m_nWidth = info.m_nWidth;
+    rScanner.m_CaptureFrame.m_nHeight = std::abs(info.m_nHeight);
+    rScanner.m_CaptureFrame.m_bUpward = info.m_nHeight > 0;
 }
 
 void NoteTarget(const StTargetDiagnosis& Target, report::StScanner& rScanner) {
+    rScanner.m_CaptureFrame.m_Density = {Target.m_dColumnsPerMm, Target.m_dLinesPerMm};
     report::StTargetFinds& rFinds = rScanner.m_Finds;
     rFinds.m_nDots = Target.m_nDots;
     rFinds.m_nFound = Target.m_nFound;

@@ -10,10 +10,10 @@ namespace qk7 {
 /// The picture of a file. Throws `ClFailure` with its name where its header is none.
 report::StPicture PictureOf(const StSource& Source);
 
-/// The capture as a picture, and its frame. Throws as above.
+/// The capture as a picture, and the size of its frame. Throws as above.
 void NoteCapture(const StSource& Capture, report::StScanner& rScanner);
 
-/// What was found of the dots.
+/// What was found of the dots, and the resolution by which they were looked for.
 void NoteTarget(const StTargetDiagnosis& Target, report::StScanner& rScanner);
 
 /// Verdict, reasons, advice, all figures, and what is drawn of them.

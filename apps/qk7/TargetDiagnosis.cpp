@@ -26,6 +26,8 @@ using Dot = Builder::ClDot;
 /// takes, and so much less than half a pitch that no dot is taken for its neighbour.
 constexpr double cdReach = 0.35;
 
+constexpr double cdMillimetresPerInch = 25.4;
+
 /// Refused regions below this share of a dot's smallest area are grains; the picture leaves them
 /// out.
 constexpr double cdGrain = 0.25;
@@ -156,8 +158,8 @@ StGap GapAt(Builder& rModel, const StUnfilled& Unfilled) {
 
 /// In samples.
 StPlace PitchOf(const Builder& Model) {
-    return {Model.m_dPitch / 25.4 * Model.m_dSourceDpiX,
-            Model.m_dPitch / 25.4 * Model.m_dSourceDpiY};
+    return {Model.m_dPitch / cdMillimetresPerInch * Model.m_dSourceDpiX,
+            Model.m_dPitch / cdMillimetresPerInch * Model.m_dSourceDpiY};
 }
 
 void NoteGaps(Builder& rModel, const std::vector<StPlace>& aDots, StTargetDiagnosis& rOut) {
@@ -218,6 +220,8 @@ StTargetDiagnosis Diagnose(ClImage& rImage, ClCalibrateGeometricData* pReference
     model.m_pRefData = pReference;
     model.m_pOutData = &data;
     model.m_pOutDebugImage = &marks;
+    out.m_dColumnsPerMm = model.m_dSourceDpiX / cdMillimetresPerInch;
+    out.m_dLinesPerMm = model.m_dSourceDpiY / cdMillimetresPerInch;
     try {
         model.Apply();
     } catch (const ClException& error) {

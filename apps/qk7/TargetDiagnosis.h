@@ -50,6 +50,9 @@ struct StTargetDiagnosis {
     /// The dots that are missing; empty also where they cannot be told for certain.
     std::vector<StGap> m_aGaps;
     Bytes m_Picture; ///< a bitmap block, see `ClGridPicture`
+    /// The scanner's resolution, by which dots are looked for, whatever the image's header tells.
+    double m_dColumnsPerMm = 0.0;
+    double m_dLinesPerMm = 0.0;
 };
 
 /// Which image of the target it is: a raw capture, or a corrected image.

@@ -11,6 +11,9 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstdint>
+
 using namespace TestSupport;
 using nlohmann::json;
 using qk7::Bytes;
@@ -137,6 +140,15 @@ TEST_F(Qk7Report, NamesACaptureThatTheStoredBlockIsNotFor) {
 
     EXPECT_EQ(ended.m_nExit, 1);
     EXPECT_THAT(ended.m_Err, StartsWith("qk7 report: target.bmp: -14 "));
+}
+
+TEST_F(Qk7Report, DrawsARefusedCaptureWhateverResolutionItTells) {
+    Bytes target = RawTarget(Without({30}));
+    constexpr std::size_t nPelsAt = 24;
+    std::fill_n(target.begin() + nPelsAt, 8, std::uint8_t{0});
+    EXPECT_EQ(Report(target).m_nExit, 1);
+    EXPECT_THAT(Page(), HasSubstr("<image class=\"picture\""));
+    EXPECT_THAT(Page(), Not(HasSubstr("has no size")));
 }
 
 TEST_F(Qk7Report, LeavesNoHalfPageWhereAnInputFails) {
