@@ -30,13 +30,14 @@ StPoint MostLeftOut(const StDiagnosis& Diagnosis) {
 
 std::string FigureLines(const StDiagnosis& Diagnosis) {
     const StPoint most = MostLeftOut(Diagnosis);
-    const StAffine& whole = Diagnosis.m_Plate.m_Whole;
+    const StAffine& middle = Diagnosis.m_Plate.m_Middle; // what the verdict goes by
     const StErrorMap& errors = Diagnosis.m_Errors;
     return Words("  Each dot lies within %.2f pixels in x and %.2f in y of where the other 74 "
                  "place it.\n",
                  most.m_dX, most.m_dY) +
-           Words("  Scale %.4f in x and %.4f in y, shear %.2f degrees, distortion up to %.3f mm.\n",
-                 whole.m_dScaleX, whole.m_dScaleY, whole.m_dShear,
+           Words("  Scale in the middle %.4f in x and %.4f in y, shear %.2f degrees, "
+                 "distortion up to %.3f mm.\n",
+                 middle.m_dScaleX, middle.m_dScaleY, middle.m_dShear,
                  Diagnosis.m_Plate.m_dDistortionMax) +
            Words("  Expected error of a corrected image: %.2f pixels inside the dots, %.2f beyond "
                  "them, %.2f in the corners.\n",

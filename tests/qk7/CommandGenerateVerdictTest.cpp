@@ -7,6 +7,8 @@
 #include "qk7/TestFiles.h"
 
 #include "diagnosis/Diagnosis.h"
+#include "sim/BitmapBlock.h"
+#include "sim/TargetCases.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -72,8 +74,9 @@ TEST_F(Qk7GenerateVerdict, TellsTheFiguresOfAGoodCalibration) {
 
     EXPECT_EQ(ended.m_nExit, 0);
     EXPECT_THAT(ended.m_Out, StartsWith("scanner.cal: good\n  Each dot lies within 0."));
-    EXPECT_THAT(ended.m_Out, ContainsRegex("\n  Scale (1.000|0.999)[0-9] in x and "
-                                           "(1.000|0.999)[0-9] in y, shear "));
+    EXPECT_THAT(ended.m_Out,
+                ContainsRegex("\n  Scale in the middle (1.00[01]|0.99[89])[0-9] in x and "
+                              "(1.00[01]|0.99[89])[0-9] in y, shear "));
     EXPECT_THAT(ended.m_Out, HasSubstr("\n  Expected error of a corrected image: 0."));
 }
 
@@ -134,6 +137,18 @@ TEST_F(Qk7GenerateVerdict, DoubtsAPlateOfAnotherPitch) {
                 HasSubstr("\n  Check the pitch of the plate, which has to be 2 mm or that "
                           "of --reference, and the resolution of the scanner;"));
     EXPECT_THAT(ended.m_Out, Not(HasSubstr("Clean platen")));
+}
+
+// A barrel makes the pattern as a whole two percent smaller and leaves its middle as it is.
+TEST_F(Qk7GenerateVerdict, TellsTheScaleThatTheVerdictGoesBy) {
+    const sim::ClCapture capture =
+        sim::CaptureTargetCase(sim::ClScanner(7), sim::ETargetCase::eBarrel, 1);
+
+    const StEnded ended = Generate(sim::BitmapBlock(capture.m_Raw), {});
+
+    EXPECT_EQ(ended.m_nExit, 0) << ended.m_Out;
+    EXPECT_THAT(ended.m_Out, ContainsRegex("\n  Scale in the middle (1.000|0.999)[0-9] in x and "
+                                           "(1.000|0.999)[0-9] in y, shear "));
 }
 
 TEST_F(Qk7GenerateVerdict, ConfirmsByASecondCapture) {
