@@ -52,10 +52,10 @@ void AddSecond(ClPage& rPage, const StScanner& Scanner) {
     }
     rPage.FigureTable(EGroup::eSecond, Scanner.m_Values, "The second capture, corrected", false);
     rPage.OpenGallery();
-    rPage.Drawing(
-        DrawResidualVectors(Scanner.m_Calibrated->m_Corrected, DotsOf(Second), "second-vectors"),
-        "From where each dot belongs to where it came out in the corrected image, "
-        "magnified, when the pattern is laid onto all of them.");
+    rPage.Drawing(DrawResidualVectors(Scanner.m_Calibrated->m_Corrected, DotsOf(Second),
+                                      "second-vectors", EResidual::ePlace),
+                  "From where each dot belongs to where it came out in the corrected image, "
+                  "magnified, when the pattern is laid onto all of them.");
     rPage.CloseGallery();
     AddDotTable(rPage, Second);
 }

@@ -11,7 +11,20 @@ namespace report {
 
 namespace {
 
-constexpr const char* cszTitle = "Residuals of the dots, each against what all others predict";
+/// What tells the two kinds apart.
+struct StWords {
+    const char* m_szTitle;
+    const char* m_szWay;
+};
+
+StWords WordsOf(EResidual eResidual) {
+    if (eResidual == EResidual::ePredicted)
+        return {"Residuals of the dots, each against what all others predict",
+                "from where the others predict a dot to where it was found"};
+    return {"Residuals of the dots, each against where it belongs",
+            "from where a dot belongs to where it came out"};
+}
+
 constexpr double cdWidth = 400.0;
 constexpr double cdLeft = 46.0;
 constexpr double cdTop = 14.0;
@@ -30,11 +43,12 @@ double LengthOf(const StPoint& p) {
 
 class ClDrawing {
 public:
-    ClDrawing(const StFrame& Capture, const Dots& aDots, const std::string& sPrefix)
-        : m_Frame(Capture), m_aAll(aDots),
+    ClDrawing(const StFrame& Capture, const Dots& aDots, const std::string& sPrefix,
+              const StWords& Words)
+        : m_Frame(Capture), m_aAll(aDots), m_Words(Words),
           m_Panel(Capture, {cdLeft, cdTop, cdPanelWidth, HeightFor(Capture, cdPanelWidth)}),
           m_aDots(DotsWithin(m_Panel, aDots)), m_dMagnify(Magnification()), m_Legend(LegendOf()),
-          m_Svg(sPrefix, cdWidth, ScaleTop() + cdScaleHeight + m_Legend.Height(), cszTitle,
+          m_Svg(sPrefix, cdWidth, ScaleTop() + cdScaleHeight + m_Legend.Height(), Words.m_szTitle,
                 Description()),
           m_Labels(m_Panel.Box()) {}
 
@@ -73,6 +87,7 @@ private:
 
     const StFrame& m_Frame;
     const Dots& m_aAll;
+    StWords m_Words;
     ClPanel m_Panel;
     Dots m_aDots;
     double m_dMagnify;
@@ -123,8 +138,8 @@ ClLegend ClDrawing::LegendOf() const {
 }
 
 std::string ClDrawing::Description() const {
-    return "The dots in their places of the capture: " + DotWords(m_aAll) +
-           ". The arrows point from where the others predict a dot to where it was found, " +
+    return std::string("The dots in their places of the ") + m_Frame.m_szWhat + ": " +
+           DotWords(m_aAll) + ". The arrows point " + m_Words.m_szWay + ", " +
            Decimal(m_dMagnify, 0) + " times as long; the longest that is believed stands for " +
            Decimal(LongestBelieved(), 1) + " micrometres.";
 }
@@ -167,10 +182,11 @@ void ClDrawing::DrawScale() {
 } // namespace
 
 std::string DrawResidualVectors(const StFrame& Capture, const Dots& aDots,
-                                const std::string& sPrefix) {
+                                const std::string& sPrefix, EResidual eResidual) {
+    const StWords Words = WordsOf(eResidual);
     if (!ClPanel(Capture, {0.0, 0.0, 1.0, 1.0}).IsDrawable())
-        return SentenceAlone(sPrefix, cszTitle, "The capture has no size to draw it in");
-    return ClDrawing(Capture, aDots, sPrefix).Draw();
+        return SentenceAlone(sPrefix, Words.m_szTitle, "The capture has no size to draw it in");
+    return ClDrawing(Capture, aDots, sPrefix, Words).Draw();
 }
 
 } // namespace report

@@ -235,6 +235,21 @@ TEST(ReportResidualVectors, CutsArrowsThatLeadOutOfTheDrawing) {
     EXPECT_NEAR(aArrow[2], 397.0, 0.006);
 }
 
+TEST(ReportResidualVectors, SaysWhatAResidualIsReckonedFrom) {
+    const Dots aDots{DotAt(1, 1, {40.0, 100.0}, {0.3, -0.8})};
+    const ClDrawingReader Predicted(DrawResidualVectors(cCapture, aDots, "v"));
+    EXPECT_THAT(Predicted.Title(), HasSubstr("against what all others predict"));
+    EXPECT_THAT(Predicted.Description(), HasSubstr("The dots in their places of the capture:"));
+    EXPECT_THAT(Predicted.Description(), HasSubstr("from where the others predict a dot to"));
+
+    StFrame Corrected = cCapture;
+    Corrected.m_szWhat = "corrected image";
+    const ClDrawingReader Place(DrawResidualVectors(Corrected, aDots, "v", EResidual::ePlace));
+    EXPECT_THAT(Place.Title(), HasSubstr("against where it belongs"));
+    EXPECT_THAT(Place.Description(), HasSubstr("in their places of the corrected image:"));
+    EXPECT_THAT(Place.Description(), HasSubstr("from where a dot belongs to"));
+}
+
 TEST(ReportResidualVectors, DrawsResidualsThatAreNone) {
     const Dots aDots{DotAt(1, 1, {40.0, 100.0}), DotAt(1, 2, {40.0, 140.0}, {std::nan(""), 0.0})};
     const std::string sDrawing = DrawResidualVectors(cCapture, aDots, "vectors");
