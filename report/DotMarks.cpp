@@ -33,6 +33,12 @@ void AddShortened(const StPoint& From, const StPoint& To, double dGap, Points& r
     rEnds.push_back(To - Gap);
 }
 
+/// Dots without a place in the pattern are those of a target that nobody judged.
+bool IsJudged(const Dots& aDots) {
+    return std::any_of(aDots.begin(), aDots.end(),
+                       [](const StDot& Dot) { return Dot.m_Place.m_nColumn > 0; });
+}
+
 } // namespace
 
 Dots DotsWithin(const ClPanel& Panel, const Dots& aDots) {
@@ -77,7 +83,7 @@ std::string DotWords(const Dots& aDots) {
     const std::size_t nDoubtful = CountDoubtful(aDots);
     std::string sWords = Count(aDots.size(), "dot", "dots");
     if (nDoubtful == 0)
-        return aDots.empty() ? sWords : sWords + ", none of them doubtful";
+        return IsJudged(aDots) ? sWords + ", none of them doubtful" : sWords;
     sWords += nDoubtful == 1 ? ", one of them doubtful: "
                              : ", " + std::to_string(nDoubtful) + " of them doubtful: ";
     std::size_t nNames = 0;

@@ -27,6 +27,7 @@ void DoubtfulSample(ClSvg& rSvg, const StPoint& Middle);
 std::size_t CountDoubtful(const Dots& aDots);
 
 /// "75 dots, one of them doubtful: column 3, row 7"; of many doubtful ones the first ten names.
+/// Nothing is said of doubt where no dot has a place in the pattern: nobody judged them.
 std::string DotWords(const Dots& aDots);
 
 /// "2 dots lie outside and are not drawn", or nothing.

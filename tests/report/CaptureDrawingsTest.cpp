@@ -91,6 +91,17 @@ TEST(ReportDotsOverCapture, JoinsNoDotsWithoutAPlace) {
     EXPECT_EQ(Drawing.CountOf("dot"), 5U);
 }
 
+TEST(ReportDotsOverCapture, SaysNothingOfDoubtAboutDotsThatNobodyJudged) {
+    StCaptureView View = FourDots();
+    View.m_aDots[3].m_bDoubtful = false;
+    EXPECT_THAT(ClDrawingReader(DrawDotsOverCapture(View, "dots")).Description(),
+                HasSubstr("with 4 dots, none of them doubtful."));
+    for (StDot& rDot : View.m_aDots)
+        rDot.m_Place = {0, 0};
+    EXPECT_THAT(ClDrawingReader(DrawDotsOverCapture(View, "dots")).Description(),
+                HasSubstr("with 4 dots."));
+}
+
 TEST(ReportDotsOverCapture, MarksAndNamesDoubtfulDots) {
     const ClDrawingReader Drawing(DrawDotsOverCapture(FourDots(), "dots"));
     const auto Square = Drawing.First("doubtful");
