@@ -114,7 +114,7 @@ std::string ClDrawing::Title() const {
 std::string ClDrawing::Description() const {
     const std::size_t nAbsent = m_Trend.m_aPoints.size() - m_aSorted.size();
     std::string sWords =
-        Count(m_Trend.m_aPoints.size(), "scanner", "scanners") + " in order of generation; ";
+        Count(m_Trend.m_aPoints.size(), "scanner", "scanners") + " in the order of their names; ";
     sWords += m_aSorted.empty()
                   ? "no values"
                   : "values from " + Told(m_aSorted.front()) + " to " + Told(m_aSorted.back());
@@ -194,8 +194,9 @@ void ClDrawing::DrawScale() {
         return;
     }
     m_Svg.Text({cPanel.Middle().m_dX, dBaseLine},
-               nPoints == 1 ? "one scanner"
-                            : "scanners in order of generation, 1 to " + std::to_string(nPoints),
+               nPoints == 1
+                   ? "one scanner"
+                   : "scanners in the order of their names, 1 to " + std::to_string(nPoints),
                mark::cszQuiet, EAnchor::eMiddle);
 }
 

@@ -20,7 +20,7 @@ struct StTrend {
     int m_nDecimals = 1;            ///< of values told, 0 to 9
     std::optional<double> m_dLower; ///< limits
     std::optional<double> m_dUpper;
-    std::vector<StTrendPoint> m_aPoints; ///< in order of generation
+    std::vector<StTrendPoint> m_aPoints; ///< in the order of their names
 };
 
 /// The values in their order, a line at their median and at the limits, outliers as diamonds with

@@ -132,7 +132,7 @@ TEST(ReportTrend, DrawsValuesInTheirOrder) {
     EXPECT_NEAR(Number(aPoints[2], "cy"), 144.0 - 118.0 * 4.24 / 4.48, 0.006);
     EXPECT_EQ(Tip(aPoints[1]), "scanner 2: 4.0");
     EXPECT_THAT(Drawing.Texts(), Contains("mean residual, \xC2\xB5m"));
-    EXPECT_THAT(Drawing.Texts(), Contains("scanners in order of generation, 1 to 4"));
+    EXPECT_THAT(Drawing.Texts(), Contains("scanners in the order of their names, 1 to 4"));
 }
 
 TEST(ReportTrend, HasALineAtTheMedian) {
@@ -154,9 +154,10 @@ TEST(ReportTrend, NamesWhatIsBeyondALimitOrFlagged) {
     EXPECT_EQ(Drawing.CountOf("limit"), 2U);
     for (const char* szText : {"scanner 2", "scanner 5", "at least 4.5", "at most 8.0"})
         EXPECT_THAT(Drawing.Texts(), Contains(szText));
-    EXPECT_EQ(Drawing.Description(),
-              "6 scanners in order of generation; values from 4.0 to 8.0, limit: at least 4.5, "
-              "limit: at most 8.0, median 6.0; outliers: scanner 2 4.0, scanner 5 6.5.");
+    EXPECT_EQ(
+        Drawing.Description(),
+        "6 scanners in the order of their names; values from 4.0 to 8.0, limit: at least 4.5, "
+        "limit: at most 8.0, median 6.0; outliers: scanner 2 4.0, scanner 5 6.5.");
 }
 
 TEST(ReportTrend, HasRoomForTheLimitsOfEveryFigure) {
