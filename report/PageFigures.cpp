@@ -58,8 +58,8 @@ List PlateFigures() {
          "It does not tell whether the plate or the scanner is skew."},
         {"generate/plate/whole/rotation", EGroup::ePlate, "Rotation", "\u00b0", 2, 1.0, None, None,
          EWorse::eFarFromZero,
-         "How far the rows are turned clockwise: how the target was laid, and "
-         "how the sensor sits.",
+         "How far the rows are turned, toward later lines at their right end: how the target was "
+         "laid, and how the sensor sits.",
          "No fault: the correction takes it out."},
         {"generate/plate/distortion_mm/max", EGroup::ePlate, "Distortion", "mm", 3, 1.0, None, None,
          EWorse::eHigh,
@@ -170,8 +170,9 @@ List PrintFigures() {
         {"calibrate/measures/offset_right_mm", EGroup::ePrint, "Offset to the right", "mm", 2, 1.0,
          None, None, EWorse::eFarFromZero, "Of the middle of the print from that of the image.",
          "No fault of the scanner."},
-        {"calibrate/measures/offset_down_mm", EGroup::ePrint, "Offset down", "mm", 2, 1.0, None,
-         None, EWorse::eFarFromZero, "The same, downward: toward later lines.", "As above."},
+        {"calibrate/measures/offset_down_mm", EGroup::ePrint, "Offset to later lines", "mm", 2, 1.0,
+         None, None, EWorse::eFarFromZero,
+         "The same along the columns. The picture shows later lines further up.", "As above."},
         {"calibrate/measures/saturated_share", EGroup::ePrint, "White on the finger", "%", 1,
          cdPercent, None, None, EWorse::eHigh, "Share of the finger's samples that are 255.",
          "The correction stretches valleys to white: some always are."},
