@@ -5,6 +5,8 @@
 
 #include "Tools/ParameterContainer.h"
 
+#include <algorithm>
+
 namespace {
 
 Fuzz::ClMilestone s_Set("a text sets a parameter");
@@ -50,6 +52,16 @@ void Read(ClParameter& rParameter) {
     Fuzz::Require(!Path.empty(), "a parameter has a path");
 }
 
+/// A format is the program's own word, and printed as wide as it asks for: a billion characters
+/// take seconds.
+bool IsWide(const std::string& Format) {
+    int nDigits = 0;
+    return std::any_of(Format.begin(), Format.end(), [&](char c) {
+        nDigits = c >= '0' && c <= '9' ? nDigits + 1 : 0;
+        return nDigits > 4;
+    });
+}
+
 void Step(Fuzz::ClBytes& rBytes, StTree& rTree) {
     static constexpr const char* cazPaths[] = {"Root.Number",     "Root.Real",         "Root.Flag",
                                                "Root.Below.Byte", "Root.Below.Colour", "Root",
@@ -64,7 +76,7 @@ void Step(Fuzz::ClBytes& rBytes, StTree& rTree) {
     s_Found.Reach();
     if ((nWhat & 3) == 1 && Fuzz::Try([&] { pFound->SetValue(Text.c_str()); }))
         s_Set.Reach();
-    if ((nWhat & 3) == 2 && pFound->GetNumericInterface() != nullptr)
+    if ((nWhat & 3) == 2 && pFound->GetNumericInterface() != nullptr && !IsWide(Text))
         Fuzz::Try([&] { pFound->GetNumericInterface()->SetFormat(Text.c_str()); });
     Read(*pFound);
 }
