@@ -4,8 +4,8 @@ capture application does for as long as it runs.
 
     capture_loop.py scanner.cal folder capture.bmp...
 
-Writes the corrected images into the folder, under the names of the captures. A capture that is
-refused is told and skipped.
+Writes the corrected images into the folder, under the names of the captures: in their own folder
+they would be overwritten. A capture that is refused is told and skipped.
 """
 import os
 import sys
