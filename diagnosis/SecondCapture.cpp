@@ -113,7 +113,7 @@ void JudgeDots(const std::string& sCapture, StSecond& rSecond) {
         {EReason::eSecond, static_cast<std::size_t>(worst - aDots.begin()),
          sCapture +
              Words(" has %d of its dots off their places, most the one at (%.0f, %.0f) of the "
-                   "corrected image, column %d, row %d, by %.1f pixels; %.1f are trusted",
+                   "corrected image, column %d, row %d, by %.2f pixels; %.2f are trusted",
                    static_cast<int>(nOff), worst->m_Found.m_dX, worst->m_Found.m_dY,
                    worst->m_Place.m_nColumn, worst->m_Place.m_nRow,
                    std::sqrt(SquaredLength(worst->m_Off)), worst->m_dTrusted)});

@@ -15,17 +15,17 @@ namespace {
 constexpr int cnCubic = 3;
 
 /// Without the sign of what is none.
-double Tenths(double dValue) {
-    return std::round(10.0 * dValue) / 10.0 + 0.0;
+double Hundredths(double dValue) {
+    return std::round(100.0 * dValue) / 100.0 + 0.0;
 }
 
 std::string DotWords(const StRecord& Record, const StDotOff& Dot) {
     const StPatternPlace place = PatternPlace(Dot.m_nDot);
     const StPoint& found = Record.m_aFound[Dot.m_nDot];
-    return Words("the dot at (%.0f, %.0f), column %d, row %d of the pattern, is %.1f pixels in x "
-                 "and %.1f in y from where the other dots place it; %.2f and %.2f are trusted",
-                 found.m_dX, found.m_dY, place.m_nColumn, place.m_nRow, Tenths(Dot.m_Off.m_dX),
-                 Tenths(Dot.m_Off.m_dY), cdDoubtfulShare * cWrong.m_dX,
+    return Words("the dot at (%.0f, %.0f), column %d, row %d of the pattern, is %.2f pixels in x "
+                 "and %.2f in y from where the other dots place it; %.2f and %.2f are trusted",
+                 found.m_dX, found.m_dY, place.m_nColumn, place.m_nRow, Hundredths(Dot.m_Off.m_dX),
+                 Hundredths(Dot.m_Off.m_dY), cdDoubtfulShare * cWrong.m_dX,
                  cdDoubtfulShare * cWrong.m_dY);
 }
 

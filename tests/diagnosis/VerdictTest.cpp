@@ -103,8 +103,9 @@ TEST(DiagnosisVerdict, NamesTheDotWithItsPlaceAndHowFarItIsOff) {
     ASSERT_EQ(aReasons.size(), 1U);
     EXPECT_EQ(aReasons[0].m_eReason, EReason::eDot);
     EXPECT_EQ(aReasons[0].m_nDot, 38U);
-    EXPECT_THAT(aReasons[0].m_Words, HasSubstr("column 4, row 7 of the pattern, is 0.1 pixels in x "
-                                               "and -15.8 in y from where the other dots place"));
+    EXPECT_THAT(aReasons[0].m_Words,
+                HasSubstr("column 4, row 7 of the pattern, is 0.10 pixels in x "
+                          "and -15.80 in y from where the other dots place"));
 }
 
 TEST(DiagnosisVerdict, DoubtsThePatternWhereTooManyDotsAreOff) {
