@@ -240,3 +240,14 @@ TEST(WarningLevels, RefuseOtherPixelTypesAndPlanes) {
     EXPECT_THROWS(DirtOf(planes, Flat(255)), ClExTessarin, -11, cszPlanes);
     EXPECT_THROWS(DryOf(Flat(255), planes), ClExTessarin, -11, cszPlanes);
 }
+
+TEST(WarningLevels, RefuseImagesWithoutPixels) {
+    ClTestImage image = Flat(255);
+    ClImage layout;
+    layout.Attach(nullptr, image);
+    ClOpenDynamicCalibration calibration;
+    EXPECT_TESSARIN(calibration.CalcDirtWarningLevel(layout, image), QMT_ERROR_PARAM_IS_MISSING);
+    EXPECT_TESSARIN(calibration.CalcDirtWarningLevel(image, layout), QMT_ERROR_PARAM_IS_MISSING);
+    EXPECT_TESSARIN(calibration.CalcDryFingerWarningLevel(image, layout),
+                    QMT_ERROR_PARAM_IS_MISSING);
+}

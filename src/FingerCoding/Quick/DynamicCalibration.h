@@ -70,7 +70,6 @@ private:
     bool KeepCleanBackground(const StPlane& Capture);
     double DryFingerLevel() const;
     void WriteStretched(ClImage& Out);
-    static void WriteRejected(const ClImage& Capture, ClImage* pOut);
     void WriteMask(const ClImage& Capture, bool bFinger, ClImage* pMask) const;
 
     ClIpBrightnessMask m_DarkSettings;
