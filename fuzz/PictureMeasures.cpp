@@ -7,7 +7,6 @@
 #include "measures/Platen.h"
 
 #include <cmath>
-#include <vector>
 
 namespace {
 

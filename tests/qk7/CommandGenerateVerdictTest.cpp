@@ -238,6 +238,8 @@ TEST_F(Qk7GenerateVerdict, TellsTheVerdictAsJson) {
     EXPECT_EQ(told.at("reasons")[0].at("column"), 4);
     EXPECT_EQ(told.at("reasons")[0].at("row"), 7);
     EXPECT_EQ(told.at("reasons")[1].at("reason"), "second");
+    EXPECT_THAT(told.at("reasons")[1].at("words").get<std::string>(),
+                ContainsRegex("by [0-9]+\\.[0-9][0-9] pixels; [0-9]\\.[0-9][0-9] are trusted"));
     EXPECT_EQ(told.at("second").at("found"), true);
     EXPECT_EQ(told.at("second").at("dots").size(), 75U);
     EXPECT_EQ(told.at("target").at("found"), 75);
