@@ -30,8 +30,7 @@
  *   the call gives no status. Its handle can still be deleted or given calibration data anew.
  * - Order of tests. The tests are made in the order in which the comment of a function lists its
  *   statuses; where several failures come together, the first one listed is returned. Within a data
- *   block the tests follow its bytes, and a part that is not complete is refused before its
- * content.
+ *   block the tests follow its bytes, and an incomplete part is refused before its content.
  * - Ownership. Every block is the caller's. The library reads input blocks during the call only,
  *   keeps no pointer to them and never writes to them. It writes to an output block only when the
  *   call succeeds.
