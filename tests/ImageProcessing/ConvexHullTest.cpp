@@ -18,6 +18,24 @@ TEST(ConvexHull, TellsTheTurnOfAWalk) {
     EXPECT_EQ(ConvexHull::Cross({1, 1}, {2, 2}, {5, 5}), 0.0);
 }
 
+/// Of points in the order of a scan.
+XY ChainsOver(const XY& aXY) {
+    Polygon_t hull;
+    ConvexHull::BuildChains(PolygonOf(aXY), hull,
+                            [](const ClVector& a, const ClVector& b, const ClVector& c) {
+                                return ConvexHull::Cross(a, b, c) > 0.0;
+                            });
+    return Corners(hull);
+}
+
+TEST(ConvexHull, ChainsGoRoundAndCloseOnce) {
+    EXPECT_EQ(ChainsOver({{0, 0}, {4, 0}, {2, 2}, {0, 4}, {4, 4}}),
+              XY({{0, 0}, {4, 0}, {4, 4}, {0, 4}}));
+    EXPECT_EQ(ChainsOver({{0, 0}, {1, 1}, {2, 2}}), XY({{0, 0}, {2, 2}}));
+    EXPECT_EQ(ChainsOver({{3, 5}}), XY({{3, 5}}));
+    EXPECT_EQ(ChainsOver({}), XY());
+}
+
 TEST(ConvexHull, DropsTheCornersOnStraightLines) {
     EXPECT_EQ(
         WithoutPointsOnLines({{0, 0}, {2, 0}, {4, 0}, {4, 4}, {2, 4}, {1, 4}, {0, 4}, {0, 1}}),
