@@ -62,6 +62,14 @@ void ExpectTakenApart(const std::vector<long>& aHalf) {
     EXPECT_LE(nParts, 256) << "and 16 bits would not hold the sum of the parts";
 }
 
+TEST(PairedTaps, ArePartsAsAWholeWhereTheseLeaveRoom) {
+    EXPECT_EQ(PairedTapsOf({256}).Wholes(), 0);
+    EXPECT_EQ(PairedTapsOf({257}).Wholes(), 1);
+    EXPECT_EQ(PairedTapsOf({64, 128, 64}).Wholes(), 0);
+    EXPECT_EQ(PairedTapsOf({64, 129, 64}).Wholes(), 1);
+    EXPECT_EQ(PairedTapsOf({129, 0, 129}).Wholes(), 2);
+}
+
 TEST(PairedTaps, ArePartsAndSixteenWholes) {
     std::mt19937 random(5);
     for (int i = 0; i < 1000; ++i) {
