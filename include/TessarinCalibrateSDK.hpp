@@ -18,11 +18,14 @@
  *   on success to no error; the other one throws a std::system_error with the same code, and is not
  *   there where exceptions are switched off. The code's value is the status of the C interface, so
  *   that error.value() == QMT_ERROR_BITMAP_DIMENSION asks for one; its category is category().
- * - No call is noexcept: a thread that is cancelled unwinds through a call.
+ * - Ending threads. No call is noexcept: a thread that is cancelled unwinds through a call. To end
+ * a Calibrator, or to assign to one, is noexcept and no call: cancelling waits, and a log of the
+ *   application must not end the thread itself there.
  * - Blocks are spans of bytes: std::span in C++20, a small class of the same shape in C++17. The
  *   caller owns them; they are used during the call only. Blocks that go in are never written to.
- * - Memory. A call that takes a span allocates nothing beyond what the library does. Calls that
- * give or take a std::vector say so.
+ * - Memory. A call that takes a span allocates nothing beyond what the library does. One that gives
+ *   or takes a std::vector says so; where there is no memory for that, it fails as where there is
+ *   none for the library.
  * - Threads. A Calibrator belongs to one thread at a time; different ones run in parallel. That
  *   holds for the calls that only read, too, and none of them is const.
  */
@@ -31,7 +34,10 @@
 
 #include "TessarinCalibrateSDK.h"
 
+#include <pthread.h>
+
 #include <cstddef>
+#include <exception>
 #include <string>
 #include <system_error>
 #include <type_traits>
@@ -130,6 +136,8 @@ TESSARIN_CALIBRATE_API inline const std::error_category& category() noexcept {
 
 /// A status of the C interface as an error code; QMT_SUCCESS is no error.
 inline std::error_code statusCode(long nStatus) noexcept {
+    if (nStatus == QMT_SUCCESS)
+        return {};
     return {static_cast<int>(nStatus), category()};
 }
 
@@ -174,6 +182,36 @@ inline const char* textOf(Geometry eGeometry) noexcept {
 
 /* The handle. */
 
+namespace detail {
+
+/// While it lives, the thread is not cancelled.
+class CancelLater {
+public:
+    CancelLater() noexcept { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_nFormer); }
+    CancelLater(const CancelLater&) = delete;
+    CancelLater& operator=(const CancelLater&) = delete;
+    ~CancelLater() { pthread_setcancelstate(m_nFormer, nullptr); }
+
+private:
+    int m_nFormer = PTHREAD_CANCEL_ENABLE;
+};
+
+/// Whether there was memory for a vector of this size.
+inline bool resized(std::vector<unsigned char>& rBlock, std::size_t nSize) {
+#if defined(__cpp_exceptions)
+    try {
+        rBlock.resize(nSize);
+    } catch (const std::exception&) {
+        return false;
+    }
+#else
+    rBlock.resize(nSize);
+#endif
+    return true;
+}
+
+} // namespace detail
+
 /// One scanner with its options and its calibration data. It moves and does not copy. One that was
 /// moved from, or could not be made, holds no handle: every call answers QMT_ERROR_NO_HANDLE.
 class Calibrator {
@@ -192,8 +230,10 @@ public:
     Calibrator(const Calibrator&) = delete;
     Calibrator& operator=(const Calibrator&) = delete;
     ~Calibrator() {
-        if (m_pHandle != nullptr)
-            CalibrateDelete(&m_pHandle);
+        if (m_pHandle == nullptr)
+            return;
+        const detail::CancelLater later;
+        CalibrateDelete(&m_pHandle);
     }
 
     void swap(Calibrator& rOther) noexcept { std::swap(m_pHandle, rOther.m_pHandle); }
@@ -216,6 +256,9 @@ public:
     void setOption(Geometry eGeometry, std::error_code& rError) {
         setOption(detail::textOf(eGeometry), rError);
     }
+    /// A text is no bool: "disable" would enable the switch.
+    void setOption(Switch eSwitch, const char* szText, std::error_code& rError) = delete;
+    void setOption(Switch eSwitch, const char* szText) = delete;
 
     /// The value of an option as text with its terminating zero.
     ///
@@ -468,8 +511,10 @@ private:
         return sizeTold(nStatus, out.size(), nSize);
     }
     std::vector<unsigned char> get(GetBlock getBlock, std::error_code& rError) {
-        std::vector<unsigned char> block(get(getBlock, Bytes(), rError));
-        if (!block.empty())
+        std::vector<unsigned char> block;
+        if (!detail::resized(block, get(getBlock, Bytes(), rError)))
+            rError = statusCode(QMT_ERROR_OUT_OF_MEMORY);
+        else if (!block.empty())
             block.resize(get(getBlock, block, rError));
         return block;
     }
@@ -479,12 +524,13 @@ private:
         return Calibrate(m_pHandle, bytesOf(capture), capture.size(), out.data(), &rSize);
     }
     long correctInto(ConstBytes capture, std::vector<unsigned char>& rOut) {
-        if (rOut.empty())
-            rOut.resize(capture.size());
+        if (rOut.empty() && !detail::resized(rOut, capture.size()))
+            return QMT_ERROR_OUT_OF_MEMORY;
         unsigned long nSize = 0;
         long nStatus = calibrate(capture, Bytes(rOut), nSize);
         if (nStatus == QMT_ERROR_TEMPLATE_SIZE && nSize > rOut.size()) {
-            rOut.resize(nSize);
+            if (!detail::resized(rOut, nSize))
+                return QMT_ERROR_OUT_OF_MEMORY;
             nStatus = calibrate(capture, Bytes(rOut), nSize);
         }
         if (nStatus == QMT_SUCCESS)

@@ -2,6 +2,7 @@
 
 #include "cpp/Scanner.h"
 #include "support/AllocationCount.h"
+#include "support/AllocationFailures.h"
 
 using tessarin::Calibrator;
 using TestSupport::Bytes;
@@ -69,6 +70,62 @@ TEST_F(CaptureLoop, AllocatesNothingForLevelsAndOptions) {
               }),
               0);
     EXPECT_FALSE(Error);
+}
+
+namespace {
+
+/// Lets each allocation of a call fail in turn, and gives how many did.
+template <class Call>
+long FailuresOf(Call call) {
+    long nFailures = 0;
+    for (;; ++nFailures) {
+        std::error_code Error;
+        bool bFailed = false;
+        {
+            const TestSupport::ClFailAllocation Fail(nFailures);
+            EXPECT_NO_THROW(call(Error));
+            bFailed = TestSupport::ClFailAllocation::Happened();
+        }
+        if (!bFailed) {
+            EXPECT_FALSE(Error);
+            return nFailures;
+        }
+        EXPECT_TRUE(!Error || Error == std::errc::not_enough_memory) << nFailures << Error;
+        if (nFailures == 10000)
+            return -1;
+    }
+}
+
+} // namespace
+
+TEST_F(CaptureLoop, TellsMemoryThatIsMissingForAVector) {
+    const Bytes aData = TestSupport::ScannerData();
+    const Bytes aCorrected = TestSupport::ScannerCorrected();
+    EXPECT_GT(FailuresOf([&](auto& rError) {
+                  const Bytes aTold = m_Scanner.getData(rError);
+                  EXPECT_TRUE(rError ? aTold.empty() : aTold == aData);
+              }),
+              0);
+    EXPECT_GT(FailuresOf([&](auto& rError) {
+                  const Bytes aTable = m_Scanner.getPrecalculatedData(rError);
+                  EXPECT_EQ(aTable.empty(), static_cast<bool>(rError));
+              }),
+              0);
+    for (const std::size_t nRoom : {0, 1})
+        EXPECT_GT(FailuresOf([&, aOut = Bytes(nRoom)](auto& rError) mutable {
+                      aOut.resize(nRoom);
+                      aOut.shrink_to_fit();
+                      m_Scanner.correct(m_aCapture, aOut, rError);
+                      EXPECT_TRUE(rError || aOut == aCorrected);
+                  }),
+                  0);
+}
+
+TEST_F(CaptureLoop, TellsASizeThatNoVectorCanHave) {
+    std::error_code Error;
+    Bytes aOut;
+    m_Scanner.correct(tessarin::ConstBytes(m_aCapture.data(), ~std::size_t{0}), aOut, Error);
+    EXPECT_EQ(Error, std::errc::not_enough_memory);
 }
 
 TEST(Calibrator, ReleasesWhatItHolds) {

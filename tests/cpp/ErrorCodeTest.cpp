@@ -19,7 +19,7 @@ TEST(StatusCode, HasTheWordsOfTheCatalogue) {
 }
 
 TEST(StatusCode, OfSuccessIsNoError) {
-    EXPECT_FALSE(statusCode(QMT_SUCCESS));
+    EXPECT_EQ(statusCode(QMT_SUCCESS), std::error_code());
     EXPECT_TRUE(statusCode(QMT_ERROR_NO_HANDLE));
     EXPECT_STREQ(category().name(), "TessarinCalibrateSDK");
 }
@@ -37,8 +37,7 @@ TEST(Failure, IsAnErrorCodeAndIsClearedBySuccess) {
     Scanner.setData(Bytes(12), Error);
     EXPECT_EQ(Error, statusCode(QMT_ERROR_UNEXPECTED_SIGNATURE));
     Scanner.setData(TestSupport::ScannerData(), Error);
-    EXPECT_FALSE(Error);
-    EXPECT_EQ(Error.category(), category());
+    EXPECT_EQ(Error, std::error_code());
 }
 
 TEST(Failure, IsAnExceptionThatTellsCallNumberAndWords) {

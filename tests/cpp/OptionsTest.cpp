@@ -33,6 +33,27 @@ TEST(Options, ThatAreSwitchedAreTheOnesNamed) {
     }
 }
 
+namespace {
+
+template <class... Value>
+using SetSwitch = decltype(std::declval<Calibrator&>().setOption(Switch::sensitiveMode,
+                                                                 std::declval<Value>()...));
+
+template <class, class... Value>
+constexpr bool cbSetsSwitch = false;
+template <class... Value>
+constexpr bool cbSetsSwitch<std::void_t<SetSwitch<Value...>>, Value...> = true;
+
+} // namespace
+
+TEST(Options, ThatAreSwitchedTakeNoText) {
+    EXPECT_TRUE((cbSetsSwitch<void, bool>));
+    EXPECT_FALSE((cbSetsSwitch<void, const char*>));
+    EXPECT_FALSE((cbSetsSwitch<void, const char(&)[6]>));
+    EXPECT_TRUE((cbSetsSwitch<void, bool, std::error_code&>));
+    EXPECT_FALSE((cbSetsSwitch<void, const char*, std::error_code&>));
+}
+
 TEST(Options, ForTheGeometryAreTheOnesNamed) {
     const struct {
         Geometry m_eGeometry;
