@@ -12,9 +12,10 @@ the pixels of one as a two-dimensional array without copying them. The package l
 library libTessarinCalibrateSDK.so.1 from where the system finds it, or the file that the environment
 variable QK7_LIBRARY names, when it is first needed.
 """
-from qk7._bitmap import Bitmap, Resolution
-from qk7._blocks import BlockLike, ByteArray, read_block, write_block
+from qk7._bitmap import Bitmap, BlockLike, Resolution, WritableBlock, write_block
+from qk7._blocks import ByteArray
 from qk7._calibrator import Calibrator, Geometry, InUseError, Levels
+from qk7._files import read_block
 from qk7._status import CalibrationError, Status, words
 
 __version__ = "1.0.0"
@@ -30,6 +31,7 @@ __all__ = [
     "Levels",
     "Resolution",
     "Status",
+    "WritableBlock",
     "read_block",
     "words",
     "write_block",

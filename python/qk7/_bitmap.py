@@ -1,12 +1,13 @@
-"""Bitmap blocks and their pixels."""
+"""Bitmap blocks and their pixels, and all that is taken for a block."""
 from __future__ import annotations
 
 import struct
-from typing import NamedTuple
+from typing import NamedTuple, Union
 
 import numpy as np
 
-from qk7._blocks import BlockLike, ByteArray, Path, as_bytes, replace
+from qk7._blocks import ByteArray, bytes_of
+from qk7._files import Path, read_block, replace
 
 _FILE_HEADER = struct.Struct("<2sIHHI")
 _INFO_HEADER = struct.Struct("<IiiHHIIiiII")
@@ -98,7 +99,7 @@ class Bitmap:
             OSError: it cannot be read.
             ValueError: it is no bitmap file of 8-bit grey values.
         """
-        content = np.fromfile(path, np.uint8)
+        content = read_block(path)
         if content.size < _FILE_HEADER.size or bytes(content[:2]) != b"BM":
             raise ValueError(f"{path}: is no bitmap file")
         pixels = _FILE_HEADER.unpack_from(content.data)[-1]
@@ -112,7 +113,10 @@ class Bitmap:
         return bitmap
 
     def write(self, path: Path) -> None:
-        """Writes the block as a bitmap file, behind the header that those have."""
+        """Writes the block as a bitmap file, behind the header that those have.
+
+        The file is renamed when it is whole: where that fails (OSError) the former one stays.
+        """
         header = _FILE_HEADER.pack(b"BM", _FILE_HEADER.size + self._block.size, 0, 0,
                                    _FILE_HEADER.size + self._offset)
         replace(path, header, self._block)
@@ -180,3 +184,29 @@ def _layout(block: ByteArray) -> tuple[int, int, int]:
         raise ValueError(f"bitmap: {width} x {height} pixels are a block of {expected} bytes, not "
                          f"of {block.size}")
     return width, height, offset
+
+
+#: What calls take for a block: a bitmap, a one-dimensional array of uint8 that lies in one piece, or
+#: bytes of any other kind. None of them is copied.
+BlockLike = Union[Bitmap, ByteArray, bytes, bytearray, memoryview]
+
+#: What calls write a block to.
+WritableBlock = Union[Bitmap, ByteArray, bytearray, memoryview]
+
+
+def as_bytes(block: BlockLike, what: str) -> ByteArray:
+    """The bytes of a block, in place. Raises TypeError or ValueError, with `what` in the words."""
+    return block.block if isinstance(block, Bitmap) else bytes_of(block, what)
+
+
+def as_writable_bytes(block: WritableBlock, what: str) -> ByteArray:
+    """The same for a block that is written to."""
+    array = as_bytes(block, what)
+    if not array.flags.writeable:
+        raise ValueError(f"{what}: the bytes are read only")
+    return array
+
+
+def write_block(path: Path, block: BlockLike) -> None:
+    """Writes a block as it is, as Bitmap.write() does with bitmap files."""
+    replace(path, b"", as_bytes(block, "block"))

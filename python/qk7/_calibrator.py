@@ -11,8 +11,8 @@ from typing import NamedTuple, NoReturn, Optional, TypeVar, Union, overload
 
 import numpy as np
 
-from qk7._bitmap import Bitmap
-from qk7._blocks import BlockLike, ByteArray, as_bytes, as_writable_bytes
+from qk7._bitmap import Bitmap, BlockLike, WritableBlock, as_bytes, as_writable_bytes
+from qk7._blocks import ByteArray
 from qk7._library import shared_library
 from qk7._status import CalibrationError, Status, require
 
@@ -39,7 +39,9 @@ class Levels(NamedTuple):
 
 
 class InUseError(RuntimeError):
-    """A calibrator was called while another thread was in a call of it."""
+    """A calibrator was called while a call of it was under way: in another thread, or in the same one,
+    whose signal handler calls.
+    """
 
 
 def _delete(handle: int) -> None:
@@ -228,7 +230,7 @@ class Calibrator:
 
     # Images.
 
-    def correct(self, capture: BlockLike, out: Optional[BlockLike] = None) -> Bitmap:
+    def correct(self, capture: BlockLike, out: Optional[WritableBlock] = None) -> Bitmap:
         """Corrects one raw capture.
 
         Args:
@@ -340,7 +342,7 @@ class Calibrator:
                 if self._turn is None:
                     self._turn = turn
             if self._turn is not turn:
-                raise InUseError("the calibrator is in use: another thread is in a call of it")
+                raise InUseError("the calibrator is in use: a call of it is under way")
             return work()
         finally:
             if self._turn is turn:

@@ -1,6 +1,7 @@
 """Statuses of the library and the exception that tells them."""
 from __future__ import annotations
 
+import ctypes
 import enum
 from typing import Optional
 
@@ -90,9 +91,13 @@ class Status(enum.IntEnum):
     QMT_ERROR_BAD_POINTER = -701
 
 
+_NO_STATUS = 1
+
+
 def words(number: int) -> str:
     """The library's own words for a status; "Unknown error code." for a number that is none."""
-    text: bytes = shared_library().GetErrorDescriptionIntern(number)
+    told = number if ctypes.c_long(number).value == number else _NO_STATUS
+    text: bytes = shared_library().GetErrorDescriptionIntern(told)
     return text.decode()
 
 

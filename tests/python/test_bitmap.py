@@ -1,5 +1,4 @@
 """Bitmap blocks, worked out by hand."""
-import shutil
 import struct
 
 import numpy as np
@@ -141,28 +140,3 @@ def test_file_that_is_none_is_refused_by_its_name(tmp_path, content, words):
     (tmp_path / "a.bmp").write_bytes(content)
     with pytest.raises(ValueError, match="a.bmp: .*" + words):
         qk7.Bitmap.read(tmp_path / "a.bmp")
-
-
-def test_files_that_are_not_there_are_told_by_the_system(tmp_path):
-    with pytest.raises(FileNotFoundError):
-        qk7.Bitmap.read(tmp_path / "none.bmp")
-    with pytest.raises(FileNotFoundError):
-        qk7.read_block(tmp_path / "none.cal")
-
-
-def test_blocks_are_written_as_they_were_read(tmp_path, block):
-    qk7.write_block(tmp_path / "a.cal", block)
-    assert np.array_equal(qk7.read_block(tmp_path / "a.cal"), block)
-    qk7.write_block(tmp_path / "a.cal", b"abc")
-    assert (tmp_path / "a.cal").read_bytes() == b"abc"
-
-
-def test_block_that_is_mapped_is_written_over_its_own_file(tmp_path, data, block):
-    bitmap = shutil.copyfile(data / "geometric/904_raw.bmp", tmp_path / "a.bmp")
-    before = bitmap.read_bytes()
-    qk7.Bitmap(np.memmap(bitmap, np.uint8, "r+", offset=14)).write(bitmap)
-    assert bitmap.read_bytes() == before
-
-    qk7.write_block(tmp_path / "a.cal", block)
-    qk7.write_block(tmp_path / "a.cal", np.memmap(tmp_path / "a.cal", np.uint8, "r"))
-    assert np.array_equal(qk7.read_block(tmp_path / "a.cal"), block)

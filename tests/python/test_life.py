@@ -119,6 +119,19 @@ def test_end_of_the_interpreter_leaves_calls_in_peace():
 
 
 @pytest.mark.parametrize("call", [*CALLS, lambda c: c.close()])
+def test_call_within_a_call_is_refused(monkeypatch, call):
+    """As that of a signal handler."""
+    with qk7.Calibrator() as calibrator:
+        def interrupted(*_):
+            with pytest.raises(qk7.InUseError, match="under way"):
+                call(calibrator)
+            return 0
+
+        monkeypatch.setattr(_library.shared_library(), "ContaminationDetection", interrupted)
+        calibrator.contamination(bytes(40))
+
+
+@pytest.mark.parametrize("call", [*CALLS, lambda c: c.close()])
 def test_second_thread_is_refused(monkeypatch, call):
     """One thread is held within a call; what the other one calls does not reach the library."""
     within, leave = threading.Event(), threading.Event()
@@ -134,7 +147,7 @@ def test_second_thread_is_refused(monkeypatch, call):
         thread.start()
         try:
             assert within.wait(60)
-            with pytest.raises(qk7.InUseError, match="another thread"):
+            with pytest.raises(qk7.InUseError, match="under way"):
                 call(calibrator)
         finally:
             leave.set()

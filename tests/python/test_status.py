@@ -69,7 +69,8 @@ def test_failures_can_be_sent_to_another_process():
 
 def test_numbers_that_are_none_have_no_name():
     assert qk7.CalibrationError(-9999, "Calibrate").name == ""
-    assert qk7.words(-9999) == "Unknown error code."
+    for number in -9999, 1, 2 ** 64, 2 ** 64 - 14, -2 ** 64:
+        assert qk7.words(number) == "Unknown error code."
 
 
 def test_library_that_is_not_there_is_told_with_what_to_do(monkeypatch):
