@@ -1,6 +1,7 @@
 /*
  * Starts fast: takes the prepared warp table of a scanner from a file in place of preparing it, and
- * leaves it there where it is missing or belongs to another calibration.
+ * leaves it there where it is missing or belongs to another calibration. A file of another kind
+ * stays as it is.
  *
  *     fast_start scanner.cal scanner.pre capture.bmp corrected.bmp
  *
@@ -12,18 +13,38 @@
 
 #include <stdio.h>
 #include <stdlib.h>
+#include <string.h>
 
-/* Whether the table in the file was taken. What is refused leaves no calibration data behind. */
-static int load(void* handle, unsigned char* data, unsigned long dataSize, const char* tableName) {
+enum outcome { LOADED, NOT_LOADED, NO_TABLE };
+
+/* Whether a file begins as tables do. One that was cut off, or is empty, may be written anew. */
+static int is_table(const unsigned char* file, unsigned long size) {
+    static const unsigned char tags[12] = {'C', 'A', 'L', 0, 'P', 'R', 'E', 0, '0', '0', '1', 0};
+    return memcmp(file, tags, size < sizeof tags ? size : sizeof tags) == 0;
+}
+
+/* Takes a table. One that is refused leaves no calibration data behind. */
+static enum outcome take(void* handle, unsigned char* data, unsigned long dataSize,
+                         const char* tableName, unsigned char* table, unsigned long size) {
+    if (!is_table(table, size)) {
+        fprintf(stderr, "%s: is no table\n", tableName);
+        return NO_TABLE;
+    }
+    return failed("CalibrateSetOption", CalibrateSetOption(handle, "PrecalculatedData=true")) ||
+                   failed("CalibrateSetData", CalibrateSetData(handle, data, dataSize)) ||
+                   failed(tableName, CalibrateSetPrecalculatedData(handle, table, size))
+               ? NOT_LOADED
+               : LOADED;
+}
+
+static enum outcome load(void* handle, unsigned char* data, unsigned long dataSize,
+                         const char* tableName) {
     unsigned long size = 0;
     unsigned char* table = read_file(tableName, &size);
-    const int loaded =
-        table != NULL &&
-        !failed("CalibrateSetOption", CalibrateSetOption(handle, "PrecalculatedData=true")) &&
-        !failed("CalibrateSetData", CalibrateSetData(handle, data, dataSize)) &&
-        !failed(tableName, CalibrateSetPrecalculatedData(handle, table, size));
+    const enum outcome result =
+        table != NULL ? take(handle, data, dataSize, tableName, table, size) : NOT_LOADED;
     free(table);
-    return loaded;
+    return result;
 }
 
 /* Keeps the table for the next start. Returns whether that failed. */
@@ -75,9 +96,10 @@ int main(int argc, char** argv) {
     data = read_file(argv[1], &dataSize);
     handle = CalibrateCreate();
     if (data != NULL && handle != NULL) {
-        const int loaded = load(handle, data, dataSize, argv[2]);
-        if (loaded || !prepare(handle, data, dataSize, argv[2])) {
-            puts(loaded ? "loaded" : "prepared");
+        const enum outcome loaded = load(handle, data, dataSize, argv[2]);
+        if (loaded == LOADED ||
+            (loaded == NOT_LOADED && !prepare(handle, data, dataSize, argv[2]))) {
+            puts(loaded == LOADED ? "loaded" : "prepared");
             result = correct(handle, argv[3], argv[4]);
         }
     }

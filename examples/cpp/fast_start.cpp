@@ -1,5 +1,6 @@
 // Starts fast: takes the prepared warp table of a scanner from a file in place of preparing it, and
-// leaves it there where it is missing or belongs to another calibration.
+// leaves it there where it is missing or belongs to another calibration. A file of another kind
+// stays as it is.
 //
 //     fast_start scanner.cal scanner.pre capture.bmp corrected.bmp
 //
@@ -9,17 +10,36 @@
 
 #include <TessarinCalibrateSDK.hpp>
 
+#include <algorithm>
+#include <filesystem>
+#include <optional>
+
 namespace {
 
-/// Whether the table in the file was taken. What is refused leaves no calibration data behind.
-bool load(tessarin::Calibrator& calibrator, const Block& data, const std::string& tableName) {
+/// Whether a file begins as tables do. One that was cut off, or is empty, may be written anew.
+bool isTable(const Block& file) {
+    constexpr unsigned char tags[] = {'C', 'A', 'L', 0, 'P', 'R', 'E', 0, '0', '0', '1', 0};
+    return std::equal(tags, tags + std::min(std::size(tags), file.size()), file.begin());
+}
+
+/// The table in a file; none where there is no file.
+std::optional<Block> tableIn(const std::string& name) {
+    if (!std::filesystem::exists(name))
+        return std::nullopt;
+    Block file = readFile(name);
+    if (!isTable(file))
+        throw std::runtime_error(name + ": is no table");
+    return file;
+}
+
+/// Whether the table was taken. What is refused leaves no calibration data behind.
+bool load(tessarin::Calibrator& calibrator, const Block& data, const Block& table) {
     try {
-        const Block table = readFile(tableName);
         calibrator.setOption(tessarin::Switch::precalculatedData, true);
         calibrator.setData(data);
         calibrator.setPrecalculatedData(table);
         return true;
-    } catch (const std::exception& e) {
+    } catch (const std::system_error& e) {
         std::fprintf(stderr, "%s\n", e.what());
         return false;
     }
@@ -43,7 +63,8 @@ int main(int argc, char** argv) {
     return exitStatusOf([&] {
         tessarin::Calibrator calibrator;
         const Block data = readFile(argv[1]);
-        const bool loaded = load(calibrator, data, argv[2]);
+        const std::optional<Block> table = tableIn(argv[2]);
+        const bool loaded = table && load(calibrator, data, *table);
         if (!loaded)
             prepare(calibrator, data, argv[2]);
         std::puts(loaded ? "loaded" : "prepared");

@@ -1,26 +1,45 @@
 #!/usr/bin/env python3
 """Starts fast: takes the prepared warp table of a scanner from a file in place of preparing it, and
-leaves it there where it is missing or belongs to another calibration.
+leaves it there where it is missing or belongs to another calibration. A file of another kind stays as
+it is.
 
     fast_start.py scanner.cal scanner.pre capture.bmp corrected.bmp
 
 Tells "loaded" or "prepared". Either way the corrected image is the same.
 """
 import sys
+from typing import Optional
 
 import qk7
 
+#: What tables begin with.
+TAGS = b"CAL\0PRE\0001\0"
 
-def started(data: qk7.ByteArray, table: str) -> qk7.Calibrator:
-    """A calibrator that is ready, by the table where that is the right one."""
+
+def table_in(path: str) -> Optional[qk7.ByteArray]:
+    """The table in a file; none where there is no file."""
     try:
-        calibrator = qk7.Calibrator(data, precalculated=qk7.read_block(table))
-        print("loaded")
-    except (OSError, qk7.CalibrationError) as fault:
-        print(fault, file=sys.stderr)
-        calibrator = qk7.Calibrator(data)
-        qk7.write_block(table, calibrator.get_precalculated_data())
-        print("prepared")
+        table = qk7.read_block(path)
+    except FileNotFoundError:
+        return None
+    if not TAGS.startswith(table[:len(TAGS)].tobytes()):  # cut off or empty it may be written anew
+        raise ValueError(f"{path}: is no table")
+    return table
+
+
+def started(data: qk7.ByteArray, path: str) -> qk7.Calibrator:
+    """A calibrator that is ready, by the table where that is the right one."""
+    table = table_in(path)
+    if table is not None:
+        try:
+            calibrator = qk7.Calibrator(data, precalculated=table)
+            print("loaded")
+            return calibrator
+        except qk7.CalibrationError as fault:
+            print(fault, file=sys.stderr)
+    calibrator = qk7.Calibrator(data)
+    qk7.write_block(path, calibrator.get_precalculated_data())
+    print("prepared")
     return calibrator
 
 

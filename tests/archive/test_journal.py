@@ -88,6 +88,14 @@ def test_other_options_are_refused(path):
     assert known(path) == [GOOD]
 
 
+@pytest.mark.parametrize("content", [b'{"my": "own notes"}', b"line one\nlast line without end", b"\n"])
+def test_file_that_is_no_journal_stays_as_it_is(path, content):
+    path.write_bytes(content)
+    with pytest.raises(ValueError, match="other options"):
+        known(path)
+    assert path.read_bytes() == content
+
+
 def test_two_jobs_in_one_folder_are_refused(path):
     with Journal(path, ()):
         with pytest.raises(ValueError, match="another job"):

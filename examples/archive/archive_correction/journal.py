@@ -26,8 +26,8 @@ class Journal:
         self._file = open(path, "a+b")
         try:
             self._lock()
-            self._cut_unfinished_line()
             self._begin({"journal": _VERSION, "options": list(options)})
+            self._cut_unfinished_line()
         except BaseException:
             self._file.close()
             raise
@@ -87,13 +87,15 @@ class Journal:
         self._file.truncate(end)
 
     def _begin(self, header: dict[str, object]) -> None:
+        told = json.dumps(header).encode() + b"\n"
+        self._first = len(told)
         self._file.seek(0)
-        first = self._file.readline()
-        if not first:
-            first = json.dumps(header).encode() + b"\n"
-            self._file.write(first)
-            self._file.flush()
-        if first != json.dumps(header).encode() + b"\n":
+        first = self._file.readline(len(told))
+        if first == told:
+            return
+        if not told.startswith(first):
             raise ValueError("a job with other options was begun in the folder of results; give "
                              "another folder, or empty this one")
-        self._first = len(first)
+        self._file.truncate(0)
+        self._file.write(told)
+        self._file.flush()
