@@ -36,8 +36,8 @@
  *   call succeeds.
  * - Sizes count bytes. Where a size goes in and out, the caller passes the bytes available and
  *   finds the bytes needed or used; a block that is too small answers QMT_ERROR_TEMPLATE_SIZE.
- * - Threads. The library starts no thread and takes no lock. A handle belongs to one thread at a
- *   time; different handles may be used in parallel.
+ * - Threads. The library starts no thread, and takes no lock but to compute once what all of them
+ *   share. A handle belongs to one thread at a time; different handles may be used in parallel.
  * - Foreign bytes. Bitmap, calibration and precalculated blocks are checked before they are
  *   trusted: whatever they claim, nothing outside the given bytes is read.
  *
