@@ -13,7 +13,7 @@ from typing import Optional
 import qk7
 
 #: What tables begin with.
-TAGS = b"CAL\0PRE\0001\0"
+TAGS = b"CAL\0" b"PRE\0" b"001\0"
 
 
 def table_in(path: str) -> Optional[qk7.ByteArray]:
