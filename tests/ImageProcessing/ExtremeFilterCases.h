@@ -8,6 +8,7 @@
 #include "support/Images.h"
 #include "support/Throws.h"
 
+#include <cmath>
 #include <limits>
 #include <random>
 
@@ -163,6 +164,15 @@ TYPED_TEST_P(ExtremeFilter, FollowsItsWalkWhereValuesAreNoNumbers) {
                         << nCount << ", width " << nWidth << " at " << i;
                 }
             }
+}
+
+TYPED_TEST_P(ExtremeFilter, LetsTheLastOfEqualOnesWin) {
+    // In the third window the zero that enters equals the others, and has the place; in the fourth
+    // one a negative zero has it again.
+    const ClTestImage in = Img(ClImage::eFloat32, {{-0.0, -0.0, -0.0, 0.0, -0.0, -0.0}});
+    const ClTestImage out = this->Filtered(in, 3, 1);
+    EXPECT_FALSE(std::signbit(Sample(out, 2, 0)));
+    EXPECT_TRUE(std::signbit(Sample(out, 3, 0)));
 }
 
 // Failures
@@ -362,14 +372,17 @@ TYPED_TEST_P(ExtremeFilter, AnswersEveryMissingAllocation) {
             }
 }
 
-REGISTER_TYPED_TEST_SUITE_P(
-    ExtremeFilter, EqualsItsDefinitionOnEveryPixelType, EqualsItsDefinitionAtEveryWidth,
-    TakesTheNextExtremeWhenOneHasLeftTheWindow, TakesTheWidestWindow,
-    KeepsRangeContentAttributeAndResolution, FiltersPlanesOneByOne, SpreadsOverSeveralRounds,
-    RefusesEvenWidths, TestsTheWidthBeforeTheImages, TestsTypeAndModeBeforeTheOutput,
-    AnswersSeveralPlanesWithoutAnOutputOrPixels, FollowsItsWalkWhereValuesAreNoNumbers,
-    CopiesForEvenWidthsBelowOne, RefusesToWorkInPlace, WorksInPlaceBehindTheFrame,
-    AnswersMissingImages, NamesAMissingImage, RefusesDirectedAndUnknownModes,
-    RefusesUnknownPixelTypes, TakesAnImageWithoutSamples, AnswersEveryMissingAllocation);
+REGISTER_TYPED_TEST_SUITE_P(ExtremeFilter, EqualsItsDefinitionOnEveryPixelType,
+                            EqualsItsDefinitionAtEveryWidth,
+                            TakesTheNextExtremeWhenOneHasLeftTheWindow, TakesTheWidestWindow,
+                            KeepsRangeContentAttributeAndResolution, FiltersPlanesOneByOne,
+                            SpreadsOverSeveralRounds, RefusesEvenWidths,
+                            TestsTheWidthBeforeTheImages, TestsTypeAndModeBeforeTheOutput,
+                            AnswersSeveralPlanesWithoutAnOutputOrPixels,
+                            FollowsItsWalkWhereValuesAreNoNumbers, LetsTheLastOfEqualOnesWin,
+                            CopiesForEvenWidthsBelowOne, RefusesToWorkInPlace,
+                            WorksInPlaceBehindTheFrame, AnswersMissingImages, NamesAMissingImage,
+                            RefusesDirectedAndUnknownModes, RefusesUnknownPixelTypes,
+                            TakesAnImageWithoutSamples, AnswersEveryMissingAllocation);
 
 } // namespace TestSupport

@@ -111,18 +111,6 @@ TEST(IpFilterMax, NeverTakesAValueThatIsNotANumberButWhereAScanBegins) {
     EXPECT_EQ(Printed(Img(ClImage::eFloat32, {{9, q, 5, 4, 2, 3}}), 3), "9 9 ? ? ? 3 ");
 }
 
-TEST(IpFilterMax, LetsTheLastOfEqualOnesWin) {
-    // In the third window the zero that enters equals the others, and has the place; in the fourth
-    // one a negative zero has it again.
-    ClTestImage in = Img(ClImage::eFloat32, {{-0.0, -0.0, -0.0, 0.0, -0.0, -0.0}});
-    ClImage out;
-    ClIpFilterMax filter;
-    EXPECT_EQ(filter.ApplyParam(in, out, 3, 1), 0);
-    const TestSupport::RealRows aOut = TestSupport::RealPixels(out);
-    EXPECT_FALSE(std::signbit(aOut[0][2]));
-    EXPECT_TRUE(std::signbit(aOut[0][3]));
-}
-
 TEST(IpFilterMax, LetsInfinityWin) {
     const double dInfinity = std::numeric_limits<double>::infinity();
     ClTestImage in = Img(ClImage::eDouble64, {{-dInfinity, 1.0, 2.0, dInfinity, 0.0, -1.0}});
