@@ -26,6 +26,17 @@ using TestSupport::Rows;
 using EAlignmentX = ClIpImageExtension::EAlignmentX;
 using EAlignmentY = ClIpImageExtension::EAlignmentY;
 
+TEST(IpImageExtension, NumbersAlignmentsAsTheyAreStored) {
+    EXPECT_EQ(EAlignmentX{0}, EAlignmentX::Center);
+    EXPECT_EQ(EAlignmentX{1}, EAlignmentX::Left);
+    EXPECT_EQ(EAlignmentX{2}, EAlignmentX::Right);
+    EXPECT_EQ(EAlignmentX{3}, EAlignmentX::Manual);
+    EXPECT_EQ(EAlignmentY{0}, EAlignmentY::Center);
+    EXPECT_EQ(EAlignmentY{1}, EAlignmentY::Down);
+    EXPECT_EQ(EAlignmentY{2}, EAlignmentY::Up);
+    EXPECT_EQ(EAlignmentY{3}, EAlignmentY::Manual);
+}
+
 // Place
 
 TEST(IpImageExtension, PutsTheImageWhereTheAlignmentInXSays) {

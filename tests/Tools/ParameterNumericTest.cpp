@@ -138,6 +138,8 @@ TEST(ParameterNumeric, CutsToTheRangeWithClamp) {
     EXPECT_EQ(p.m_Value, 0.0);
     p.m_Parameter.SetValue("9.5");
     EXPECT_EQ(p.m_Value, 9.5);
+    p.m_Parameter.SetNumber(-0.0); // equals the boundary, and is not cut to it
+    EXPECT_TRUE(std::signbit(p.m_Value));
 }
 
 TEST(ParameterNumeric, RefusesValuesOutOfRangeWithCheck) {
