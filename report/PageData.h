@@ -64,7 +64,8 @@ struct StTargetFinds {
 };
 
 struct StFinger {
-    std::string m_sName;
+    std::string m_sName; ///< of the file, for readers
+    std::string m_sFile; ///< as it was given
     StPicture m_Raw;
     std::optional<StPicture> m_Corrected; ///< without a calibration none, as the next
     std::optional<StPicture> m_Mask;
@@ -73,7 +74,8 @@ struct StFinger {
 };
 
 struct StPlaten {
-    std::string m_sName;
+    std::string m_sName; ///< as for a finger, and the next
+    std::string m_sFile;
     StPicture m_Picture;
     Values m_Values;
 };

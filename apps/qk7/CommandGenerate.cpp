@@ -50,8 +50,8 @@ StDerivation DerivationOf(const StGenerateCall& Call) {
     return derivation;
 }
 
-/// The picture of a target that was refused must not hide why it was.
-void DrawRefused(const StGenerateCall& Call, const StTargetDiagnosis& Diagnosis) {
+/// The picture of a target that is refused or doubted must not hide why it is.
+void DrawAnyway(const StGenerateCall& Call, const StTargetDiagnosis& Diagnosis) {
     try {
         if (!Call.m_DebugImage.empty())
             WriteBlock(Call.m_DebugImage, Diagnosis.m_Picture);
@@ -64,10 +64,10 @@ StBlocks DeriveOrDraw(const StGenerateCall& Call, const StDerivation& Derivation
     try {
         return Derive(Derivation, !Call.m_Precalculated.empty());
     } catch (const ClRefusedTarget& refused) {
-        DrawRefused(Call, refused.Diagnosis());
+        DrawAnyway(Call, refused.Diagnosis());
         throw;
     } catch (const ClUnloadableRecord& unloadable) {
-        DrawRefused(Call, unloadable.Diagnosis());
+        DrawAnyway(Call, unloadable.Diagnosis());
         throw;
     }
 }
@@ -80,7 +80,9 @@ struct StGenerated {
 };
 
 void WriteOutputs(const StGenerateCall& Call, const StBlocks& Blocks, StGenerated& rGenerated) {
-    if (!Call.m_DebugImage.empty())
+    if (!rGenerated.m_Judged.IsGood())
+        DrawAnyway(Call, rGenerated.m_Target);
+    else if (!Call.m_DebugImage.empty())
         WriteBlock(Call.m_DebugImage, rGenerated.m_Target.m_Picture);
     if (!rGenerated.m_Judged.IsGood() && !Call.m_bAcceptDoubtful)
         return;

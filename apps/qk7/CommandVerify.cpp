@@ -5,6 +5,7 @@
 #include "apps/qk7/BlockInfo.h"
 #include "apps/qk7/Commands.h"
 #include "apps/qk7/Console.h"
+#include "apps/qk7/Derivation.h"
 #include "apps/qk7/FileRun.h"
 #include "apps/qk7/Handle.h"
 #include "apps/qk7/Picture.h"
@@ -30,7 +31,10 @@ struct StVerifyCall {
 /// What the blocks are compared with, made when the first one needs it.
 class ClVerifier {
 public:
-    explicit ClVerifier(const StVerifyCall& Call) : m_Call(Call) {}
+    /// Reads what is named, whether a block comes to need it or not.
+    explicit ClVerifier(const StVerifyCall& Call)
+        : m_Data(FileSource(Call.m_Data)), m_Target(PictureSource(Call.m_Target)),
+          m_Reference(FileSource(Call.m_Reference)) {}
 
     StTold Told(const std::string& Path) {
         const Bytes block = ReadFile(Path);
@@ -59,13 +63,13 @@ private:
     StComparison Calibration(const std::string& Name, const Bytes& Block) {
         const Bytes rewritten = Rewritten(Name, Block);
         StComparison comparison = CompareCalibration(Block, rewritten);
-        if (!m_Call.m_Target.empty())
+        if (m_Target.IsThere())
             comparison.Add(CompareRecords(rewritten, Generated()));
         return comparison;
     }
 
     StComparison Precalculated(const std::string& Name, const Bytes& Block) {
-        if (m_Call.m_Data.empty())
+        if (!m_Data.IsThere())
             throw ClFailure(Name, "is a precalculated block; name by -d the calibration block that "
                                   "it was made from.");
         return ComparePrecalculated(Naming(Name, Block), Table());
@@ -90,25 +94,21 @@ private:
 
     Bytes Generate() const {
         ClHandle handle;
-        if (!m_Call.m_Reference.empty()) {
-            const Bytes reference = ReadFile(m_Call.m_Reference);
-            Handing(EHanded::eCalibration, ShownName(m_Call.m_Reference, EStream::eIn),
-                    [&] { handle.SetReferenceData(reference); });
-        }
-        const Bytes target = ReadBlock(m_Call.m_Target);
-        return HandingBitmap(ShownName(m_Call.m_Target, EStream::eIn), target, [&] {
-            handle.GenerateData(target);
+        if (m_Reference.IsThere())
+            Handing(EHanded::eCalibration, m_Reference.Name(),
+                    [&] { handle.SetReferenceData(m_Reference.m_Bytes); });
+        return HandingBitmap(m_Target.Name(), m_Target.m_Bytes, [&] {
+            handle.GenerateData(m_Target.m_Bytes);
             return handle.Data();
         });
     }
 
     const Bytes& Table() {
         if (!m_Table) {
-            const Bytes calibration = ReadFile(m_Call.m_Data);
             ClHandle handle;
-            m_Table = Handing(EHanded::eCalibration, ShownName(m_Call.m_Data, EStream::eIn), [&] {
-                handle.SetData(calibration);
-                return handle.PrecalculatedData(ExpectedPrecalculatedBytes(calibration));
+            m_Table = Handing(EHanded::eCalibration, m_Data.Name(), [&] {
+                handle.SetData(m_Data.m_Bytes);
+                return handle.PrecalculatedData(ExpectedPrecalculatedBytes(m_Data.m_Bytes));
             });
         }
         return *m_Table;
@@ -133,7 +133,9 @@ private:
         return told;
     }
 
-    const StVerifyCall& m_Call;
+    StSource m_Data;
+    StSource m_Target;
+    StSource m_Reference;
     std::optional<Bytes> m_Generated;
     std::optional<Bytes> m_Table;
 };

@@ -97,13 +97,13 @@ StJudged JudgedByDots(const StDerivation& Derivation, const Bytes& Calibration) 
     return judged;
 }
 
-/// A block that cannot be judged does not tell its name.
+/// A block that cannot be judged does not tell its name, or that of the capture it was made of.
 template <class Work>
-StJudged NamingTarget(const StDerivation& Derivation, Work work) {
+StJudged Naming(const std::string& Name, Work work) {
     try {
         return work();
     } catch (const std::invalid_argument& error) {
-        throw ClFailure(Derivation.m_Target.Name(), error.what());
+        throw ClFailure(Name, error.what());
     }
 }
 
@@ -144,14 +144,15 @@ StBlocks Derive(const StDerivation& Derivation, bool bPrecalculated) {
 }
 
 StJudged Judge(const StDerivation& Derivation, const Bytes& Calibration) {
-    return NamingTarget(Derivation, [&] { return JudgedByDots(Derivation, Calibration); });
+    return Naming(Derivation.m_Target.Name(),
+                  [&] { return JudgedByDots(Derivation, Calibration); });
 }
 
-StJudged JudgeStored(const StDerivation& Derivation, const Bytes& Calibration) {
-    return NamingTarget(Derivation, [&] {
-        StJudged judged = JudgedByDots(Derivation, Calibration);
+StJudged JudgeStored(const StDerivation& Derivation, const StSource& Stored) {
+    return Naming(Stored.Name(), [&] {
+        StJudged judged = JudgedByDots(Derivation, Stored.m_Bytes);
         judged.m_Target = diagnosis::CheckSecond(
-            Calibration, Corrected(Derivation.m_Target, Calibration), "the capture");
+            Stored.m_Bytes, Corrected(Derivation.m_Target, Stored.m_Bytes), "the capture");
         return judged;
     });
 }

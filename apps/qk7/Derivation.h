@@ -51,7 +51,7 @@ StBlocks Derive(const StDerivation& Derivation, bool bPrecalculated);
 StJudged Judge(const StDerivation& Derivation, const Bytes& Calibration);
 /// The same of a stored calibration: what its own dots say is nothing of this target, which has to
 /// come out as the pattern, corrected, as the second capture has to.
-StJudged JudgeStored(const StDerivation& Derivation, const Bytes& Calibration);
+StJudged JudgeStored(const StDerivation& Derivation, const StSource& Stored);
 
 /// A capture of the target, corrected with the calibration, without finger mask. Throws `ClFailure`
 /// with its name.

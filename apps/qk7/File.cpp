@@ -257,10 +257,12 @@ void WriteText(const std::string& Path, const std::string& Text) {
 }
 
 bool IsSameFile(const std::string& a, const std::string& b) {
+    namespace fs = std::filesystem;
     std::error_code ignored;
-    return std::filesystem::path(a).lexically_normal() ==
-               std::filesystem::path(b).lexically_normal() ||
-           std::filesystem::equivalent(a, b, ignored);
+    const auto place = [&ignored](const std::string& path) {
+        return fs::weakly_canonical(fs::absolute(path, ignored), ignored);
+    };
+    return a == b || fs::equivalent(a, b, ignored) || (!place(a).empty() && place(a) == place(b));
 }
 
 void MakeDirectory(const std::string& Path) {

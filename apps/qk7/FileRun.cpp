@@ -202,6 +202,8 @@ private:
     }
 
     void End() {
+        if (m_Run.m_Last)
+            m_Run.m_Last();
         if (m_Run.m_eForm == EForm::eJson)
             PrintDocument(m_Run.m_Command, m_Results);
         if (m_aFiles.size() > 1 && !m_Options.m_bQuiet && !m_Run.m_Done.empty())

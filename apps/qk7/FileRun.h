@@ -54,6 +54,7 @@ struct StFileRun {
     EForm m_eForm = EForm::eText;
     std::string m_Done;      ///< the summary's word for a file that was done; empty for no summary
     std::string m_LastWords; ///< a sentence for a run that is interrupted; empty for none
+    std::function<void()> m_Last; ///< what is left to do before the run is told as a whole
 };
 
 /// Does the files: `first` in the calling thread, and what `makeWork` makes in further ones, each

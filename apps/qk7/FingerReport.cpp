@@ -53,6 +53,7 @@ report::StFinger GatherFinger(const std::string& Path, ClHandle* pHandle) {
     const StSource source = PictureSource(Path);
     report::StFinger finger;
     finger.m_sName = FileNameOf(Path);
+    finger.m_sFile = Path;
     finger.m_Raw = PictureOf(source);
     try {
         finger.m_Values["contamination/contamination_level"] =
@@ -74,6 +75,7 @@ report::StPlaten GatherPlaten(const std::string& Path) {
     const StSource source = PictureSource(Path);
     report::StPlaten platen;
     platen.m_sName = FileNameOf(Path);
+    platen.m_sFile = Path;
     platen.m_Picture = PictureOf(source);
     platen.m_Values["contamination/contamination_level"] = HandingBitmap(
         source.Name(), source.m_Bytes, [&] { return ClHandle().Contamination(source.m_Bytes); });

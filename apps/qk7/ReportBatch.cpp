@@ -5,8 +5,6 @@
 #include "report/Index.h"
 #include "report/Page.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -120,13 +118,8 @@ public:
         const auto makeWork = [this]() -> FileWork {
             return [this](std::size_t nFolder) { return Report(nFolder); };
         };
-        try {
-            DoFiles(run, m_Batch.m_Files, m_aFolders, makeWork(), makeWork);
-        } catch (const CLI::RuntimeError&) {
-            WriteIndex();
-            throw;
-        }
-        WriteIndex();
+        run.m_Last = [this] { WriteIndex(); };
+        DoFiles(run, m_Batch.m_Files, m_aFolders, makeWork(), makeWork);
     }
 
 private:
@@ -166,6 +159,9 @@ private:
 } // namespace
 
 StScannerFiles FilesInFolder(const std::string& Folder) {
+    std::error_code error;
+    if (fs::directory_iterator(Folder, error); error)
+        throw ClFailure(Folder, error.message());
     std::vector<StInput> pictures = ExpandInputs({Folder}, {false, true, false, ""}).m_aFiles;
     if (!pictures.empty() && !pictures[0].m_Fault.empty())
         throw ClFailure(Folder, "has no pictures (.bmp, .dib, .png).");
@@ -179,9 +175,9 @@ StScannerFiles FilesInFolder(const std::string& Folder) {
     TakeOut("ruled", pictures);
     for (const StInput& picture : pictures)
         files.m_aFingers.push_back(picture.m_Path);
-    std::error_code ignored;
+    // Of one that is there and cannot be reached its reader tells: none is another plate.
     const fs::path reference = fs::path(Folder) / g_szReference;
-    if (fs::exists(reference, ignored))
+    if (fs::symlink_status(reference, error).type() != fs::file_type::not_found)
         files.m_Reference = reference.string();
     return files;
 }

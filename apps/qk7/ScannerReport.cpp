@@ -79,8 +79,11 @@ std::optional<StBlocks> JudgeInto(const StScannerFiles& Files, const StDerivatio
     try {
         const StBlocks blocks = BlocksOf(Files, Derivation);
         NoteTarget(Diagnose(Derivation), rScanner);
-        const auto judge = Files.m_Calibration.empty() ? Judge : JudgeStored;
-        NoteJudged(Derivation, blocks, judge(Derivation, blocks.m_Calibration), rScanner);
+        NoteJudged(Derivation, blocks,
+                   Files.m_Calibration.empty()
+                       ? Judge(Derivation, blocks.m_Calibration)
+                       : JudgeStored(Derivation, {Files.m_Calibration, blocks.m_Calibration}),
+                   rScanner);
         return blocks;
     } catch (const ClRefusedTarget& refused) {
         NoteRefusal({WithoutName(refused.Message(), Files)}, refused.Advice(), refused.Diagnosis(),
@@ -113,6 +116,13 @@ Json FiguresJson(const report::Values& Known) {
     for (const auto& [name, value] : Known)
         if (IsOwn(name))
             json[name] = value;
+    return json;
+}
+
+Json FingerJson(const report::StFinger& Finger) {
+    Json json = {{"file", Finger.m_sFile}, {"figures", FiguresJson(Finger.m_Values)}};
+    if (!Finger.m_sFault.empty())
+        json["error"] = Finger.m_sFault;
     return json;
 }
 
@@ -149,12 +159,11 @@ Json ScannerJson(const report::StScanner& Scanner) {
                  {"reasons", ReasonsJson(Scanner)},
                  {"figures", FiguresJson(Scanner.m_Values)}};
     if (Scanner.m_Platen)
-        json["platen"] = {{"file", Scanner.m_Platen->m_sName},
+        json["platen"] = {{"file", Scanner.m_Platen->m_sFile},
                           {"figures", FiguresJson(Scanner.m_Platen->m_Values)}};
     json["fingers"] = Json::array();
     for (const report::StFinger& finger : Scanner.m_aFingers)
-        json["fingers"].push_back(
-            {{"file", finger.m_sName}, {"figures", FiguresJson(finger.m_Values)}});
+        json["fingers"].push_back(FingerJson(finger));
     return json;
 }
 

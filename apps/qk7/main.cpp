@@ -29,7 +29,7 @@ std::string NameOf(const CLI::App& App) {
 
 bool IsJsonWanted(const CLI::App& Command) {
     const CLI::Option* pJson = Command.get_option_no_throw("--json");
-    return pJson != nullptr && pJson->count() > 0;
+    return pJson != nullptr && pJson->count() > 0 && pJson->as<bool>();
 }
 
 /// Help, version and usage errors: the parser's own words, in the tool's own statuses.

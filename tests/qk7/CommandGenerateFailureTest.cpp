@@ -14,6 +14,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <filesystem>
 #include <limits>
 
 using namespace TestSupport;
@@ -337,6 +338,13 @@ TEST_F(Qk7GenerateFailure, RefusesAFileThatIsNamedTwice) {
                   "./target.bmp is named twice; give another output");
     ExpectFailure({"--precalculated", "x/../scanner.cal"}, 2,
                   "x/../scanner.cal is named twice; give another output");
+    const std::string absolute = m_Folder / "new"; // which is not there yet
+    ExpectFailure({"--precalculated", "new", "--debug-image", absolute}, 2,
+                  absolute + " is named twice; give another output");
+    std::filesystem::create_directory_symlink(".", m_Folder / "here");
+    ExpectFailure({"--precalculated", "new", "--debug-image", "here/new"}, 2,
+                  "here/new is named twice; give another output");
+    std::filesystem::remove(m_Folder / "here");
     ExpectFailure({"--reference", "plate.cal", "--debug-image", "plate.cal"}, 2,
                   "plate.cal is named twice; give another output");
     EXPECT_EQ(Get(m_Folder / "target.bmp"), RawTarget());

@@ -126,6 +126,15 @@ TEST_F(Qk7GenerateVerdict, DrawsThePictureOfADoubtfulTarget) {
     EXPECT_EQ(m_Folder.Names(), (Names{"grid.bmp", "target.bmp"}));
 }
 
+TEST_F(Qk7GenerateVerdict, DoubtsATargetWhosePictureCannotBeWritten) {
+    const StEnded ended = Generate(TargetWithStandIn(), {"--debug-image", "/dev/full"});
+
+    EXPECT_EQ(ended.m_nExit, 3);
+    EXPECT_THAT(ended.m_Out, HasSubstr("scanner.cal: doubtful\n"));
+    EXPECT_EQ(ended.m_Err, "qk7 generate: /dev/full: cannot be written: No space left on device\n");
+    EXPECT_EQ(m_Folder.Names(), (Names{"target.bmp"}));
+}
+
 TEST_F(Qk7GenerateVerdict, DoubtsAPlateOfAnotherPitch) {
     const StEnded ended = Generate(ScaledTarget(1.02), {});
 

@@ -88,6 +88,27 @@ TEST_F(Qk7ReportBatch, AScannerThatFailsStopsNoOther) {
     EXPECT_THAT(Page("index.html"), HasSubstr("<th scope=\"row\">none</th>"));
 }
 
+TEST_F(Qk7ReportBatch, FailsForAScannerWhosePlateIsGone) {
+    fs::create_symlink("nowhere/plate.cal", m_Folder / "line/one/plate.cal");
+    const StEnded ended = Batch({"--quiet"});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_EQ(ended.m_Out, "two: good\n");
+    EXPECT_EQ(ended.m_Err, "qk7 report: line/one/plate.cal: No such file or directory\n");
+}
+
+TEST_F(Qk7ReportBatch, FailsAsAWholeWithoutItsIndex) {
+    fs::create_directories(m_Folder / "pages/index.html");
+    const StEnded ended = Batch({"--json"});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    const std::string words = "pages/index.html: cannot be written: Is a directory";
+    EXPECT_EQ(ended.m_Err, "qk7 report: " + words + "\n");
+    const json document = json::parse(ended.m_Out);
+    EXPECT_EQ(document.at("error"), words);
+    EXPECT_EQ(document.at("results"), json::array());
+}
+
 TEST_F(Qk7ReportBatch, TellsScannersInTheOrderOfTheirNames) {
     for (const char* szName : {"m", "b", "10", "z", "9", "a", "x", "k"})
         Add(std::string(szName) + "/target.bmp", ToBytes("no picture"));

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <filesystem>
 
 using namespace TestSupport;
 using nlohmann::json;
@@ -142,6 +143,15 @@ TEST_F(Qk7Report, NamesACaptureThatTheStoredBlockIsNotFor) {
     EXPECT_THAT(ended.m_Err, StartsWith("qk7 report: target.bmp: -14 "));
 }
 
+TEST_F(Qk7Report, NamesAStoredBlockThatTellsNoResolution) {
+    const std::string old =
+        DataPath("golden/layout4.cal"); // the next layout is the first that does
+    const StEnded ended = Report(RawTarget(), {"--calibration", old});
+
+    EXPECT_EQ(ended.m_nExit, 1);
+    EXPECT_EQ(ended.m_Err, "qk7 report: " + old + ": tells no resolution\n");
+}
+
 TEST_F(Qk7Report, DrawsARefusedCaptureWhateverResolutionItTells) {
     Bytes target = RawTarget(Without({30}));
     constexpr std::size_t nPelsAt = 24;
@@ -171,6 +181,23 @@ TEST_F(Qk7Report, ToldFingersThatTheLibraryRefusesDoNotChangeTheVerdict) {
 
     EXPECT_EQ(ended.m_nExit, 0) << ended.m_Err;
     EXPECT_THAT(Page(), HasSubstr("The library does not correct it: -14 "));
+}
+
+TEST_F(Qk7Report, TellsFingersByTheirPathsAndWhyOneIsNotCorrected) {
+    for (const char* szFolder : {"a", "b"})
+        std::filesystem::create_directory(m_Folder / szFolder);
+    Put(m_Folder / "a/f.bmp", GreyBlock(300, 300));
+    Put(m_Folder / "b/f.bmp", EmptyPlaten());
+    const StEnded ended =
+        Report(RawTarget(), {"--json", "--empty", "b/f.bmp", "--finger", "a/f.bmp", "b/f.bmp"});
+
+    const json told = ResultsOf(ended.m_Out, "report").at(0);
+    EXPECT_EQ(told.at("platen").at("file"), "b/f.bmp");
+    EXPECT_EQ(told.at("fingers").at(0).at("file"), "a/f.bmp");
+    EXPECT_THAT(told.at("fingers").at(0).at("error").get<std::string>(),
+                StartsWith("The library does not correct it: -14 "));
+    EXPECT_EQ(told.at("fingers").at(1).at("file"), "b/f.bmp");
+    EXPECT_FALSE(told.at("fingers").at(1).contains("error"));
 }
 
 TEST_F(Qk7Report, WritesThePageToStandardOutput) {

@@ -131,6 +131,17 @@ TEST_F(Qk7Verify, NamesWhatItCannotJudge) {
         "that it was made from.\n");
 }
 
+TEST_F(Qk7Verify, ReadsWhatIsNamedForBlocksOfTheOtherKind) {
+    for (const Arguments& arguments :
+         {Arguments{"scanner.cal", "-d", "none"},
+          Arguments{"scanner.pre", "-d", "scanner.cal", "--target", "none"}}) {
+        const StEnded ended = Verify(arguments);
+        EXPECT_EQ(ended.m_nExit, 1);
+        EXPECT_EQ(ended.m_Out, "");
+        EXPECT_EQ(ended.m_Err, "qk7 verify: none: No such file or directory\n");
+    }
+}
+
 TEST_F(Qk7Verify, NamesATableThatIsCutOff) {
     const Bytes table = Get(m_Folder / "scanner.pre");
     Put(m_Folder / "cut.pre", Bytes(table.begin(), table.begin() + 1000));

@@ -8,6 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 using namespace TestSupport;
 using qk7::FilesInFolder;
 using testing::ElementsAre;
@@ -74,6 +76,23 @@ TEST_F(Qk7FilesInFolder, AreAFaultWhereSeveralAreAsGood) {
                                                      "empty_1.bmp and empty_2.bmp; leave one"));
     Add({"empty.bmp", "target.png"});
     EXPECT_THAT(Fault(), HasSubstr("several pictures of one kind: target.bmp and target.png"));
+}
+
+// Without it the scanner would be judged by another plate, in silence.
+TEST_F(Qk7FilesInFolder, CountAPlateThatLeadsNowhere) {
+    Add({"target.bmp"});
+    std::filesystem::create_symlink("nowhere/plate.cal", m_Folder / "plate.cal");
+    EXPECT_EQ(Files().m_Reference, m_Folder / "plate.cal");
+}
+
+TEST(Qk7FilesInAFolder, ThatCannotBeReadAreToldInTheSystemsWords) {
+    const ClTestFolder folder;
+    try {
+        FilesInFolder(folder / "none");
+        FAIL() << "nothing was thrown";
+    } catch (const qk7::ClFailure& failure) {
+        EXPECT_STREQ(failure.what(), (folder / "none" + ": No such file or directory").c_str());
+    }
 }
 
 TEST_F(Qk7FilesInFolder, LeaveOutAllRuledOnes) {

@@ -15,7 +15,7 @@ using namespace TestSupport;
 namespace {
 
 const char* szCommands[] = {"generate", "check",  "calibrate", "contamination", "precalculate",
-                            "info",     "errors", "simulate",  "verify"};
+                            "info",     "errors", "simulate",  "verify",        "report"};
 
 } // namespace
 
@@ -122,6 +122,11 @@ TEST(Qk7Errors, TakesANegativeNumber) {
                            "Prior initialization is necessary.\n");
     EXPECT_EQ(Qk7({"errors", "-701"}).m_Out.substr(0, 28), " -701  QMT_ERROR_BAD_POINTER");
     EXPECT_EQ(Qk7({"errors", "0"}).m_Out.substr(0, 18), "    0  QMT_SUCCESS");
+}
+
+TEST(Qk7Errors, TellsAFailureAsJsonWhereThatIsAskedForAlone) {
+    EXPECT_EQ(Qk7({"errors", "--json=true", "5"}).m_Out.substr(0, 1), "{");
+    EXPECT_EQ(Qk7({"errors", "--json=false", "5"}).m_Out, "");
 }
 
 TEST(Qk7Errors, RefusesANumberThatIsNone) {
