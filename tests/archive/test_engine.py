@@ -1,10 +1,13 @@
 """What the cluster does with work that fails."""
+import contextlib
 import types
 
+import dask
+import distributed
 import pytest
 from distributed.scheduler import KilledWorker
 
-from archive_correction.engine import Run
+from archive_correction.engine import Run, cluster
 
 
 def doubled(items):
@@ -18,6 +21,23 @@ def doubled(items):
 
 def results(client, batches, ahead=2):
     return list(Run(client, doubled, ahead).results(batches))
+
+
+def test_own_workers_that_die_are_never_given_up(monkeypatch):
+    """However long one takes to start again: with none left the job would wait for good."""
+    patience = []
+
+    @contextlib.contextmanager
+    def seen(*_, **__):
+        patience.append(dask.config.get("distributed.deploy.lost-worker-timeout"))
+        yield
+        patience.append(dask.config.get("distributed.deploy.lost-worker-timeout"))
+
+    monkeypatch.setattr(distributed, "LocalCluster", seen)
+    monkeypatch.setattr(distributed, "Client", lambda **_: contextlib.nullcontext())
+    with cluster(None, 1, 1):
+        pass
+    assert patience == 2 * ["365 days"]
 
 
 def test_each_list_comes_back_with_its_result(client):

@@ -13,7 +13,8 @@ import zipfile
 import pytest
 import qk7
 
-from archive_correction.job import Summary, run_job
+from archive_correction.job import Job, Summary, run_job
+from archive_correction.journal import Journal
 from archive_correction.station import JobFault
 
 
@@ -244,6 +245,26 @@ def test_scanner_with_a_new_block_is_corrected_anew(run, plan, blocks, tmp_path)
     assert run(scanners=str(scanners))[:3] == (0, 60, 0)
 
 
+def test_image_that_was_made_and_not_noted_is_not_taken_for_the_former_one(
+        run, plan, blocks, tmp_path, whole):
+    """Another block is tried, the job is killed with its first image written, and the former block is
+    put back.
+    """
+    run()
+    scanners = shutil.copytree(blocks, tmp_path / "blocks")
+    (scanners / "loop.cal").write_bytes(with_other_background((blocks / "loop.cal").read_bytes()))
+    tried = plan._replace(scanners=str(scanners))
+    image = os.path.join(plan.order.output, "images/loop/00.bmp")
+    size = os.path.getsize(image)
+    with Journal(os.path.join(plan.order.output, "journal.jsonl"), plan.order.options) as journal:
+        Job(tried, journal)._find_kept()
+    assert not os.path.exists(image)
+    with open(image, "wb") as file:
+        file.write(bytes(size))
+    assert run()[:3] == (20, 40, 0)
+    whole()
+
+
 def test_results_that_hold_no_longer_do_not_stay(run, plan, blocks, expected, tmp_path):
     scanners = shutil.copytree(blocks, tmp_path / "blocks")
     run()
@@ -322,6 +343,14 @@ def test_captures_never_become_their_own_results(plan, copied):
         with pytest.raises(ValueError, match="take their place"):
             run_job(plan._replace(order=order), None)
     assert (archive / "loop/00.bmp").read_bytes() == before
+
+
+def test_folder_of_captures_beside_the_results_stays(client, plan, copied, expected):
+    """Whatever its name: what a run removes is its own."""
+    archive = copied.rename(copied.parent / "aside")
+    order = plan.order._replace(archive=str(archive), output=str(archive.parent))
+    assert run_job(plan._replace(order=order), client)[:3] == (len(expected), 0, 0)
+    assert (archive / "loop/00.bmp").exists()
 
 
 @pytest.mark.parametrize("name", ["manifest.jsonl", "manifest.csv", "journal.jsonl"])

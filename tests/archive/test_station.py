@@ -9,14 +9,15 @@ import qk7
 
 from archive_correction import station as station_module
 from archive_correction.entry import Entry
-from archive_correction.station import JobFault, Order, Station, Task, bitmap_of
+from archive_correction.station import JobFault, Order, Station, Task, aside_of, bitmap_of
 from archive_correction.tables import TableCache, digest_of
 
 
 @pytest.fixture
 def order(tree, tmp_path):
-    (tmp_path / "out/aside").mkdir(parents=True)
-    return Order(str(tree), str(tmp_path / "out"), str(tmp_path / "tables"))
+    made = Order(str(tree), str(tmp_path / "out"), str(tmp_path / "tables"), run="one")
+    os.makedirs(aside_of(made))
+    return made
 
 
 @pytest.fixture
@@ -52,7 +53,7 @@ def test_good_capture_is_corrected_and_told(correct, entry, order, expected, blo
                            hashlib.sha256((tree / entry.name).read_bytes()).hexdigest(), "")
     assert outcome[6:9] == ("images/loop/00.bmp", len(written), hashlib.sha256(written).hexdigest())
     assert outcome[9:] == tuple(levels)
-    assert os.listdir(os.path.join(order.output, "aside")) == []
+    assert os.listdir(aside_of(order)) == []
 
 
 def test_result_is_renamed_into_place_and_never_written_there(correct, entry, order, monkeypatch):
@@ -64,7 +65,7 @@ def test_result_is_renamed_into_place_and_never_written_there(correct, entry, or
 
     monkeypatch.setattr(os, "replace", replace)
     outcome = correct(entry)
-    assert (os.path.join(order.output, "aside"), False, outcome.output_bytes) in seen
+    assert (aside_of(order), False, outcome.output_bytes) in seen
 
 
 def test_checksum_that_is_told_is_compared(correct, entry, tree):
@@ -151,7 +152,7 @@ def test_table_that_the_library_refuses_is_made_anew(correct, entry, order, bloc
 
 
 def test_folder_that_cannot_be_written_to_stops_the_job(correct, entry, order):
-    os.rmdir(os.path.join(order.output, "aside"))
+    os.rmdir(aside_of(order))
     with pytest.raises(JobFault):
         correct(entry)
 

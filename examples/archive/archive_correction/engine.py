@@ -9,6 +9,7 @@ import contextlib
 from collections.abc import Callable, Iterable, Iterator
 from typing import Any, Generic, Optional, TypeVar
 
+import dask
 import distributed
 from distributed.client import CancelledError
 from distributed.scheduler import KilledWorker
@@ -24,6 +25,8 @@ def cluster(scheduler: Optional[str], workers: int, threads: int) -> Iterator[An
     """
     with contextlib.ExitStack() as ends:
         if scheduler is None:
+            # A worker that a capture killed, or that is slow to start, would be given up for good.
+            ends.enter_context(dask.config.set({"distributed.deploy.lost-worker-timeout": "365 days"}))
             local = distributed.LocalCluster(
                 n_workers=workers, threads_per_worker=threads, processes=True,
                 dashboard_address=":0", silence_logs=50)

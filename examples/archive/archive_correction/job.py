@@ -5,7 +5,7 @@ The folder of results has
     images/         the corrected images, under the names of their captures
     manifest.jsonl  a line for each capture, or manifest.csv; there when the job is done
     journal.jsonl   what is done so far
-    aside/          images that are being written; there while the job runs
+    .aside-RUN/     images that are being written; there while the job runs
 
 All of it follows from what the journal has: a job that is stopped anywhere goes on when it is started
 again.
@@ -16,7 +16,6 @@ import contextlib
 import functools
 import hashlib
 import os
-import shutil
 import uuid
 from array import array
 from collections.abc import Callable, Iterator, Sequence
@@ -28,7 +27,8 @@ from archive_correction.forms import open_archive
 from archive_correction.journal import Journal
 from archive_correction.manifest import FORMS, write_manifest
 from archive_correction.outcome import Outcome, refused
-from archive_correction.station import ASIDE, IMAGES, Order, Task, correct_batch
+from archive_correction.station import (
+    IMAGES, Order, Task, aside_of, correct_batch, remove_asides)
 from archive_correction.tables import digest_of
 
 JOURNAL = "journal.jsonl"
@@ -119,13 +119,14 @@ class Job:
         """JobFault where it cannot go on. What was done until then is kept."""
         self._find_kept()
         self._tell_faults()
-        aside = os.path.join(self._plan.order.output, ASIDE)
-        os.makedirs(aside, exist_ok=True)
-        work = functools.partial(correct_batch, self._plan.order._replace(run=uuid.uuid4().hex))
+        order = self._plan.order._replace(run=uuid.uuid4().hex)
+        remove_asides(order.output)
+        os.makedirs(aside_of(order))
+        work = functools.partial(correct_batch, order)
         run: Run[Task, list[Outcome]] = Run(client, work, self._plan.ahead)
         for tasks, outcomes in run.results(self._batches()):
             self._keep(tasks, outcomes or self._died(tasks))
-        shutil.rmtree(aside, ignore_errors=True)
+        remove_asides(order.output)
         return self._ended()
 
     def _tell_faults(self) -> None:
@@ -144,13 +145,18 @@ class Job:
                              "corrected any more, and all images would go; are both folders what "
                              "they were?")
         stale: set[str] = set()
+        good: set[str] = set()  # by the last that was heard of them
         for place, outcome in self._journal.known():
             position = positions.get(outcome.capture)
             holds = position is not None and self._holds(position, outcome)
             if position is not None:
                 self._places[position] = place if holds else _NOT_DONE
             (stale.discard if holds else stale.add)(outcome.capture)
+            (good.discard if outcome.error else good.add)(outcome.capture)
         self._kept = len(self._entries) - self._places.count(_NOT_DONE)
+        # Else the line would hold again once the former capture or block is back.
+        self._journal.add([refused(Entry(capture, ""), "its image was of another capture or block")
+                           for capture in sorted(stale & good)])
         self._remove(stale)
 
     def _remove(self, captures: set[str]) -> None:

@@ -6,8 +6,10 @@ pool of handles.
 from __future__ import annotations
 
 import contextlib
+import glob
 import hashlib
 import os
+import shutil
 import struct
 import threading
 import uuid
@@ -23,7 +25,7 @@ from archive_correction.outcome import Outcome, refused
 from archive_correction.tables import TableCache, digest_of
 
 IMAGES = "images"
-ASIDE = "aside"
+_ASIDE = ".aside-"
 
 _FILE_HEADER = struct.Struct("<2s8xI")
 
@@ -41,6 +43,17 @@ class Order(NamedTuple):
     handles: int = 8
     #: Another one for each run: what a worker knows of an archive is not believed later.
     run: str = ""
+
+
+def aside_of(order: Order) -> str:
+    """Where a run writes images that are not whole yet."""
+    return os.path.join(order.output, _ASIDE + order.run)
+
+
+def remove_asides(output: str) -> None:
+    """Those of all runs that there were: what still writes to one of them fails."""
+    for folder in glob.glob(os.path.join(glob.escape(output), _ASIDE + "*")):
+        shutil.rmtree(folder, ignore_errors=True)
 
 
 class Task(NamedTuple):
@@ -152,7 +165,7 @@ class Station:
         """Writes an image aside and renames it. Returns its name, size and checksum."""
         output = os.path.join(IMAGES, name)
         path = os.path.join(self._order.output, output)
-        aside = os.path.join(self._order.output, ASIDE, uuid.uuid4().hex)
+        aside = os.path.join(aside_of(self._order), uuid.uuid4().hex)
         os.makedirs(os.path.dirname(path), exist_ok=True)
         corrected.write(aside)
         with open(aside, "rb") as file:

@@ -1,7 +1,6 @@
 """A zip archive that has a folder for each scanner, named by its id."""
 from __future__ import annotations
 
-import lzma
 import zipfile
 import zlib
 from collections.abc import Sequence
@@ -9,13 +8,15 @@ from collections.abc import Sequence
 from archive_correction.entry import MOST_BYTES, Entry, in_folder_of_scanner
 
 _ENCRYPTED = 1
-_FAULTS = (zipfile.BadZipFile, zlib.error, lzma.LZMAError, RuntimeError, EOFError)
+_FAULTS = (zipfile.BadZipFile, zlib.error, RuntimeError, EOFError)
 
 
 def _entry(info: zipfile.ZipInfo) -> Entry:
     entry = in_folder_of_scanner(info.filename, f"{info.file_size} {info.CRC:08x}")
     if info.flag_bits & _ENCRYPTED:
         return entry._replace(fault="the capture is encrypted")
+    if info.compress_type not in (zipfile.ZIP_STORED, zipfile.ZIP_DEFLATED):
+        return entry._replace(fault="the capture is packed in a way that has no limit")
     if info.file_size > MOST_BYTES:
         return entry._replace(fault=f"has {info.file_size} bytes, more than any capture")
     return entry
