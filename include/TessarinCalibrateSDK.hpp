@@ -18,9 +18,9 @@
  *   on success to no error; the other one throws a std::system_error with the same code, and is not
  *   there where exceptions are switched off. The code's value is the status of the C interface, so
  *   that error.value() == QMT_ERROR_BITMAP_DIMENSION asks for one; its category is category().
- * - Ending threads. No call is noexcept: a thread that is cancelled unwinds through a call. To end
- * a Calibrator, or to assign to one, is noexcept and no call: cancelling waits, and a log of the
- *   application must not end the thread itself there.
+ * - Ending threads. No call is noexcept: a thread that is cancelled unwinds through a call.
+ *   Ending a Calibrator, or assigning to one, is noexcept and no call: cancelling waits, and a log
+ *   of the application must not end the thread itself there.
  * - Blocks are spans of bytes: std::span in C++20, a small class of the same shape in C++17. The
  *   caller owns them; they are used during the call only. Blocks that go in are never written to.
  * - Memory. A call that takes a span allocates nothing beyond what the library does. One that gives
