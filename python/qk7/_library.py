@@ -1,7 +1,7 @@
 """The shared library and the types of its functions.
 
 Through ctypes the package is the same on every processor and needs no compiler to install; other
-threads of Python run while a function of the library does.
+threads of Python run while a function of the library does, but for the end of a handle.
 """
 from __future__ import annotations
 
@@ -41,6 +41,18 @@ SIGNATURES: dict[str, tuple[Any, list[Any]]] = {
 }
 
 
+def _keep_turn(library: ctypes.CDLL, function: str) -> None:
+    """No other thread of Python runs while the function does.
+
+    The collector may end an object in sys._current_frames(), which profilers call again and again.
+    Python 3.11 has a lock there, and a thread that runs then and asks for it, too, keeps the turn and
+    waits for ever.
+    """
+    kept = getattr(ctypes.PyDLL(library._name, handle=library._handle), function)
+    kept.restype, kept.argtypes = SIGNATURES[function]
+    setattr(library, function, kept)
+
+
 @functools.lru_cache(maxsize=None)
 def shared_library() -> ctypes.CDLL:
     """The library, loaded when it is first asked for.
@@ -53,6 +65,7 @@ def shared_library() -> ctypes.CDLL:
         for function, (result, arguments) in SIGNATURES.items():
             getattr(loaded, function).restype = result
             getattr(loaded, function).argtypes = arguments
+        _keep_turn(loaded, "CalibrateDelete")
     except (OSError, AttributeError) as fault:  # AttributeError: it has no such function
         raise OSError(f"the calibration library cannot be loaded: {fault}; install it, or name its "
                       f"file in the environment variable {VARIABLE}") from fault

@@ -1,7 +1,9 @@
 """What a worker does with captures, good and bad."""
+import gc
 import hashlib
 import json
 import os
+import weakref
 
 import numpy as np
 import pytest
@@ -181,6 +183,20 @@ def test_worker_keeps_the_stations_of_few_jobs(order, monkeypatch):
         station_module._station_of(order._replace(run=run))
     assert len(station_module._stations) == 4
     assert station_module._station_of(order) is not first
+
+
+def test_station_that_is_left_behind_ends_at_once(order, entry, block, monkeypatch):
+    """The collector would release its handles and its archive wherever it happens to be run."""
+    monkeypatch.setattr(station_module, "_stations", {})
+    first = weakref.ref(station_module._station_of(order))
+    assert first().correct([Task(0, entry, block)])[0].error == ""
+    gc.disable()
+    try:
+        for run in "1234":
+            station_module._station_of(order._replace(run=run))
+        assert first() is None
+    finally:
+        gc.enable()
 
 
 def test_outcome_is_json(correct, entry):

@@ -63,6 +63,23 @@ def test_forgotten_calibrator_releases_its_handle(deleted):
     assert len(deleted) == 1
 
 
+def test_end_of_calibrators_lets_no_other_thread_run():
+    calibrators = [qk7.Calibrator() for _ in range(2000)]
+    gate, ran = threading.Lock(), []
+    gate.acquire()
+    other = threading.Thread(target=lambda: (gate.acquire(), ran.append("other")))
+    other.start()
+    time.sleep(0.1)  # until it waits
+    interval = sys.getswitchinterval()
+    sys.setswitchinterval(60)
+    gate.release()
+    calibrators.clear()
+    ran.append("this")
+    sys.setswitchinterval(interval)
+    other.join()
+    assert ran == ["this", "other"]
+
+
 def test_calibrator_that_cannot_be_made_releases_its_handle(deleted):
     for number, arguments in enumerate([{"data": b"none"}, {"data": 7}, {"geometry": "round"}]):
         with pytest.raises((qk7.CalibrationError, TypeError, ValueError)) as caught:

@@ -93,6 +93,40 @@ def _require_capture_fault(fault: qk7.CalibrationError) -> None:
         raise JobFault(str(fault)) from fault
 
 
+class _Starter:
+    """Makes the handles of a job. It knows nothing of the pool, so that the end of a station releases
+    all handles at once and leaves none to the collector, which runs at times of its own.
+    """
+
+    def __init__(self, options: tuple[str, ...], tables: TableCache) -> None:
+        self._options = options
+        self._tables = tables
+
+    def start(self, block: bytes) -> qk7.Calibrator:
+        table = self._tables.table(block)
+        try:
+            return self._loaded(block, table)
+        except qk7.CalibrationError as fault:
+            _require_capture_fault(fault)
+        return self._loaded(block, self._tables.renew(block, table))
+
+    def with_options(self) -> qk7.Calibrator:
+        with contextlib.ExitStack() as undone:
+            calibrator = undone.enter_context(qk7.Calibrator())
+            for option in (*self._options, "PrecalculatedData=true"):
+                calibrator.set_option(option)
+            undone.pop_all()
+        return calibrator
+
+    def _loaded(self, block: bytes, table: qk7.ByteArray) -> qk7.Calibrator:
+        with contextlib.ExitStack() as undone:
+            calibrator = undone.enter_context(self.with_options())
+            calibrator.set_data(block)
+            calibrator.set_precalculated_data(table)
+            undone.pop_all()
+        return calibrator
+
+
 class Station:
     """Corrects the captures of one job."""
 
@@ -100,12 +134,12 @@ class Station:
         """JobFault where the worker lacks what it needs."""
         self._order = order
         try:
-            self._with_options().close()
+            starter = _Starter(order.options, TableCache(order.cache))
+            starter.with_options().close()
             self._archive = open_archive(order.archive)
-            self._tables = TableCache(order.cache)
         except (OSError, ValueError, qk7.CalibrationError) as fault:
             raise JobFault(str(fault)) from fault
-        self._pool = HandlePool(self._started, order.handles)
+        self._pool = HandlePool(starter.start, order.handles)
 
     def correct(self, tasks: Sequence[Task]) -> list[Outcome]:
         """An outcome for each task, in their order; all are of one scanner. JobFault where it is not
@@ -121,30 +155,6 @@ class Station:
             return [refused(task.entry, error, digest_of(block)) for task in tasks]
         except (OSError, ValueError) as fault:
             raise JobFault(str(fault)) from fault
-
-    def _started(self, block: bytes) -> qk7.Calibrator:
-        table = self._tables.table(block)
-        try:
-            return self._loaded(block, table)
-        except qk7.CalibrationError as fault:
-            _require_capture_fault(fault)
-        return self._loaded(block, self._tables.renew(block, table))
-
-    def _loaded(self, block: bytes, table: qk7.ByteArray) -> qk7.Calibrator:
-        with contextlib.ExitStack() as undone:
-            calibrator = undone.enter_context(self._with_options())
-            calibrator.set_data(block)
-            calibrator.set_precalculated_data(table)
-            undone.pop_all()
-        return calibrator
-
-    def _with_options(self) -> qk7.Calibrator:
-        with contextlib.ExitStack() as undone:
-            calibrator = undone.enter_context(qk7.Calibrator())
-            for option in (*self._order.options, "PrecalculatedData=true"):
-                calibrator.set_option(option)
-            undone.pop_all()
-        return calibrator
 
     def _outcome(self, calibrator: qk7.Calibrator, block: bytes, entry: Entry) -> Outcome:
         sha256 = ""
