@@ -45,7 +45,7 @@ def test_commands_of_the_document_work(programs, tmp_path):
     work.mkdir()
     script = PRELUDE + CITATION + "".join(filter(can_run, blocks))
     done = subprocess.run(["bash", "-c", script], cwd=work, capture_output=True, timeout=120,
-                          env={**os.environ, "PATH": programs})
+                          env={**os.environ, "PATH": programs, "LC_ALL": "C.UTF-8"})
     assert done.returncode == 0, done.stderr.decode()
     made = images(work / "results/images")
     assert len(made) == 4
